@@ -1,0 +1,1 @@
+// Placeholder translation unit for a source folder that has no code yet.

@@ -1,0 +1,120 @@
+// The artwork store: databases, symbols, items, entries, pad stacks, object arrays and maps,
+// behind the kernel's operation names. Everything here is single-threaded.
+//
+// Handles are 32-bit: a slot number and a generation. A slot remembers the kind of object it holds,
+// so a stale or wrong-kind handle is refused by every operation, which then returns its failure
+// value (0 or negative) and changes nothing. Lookups are O(1); arrays are plain vectors of handles.
+// Arrays that are searched by position (OA_Cover) keep a spatial index that is built on first use
+// and kept up to date on every change; symbol frames are cached until the symbol changes.
+#pragma once
+
+#include "kernel/KernelTypes.h"
+
+#include <memory>
+#include <string>
+
+namespace tvx {
+
+class Store {
+public:
+  // Opens a store with one database named projectName, one hierarchy, 32 layers, and an empty
+  // symbol map: the state the host leaves when the component starts.
+  explicit Store(const std::string& projectName = "PROJECT");
+  ~Store();
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  // Database.
+  ObjectHandle DB_DataBase() const;
+  int32_t DB_CurHier() const;
+  MapHandle DB_HierarchyMap() const;
+  ArrayHandle DB_LayerArray() const;
+  MapHandle DB_SymbMap() const;
+  ArrayHandle DB_LayoutTextArray() const;
+  uint8_t* DB_TextSizeTable();  // 384 bytes
+
+  // Objects.
+  const char* O_GetName(ObjectHandle object) const;  // nullptr on failure
+  int32_t O_GetStatus(ObjectHandle object) const;
+  int32_t O_Mask(ObjectHandle object, int32_t value, int32_t mask);
+  int32_t O_ChangePosition(ObjectHandle entry, int32_t x, int32_t y);
+
+  // Object arrays, 1-based.
+  int32_t OA_GetCount(ArrayHandle array) const;
+  ObjectHandle OA_Object(ArrayHandle array, int32_t index) const;
+  int32_t OA_Add(ArrayHandle array, ObjectHandle object);
+  int32_t OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index);
+  int32_t OA_Delete(ArrayHandle array, int32_t index);
+  int32_t OA_MaskAll(ArrayHandle array, int32_t value, int32_t mask);
+  int32_t OA_SearchMask(ArrayHandle array, int32_t firstIndex, int32_t mask) const;
+  // First index from firstIndex on whose object covers (x, y) within tolerance; 0 when none.
+  // kinds is 15 on entry arrays and 0 on item arrays; the last two arguments are unused.
+  int32_t OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_t y, int32_t tolerance,
+                   int32_t kinds, int32_t unused1 = 0, int32_t unused2 = 0);
+
+  // Object maps, walked in key order.
+  ObjectHandle OM_Object(MapHandle map, int32_t key) const;
+  int32_t OM_Add(MapHandle map, ObjectHandle object, int32_t key);
+  int32_t OM_Delete(MapHandle map, int32_t key);
+  int32_t OM_GetFirst(MapHandle map) const;
+  int32_t OM_SearchMask(MapHandle map, int32_t* cursor, int32_t value, int32_t mask) const;
+
+  // Items.
+  ObjectHandle I_MakeItem(const ItemRecord& record);
+  // The two size values go to Width and Height in this order, as I_ReadItem gives them back.
+  ObjectHandle I_MakeText(int32_t x, int32_t y, int32_t angle, int32_t size1, int32_t size2,
+                          const std::string& text, int32_t attributes, int32_t colour,
+                          int32_t lineWidth);
+  ObjectHandle I_MakeTTFText(const ItemRecord& record, const std::string& text,
+                             const std::string& face);
+  int32_t I_ReadItem(ObjectHandle item, ItemRecord& record) const;
+  int32_t I_ReadItemAbs(ObjectHandle item, ItemRecord& record) const;
+  int32_t I_FrameItem(ObjectHandle item, FrameRect& frame) const;
+  int32_t I_ChangeItemAttr(ObjectHandle item, int32_t attributes, int32_t colour, int32_t style,
+                           int32_t lineWidth);
+  int32_t I_ChangeItemLink(ObjectHandle item, int32_t link);
+  int32_t I_ChangeItemGap(ObjectHandle item, int32_t gap);
+  int32_t I_ChangeItemXY(ObjectHandle item, const ItemRecord& record);
+  int32_t I_ChangeTextSize(ObjectHandle item, int32_t size1, int32_t size2);
+  void I_APtoLP(int32_t& x, int32_t& y) const;
+
+  // Symbols.
+  ObjectHandle S_Symbol(SymbolId id) const;
+  SymbolId S_CreateSymbol(SymbolId id, const std::string& name);
+  SymbolId S_CopySymbol(SymbolId source, SymbolId target);
+  ArrayHandle S_SymbolItemArray(SymbolId id) const;
+  ArrayHandle S_SymbolEntryArray(SymbolId id) const;
+  MapHandle S_SymbolPadStackMap(SymbolId id) const;
+  ArrayHandle C_CompTextArray(SymbolId id);
+  ArrayHandle L_CompTextArray(SymbolId id);
+  ArrayHandle B_BranchTextArray(SymbolId id);
+  ObjectHandle S_SymbolItem(SymbolId id, int32_t index) const;
+  ObjectHandle S_Entry(SymbolId id, int32_t index) const;
+  int32_t S_ReadEntry(SymbolId id, int32_t index, EntryRecord& record) const;
+  int32_t S_InsertEntry(SymbolId id, int32_t where, int32_t x, int32_t y);
+  int32_t S_ChangePadRotation(SymbolId id, int32_t index, int32_t rotation);
+  int32_t S_ChangePadPadStack(SymbolId id, int32_t index, int32_t padStackKey);
+  int32_t S_FrameSymbolItems(SymbolId id, int32_t mask, FrameRect& frame);
+  int32_t S_FrameSymbolEntries(SymbolId id, int32_t mask, FrameRect& frame);
+  void S_SetCompLocation(int32_t x, int32_t y, int32_t angle, int32_t mirror);
+  void S_SetPadLocation(int32_t x, int32_t y, int32_t rotation);
+  // Component search before a cover search of entries. This store holds no placed components,
+  // so it never finds one and returns 0.
+  int32_t L_CoverComponent(int32_t, int32_t, int32_t, int32_t* word, int32_t kinds, int32_t,
+                           int32_t) const;
+
+  // Pad stacks.
+  ObjectHandle S_MakePadStack();
+  int32_t S_ChangePadStackHole(ObjectHandle padStack, int32_t diameter, int32_t kind);
+  int32_t S_ReadPadStack(ObjectHandle padStack, PadStackRecord& record) const;
+  ArrayHandle S_PadStackItemArray(ObjectHandle padStack) const;
+
+  // Number of live objects of all kinds; for tests and diagnostics.
+  size_t liveObjectCount() const;
+
+private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace tvx

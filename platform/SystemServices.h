@@ -1,0 +1,54 @@
+// The suite's service object: settings file, message catalogue, store units, questions.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tvx {
+
+class UserPrompts;
+
+class SystemServices {
+public:
+  explicit SystemServices(UserPrompts* prompts = nullptr);
+  ~SystemServices();
+  SystemServices(const SystemServices&) = delete;
+  SystemServices& operator=(const SystemServices&) = delete;
+
+  void setPrompts(UserPrompts* prompts) { prompts_ = prompts; }
+  UserPrompts* prompts() const { return prompts_; }
+
+  // Names the settings file for all later reads and writes.
+  void SetIniFile(const std::string& path);
+  const std::string& iniFile() const { return iniFile_; }
+
+  int32_t DatabaseUnitsPerMm() const { return unitsPerMm_; }
+  void SetDatabaseUnitsPerMm(int32_t units) { unitsPerMm_ = units; }
+
+  std::string GetIniString(const std::string& section, const std::string& key,
+                           const std::string& defaultValue) const;
+  // Writes one setting; status 0 on success, 1 when the file could not be written.
+  void WriteIniString(const std::string& section, const std::string& key, const std::string& value,
+                      int32_t& status);
+
+  // The catalogue's text for id, or defaultText when the catalogue has none.
+  std::string LocalMessage(const std::string& defaultText, const std::string& id) const;
+  // Loads the catalogue of one language folder; an unreadable folder leaves it empty.
+  void loadCatalogue(const std::string& languagePath);
+
+  // A modal yes/no question; true is yes.
+  bool AskYesNo(const std::string& prompt, const std::string& title);
+
+  static std::string StringFromPointer(const char* text) { return text ? std::string(text) : std::string(); }
+  // Adds a trailing separator when the path has none; returns the text.
+  static std::string EnsureBackslash(std::string& path);
+
+private:
+  class Catalogue;
+  UserPrompts* prompts_ = nullptr;
+  std::string iniFile_;
+  int32_t unitsPerMm_ = 100000;
+  Catalogue* catalogue_ = nullptr;
+};
+
+}  // namespace tvx
