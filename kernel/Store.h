@@ -109,11 +109,17 @@ public:
   int32_t S_ReadPadStack(ObjectHandle padStack, PadStackRecord& record) const;
   ArrayHandle S_PadStackItemArray(ObjectHandle padStack) const;
 
+  // Deletes an object that no array or map holds (an item or pad stack whose adding failed).
+  // Returns 0 for an object that has an owner or is not live.
+  int32_t deleteFreeObject(ObjectHandle object);
+
   // Number of live objects of all kinds; for tests and diagnostics.
   size_t liveObjectCount() const;
 
-private:
+  // The store's internal data; opaque outside the store's own files.
   class Impl;
+
+private:
   std::unique_ptr<Impl> impl_;
 };
 

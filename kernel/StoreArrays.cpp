@@ -1,0 +1,278 @@
+// Object arrays and maps: counting, walking, adding, deleting, masks and cover searches.
+#include "kernel/StoreImpl.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+
+namespace tvx {
+
+namespace {
+// Arrays shorter than this are searched directly; longer ones get a spatial index on first use.
+constexpr size_t IndexThreshold = 48;
+
+// The cursor value that stands before the first key of a map.
+constexpr int32_t WalkStart = INT32_MIN;
+
+int32_t* ownerField(Store::Impl& s, int32_t object) {
+  if (ItemData* d = s.item(object))
+    return &d->owner;
+  if (EntryData* e = s.entry(object))
+    return &e->owner;
+  if (NamedData* n = s.namedObject(object))
+    return &n->owner;
+  if (SymbolData* sym = s.symbolObject(object))
+    return &sym->owner;
+  if (PadStackData* p = s.padStack(object))
+    return &p->owner;
+  return nullptr;
+}
+
+void setPosition(Store::Impl& s, int32_t object, int32_t position) {
+  if (ItemData* d = s.item(object))
+    d->position = position;
+  else if (EntryData* e = s.entry(object))
+    e->position = position;
+}
+}  // namespace
+
+void Store::Impl::touchArray(int32_t arrayHandle) {
+  ArrayData* a = array(arrayHandle);
+  if (!a)
+    return;
+  ++a->version;
+  if (a->padStackItems)
+    ++padEpoch;
+}
+
+Box Store::Impl::memberBox(const ArrayData& a, int32_t member) {
+  if (a.element == ObjectKind::Entry) {
+    const EntryData* e = entry(member);
+    return {e->x, e->y, e->x, e->y};
+  }
+  const ItemData* d = item(member);
+  return itemFrame(d->f, textLength(*d));
+}
+
+void Store::Impl::indexMember(ArrayData& a, int32_t member) {
+  if (!a.index)
+    return;
+  uint32_t id = table.find(member, a.element);
+  a.index->insert(id, memberBox(a, member));
+}
+
+void Store::Impl::unindexMember(ArrayData& a, int32_t member) {
+  if (!a.index)
+    return;
+  a.index->remove(table.find(member, a.element));
+}
+
+void Store::Impl::reindexMember(ArrayData& a, int32_t member) {
+  if (!a.index)
+    return;
+  unindexMember(a, member);
+  indexMember(a, member);
+}
+
+void Store::Impl::buildIndex(ArrayData& a) {
+  if (a.element == ObjectKind::Entry)
+    a.index = std::make_unique<SpatialIndex>(
+        [this](uint32_t id) -> uint32_t& { return entries.data[id].spatialNode; });
+  else
+    a.index = std::make_unique<SpatialIndex>(
+        [this](uint32_t id) -> uint32_t& { return items.data[id].spatialNode; });
+  for (int32_t member : a.objects)
+    indexMember(a, member);
+}
+
+int32_t Store::OA_GetCount(ArrayHandle array) const {
+  ArrayData* a = impl_->array(array);
+  return a ? int32_t(a->objects.size()) : 0;
+}
+
+ObjectHandle Store::OA_Object(ArrayHandle array, int32_t index) const {
+  ArrayData* a = impl_->array(array);
+  if (!a || index < 1 || size_t(index) > a->objects.size())
+    return 0;
+  return a->objects[size_t(index) - 1];
+}
+
+int32_t Store::OA_Add(ArrayHandle array, ObjectHandle object) {
+  return OA_Insert(array, object, OA_GetCount(array) + 1);
+}
+
+int32_t Store::OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || s.table.kindOf(object) != a->element || index < 1 ||
+      size_t(index) > a->objects.size() + 1)
+    return 0;
+  int32_t* owner = ownerField(s, object);
+  if (!owner || *owner != 0)
+    return 0;  // an object belongs to one container at most
+  *owner = array;
+  a->objects.insert(a->objects.begin() + (index - 1), object);
+  for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
+    setPosition(s, a->objects[i], int32_t(i + 1));
+  s.indexMember(*a, object);
+  s.touchArray(array);
+  return index;
+}
+
+int32_t Store::OA_Delete(ArrayHandle array, int32_t index) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || index < 1 || size_t(index) > a->objects.size())
+    return 0;
+  int32_t object = a->objects[size_t(index) - 1];
+  s.unindexMember(*a, object);
+  a->objects.erase(a->objects.begin() + (index - 1));
+  for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
+    setPosition(s, a->objects[i], int32_t(i + 1));
+  s.touchArray(array);
+  s.destroy(object);
+  return 1;
+}
+
+int32_t Store::OA_MaskAll(ArrayHandle array, int32_t value, int32_t mask) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a)
+    return 0;
+  for (int32_t object : a->objects) {
+    if (ItemData* d = s.item(object))
+      d->f.Attributes = (d->f.Attributes & ~mask) | (value & mask);
+    else if (EntryData* e = s.entry(object))
+      e->attributes = (e->attributes & ~mask) | (value & mask);
+    else if (NamedData* n = s.namedObject(object))
+      n->attributes = (n->attributes & ~mask) | (value & mask);
+  }
+  s.touchArray(array);
+  return 1;
+}
+
+int32_t Store::OA_SearchMask(ArrayHandle array, int32_t firstIndex, int32_t mask) const {
+  ArrayData* a = impl_->array(array);
+  if (!a)
+    return 0;
+  for (size_t i = size_t(std::max(firstIndex, 1)); i <= a->objects.size(); ++i)
+    if (O_GetStatus(a->objects[i - 1]) & mask)
+      return int32_t(i);
+  return 0;
+}
+
+int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_t y,
+                        int32_t tolerance, int32_t kinds, int32_t, int32_t) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || (a->element != ObjectKind::Item && a->element != ObjectKind::Entry))
+    return 0;
+  firstIndex = std::max(firstIndex, 1);
+  if (size_t(firstIndex) > a->objects.size())
+    return 0;
+  double tol = std::max(0, tolerance);
+  auto covers = [&](int32_t member) {
+    if (a->element == ObjectKind::Entry)
+      return s.entryCovers(*s.entry(member), x, y, tol);
+    ItemData* d = s.item(member);
+    return itemCovers(d->f, s.textLength(*d), x, y, tol);
+  };
+
+  if (a->objects.size() - size_t(firstIndex) < IndexThreshold) {
+    for (size_t i = size_t(firstIndex); i <= a->objects.size(); ++i)
+      if (covers(a->objects[i - 1]))
+        return int32_t(i);
+    return 0;
+  }
+
+  if (!a->index)
+    s.buildIndex(*a);
+  double reach = tol;
+  if (a->element == ObjectKind::Entry) {
+    SymbolData* sym = s.symbolObject(a->ownerSymbol);
+    reach += sym ? s.symbolReach(*sym) : 0.0;
+  }
+  int32_t r = clampToInt32(std::ceil(reach));
+  Box query{clampToInt32(double(x) - r), clampToInt32(double(y) - r), clampToInt32(double(x) + r),
+            clampToInt32(double(y) + r)};
+  int32_t best = INT32_MAX;
+  a->index->query(query, [&](uint32_t id, const Box&) {
+    int32_t position;
+    int32_t member;
+    if (a->element == ObjectKind::Entry) {
+      position = s.entries.data[id].position;
+      member = s.entries.data[id].self;
+    } else {
+      position = s.items.data[id].position;
+      member = s.items.data[id].self;
+    }
+    if (position >= firstIndex && position < best && covers(member))
+      best = position;
+  });
+  return best == INT32_MAX ? 0 : best;
+}
+
+int32_t Store::deleteFreeObject(ObjectHandle object) {
+  int32_t* owner = ownerField(*impl_, object);
+  if (!owner || *owner != 0 || impl_->table.kindOf(object) == ObjectKind::Database)
+    return 0;
+  impl_->destroy(object);
+  return 1;
+}
+
+ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {
+  MapData* m = impl_->map(map);
+  if (!m)
+    return 0;
+  auto it = m->objects.find(key);
+  return it == m->objects.end() ? 0 : it->second;
+}
+
+int32_t Store::OM_Add(MapHandle map, ObjectHandle object, int32_t key) {
+  Impl& s = *impl_;
+  MapData* m = s.map(map);
+  if (!m || key == 0 || key == WalkStart || s.table.kindOf(object) != m->element ||
+      m->objects.count(key))
+    return 0;
+  int32_t* owner = ownerField(s, object);
+  if (!owner || *owner != 0)
+    return 0;
+  *owner = map;
+  m->objects[key] = object;
+  if (m->element == ObjectKind::PadStack)
+    ++s.padEpoch;
+  return key;
+}
+
+int32_t Store::OM_Delete(MapHandle map, int32_t key) {
+  Impl& s = *impl_;
+  MapData* m = s.map(map);
+  if (!m)
+    return 0;
+  auto it = m->objects.find(key);
+  if (it == m->objects.end())
+    return 0;
+  int32_t object = it->second;
+  m->objects.erase(it);
+  s.destroy(object);
+  return 1;
+}
+
+int32_t Store::OM_GetFirst(MapHandle) const { return WalkStart; }
+
+int32_t Store::OM_SearchMask(MapHandle map, int32_t* cursor, int32_t value, int32_t mask) const {
+  MapData* m = impl_->map(map);
+  if (!m || !cursor)
+    return 0;
+  auto it = *cursor == WalkStart ? m->objects.begin() : m->objects.upper_bound(*cursor);
+  for (; it != m->objects.end(); ++it) {
+    if (((O_GetStatus(it->second) ^ value) & mask) == 0) {
+      *cursor = it->first;
+      return it->first;
+    }
+  }
+  *cursor = m->objects.empty() ? WalkStart : m->objects.rbegin()->first;
+  return 0;
+}
+
+}  // namespace tvx

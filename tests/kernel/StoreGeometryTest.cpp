@@ -1,0 +1,318 @@
+// Frames, cover searches, symbol copies and the store's locations.
+#include "kernel/ItemGeometry.h"
+#include "kernel/Store.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace tvx {
+namespace {
+
+ItemRecord make(int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t pen = 0,
+                uint8_t style = StyleOpen, int32_t angle = 0, int32_t sweep = 0) {
+  ItemRecord r;
+  r.Type = type;
+  r.Attributes = attr::Shown;
+  r.X = x;
+  r.Y = y;
+  r.Width = w;
+  r.Height = h;
+  r.LineWidth = pen;
+  r.Style = style;
+  r.Angle = angle;
+  r.Sweep = sweep;
+  return r;
+}
+
+FrameRect frameOf(const ItemRecord& r) {
+  Store s;
+  FrameRect f;
+  EXPECT_EQ(s.I_FrameItem(s.I_MakeItem(r), f), 1);
+  return f;
+}
+
+TEST(ItemFrames, EveryTypeIncludesItsPen) {
+  EXPECT_EQ(frameOf(make(ItemLine, 0, 0, 1000, -500, 100)), (FrameRect{-50, -550, 1050, 50}));
+  EXPECT_EQ(frameOf(make(ItemCircle, 100, 100, 50, 0, 10)), (FrameRect{45, 45, 155, 155}));
+  // A quarter arc from 0 to 90 degrees passes no other axis point.
+  EXPECT_EQ(frameOf(make(ItemArc, 0, 0, 1000, 0, 0, 0, 0, 90000)), (FrameRect{0, 0, 1000, 1000}));
+  // The same arc swept clockwise from 90 covers the same points.
+  EXPECT_EQ(frameOf(make(ItemArc, 0, 0, 1000, 90000, 0, 0, 0, -90000)),
+            (FrameRect{0, 0, 1000, 1000}));
+  // An arc from 45 through 180 to 225 reaches the top and the left.
+  FrameRect f = frameOf(make(ItemArc, 0, 0, 1000, 45000, 0, 0, 0, 180000));
+  EXPECT_EQ(f.MaxY, 1000);
+  EXPECT_EQ(f.MinX, -1000);
+  EXPECT_NEAR(f.MinY, -707, 1);
+  EXPECT_NEAR(f.MaxX, 707, 1);
+  // A rectangle turned a quarter about its lower left corner lies left of it.
+  EXPECT_EQ(frameOf(make(ItemRectangle, 0, 0, 200, 100, 0, StyleFilled, 90000)),
+            (FrameRect{-100, 0, 0, 200}));
+  // A rectangle with a negative width (mirrored) extends to the left.
+  EXPECT_EQ(frameOf(make(ItemRectangle, 0, 0, -200, 100, 0, StyleFilled)),
+            (FrameRect{-200, 0, 0, 100}));
+  EXPECT_EQ(frameOf(make(ItemTriangle, 0, 0, 100, 0, 0, StyleFilled, 50, 80)),
+            (FrameRect{0, 0, 100, 80}));
+}
+
+TEST(ItemCover, ShapesArePickedWithinTolerance) {
+  auto covers = [](const ItemRecord& r, double x, double y, double tol) {
+    return itemCovers(fieldsOf(r), r.Text.size(), x, y, tol);
+  };
+  ItemRecord ln = make(ItemLine, 0, 0, 1000, 0, 100);
+  EXPECT_TRUE(covers(ln, 500, 60, 10));   // pen half 50 + tolerance 10
+  EXPECT_FALSE(covers(ln, 500, 61, 0));
+  EXPECT_TRUE(covers(ln, 1050, 0, 0));    // round end
+  ItemRecord ring = make(ItemCircle, 0, 0, 1000, 0, 20, StyleOpen);
+  EXPECT_FALSE(covers(ring, 0, 0, 5));
+  EXPECT_TRUE(covers(ring, 1005, 0, 0));
+  ItemRecord disc = make(ItemCircle, 0, 0, 1000, 0, 20, StyleFilled);
+  EXPECT_TRUE(covers(disc, 0, 0, 0));
+  EXPECT_FALSE(covers(disc, 1005, 0, 0)) << "no pen on a filled area";
+  ItemRecord arc = make(ItemArc, 0, 0, 1000, 0, 0, 0, 0, 90000);
+  EXPECT_TRUE(covers(arc, 0, 1000, 1));
+  EXPECT_FALSE(covers(arc, 0, -1000, 1));
+  ItemRecord box = make(ItemRectangle, 0, 0, 200, 100, 0, StyleFilled, 90000);
+  EXPECT_TRUE(covers(box, -50, 150, 0));
+  EXPECT_FALSE(covers(box, 50, 150, 0));
+  ItemRecord open = make(ItemRectangle, 0, 0, 200, 100, 0, StyleOpen);
+  EXPECT_FALSE(covers(open, 100, 50, 10));
+  EXPECT_TRUE(covers(open, 100, 95, 10));
+}
+
+// The indexed search must give exactly what a walk of the whole array gives.
+TEST(StoreCover, IndexedSearchAgreesWithFullWalkThroughChanges) {
+  Store s;
+  s.S_CreateSymbol(1, "S");
+  ArrayHandle a = s.S_SymbolItemArray(1);
+  std::mt19937 rng(7);
+  std::uniform_int_distribution<int32_t> pos(-200000, 200000), size(0, 20000), type(0, 3);
+  auto randomItem = [&] {
+    switch (type(rng)) {
+    case 0:
+      return make(ItemLine, pos(rng), pos(rng), size(rng) - 10000, size(rng) - 10000, size(rng) / 10);
+    case 1:
+      return make(ItemCircle, pos(rng), pos(rng), size(rng), 0, 100, uint8_t(16 * (rng() & 1)));
+    case 2:
+      return make(ItemRectangle, pos(rng), pos(rng), size(rng), size(rng), 0, StyleFilled,
+                  int32_t(rng() % 360000));
+    default:
+      return make(ItemArc, pos(rng), pos(rng), size(rng), int32_t(rng() % 360000), 50, 0, 0,
+                  int32_t(rng() % 720000) - 360000);
+    }
+  };
+  for (int i = 0; i < 3000; ++i)
+    s.OA_Add(a, s.I_MakeItem(randomItem()));
+
+  auto walk = [&](int32_t first, int32_t x, int32_t y, int32_t tol) {
+    for (int32_t i = first; i <= s.OA_GetCount(a); ++i) {
+      ItemRecord r;
+      s.I_ReadItem(s.OA_Object(a, i), r);
+      if (itemCovers(fieldsOf(r), 0, x, y, tol))
+        return i;
+    }
+    return 0;
+  };
+  auto check = [&](int rounds) {
+    for (int q = 0; q < rounds; ++q) {
+      int32_t x = pos(rng), y = pos(rng), tol = int32_t(rng() % 3000);
+      int32_t first = 1 + int32_t(rng() % 2000);
+      ASSERT_EQ(s.OA_Cover(a, first, x, y, tol, 0), walk(first, x, y, tol))
+          << "at " << x << "," << y << " tol " << tol << " from " << first;
+    }
+  };
+  check(300);
+  // Move, reshape, delete and insert, then compare again.
+  for (int i = 0; i < 500; ++i) {
+    int32_t index = 1 + int32_t(rng() % s.OA_GetCount(a));
+    switch (rng() % 3) {
+    case 0:
+      s.I_ChangeItemXY(s.OA_Object(a, index), randomItem());
+      break;
+    case 1:
+      s.OA_Delete(a, index);
+      break;
+    default:
+      s.OA_Insert(a, s.I_MakeItem(randomItem()), index);
+    }
+  }
+  check(300);
+}
+
+TEST(StoreCover, EntriesAndFirstIndex) {
+  Store s;
+  s.S_CreateSymbol(-76531, "drill");
+  ASSERT_EQ(s.S_InsertEntry(-76531, -1, 1000, 2000), 1);
+  ArrayHandle entries = s.S_SymbolEntryArray(-76531);
+  s.L_CoverComponent(0, 0, 0, nullptr, 15, 0, 0);
+  EXPECT_EQ(s.OA_Cover(entries, 1, 1000, 2000, 1, 15), 1) << "exact repeat of the point";
+  EXPECT_EQ(s.OA_Cover(entries, 2, 1000, 2000, 1, 15), 0) << "first index beyond the only entry";
+  EXPECT_EQ(s.OA_Cover(entries, 1, 1002, 2000, 1, 15), 0);
+
+  // A pad stack with a rotated rectangle pad: the entry covers the pad's area, turned.
+  ObjectHandle pad = s.S_MakePadStack();
+  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(make(ItemRectangle, 0, -100, 5000, 200, 0,
+                                                          StyleFilled)));
+  ASSERT_EQ(s.OM_Add(s.S_SymbolPadStackMap(-76531), pad, 10), 10);
+  s.S_ChangePadPadStack(-76531, 1, 10);
+  s.S_ChangePadRotation(-76531, 1, 90000);
+  EXPECT_EQ(s.OA_Cover(entries, 1, 1000, 6000, 1, 15), 1);
+  EXPECT_EQ(s.OA_Cover(entries, 1, 6000, 2000, 1, 15), 0);
+
+  // Many entries: continuing a search after a hit finds the next one on the same point.
+  for (int i = 0; i < 200; ++i)
+    s.S_InsertEntry(-76531, -1, i * 10000, 0);
+  s.S_InsertEntry(-76531, -1, 50000, 0);
+  int32_t hit = s.OA_Cover(entries, 1, 50000, 0, 1, 15);
+  EXPECT_EQ(hit, 7);
+  EXPECT_EQ(s.OA_Cover(entries, hit + 1, 50000, 0, 1, 15), 202);
+  EXPECT_EQ(s.OA_Cover(entries, 203, 50000, 0, 1, 15), 0);
+  // A hole reaches its radius.
+  s.S_ChangePadStackHole(pad, 3000, 1);
+  s.S_ChangePadPadStack(-76531, 100, 10);
+  EXPECT_EQ(s.OA_Cover(entries, 2, 98 * 10000 - 1400, 0, 1, 15), 100);
+}
+
+TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
+  Store s;
+  s.S_CreateSymbol(3, "S");
+  FrameRect f;
+  EXPECT_EQ(s.S_FrameSymbolItems(3, -1, f), 0) << "no items, no frame";
+  EXPECT_EQ(f, FrameRect{});
+  ArrayHandle a = s.S_SymbolItemArray(3);
+  s.OA_Add(a, s.I_MakeItem(make(ItemLine, 0, 0, 100, 100)));
+  ObjectHandle far = s.I_MakeItem(make(ItemCircle, 5000, 5000, 10, 0));
+  s.OA_Add(a, far);
+  ASSERT_EQ(s.S_FrameSymbolItems(3, -1, f), 1);
+  EXPECT_EQ(f, (FrameRect{0, 0, 5010, 5010}));
+
+  // The frame of a selection: mark, frame with the mark, clear.
+  s.OA_MaskAll(a, 0, attr::PolygonFrameMark);
+  s.O_Mask(far, attr::PolygonFrameMark, attr::PolygonFrameMark);
+  ASSERT_EQ(s.S_FrameSymbolItems(3, attr::PolygonFrameMark, f), 1);
+  EXPECT_EQ(f, (FrameRect{4990, 4990, 5010, 5010}));
+  s.OA_MaskAll(a, 0, attr::PolygonFrameMark);
+  EXPECT_EQ(s.S_FrameSymbolItems(3, attr::PolygonFrameMark, f), 0);
+
+  // A moved item moves the frame (the cached frame is not reused).
+  s.I_ChangeItemXY(far, make(ItemCircle, -5000, 0, 10, 0));
+  s.S_FrameSymbolItems(3, -1, f);
+  EXPECT_EQ(f, (FrameRect{-5010, -10, 100, 100}));
+
+  // The component location applies to the frame.
+  s.S_SetCompLocation(1000, 0, 0, 0);
+  s.S_FrameSymbolItems(3, -1, f);
+  EXPECT_EQ(f.MinX, -4010);
+  s.S_SetCompLocation(0, 0, 0, 0);
+
+  // Entries frame with their pad stacks.
+  s.S_InsertEntry(3, -1, 100, 100);
+  ObjectHandle pad = s.S_MakePadStack();
+  s.S_ChangePadStackHole(pad, 40, 1);
+  s.OM_Add(s.S_SymbolPadStackMap(3), pad, 1);
+  s.S_ChangePadPadStack(3, 1, 1);
+  ASSERT_EQ(s.S_FrameSymbolEntries(3, -1, f), 1);
+  EXPECT_EQ(f, (FrameRect{80, 80, 120, 120}));
+}
+
+TEST(StoreCopy, CopyReplacesTargetEntirely) {
+  Store s;
+  s.S_CreateSymbol(-76501, "$$GIS_CAT-76501");
+  s.S_CreateSymbol(-76551, "old undo");
+  s.OA_Add(s.S_SymbolItemArray(-76551), s.I_MakeItem(make(ItemLine, 9, 9, 9, 9)));
+  s.S_InsertEntry(-76551, -1, 9, 9);
+  s.OM_Add(s.S_SymbolPadStackMap(-76551), s.S_MakePadStack(), 99);
+
+  ObjectHandle text = s.I_MakeText(5, 5, 0, 100, 80, "J1", attr::Shown | attr::Text, 2, 10);
+  s.I_ChangeItemLink(text, 12);
+  s.OA_Add(s.S_SymbolItemArray(-76501), text);
+  ObjectHandle pad = s.S_MakePadStack();
+  s.S_ChangePadStackHole(pad, 800, 2);
+  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(make(ItemCircle, 0, 0, 500, 0, 0, 16)));
+  s.OM_Add(s.S_SymbolPadStackMap(-76501), pad, 11);
+  int32_t e = s.S_InsertEntry(-76501, -1, 300, 400);
+  s.S_ChangePadPadStack(-76501, e, 11);
+  s.S_ChangePadRotation(-76501, e, 45000);
+  s.O_Mask(s.S_Entry(-76501, e), attr::Shown, attr::Shown);
+
+  ASSERT_EQ(s.S_CopySymbol(-76501, -76551), -76551);
+  EXPECT_STREQ(s.O_GetName(s.S_Symbol(-76551)), "$$GIS_CAT-76501");
+  ASSERT_EQ(s.OA_GetCount(s.S_SymbolItemArray(-76551)), 1);
+  ItemRecord r;
+  s.I_ReadItem(s.S_SymbolItem(-76551, 1), r);
+  EXPECT_EQ(r.Text, "J1");
+  EXPECT_EQ(r.Link, 12);
+  EXPECT_EQ(s.OM_Object(s.S_SymbolPadStackMap(-76551), 99), 0) << "old pad stacks are gone";
+  ObjectHandle padCopy = s.OM_Object(s.S_SymbolPadStackMap(-76551), 11);
+  PadStackRecord pr;
+  ASSERT_GT(s.S_ReadPadStack(padCopy, pr), 0);
+  EXPECT_EQ(pr.HoleDiameter, 800);
+  EXPECT_EQ(s.OA_GetCount(s.S_PadStackItemArray(padCopy)), 1);
+  EntryRecord er;
+  ASSERT_EQ(s.OA_GetCount(s.S_SymbolEntryArray(-76551)), 1);
+  ASSERT_NE(s.S_ReadEntry(-76551, 1, er), 0);
+  EXPECT_EQ(er.X, 300);
+  EXPECT_EQ(er.Rotation, 45000);
+  EXPECT_EQ(er.PadStack, 11);
+  EXPECT_EQ(er.Attributes, attr::Shown);
+
+  // The copy is independent of the source.
+  s.OA_Delete(s.S_SymbolItemArray(-76501), 1);
+  EXPECT_EQ(s.OA_GetCount(s.S_SymbolItemArray(-76551)), 1);
+  EXPECT_EQ(s.S_CopySymbol(-1, -76551), 0) << "no source";
+}
+
+TEST(StoreLocations, AbsoluteReadsAndTheirInverse) {
+  Store s;
+  ObjectHandle ln = s.I_MakeItem(make(ItemLine, 100, 0, 50, 0));
+  ObjectHandle rect = s.I_MakeItem(make(ItemRectangle, 10, 0, 20, 10, 0, StyleFilled));
+  ObjectHandle arc = s.I_MakeItem(make(ItemArc, 0, 0, 100, 0, 0, 0, 0, 90000));
+  ItemRecord r;
+
+  s.S_SetCompLocation(1000, 2000, 90000, 0);
+  s.I_ReadItemAbs(ln, r);
+  EXPECT_EQ(r.X, 1000);
+  EXPECT_EQ(r.Y, 2100);
+  EXPECT_EQ(r.Width, 0);
+  EXPECT_EQ(r.Height, 50);
+  int32_t x = 1000, y = 2100;
+  s.I_APtoLP(x, y);
+  EXPECT_EQ(x, 100);
+  EXPECT_EQ(y, 0);
+
+  // Mirror: X negated before the turn; a rectangle keeps its corner and flips its width,
+  // an arc flips its sweep.
+  s.S_SetCompLocation(0, 0, 0, 1);
+  s.I_ReadItemAbs(rect, r);
+  EXPECT_EQ(r.X, -10);
+  EXPECT_EQ(r.Width, -20);
+  s.I_ReadItemAbs(arc, r);
+  EXPECT_EQ(r.Height, 180000);
+  EXPECT_EQ(r.Sweep, -90000);
+  FrameRect before, after;
+  s.S_SetCompLocation(0, 0, 0, 0);
+  s.I_FrameItem(arc, before);
+  s.S_SetCompLocation(0, 0, 0, 1);
+  Store scratch;
+  s.I_ReadItemAbs(arc, r);
+  scratch.I_FrameItem(scratch.I_MakeItem(r), after);
+  EXPECT_EQ(after, (FrameRect{-before.MaxX, before.MinY, -before.MinX, before.MaxY}));
+
+  // The pad location comes first, then the component location.
+  s.S_SetCompLocation(0, 0, 0, 0);
+  s.S_SetPadLocation(10, 20, 180000);
+  s.I_ReadItemAbs(ln, r);
+  EXPECT_EQ(r.X, -90);
+  EXPECT_EQ(r.Y, 20);
+  EXPECT_EQ(r.Width, -50);
+  x = -90;
+  y = 20;
+  s.I_APtoLP(x, y);
+  EXPECT_EQ(x, 100);
+  EXPECT_EQ(y, 0);
+  s.S_SetPadLocation(0, 0, 0);
+}
+
+}  // namespace
+}  // namespace tvx
