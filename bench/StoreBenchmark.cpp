@@ -1,1 +1,152 @@
+// The store on a board of a million elements: building, walking, framing and picking.
+#include "kernel/Store.h"
+
 #include <benchmark/benchmark.h>
+
+#include <random>
+
+namespace tvx {
+namespace {
+
+constexpr SymbolId Layer = -76501;
+constexpr int32_t Board = 30000000;  // 300 mm square
+
+// A million mixed items spread over the board like copper: short traces, pads, arcs, pours.
+void fill(Store& s, int count) {
+  s.S_CreateSymbol(Layer, "$$GIS_CAT-76501");
+  ArrayHandle a = s.S_SymbolItemArray(Layer);
+  std::mt19937 rng(1);
+  std::uniform_int_distribution<int32_t> pos(0, Board), len(-200000, 200000);
+  for (int i = 0; i < count; ++i) {
+    ItemRecord r;
+    r.Attributes = attr::Shown;
+    r.X = pos(rng);
+    r.Y = pos(rng);
+    switch (i % 4) {
+    case 0:
+      r.Type = ItemLine;
+      r.Width = len(rng);
+      r.Height = len(rng);
+      r.LineWidth = 25400;
+      break;
+    case 1:
+      r.Type = ItemCircle;
+      r.Width = 50000;
+      r.Style = StyleFilled;
+      break;
+    case 2:
+      r.Type = ItemRectangle;
+      r.Width = 150000;
+      r.Height = 80000;
+      r.Style = StyleFilled;
+      break;
+    default:
+      r.Type = ItemArc;
+      r.Width = 100000;
+      r.Height = 0;
+      r.Sweep = 180000;
+      r.LineWidth = 20000;
+    }
+    s.OA_Add(a, s.I_MakeItem(r));
+  }
+}
+
+void BM_Build(benchmark::State& state) {
+  for (auto _ : state) {
+    Store s;
+    fill(s, int(state.range(0)));
+    benchmark::DoNotOptimize(s.OA_GetCount(s.S_SymbolItemArray(Layer)));
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_Build)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+struct Board1M {
+  Store store;
+  Board1M() { fill(store, 1000000); }
+};
+Board1M& board() {
+  static Board1M b;
+  return b;
+}
+
+// The walk the layers do: the array fetched anew for each element, as callers do.
+void BM_Walk(benchmark::State& state) {
+  Store& s = board().store;
+  int64_t sum = 0;
+  for (auto _ : state) {
+    int32_t n = s.OA_GetCount(s.S_SymbolItemArray(Layer));
+    ItemRecord r;
+    for (int32_t i = 1; i <= n; ++i) {
+      s.I_ReadItem(s.OA_Object(s.S_SymbolItemArray(Layer), i), r);
+      sum += r.X;
+    }
+  }
+  benchmark::DoNotOptimize(sum);
+  state.SetItemsProcessed(state.iterations() * 1000000);
+}
+BENCHMARK(BM_Walk)->Unit(benchmark::kMillisecond);
+
+// A full frame after a change (no cache), and a repeated frame (cached).
+void BM_FrameAfterChange(benchmark::State& state) {
+  Store& s = board().store;
+  FrameRect f;
+  ObjectHandle first = s.S_SymbolItem(Layer, 1);
+  for (auto _ : state) {
+    s.O_Mask(first, attr::Shown, attr::Shown);
+    s.S_FrameSymbolItems(Layer, -1, f);
+  }
+  benchmark::DoNotOptimize(f);
+}
+BENCHMARK(BM_FrameAfterChange)->Unit(benchmark::kMillisecond);
+
+void BM_FrameCached(benchmark::State& state) {
+  Store& s = board().store;
+  FrameRect f;
+  for (auto _ : state)
+    s.S_FrameSymbolItems(Layer, -1, f);
+  benchmark::DoNotOptimize(f);
+}
+BENCHMARK(BM_FrameCached);
+
+// Picks at 1000 points with a pick tolerance of 0.2 mm; the first pick builds the index.
+void BM_Pick(benchmark::State& state) {
+  Store& s = board().store;
+  ArrayHandle a = s.S_SymbolItemArray(Layer);
+  s.OA_Cover(a, 1, 0, 0, 20000, 0);
+  std::mt19937 rng(2);
+  std::uniform_int_distribution<int32_t> pos(0, Board);
+  std::vector<std::pair<int32_t, int32_t>> points(1000);
+  for (auto& p : points)
+    p = {pos(rng), pos(rng)};
+  int64_t hits = 0;
+  for (auto _ : state)
+    for (auto [x, y] : points)
+      hits += s.OA_Cover(a, 1, x, y, 20000, 0) != 0;
+  benchmark::DoNotOptimize(hits);
+  state.SetItemsProcessed(state.iterations() * 1000);
+  state.counters["hit_ratio"] = double(hits) / double(state.iterations() * 1000);
+}
+BENCHMARK(BM_Pick)->Unit(benchmark::kMillisecond);
+
+// Drill import: test each hole's point against the entries so far, then add it.
+void BM_DrillPlacement(benchmark::State& state) {
+  for (auto _ : state) {
+    Store s;
+    s.S_CreateSymbol(-76531, "drill");
+    ArrayHandle entries = s.S_SymbolEntryArray(-76531);
+    std::mt19937 rng(3);
+    std::uniform_int_distribution<int32_t> pos(0, Board / 100);
+    for (int i = 0; i < state.range(0); ++i) {
+      int32_t x = pos(rng) * 100, y = pos(rng) * 100;
+      if (!s.OA_Cover(entries, 1, x, y, 1, 15))
+        s.S_InsertEntry(-76531, -1, x, y);
+    }
+    benchmark::DoNotOptimize(s.OA_GetCount(entries));
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_DrillPlacement)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,71 @@
+#include "store/AddElement.h"
+
+namespace tvx {
+
+void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& symbol,
+                const ItemRecord& record, const std::string& text, int32_t& index,
+                const std::string& face) {
+  status = 1;
+  index = 0;
+  if (record.Type == ItemPadEntry) {
+    int32_t entry = store.S_InsertEntry(symbol, -1, record.X, record.Y);
+    if (entry <= 0)
+      return;
+    store.S_ChangePadRotation(symbol, entry, record.Angle);
+    store.S_ChangePadPadStack(symbol, entry, record.Link);
+    store.O_Mask(store.S_Entry(symbol, entry), record.Attributes, record.Attributes);
+    index = entry;
+    status = 0;
+    return;
+  }
+
+  ObjectHandle item = 0;
+  if (record.Type == ItemVectorText) {
+    item = store.I_MakeText(record.X, record.Y, record.Angle, record.Width, record.Height, text,
+                            record.Attributes, record.Colour, record.LineWidth);
+    store.O_Mask(item, attr::Text, attr::Text);
+    if (record.Style & 32)
+      store.I_ChangeItemAttr(item, record.Attributes, record.Colour, 32, record.LineWidth);
+  } else if (record.Type == ItemTrueTypeText) {
+    item = store.I_MakeTTFText(record, text, face);
+    store.O_Mask(item, attr::Text, attr::Text);
+  } else {
+    item = store.I_MakeItem(record);
+  }
+  if (!item)
+    return;
+  store.I_ChangeItemLink(item, record.Link);
+  store.I_ChangeItemGap(item, record.Gap);
+
+  ArrayHandle array = 0;
+  switch (place) {
+  case PlaceSymbolItems:
+    array = store.S_SymbolItemArray(symbol);
+    break;
+  case PlaceCompText:
+    array = store.C_CompTextArray(symbol);
+    break;
+  case PlaceLayoutCompText:
+    array = store.L_CompTextArray(symbol);
+    break;
+  case PlaceLayoutText:
+    array = store.DB_LayoutTextArray();
+    break;
+  case PlaceBranchText:
+    array = store.B_BranchTextArray(symbol);
+    break;
+  default:
+    break;
+  }
+  int32_t added = store.OA_Add(array, item);
+  if (added == 0) {
+    store.deleteFreeObject(item);  // nobody would own it
+    return;
+  }
+  if (place == PlaceLayoutCompText || place == PlaceLayoutText)
+    store.O_Mask(item, attr::Text, attr::Text);
+  index = added;
+  status = 0;
+}
+
+}  // namespace tvx
