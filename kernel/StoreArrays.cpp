@@ -85,6 +85,81 @@ void Store::Impl::buildIndex(ArrayData& a) {
     indexMember(a, member);
 }
 
+namespace {
+// Appends the outline of one polygon side to a ring of points; arcs are followed in short chords.
+void appendSide(const ItemFields& f, std::vector<std::pair<double, double>>& ring) {
+  if (f.Type == ItemArc) {
+    int32_t start = f.Height, sweep = f.Sweep;
+    bool clockwise = sweep < 0;
+    normaliseArc(start, sweep);
+    int steps = std::max(2, sweep / 10000);
+    for (int i = 0; i <= steps; ++i) {
+      double t = clockwise ? double(steps - i) / steps : double(i) / steps;
+      double a = (start + t * sweep) / 1000.0 * 3.14159265358979323846 / 180.0;
+      ring.emplace_back(f.X + f.Width * std::cos(a), f.Y + f.Width * std::sin(a));
+    }
+    return;
+  }
+  ring.emplace_back(f.X, f.Y);
+  if (f.Type == ItemLine)
+    ring.emplace_back(double(f.X) + f.Width, double(f.Y) + f.Height);
+}
+
+bool insideRing(const std::vector<std::pair<double, double>>& ring, double x, double y) {
+  bool inside = false;
+  for (size_t i = 0, j = ring.size() - 1; i < ring.size(); j = i++) {
+    auto [xi, yi] = ring[i];
+    auto [xj, yj] = ring[j];
+    if ((yi > y) != (yj > y) && x < xj + (y - yj) * (xi - xj) / (yi - yj))
+      inside = !inside;
+  }
+  return inside;
+}
+}  // namespace
+
+int32_t Store::Impl::filledRunHit(ArrayData& a, int32_t firstIndex, double x, double y) {
+  if (a.element != ObjectKind::Item)
+    return INT32_MAX;
+  if (a.runsVersion != a.version) {
+    a.filledRuns.clear();
+    for (size_t i = 0; i < a.objects.size(); ++i) {
+      const ItemData* d = item(a.objects[i]);
+      int32_t bits = d->f.Attributes;
+      if (!(bits & attr::PolygonSide) || !(bits & attr::PolygonFirst) ||
+          d->f.Style != StyleFilled)
+        continue;
+      FilledRun run{int32_t(i + 1), 0, itemFrame(d->f, 0)};
+      for (size_t j = i; j < a.objects.size(); ++j) {
+        const ItemData* side = item(a.objects[j]);
+        if (!(side->f.Attributes & attr::PolygonSide) || (j > i && (side->f.Attributes & attr::PolygonFirst)))
+          break;
+        Box b = itemFrame(side->f, 0);
+        run.frame = {std::min(run.frame.minX, b.minX), std::min(run.frame.minY, b.minY),
+                     std::max(run.frame.maxX, b.maxX), std::max(run.frame.maxY, b.maxY)};
+        if (side->f.Attributes & attr::PolygonLast) {
+          run.last = int32_t(j + 1);
+          break;
+        }
+      }
+      if (run.last)
+        a.filledRuns.push_back(run);
+    }
+    a.runsVersion = a.version;
+  }
+  std::vector<std::pair<double, double>> ring;
+  for (const FilledRun& run : a.filledRuns) {
+    if (run.first < firstIndex || x < run.frame.minX || x > run.frame.maxX ||
+        y < run.frame.minY || y > run.frame.maxY)
+      continue;
+    ring.clear();
+    for (int32_t i = run.first; i <= run.last; ++i)
+      appendSide(item(a.objects[size_t(i) - 1])->f, ring);
+    if (ring.size() >= 3 && insideRing(ring, x, y))
+      return run.first;  // runs are in index order: the first hit is the lowest
+  }
+  return INT32_MAX;
+}
+
 int32_t Store::OA_GetCount(ArrayHandle array) const {
   ArrayData* a = impl_->array(array);
   return a ? int32_t(a->objects.size()) : 0;
@@ -178,11 +253,13 @@ int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_
     return itemCovers(d->f, s.textLength(*d), x, y, tol);
   };
 
+  // The area of a filled polygon counts as well as its sides.
+  int32_t best = s.filledRunHit(*a, firstIndex, x, y);
   if (a->objects.size() - size_t(firstIndex) < IndexThreshold) {
-    for (size_t i = size_t(firstIndex); i <= a->objects.size(); ++i)
+    for (size_t i = size_t(firstIndex); i <= a->objects.size() && int32_t(i) < best; ++i)
       if (covers(a->objects[i - 1]))
         return int32_t(i);
-    return 0;
+    return best == INT32_MAX ? 0 : best;
   }
 
   if (!a->index)
@@ -195,7 +272,6 @@ int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_
   int32_t r = clampToInt32(std::ceil(reach));
   Box query{clampToInt32(double(x) - r), clampToInt32(double(y) - r), clampToInt32(double(x) + r),
             clampToInt32(double(y) + r)};
-  int32_t best = INT32_MAX;
   a->index->query(query, [&](uint32_t id, const Box&) {
     int32_t position;
     int32_t member;

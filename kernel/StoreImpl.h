@@ -69,6 +69,13 @@ struct FrameCacheEntry {
   bool any = false;
 };
 
+// A filled polygon run of an item array: its first and last side and its frame.
+struct FilledRun {
+  int32_t first = 0;
+  int32_t last = 0;
+  Box frame;
+};
+
 struct ArrayData {
   ObjectKind element = ObjectKind::Item;
   int32_t self = 0;
@@ -78,6 +85,8 @@ struct ArrayData {
   uint64_t version = 0;
   std::unique_ptr<SpatialIndex> index;
   std::vector<FrameCacheEntry> frames;
+  std::vector<FilledRun> filledRuns;  // valid while runsVersion == version
+  uint64_t runsVersion = UINT64_MAX;
 };
 
 struct MapData {
@@ -184,6 +193,10 @@ public:
   Box entryFrame(EntryData& e);
 
   bool frameOf(ArrayData& a, int32_t mask, Box& frame);
+
+  // Lowest first-side index from firstIndex on of a filled run whose area holds (x, y);
+  // INT32_MAX when none.
+  int32_t filledRunHit(ArrayData& a, int32_t firstIndex, double x, double y);
 
 private:
   template <class T> T* lookup(Pool<T>& pool, int32_t h, ObjectKind kind) {

@@ -316,3 +316,40 @@ TEST(StoreLocations, AbsoluteReadsAndTheirInverse) {
 
 }  // namespace
 }  // namespace tvx
+
+namespace tvx {
+namespace {
+
+// A filled polygon is picked inside its area, at its first side; an open one only on its sides.
+TEST(StoreCover, FilledPolygonsArePickedInside) {
+  Store s;
+  s.S_CreateSymbol(1, "S");
+  ArrayHandle a = s.S_SymbolItemArray(1);
+  auto side = [&](int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t sweep,
+                  int32_t bits, uint8_t style) {
+    ItemRecord r = make(type, x, y, w, h, 1, style, 0, sweep);
+    r.Attributes |= attr::PolygonSide | bits;
+    s.OA_Add(a, s.I_MakeItem(r));
+  };
+  for (int copy = 0; copy < 30; ++copy)  // enough items for the indexed search too
+    side(ItemLine, 900000 + copy, 0, 1, 0, 0, 0, 0);
+  // A "D" shape: a straight side and a half circle, filled: indices 31 and 32.
+  side(ItemLine, 0, -1000, 0, 2000, 0, attr::PolygonFirst, StyleFilled);
+  side(ItemArc, 0, 0, 1000, 90000, -180000, attr::PolygonLast, StyleFilled);
+  // The same shape open, 10000 to the right: indices 33 and 34.
+  side(ItemLine, 10000, -1000, 0, 2000, 0, attr::PolygonFirst, StyleOpen);
+  side(ItemArc, 10000, 0, 1000, 90000, -180000, attr::PolygonLast, StyleOpen);
+  for (int extra = 0; extra < 2; ++extra) {
+    SCOPED_TRACE(extra);
+    EXPECT_EQ(s.OA_Cover(a, 1, 500, 0, 0, 0), 31);
+    EXPECT_EQ(s.OA_Cover(a, 32, 500, 0, 0, 0), 0) << "the area belongs to the first side";
+    EXPECT_EQ(s.OA_Cover(a, 1, -500, 0, 0, 0), 0) << "left of the straight side";
+    EXPECT_EQ(s.OA_Cover(a, 1, 10500, 0, 0, 0), 0) << "open polygons have no area";
+    EXPECT_EQ(s.OA_Cover(a, 1, 11000, 0, 2, 0), 34);
+    for (int i = 0; i < 40; ++i)  // grow past the direct-search size
+      side(ItemLine, 800000 + i, 0, 1, 0, 0, 0, 0);
+  }
+}
+
+}  // namespace
+}  // namespace tvx
