@@ -30,7 +30,7 @@ function(tvx_test name folder)
   endif()
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE ${ARGN} GTest::gtest GTest::gtest_main GTest::gmock)
-  target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/tests/support)
   target_compile_definitions(test_${name} PRIVATE
     TVX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TVX_DATA_DIR="${CMAKE_BINARY_DIR}/bin")
   add_dependencies(test_${name} tvx_data)

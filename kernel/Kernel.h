@@ -1,7 +1,8 @@
-// The kernel stand-in: one artwork store and the shared strings and tables. One per component;
-// a test builds its own.
+// The kernel stand-in: one artwork store, the shared strings and tables, and the drawing engine.
+// One per component; a test builds its own.
 #pragma once
 
+#include "kernel/Graphics.h"
 #include "kernel/KernelStrings.h"
 #include "kernel/Store.h"
 
@@ -10,6 +11,7 @@ namespace tvx {
 struct Kernel {
   Store store;
   KernelStrings strings;
+  Graphics graphics{store, strings};
 };
 
 }  // namespace tvx

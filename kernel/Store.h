@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -108,6 +109,11 @@ public:
   int32_t S_ChangePadStackHole(ObjectHandle padStack, int32_t diameter, int32_t kind);
   int32_t S_ReadPadStack(ObjectHandle padStack, PadStackRecord& record) const;
   ArrayHandle S_PadStackItemArray(ObjectHandle padStack) const;
+
+  // Positions (1-based, ascending) of the members of an item or entry array whose frames meet the
+  // box; entries count by their points grown by the reach of the symbol's pads. Uses the array's
+  // spatial index, made on first use.
+  void membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions);
 
   // Deletes an object that no array or map holds (an item or pad stack whose adding failed).
   // Returns 0 for an object that has an owner or is not live.

@@ -296,6 +296,27 @@ int32_t Store::deleteFreeObject(ObjectHandle object) {
   return 1;
 }
 
+void Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions) {
+  positions.clear();
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || (a->element != ObjectKind::Item && a->element != ObjectKind::Entry))
+    return;
+  if (!a->index)
+    s.buildIndex(*a);
+  int32_t grow = 0;
+  if (a->element == ObjectKind::Entry)
+    if (SymbolData* sym = s.symbolObject(a->ownerSymbol))
+      grow = clampToInt32(std::ceil(s.symbolReach(*sym)));
+  Box query{clampToInt32(double(box.MinX) - grow), clampToInt32(double(box.MinY) - grow),
+            clampToInt32(double(box.MaxX) + grow), clampToInt32(double(box.MaxY) + grow)};
+  bool entries = a->element == ObjectKind::Entry;
+  a->index->query(query, [&](uint32_t id, const Box&) {
+    positions.push_back(entries ? s.entries.data[id].position : s.items.data[id].position);
+  });
+  std::sort(positions.begin(), positions.end());
+}
+
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {
   MapData* m = impl_->map(map);
   if (!m)

@@ -1,0 +1,368 @@
+// Shapes and store elements drawn on an open device.
+#include "kernel/GraphicsImpl.h"
+
+#include <QPainterPath>
+#include <QPolygonF>
+
+#include <cmath>
+#include <numbers>
+
+namespace tvx {
+
+namespace {
+
+constexpr double DegToRad = std::numbers::pi / 180.0;
+
+bool meets(const FrameRect& a, const Box& b) {
+  return b.minX <= a.MaxX && a.MinX <= b.maxX && b.minY <= a.MaxY && a.MinY <= b.maxY;
+}
+
+// Appends an arc (centre, radius, start, sweep in thousandths of a degree) to a path in device
+// coordinates, from the end nearer to the path's current point when join is set.
+void appendArc(const Device& d, QPainterPath& path, const ItemFields& f, bool join) {
+  double r = std::abs(double(f.Width));
+  double start = f.Height / 1000.0, sweep = f.Sweep / 1000.0;
+  auto pointAt = [&](double degrees) {
+    double a = degrees * DegToRad;
+    return d.toDevice(f.X + r * std::cos(a), f.Y + r * std::sin(a));
+  };
+  QPointF from = pointAt(start), to = pointAt(start + sweep);
+  if (join && path.elementCount() > 0) {
+    QPointF here = path.currentPosition();
+    if (QLineF(here, to).length() < QLineF(here, from).length()) {
+      start += sweep;
+      sweep = -sweep;
+      std::swap(from, to);
+    }
+    path.lineTo(from);
+  } else {
+    path.moveTo(from);
+  }
+  int steps = std::max(2, int(std::ceil(std::abs(sweep) / 5.0)));
+  double radiusPx = r * d.scale;
+  if (radiusPx < 4)
+    steps = std::min(steps, 8);
+  for (int i = 1; i <= steps; ++i)
+    path.lineTo(pointAt(start + sweep * i / steps));
+}
+
+QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
+  auto at = [&](double dx, double dy) {
+    double a = f.Angle / 1000.0 * DegToRad, c = std::cos(a), s = std::sin(a);
+    return d.toDevice(f.X + dx * c - dy * s, f.Y + dx * s + dy * c);
+  };
+  if (f.Type == ItemTriangle)
+    return QPolygonF({d.toDevice(f.X, f.Y), d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height),
+                      d.toDevice(double(f.X) + f.Angle, double(f.Y) + f.Sweep)});
+  double w = f.Width, h = f.Height;
+  if (f.Type == ItemVectorText || f.Type == ItemTrueTypeText) {
+    int32_t tw = 0, th = 0;
+    textBoxSize(f.Type, f.Width, f.Height, textLength, tw, th);
+    w = tw;
+    h = th;
+  }
+  return QPolygonF({at(0, 0), at(w, 0), at(w, h), at(0, h)});
+}
+
+}  // namespace
+
+void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::string* text,
+                                    const std::string* face) {
+  QPainter& p = *d.painter;
+  bool filled = f.Style == StyleFilled;
+  switch (f.Type) {
+  case ItemLine:
+    applyPen(d, f.Colour, penstyle::Outline, f.LineWidth);
+    p.drawLine(d.toDevice(f.X, f.Y), d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height));
+    break;
+  case ItemCircle: {
+    applyPen(d, f.Colour, filled ? penstyle::Filled : penstyle::Outline, filled ? 0 : f.LineWidth);
+    if (filled && !isOutlineView(d))
+      p.setPen(Qt::NoPen);
+    double r = std::abs(double(f.Width)) * d.scale;
+    QPointF c = d.toDevice(f.X, f.Y);
+    if (r < 0.5 && filled)
+      r = 0.5;  // a disc smaller than a pixel still shows
+    p.drawEllipse(c, r, r);
+    break;
+  }
+  case ItemArc: {
+    applyPen(d, f.Colour, penstyle::Outline, f.LineWidth);
+    QPainterPath path;
+    appendArc(d, path, f, false);
+    p.drawPath(path);
+    break;
+  }
+  case ItemTriangle:
+  case ItemRectangle: {
+    applyPen(d, f.Colour, filled ? penstyle::Filled : penstyle::Outline, filled ? 0 : f.LineWidth);
+    if (filled && !isOutlineView(d))
+      p.setPen(Qt::NoPen);
+    QPolygonF corners = cornersOf(d, f, 0);
+    QRectF bounds = corners.boundingRect();
+    if (filled && bounds.width() < 1 && bounds.height() < 1)
+      p.fillRect(QRectF(bounds.center() - QPointF(0.5, 0.5), QSizeF(1, 1)), p.brush());
+    else
+      p.drawPolygon(corners);
+    break;
+  }
+  case ItemVectorText:
+  case ItemTrueTypeText: {
+    if (!text || text->empty())
+      break;
+    applyPen(d, f.Colour, penstyle::Outline, f.LineWidth);
+    int32_t tw = 0, th = 0;
+    textBoxSize(f.Type, f.Width, f.Height, text->size(), tw, th);
+    double heightPx = th * d.scale;
+    if (heightPx < 2) {
+      // Too small to read: the text's box stands for it.
+      p.setBrush(Qt::NoBrush);
+      p.drawPolygon(cornersOf(d, f, text->size()));
+      break;
+    }
+    QFont font;
+    if (f.Type == ItemTrueTypeText && face && !face->empty())
+      font.setFamily(QString::fromStdString(*face));
+    font.setPixelSize(std::max(1, int(std::lround(heightPx))));
+    p.save();
+    QPointF origin = d.toDevice(f.X, f.Y);
+    p.translate(origin);
+    p.rotate(-(d.mirror ? -1 : 1) * f.Angle / 1000.0);
+    if (d.mirror)
+      p.scale(-1, 1);
+    QPainterPath glyphs;
+    glyphs.addText(0, 0, font, QString::fromStdString(*text));
+    QRectF b = glyphs.boundingRect();
+    if (b.width() > 0 && tw > 0)
+      p.scale(tw * d.scale / b.width(), 1.0);
+    p.fillPath(glyphs, p.pen().color());
+    p.restore();
+    break;
+  }
+  default:
+    break;
+  }
+}
+
+void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last) {
+  ItemRecord r;
+  QPainterPath path;
+  ItemFields firstSide;
+  for (int32_t i = first; i <= last; ++i) {
+    if (!store.I_ReadItem(store.OA_Object(items, i), r))
+      return;
+    ItemFields f = fieldsOf(r);
+    if (i == first)
+      firstSide = f;
+    if (f.Type == ItemArc) {
+      appendArc(d, path, f, true);
+    } else {
+      QPointF a = d.toDevice(f.X, f.Y);
+      if (path.elementCount() == 0)
+        path.moveTo(a);
+      else
+        path.lineTo(a);
+      if (f.Type == ItemLine)
+        path.lineTo(d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height));
+    }
+  }
+  path.closeSubpath();
+  bool filled = firstSide.Style == StyleFilled && !isOutlineView(d);
+  applyPen(d, firstSide.Colour, filled ? penstyle::Filled : penstyle::Outline,
+           firstSide.LineWidth);
+  if (filled) {
+    d.painter->setPen(Qt::NoPen);
+    path.setFillRule(Qt::OddEvenFill);
+  }
+  d.painter->drawPath(path);
+}
+
+void Graphics::Impl::drawEntry(Device& d, SymbolId id, const EntryRecord& e) {
+  ObjectHandle pad = store.OM_Object(store.S_SymbolPadStackMap(id), e.PadStack);
+  ArrayHandle items = store.S_PadStackItemArray(pad);
+  Placement place{e.X, e.Y, e.Rotation, false};
+  int32_t n = store.OA_GetCount(items);
+  if ((d.view.Mode & viewflag::PadFrames) && n > 0) {
+    // Pad frames: the pad's extent as an open rectangle in its first item's colour.
+    ItemRecord r;
+    store.I_ReadItem(store.OA_Object(items, 1), r);
+    FrameRect f;
+    ItemFields frame{};
+    frame.Type = ItemRectangle;
+    frame.Colour = r.Colour;
+    bool any = false;
+    for (int32_t i = 1; i <= n; ++i) {
+      FrameRect one;
+      if (!store.I_FrameItem(store.OA_Object(items, i), one))
+        continue;
+      f = any ? FrameRect{std::min(f.MinX, one.MinX), std::min(f.MinY, one.MinY),
+                          std::max(f.MaxX, one.MaxX), std::max(f.MaxY, one.MaxY)}
+              : one;
+      any = true;
+    }
+    Box placed = placeBox({f.MinX, f.MinY, f.MaxX, f.MaxY}, place);
+    frame.X = placed.minX;
+    frame.Y = placed.minY;
+    frame.Width = placed.maxX - placed.minX;
+    frame.Height = placed.maxY - placed.minY;
+    drawItemFields(d, frame, nullptr);
+    return;
+  }
+  ItemRecord r;
+  for (int32_t i = 1; i <= n; ++i) {
+    if (!store.I_ReadItem(store.OA_Object(items, i), r))
+      break;
+    ItemFields f = fieldsOf(r);
+    placeItem(f, place);
+    drawItemFields(d, f, &r.Text, &r.Face);
+  }
+  if (n == 0) {
+    // An entry without pad items shows as a small cross at its point.
+    applyPen(d, 15, penstyle::Outline, 0);
+    QPointF c = d.toDevice(e.X, e.Y);
+    d.painter->drawLine(c - QPointF(2, 0), c + QPointF(2, 0));
+    d.painter->drawLine(c - QPointF(0, 2), c + QPointF(0, 2));
+  }
+}
+
+void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown) {
+  int32_t count = store.OA_GetCount(items);
+  if (count == 0)
+    return;
+  FrameRect view = d.visibleFrame();
+  // A view that shows a small part of a large array asks the spatial index for what it needs.
+  std::vector<int32_t> positions;
+  bool indexed = false;
+  if (count > 256) {
+    store.membersInBox(items, view, positions);
+    indexed = positions.size() < size_t(count);
+  }
+  ItemRecord r;
+  int32_t lastRunDrawn = 0;
+  auto drawAt = [&](int32_t i) {
+    ObjectHandle item = store.OA_Object(items, i);
+    if (!store.I_ReadItem(item, r))
+      return;
+    if (onlyShown && !(r.Attributes & attr::Shown))
+      return;
+    if (r.Attributes & attr::PolygonSide) {
+      // A polygon is drawn whole, once, from its first side.
+      int32_t first = i, last = i;
+      int32_t status = r.Attributes;
+      while (first > 1 && !(status & attr::PolygonFirst)) {
+        status = store.O_GetStatus(store.OA_Object(items, first - 1));
+        if (!(status & attr::PolygonSide) || (status & attr::PolygonLast))
+          break;
+        --first;
+      }
+      if (first <= lastRunDrawn)
+        return;
+      status = r.Attributes;
+      while (last < count && !(status & attr::PolygonLast)) {
+        status = store.O_GetStatus(store.OA_Object(items, last + 1));
+        if (!(status & attr::PolygonSide) || (status & attr::PolygonFirst))
+          break;
+        ++last;
+      }
+      lastRunDrawn = last;
+      drawPolygonRun(d, items, first, last);
+      return;
+    }
+    if (!indexed && !meets(view, itemFrame(fieldsOf(r), r.Text.size())))
+      return;
+    drawItemFields(d, fieldsOf(r), &r.Text, &r.Face);
+  };
+  if (indexed)
+    for (int32_t i : positions)
+      drawAt(i);
+  else
+    for (int32_t i = 1; i <= count; ++i)
+      drawAt(i);
+}
+
+int32_t Graphics::G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
+  Device* d = impl_->openDevice(dev);
+  if (!d)
+    return 0;
+  impl_->applyPen(*d, d->colour, d->style, d->width);
+  d->painter->drawLine(d->toDevice(x1, y1), d->toDevice(x2, y2));
+  return 1;
+}
+
+int32_t Graphics::G_Rectangle(int32_t dev, int32_t x, int32_t y, int32_t width, int32_t height) {
+  Device* d = impl_->openDevice(dev);
+  if (!d)
+    return 0;
+  impl_->applyPen(*d, d->colour, d->style, d->width);
+  QRectF r(d->toDevice(x, y), d->toDevice(double(x) + width, double(y) + height));
+  d->painter->drawRect(r.normalized());
+  return 1;
+}
+
+int32_t Graphics::G_Circle(int32_t dev, int32_t x, int32_t y, int32_t radius) {
+  Device* d = impl_->openDevice(dev);
+  if (!d)
+    return 0;
+  impl_->applyPen(*d, d->colour, d->style, d->width);
+  double r = std::abs(double(radius)) * d->scale;
+  d->painter->drawEllipse(d->toDevice(x, y), r, r);
+  return 1;
+}
+
+int32_t Graphics::G_Triangle(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2,
+                             int32_t x3, int32_t y3) {
+  Device* d = impl_->openDevice(dev);
+  if (!d)
+    return 0;
+  impl_->applyPen(*d, d->colour, d->style, d->width);
+  d->painter->drawPolygon(QPolygonF({d->toDevice(x1, y1), d->toDevice(x2, y2), d->toDevice(x3, y3)}));
+  return 1;
+}
+
+int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t entries) {
+  Device* d = impl_->openDevice(dev);
+  Store& store = impl_->store;
+  if (!d || !store.S_Symbol(id))
+    return 0;
+  if (items)
+    impl_->drawItemArray(*d, store.S_SymbolItemArray(id), true);
+  if (entries) {
+    ArrayHandle array = store.S_SymbolEntryArray(id);
+    std::vector<int32_t> positions;
+    store.membersInBox(array, d->visibleFrame(), positions);
+    EntryRecord e;
+    for (int32_t i : positions)
+      if (store.S_ReadEntry(id, i, e) && (e.Attributes & attr::Shown))
+        impl_->drawEntry(*d, id, e);
+  }
+  return 1;
+}
+
+int32_t Graphics::S_DrawItem(int32_t dev, SymbolId id, int32_t index) {
+  Device* d = impl_->openDevice(dev);
+  ItemRecord r;
+  if (!d || !impl_->store.I_ReadItem(impl_->store.S_SymbolItem(id, index), r))
+    return 0;
+  impl_->drawItemFields(*d, fieldsOf(r), &r.Text, &r.Face);
+  return 1;
+}
+
+int32_t Graphics::S_DrawEntry(int32_t dev, SymbolId id, int32_t index) {
+  Device* d = impl_->openDevice(dev);
+  EntryRecord e;
+  if (!d || !impl_->store.S_ReadEntry(id, index, e))
+    return 0;
+  impl_->drawEntry(*d, id, e);
+  return 1;
+}
+
+int32_t Graphics::I_DrawItem(int32_t dev, ObjectHandle item) {
+  Device* d = impl_->openDevice(dev);
+  ItemRecord r;
+  if (!d || !impl_->store.I_ReadItem(item, r))
+    return 0;
+  impl_->drawItemFields(*d, fieldsOf(r), &r.Text, &r.Face);
+  return 1;
+}
+
+}  // namespace tvx

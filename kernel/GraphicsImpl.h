@@ -1,0 +1,83 @@
+// Internal state of the drawing engine. Only the engine's own .cpp files include this.
+#pragma once
+
+#include "kernel/Graphics.h"
+#include "kernel/ItemGeometry.h"
+#include "kernel/KernelStrings.h"
+#include "kernel/Palette.h"
+#include "kernel/Store.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPointF>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace tvx {
+
+struct Device {
+  QPaintDevice* target = nullptr;
+  std::function<void()> onPresent;
+  bool usesShadow = false;  // widgets and other surfaces that are painted from an image
+  QImage shadow;
+  std::unique_ptr<QPainter> painter;
+  bool open = false;
+  ViewSetup view;
+  int32_t openMode = 0;
+
+  int32_t colour = 15;
+  int32_t style = penstyle::Outline;
+  int32_t width = 0;
+  int32_t drawMode = drawmode::Normal;
+  int32_t background = 0;  // colour value of the background
+  std::array<uint32_t, PaletteSize> palette{};
+  int32_t thickPens = 0;
+
+  // Store to device coordinates of the open pass.
+  double scale = 1.0;  // device units per store unit
+  double offsetX = 0, offsetY = 0;
+  bool mirror = false;
+
+  QPointF toDevice(double x, double y) const {
+    double dx = (x - view.OriginX) * scale;
+    return {(mirror ? -dx : dx) + offsetX, offsetY - (y - view.OriginY) * scale};
+  }
+  // The store rectangle the picture shows.
+  FrameRect visibleFrame() const;
+};
+
+class Graphics::Impl {
+public:
+  Impl(Store& store, KernelStrings& strings) : store(store), strings(strings) {}
+
+  Store& store;
+  KernelStrings& strings;
+  std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
+
+  Device* device(int32_t dev) {
+    if (dev < 1 || size_t(dev) > devices.size())
+      return nullptr;
+    return devices[size_t(dev) - 1].get();
+  }
+  Device* openDevice(int32_t dev) {
+    Device* d = device(dev);
+    return d && d->open && d->painter ? d : nullptr;
+  }
+
+  // The RGB of a colour value: palette numbers, slot codes, layer codes; bit 128 is the background.
+  uint32_t rgbOf(const Device& d, int32_t colour) const;
+  void applyPen(Device& d, int32_t colour, int32_t style, int32_t width);
+  void applyMode(Device& d);
+
+  // Element drawing, all in store units on an open device.
+  void drawItemFields(Device& d, const ItemFields& f, const std::string* text,
+                      const std::string* face = nullptr);
+  void drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last);
+  void drawEntry(Device& d, SymbolId id, const EntryRecord& e);
+  void drawItemArray(Device& d, ArrayHandle items, bool onlyShown);
+  bool isOutlineView(const Device& d) const { return (d.view.Mode & viewflag::Outline) != 0; }
+};
+
+}  // namespace tvx
