@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace tvx {
@@ -39,16 +40,32 @@ public:
   // A modal yes/no question; true is yes.
   bool AskYesNo(const std::string& prompt, const std::string& title);
 
+  // The marks the viewer draws with DrawMarkGlyph, by the glyph numbers of the suite's mark font.
+  enum MarkGlyph : int32_t {
+    GlyphPoint = 1,       // the pointer's point mark
+    GlyphFocus = 5,       // a point brought into focus
+    GlyphCursor = 6,      // the small cursor mark
+    GlyphPanStart = 7,    // the press point of a pan
+    GlyphPanEnd = 8,      // the pointer end of a rubber pan
+    GlyphBlockStart = 10  // the start corner of a block
+  };
+  // Draws one glyph of the mark font at a world point on a kernel device; angle in thousandths of
+  // a degree. Declared for the viewer; it draws nothing until the kernel's devices exist.
+  void DrawMarkGlyph(int32_t device, int32_t drawMode, const std::string& glyph, int32_t x,
+                     int32_t y, int32_t colour, int32_t angle, int32_t size1, int32_t size2);
+
   static std::string StringFromPointer(const char* text) { return text ? std::string(text) : std::string(); }
   // Adds a trailing separator when the path has none; returns the text.
   static std::string EnsureBackslash(std::string& path);
 
 private:
   class Catalogue;
+  class Settings;
   UserPrompts* prompts_ = nullptr;
   std::string iniFile_;
   int32_t unitsPerMm_ = 100000;
   Catalogue* catalogue_ = nullptr;
+  std::unique_ptr<Settings> settings_;  // the settings file as last read or written
 };
 
 }  // namespace tvx

@@ -1,0 +1,86 @@
+// All of the system's file access: numbered files, text lines, characters and fixed records,
+// with one message for a failed read and one for a failed write.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <string>
+
+namespace tvx {
+
+class SystemServices;
+class UserPrompts;
+
+// A handle is a small file number, the lowest one free, from 1 up. Every operation but CloseFile
+// takes the status word first: 0 success; on failure the message is shown here, once, and the
+// word holds 1.
+class FileLayer {
+public:
+  // Messages are translated by services and shown through prompts (none shown without prompts).
+  FileLayer(SystemServices& services, UserPrompts* prompts);
+  ~FileLayer();
+  FileLayer(const FileLayer&) = delete;
+  FileLayer& operator=(const FileLayer&) = delete;
+
+  static constexpr int16_t MaxHandle = 511;
+
+  void OpenForInput(int32_t& status, int16_t& handle, const std::string& name);
+  void OpenForBinary(int32_t& status, int16_t& handle, const std::string& name);
+  // Opens a file of fixed records for reading and writing; the file must exist.
+  void OpenForRandom(int32_t& status, int16_t& handle, const std::string& name,
+                     int32_t recordLength);
+  void OpenForOutput(int32_t& status, int16_t& handle, const std::string& name);
+  // Creates (or empties) the file, then opens it for fixed records.
+  void CreateForRandom(int32_t& status, int16_t& handle, const std::string& name,
+                       int32_t recordLength);
+
+  // The next line without its ending (CR LF, LF or a lone CR). Reading past the end fails.
+  void ReadTextLine(int32_t& status, int16_t handle, std::string& line);
+  // Reads count bytes into text; a count of 0 reads as many bytes as text holds.
+  void ReadCharacters(int32_t& status, int16_t handle, std::string& text, int32_t count);
+  // True when nothing more can be read from the file (also for a number that is not open).
+  bool EndOfFile(int16_t handle);
+
+  // Writes text and a line ending (CR LF) to a file opened for output.
+  void WriteTextLine(int32_t& status, int16_t handle, const std::string& text);
+  // Writes text as it stands to a file opened for output or binary access.
+  void WriteCharacters(int32_t& status, int16_t handle, const std::string& text);
+
+  // Fixed records, numbered from 1; data is one record long. Reading a record beyond the end
+  // fails; writing one beyond the end extends the file.
+  void GetRecord(int32_t& status, int16_t handle, int32_t recordNumber, void* data);
+  void PutRecord(int32_t& status, int16_t handle, int32_t recordNumber, const void* data);
+  // Number of whole records in a file opened for fixed records.
+  int32_t RecordCount(int16_t handle);
+
+  // Closes the number and, with deleteFile, deletes the named file; errors are passed over.
+  void CloseFile(bool deleteFile, int16_t handle, const std::string& name);
+
+  // Message 62451 / 62452 with the name, titled with the system's text for error.
+  void ReportReadError(const std::string& name, int error);
+  void ReportWriteError(const std::string& name, int error);
+
+  int openCount() const { return static_cast<int>(files_.size()); }
+
+private:
+  enum class Mode { Input, Binary, Random, Output };
+  struct OpenFile {
+    std::FILE* file = nullptr;
+    std::string name;
+    Mode mode = Mode::Input;
+    int32_t recordLength = 0;
+    bool lastWasWrite = false;  // a stream switching between reading and writing must seek
+  };
+
+  void open(int32_t& status, int16_t& handle, const std::string& name, Mode mode,
+            int32_t recordLength, const char* fopenMode, bool readError);
+  OpenFile* find(int16_t handle);
+  int16_t freeNumber() const;
+
+  SystemServices& services_;
+  UserPrompts* prompts_;
+  std::map<int16_t, OpenFile> files_;
+};
+
+}  // namespace tvx

@@ -1,0 +1,122 @@
+#include "platform/SystemServices.h"
+
+#include "platform/IniFile.h"
+#include "platform/MessageCatalogue.h"
+#include "platform/UserPrompts.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace tvx {
+
+class SystemServices::Catalogue : public MessageCatalogue {};
+
+// The settings file is read once and kept; it is read again when its size or time stamp
+// changes under us (another module of the suite may write the same file).
+class SystemServices::Settings {
+public:
+  const IniDocument& document(const std::string& path) {
+    Stamp now = stampOf(path);
+    if (path != path_ || now != stamp_) {
+      std::string text;
+      document_.parse(readWholeFile(path, text) ? text : std::string());
+      path_ = path;
+      stamp_ = now;
+    }
+    return document_;
+  }
+  void written(const std::string& path, IniDocument document) {
+    document_ = std::move(document);
+    path_ = path;
+    stamp_ = stampOf(path);
+  }
+  void forget() { path_.clear(); }
+
+private:
+  struct Stamp {
+    bool exists = false;
+    uintmax_t size = 0;
+    std::filesystem::file_time_type time{};
+    bool operator==(const Stamp&) const = default;
+  };
+  static Stamp stampOf(const std::string& path) {
+    Stamp s;
+    std::error_code ec;
+    auto status = std::filesystem::status(path, ec);
+    if (ec || !std::filesystem::is_regular_file(status))
+      return s;
+    s.exists = true;
+    s.size = std::filesystem::file_size(path, ec);
+    s.time = std::filesystem::last_write_time(path, ec);
+    return s;
+  }
+
+  std::string path_;
+  Stamp stamp_;
+  IniDocument document_;
+};
+
+SystemServices::SystemServices(UserPrompts* prompts)
+    : prompts_(prompts), catalogue_(new Catalogue), settings_(std::make_unique<Settings>()) {}
+
+SystemServices::~SystemServices() { delete catalogue_; }
+
+void SystemServices::SetIniFile(const std::string& path) {
+  iniFile_ = path;
+  settings_->forget();
+}
+
+std::string SystemServices::GetIniString(const std::string& section, const std::string& key,
+                                         const std::string& defaultValue) const {
+  if (iniFile_.empty())
+    return defaultValue;
+  std::optional<std::string> v = settings_->document(iniFile_).value(section, key);
+  return v ? *v : defaultValue;
+}
+
+void SystemServices::WriteIniString(const std::string& section, const std::string& key,
+                                    const std::string& value, int32_t& status) {
+  status = 0;
+  if (iniFile_.empty()) {
+    status = 1;
+    return;
+  }
+  // Start from the file as it is now, so that keys written by others in between are kept.
+  settings_->forget();
+  IniDocument document = settings_->document(iniFile_);
+  if (!document.setValue(section, key, value) || !writeFileAtomically(iniFile_, document.text())) {
+    settings_->forget();
+    status = 1;
+    return;
+  }
+  settings_->written(iniFile_, std::move(document));
+}
+
+std::string SystemServices::LocalMessage(const std::string& defaultText,
+                                         const std::string& id) const {
+  const std::string* text = catalogue_->find(id);
+  return text ? *text : defaultText;
+}
+
+void SystemServices::loadCatalogue(const std::string& languagePath) {
+  catalogue_->load(languagePath);
+}
+
+bool SystemServices::AskYesNo(const std::string& prompt, const std::string& title) {
+  if (!prompts_)
+    return false;
+  return prompts_->messageBox(prompt, msgbox::YesNo | msgbox::Question, title) == answer::Yes;
+}
+
+void SystemServices::DrawMarkGlyph(int32_t, int32_t, const std::string&, int32_t, int32_t, int32_t,
+                                   int32_t, int32_t, int32_t) {
+  // The mark font is drawn by the kernel's devices, which do not exist yet.
+}
+
+std::string SystemServices::EnsureBackslash(std::string& path) {
+  if (!path.empty() && path.back() != '/' && path.back() != '\\')
+    path += '/';
+  return path;
+}
+
+}  // namespace tvx

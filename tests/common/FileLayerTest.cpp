@@ -1,0 +1,205 @@
+// Numbered files: lines, characters, fixed records, and the messages of failed reads and writes.
+#include "common/FileLayer.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace tvx {
+namespace {
+
+class FileLayerTest : public ::testing::Test {
+protected:
+  void SetUp() override { ASSERT_TRUE(dir_.isValid()); }
+  std::string path(const char* name) const { return dir_.filePath(name).toStdString(); }
+  void writeFile(const std::string& p, const std::string& text) {
+    std::ofstream out(p, std::ios::binary);
+    out << text;
+  }
+
+  QTemporaryDir dir_;
+  ScriptedPrompts prompts_;
+  SystemServices services_{&prompts_};
+  FileLayer files_{services_, &prompts_};
+};
+
+TEST_F(FileLayerTest, LinesWithEveryEndingAndTheEndOfTheFile) {
+  const std::string name = path("lines.txt");
+  writeFile(name, "first\r\nsecond\nthird\rfourth\r\n\r\nlast without ending");
+  int32_t status = -1;
+  int16_t handle = 0;
+  files_.OpenForInput(status, handle, name);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(handle, 1);
+  std::vector<std::string> lines;
+  while (!files_.EndOfFile(handle)) {
+    std::string line;
+    files_.ReadTextLine(status, handle, line);
+    ASSERT_EQ(status, 0);
+    lines.push_back(line);
+  }
+  EXPECT_EQ(lines, (std::vector<std::string>{"first", "second", "third", "fourth", "",
+                                             "last without ending"}));
+  EXPECT_TRUE(prompts_.shown.empty());
+
+  // Reading past the end is a read error that names the file.
+  std::string line = "stale";
+  files_.ReadTextLine(status, handle, line);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(line, "");
+  ASSERT_EQ(prompts_.shown.size(), 1u);
+  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + name);
+  EXPECT_EQ(prompts_.shown[0].flags, msgbox::Exclamation);
+  files_.CloseFile(false, handle, name);
+  EXPECT_EQ(files_.openCount(), 0);
+  EXPECT_TRUE(std::filesystem::exists(name));
+}
+
+TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
+  int32_t status = 0;
+  int16_t handle = 9;
+  const std::string missing = path("missing.gbr");
+  files_.OpenForInput(status, handle, missing);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(handle, 0);
+  ASSERT_EQ(prompts_.shown.size(), 1u);
+  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + missing);
+  EXPECT_EQ(prompts_.shown[0].title, std::generic_category().message(ENOENT));
+
+  files_.OpenForBinary(status, handle, missing);
+  EXPECT_EQ(status, 1);
+  const std::string noFolder = path("no/folder/TMP.ART");
+  files_.OpenForOutput(status, handle, noFolder);
+  EXPECT_EQ(status, 1);
+  files_.CreateForRandom(status, handle, noFolder, 21);
+  EXPECT_EQ(status, 1);
+  files_.OpenForRandom(status, handle, missing, 21);  // a file of records must exist
+  EXPECT_EQ(status, 1);
+  ASSERT_EQ(prompts_.shown.size(), 5u);
+  EXPECT_EQ(prompts_.shown[1].prompt, "Can't read file: " + missing);
+  EXPECT_EQ(prompts_.shown[2].prompt, "Can't create/write to file: " + noFolder);
+  EXPECT_EQ(prompts_.shown[3].prompt, "Can't create/write to file: " + noFolder);
+  EXPECT_EQ(prompts_.shown[4].prompt, "Can't create/write to file: " + missing);
+  EXPECT_EQ(files_.openCount(), 0);
+
+  // The messages come from the catalogue of the language in use.
+  writeFile(path("GBRVIEWER.MSG"), "62451\tDatei kann nicht gelesen werden: \n");
+  services_.loadCatalogue(dir_.path().toStdString());
+  files_.OpenForInput(status, handle, missing);
+  EXPECT_EQ(prompts_.shown.back().prompt, "Datei kann nicht gelesen werden: " + missing);
+
+  // Without prompts nothing is shown, and the status still says it failed.
+  FileLayer quiet(services_, nullptr);
+  quiet.OpenForInput(status, handle, missing);
+  EXPECT_EQ(status, 1);
+}
+
+TEST_F(FileLayerTest, HandlesAreTheLowestFreeNumbers) {
+  const std::string name = path("a.txt");
+  writeFile(name, "x\n");
+  int32_t status = 0;
+  int16_t h1 = 0, h2 = 0, h3 = 0, again = 0;
+  files_.OpenForInput(status, h1, name);
+  files_.OpenForInput(status, h2, name);
+  files_.OpenForInput(status, h3, name);
+  EXPECT_EQ((std::array<int16_t, 3>{h1, h2, h3}), (std::array<int16_t, 3>{1, 2, 3}));
+  files_.CloseFile(false, h2, name);
+  files_.OpenForInput(status, again, name);
+  EXPECT_EQ(again, 2);
+  files_.CloseFile(false, 77, name);  // a number that is not open: passed over
+  EXPECT_EQ(files_.openCount(), 3);
+  // Reading from a number that is not open fails like any read.
+  std::string line;
+  files_.ReadTextLine(status, 77, line);
+  EXPECT_EQ(status, 1);
+}
+
+TEST_F(FileLayerTest, CharactersByCountOrByTheTextsLength) {
+  const std::string name = path("bytes.bin");
+  writeFile(name, std::string("G04*\0\xff%FS", 10));
+  int32_t status = 0;
+  int16_t h = 0;
+  files_.OpenForBinary(status, h, name);
+  ASSERT_EQ(status, 0);
+  std::string text;
+  files_.ReadCharacters(status, h, text, 0);  // count 0 and an empty text: nothing is read
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(text, "");
+  files_.ReadCharacters(status, h, text, 4);
+  EXPECT_EQ(text, "G04*");
+  text = "xx";
+  files_.ReadCharacters(status, h, text, 0);  // count 0: as many as the text is long
+  EXPECT_EQ(text, std::string("\0\xff", 2));
+  text.clear();
+  files_.ReadCharacters(status, h, text, 9);  // only 4 left
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(prompts_.shown.size(), 1u);
+  files_.CloseFile(false, h, name);
+}
+
+TEST_F(FileLayerTest, FixedRecordsAndDeleteOnClose) {
+  const std::string name = path("TMP.ART");
+  writeFile(name, "old contents that CreateForRandom must empty");
+  int32_t status = 0;
+  int16_t h = 0;
+  files_.CreateForRandom(status, h, name, 21);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(files_.RecordCount(h), 0);
+  std::array<char, 21> a{}, b{}, read{};
+  std::memset(a.data(), 'a', a.size());
+  std::memset(b.data(), 'b', b.size());
+  files_.PutRecord(status, h, 1, a.data());
+  files_.PutRecord(status, h, 3, b.data());  // beyond the end: the file grows
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(files_.RecordCount(h), 3);
+  files_.GetRecord(status, h, 3, read.data());
+  EXPECT_EQ(read, b);
+  files_.GetRecord(status, h, 1, read.data());
+  EXPECT_EQ(read, a);
+  files_.PutRecord(status, h, 1, b.data());  // overwrite in place after a read
+  files_.GetRecord(status, h, 1, read.data());
+  EXPECT_EQ(read, b);
+  EXPECT_TRUE(prompts_.shown.empty());
+  files_.GetRecord(status, h, 4, read.data());
+  EXPECT_EQ(status, 1);
+  files_.GetRecord(status, h, 0, read.data());
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(std::filesystem::file_size(name), 63u);
+
+  files_.CloseFile(true, h, name);
+  EXPECT_FALSE(std::filesystem::exists(name));
+  EXPECT_EQ(files_.openCount(), 0);
+}
+
+TEST_F(FileLayerTest, TextOutputEndsLinesWithCrLf) {
+  const std::string name = path("out.apt");
+  int32_t status = 0;
+  int16_t h = 0;
+  files_.OpenForOutput(status, h, name);
+  ASSERT_EQ(status, 0);
+  files_.WriteTextLine(status, h, "D10,C,0.010");
+  files_.WriteCharacters(status, h, "tail");
+  EXPECT_EQ(status, 0);
+  // A file opened for reading cannot be written.
+  int16_t in = 0;
+  writeFile(path("in.txt"), "x");
+  files_.OpenForInput(status, in, path("in.txt"));
+  files_.WriteTextLine(status, in, "no");
+  EXPECT_EQ(status, 1);
+  files_.CloseFile(false, h, name);
+  std::ifstream read(name, std::ios::binary);
+  std::string content((std::istreambuf_iterator<char>(read)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(content, "D10,C,0.010\r\ntail");
+}
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,226 @@
+// Reading the menu file into the function table.
+#include "shell/MenuFile.h"
+#include "common/ParseList.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <fstream>
+#include <set>
+
+namespace tvx {
+namespace {
+
+class MenuFileTest : public ::testing::Test {
+protected:
+  void SetUp() override { ASSERT_TRUE(dir_.isValid()); }
+  // Writes text as the menu file and reads it into table_.
+  bool read(const std::string& text) {
+    const std::string name = dir_.filePath("GBRVIEWER.MEN").toStdString();
+    std::ofstream(name, std::ios::binary) << text;
+    return ReadMenuFile(table_, name, services_);
+  }
+  const KeyRecord& key(int f, int k) const { return table_[size_t(f)].Keys[size_t(k)]; }
+
+  QTemporaryDir dir_;
+  ScriptedPrompts prompts_;
+  SystemServices services_{&prompts_};
+  FunctionTable table_{};
+};
+
+TEST_F(MenuFileTest, OptionalTokensOfFsikeyFollowTheFieldCount) {
+  ASSERT_TRUE(read("FSIKEY,1,1,11,1,1,20,22,Ten,ten fields\n"
+                   "FSIKEY,1,2,0,1,0,0,0,Eleven,eleven fields,XY\n"
+                   "FSIKEY,1,3,0,1,0,0,0,Twelve,twelve fields,AB,1\n"
+                   "FSIKEY,1,4,0,1,0,0,0,Thirteen,thirteen fields,CD,0,1\n"
+                   "FSIKEY,1,5,0,1,0,0,0,Short,one letter,Q,1,1,extra,fields\n"
+                   "FSIKEY,1,6,0,1,0,0,0,Long,three letters,XYZ,0,0\n"
+                   "ENDMENU\n"));
+  const KeyRecord& ten = key(1, 1);
+  EXPECT_EQ(ten.Value1, 11);
+  EXPECT_EQ(ten.Shown, 1);
+  EXPECT_EQ(ten.Checked, 1);
+  EXPECT_EQ(ten.FirstOptionPicture, 20);
+  EXPECT_EQ(ten.Value2, 22);
+  EXPECT_EQ(ten.Caption, "Ten");
+  EXPECT_EQ(ten.Description, "ten fields");
+  EXPECT_EQ(ten.Shortcut, "  ");
+  EXPECT_EQ(ten.Global, 0);
+  EXPECT_EQ(ten.Command, 0);
+
+  EXPECT_EQ(key(1, 2).Shortcut, "  ");  // the shortcut needs its Global field too
+  EXPECT_EQ(key(1, 3).Shortcut, "AB");
+  EXPECT_EQ(key(1, 3).Global, 1);
+  EXPECT_EQ(key(1, 3).Command, 0);
+  EXPECT_EQ(key(1, 4).Shortcut, "CD");
+  EXPECT_EQ(key(1, 4).Command, 1);
+  EXPECT_EQ(key(1, 5).Shortcut, "Q ");  // two characters, fixed width
+  EXPECT_EQ(key(1, 5).Command, 1);
+  EXPECT_EQ(key(1, 6).Shortcut, "XY");
+  EXPECT_TRUE(prompts_.shown.empty());
+}
+
+TEST_F(MenuFileTest, ShortLinesSetWhatTheyHaveAndNothingElse) {
+  ASSERT_TRUE(read("FSI,2,7\n"
+                   "FSI\n"  // no function number: nothing
+                   "FSIKEY,2,3,5\n"
+                   "FSIKEY,2\n"
+                   "OSTKEY,2,3,4,9\n"
+                   "OSTKEY,2,3,5,1,1,1,Caption,Description\n"
+                   "OSTKEY,2,3,6,1,1,0,C,D,1\n"));
+  FunctionRecord expected2;
+  expected2.FirstPicture = 7;
+  expected2.Keys[3].Value1 = 5;
+  expected2.Keys[3].Options[4].Group = 9;
+  expected2.Keys[3].Options[5] = {1, 1, 0, 1, "Caption", "Description"};
+  expected2.Keys[3].Options[6] = {1, 1, 1, 0, "C", "D"};
+  EXPECT_EQ(table_[2], expected2);
+  EXPECT_EQ(table_[0], FunctionRecord{});
+  EXPECT_EQ(table_[1], FunctionRecord{});
+}
+
+TEST_F(MenuFileTest, NumbersOutsideTheTableAreFileErrorsAndWriteNothing) {
+  ASSERT_TRUE(read("FSI,11,5,0,Last,ok\n"
+                   "FSI,12,5,0,Beyond,no\n"
+                   "FSIKEY,1,10,0,1,0,0,0,Last key,ok\n"
+                   "FSIKEY,1,11,0,1,0,0,0,Beyond,no\n"
+                   "FSIKEY,-1,0,0,1,0,0,0,Negative,no\n"
+                   "OSTKEY,1,10,10,0,0,0,End,ok\n"
+                   "OSTKEY,1,10,11,0,0,0,Beyond,no\n"
+                   "OSTKEY,99999999999,0,0,0,0,0,Huge,no\n"
+                   "FSIKEY,1,9,0,1,0,0,0,Still read,after the faults\n"
+                   "ENDMENU\n"));
+  EXPECT_EQ(table_[11].Name, "Last");
+  EXPECT_EQ(key(1, 10).Caption, "Last key");
+  EXPECT_EQ(key(1, 10).Options[10].Caption, "End");
+  EXPECT_EQ(key(1, 9).Caption, "Still read");
+  for (const FunctionRecord& f : table_)
+    for (const KeyRecord& k : f.Keys) {
+      EXPECT_NE(k.Caption, "Beyond");
+      EXPECT_NE(k.Caption, "Negative");
+      for (const OptionRecord& o : k.Options)
+        EXPECT_NE(o.Caption, "Huge");
+    }
+  // One message for the whole file, naming each faulty line.
+  ASSERT_EQ(prompts_.shown.size(), 1u);
+  const std::string& text = prompts_.shown[0].prompt;
+  EXPECT_NE(text.find("Error in menu file: "), std::string::npos);
+  for (const char* line : {"Line 2: function 12", "Line 4: key 11", "Line 5: function -1",
+                           "Line 7: option 11", "Line 8: function 99999999999"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << " in " << text;
+  EXPECT_EQ(text.find("Line 1:"), std::string::npos);
+}
+
+TEST_F(MenuFileTest, EndmenuEndsTheReadingAndItsAbsenceReadsToTheEnd) {
+  ASSERT_TRUE(read("FSI,1,1,0,Before\nENDMENU\nFSI,2,1,0,After\n"));
+  EXPECT_EQ(table_[1].Name, "Before");
+  EXPECT_EQ(table_[2].Name, "");
+
+  ASSERT_TRUE(read("\xEF\xBB\xBF"
+                   "FSI,1,1,0,First\r\n\r\nREM a remark\r\nUNKNOWN,1,2,3\r\n"
+                   "  fsikey ,1,0,0,1\r\nFSI,2,1,0,Last line without ending"));
+  EXPECT_EQ(table_[1].Name, "First");
+  EXPECT_EQ(key(1, 0).Shown, 1);
+  EXPECT_EQ(table_[2].Name, "Last line without ending");
+}
+
+TEST_F(MenuFileTest, ReadingEmptiesTheTableFirst) {
+  ASSERT_TRUE(read("FSI,3,1,0,Old language\nFSIKEY,3,4,0,1,0,0,0,Old,old,OL,1,1\n"));
+  ASSERT_TRUE(read("FSI,1,1,0,New language\n"));
+  EXPECT_EQ(table_[3], FunctionRecord{});
+  EXPECT_EQ(table_[1].Name, "New language");
+}
+
+TEST_F(MenuFileTest, AMissingFileGivesFalseWithTheReadMessage) {
+  table_[1].Name = "kept";
+  const std::string missing = dir_.filePath("nothing/GBRVIEWER.MEN").toStdString();
+  EXPECT_FALSE(ReadMenuFile(table_, missing, services_));
+  EXPECT_EQ(table_[1].Name, "kept");
+  ASSERT_EQ(prompts_.shown.size(), 1u);
+  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + missing);
+}
+
+TEST_F(MenuFileTest, TheFileNameIsFoundCaseBlind) {
+  const std::string folder = dir_.path().toStdString();
+  std::ofstream(folder + "/gbrviewer.men") << "FSI,1,1,0,Lower case name\n";
+  const std::string found = menuFilePath(folder);
+  EXPECT_EQ(found, folder + "/gbrviewer.men");
+  ASSERT_TRUE(ReadMenuFile(table_, found, services_));
+  EXPECT_EQ(table_[1].Name, "Lower case name");
+  EXPECT_EQ(menuFilePath(folder + "/none"), folder + "/none/GBRVIEWER.MEN");
+}
+
+// The menu files that ship: every record line has a field count the reader knows, the viewer's
+// keys are there, and the languages differ only in their texts.
+FunctionTable shippedMenu(const std::string& language, ScriptedPrompts& prompts) {
+  const std::string folder = std::string(TVX_SOURCE_DIR) + "/data/COUNTRY/" + language;
+  std::ifstream in(folder + "/GBRVIEWER.MEN");
+  std::string line;
+  while (std::getline(in, line)) {
+    ParsedList f = ParseList(line);
+    const std::string& word = f.token(1);
+    if (word == "FSI") {
+      EXPECT_EQ(f.count(), 6) << language << ": " << line;
+    } else if (word == "FSIKEY") {
+      EXPECT_TRUE(f.count() == 10 || f.count() == 13) << language << ": " << line;
+    } else if (word == "OSTKEY") {
+      EXPECT_TRUE(f.count() == 9 || f.count() == 10) << language << ": " << line;
+    } else {
+      EXPECT_TRUE(word.rfind("REM ", 0) == 0 || word == "ENDMENU") << language << ": " << line;
+    }
+  }
+  SystemServices services(&prompts);
+  FunctionTable table{};
+  EXPECT_TRUE(ReadMenuFile(table, menuFilePath(folder), services));
+  EXPECT_TRUE(prompts.shown.empty());
+  return table;
+}
+
+TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
+  ScriptedPrompts prompts;
+  FunctionTable english = shippedMenu("English", prompts);
+  const FunctionRecord& f1 = english[1];
+  EXPECT_EQ(f1.Name, "Fabrication Editor");
+  EXPECT_FALSE(f1.Prompt.empty());
+  EXPECT_EQ(f1.Keys[0].Command, 1);  // layer properties run at once
+  for (int k : {0, 1, 7, 8}) {
+    SCOPED_TRACE(k);
+    EXPECT_NE(f1.Keys[size_t(k)].Shown, 0);
+    EXPECT_FALSE(f1.Keys[size_t(k)].Caption.empty());
+  }
+  EXPECT_NE(f1.Keys[size_t(f1.CurrentKey)].Checked, 0);
+  for (int r = 0; r <= 3; ++r)
+    EXPECT_NE(f1.Keys[8].Options[size_t(r)].Shown, 0) << "align option " << r;
+  for (int k : {0, 7, 8})
+    EXPECT_FALSE(f1.Keys[size_t(k)].Options[10].Caption.empty()) << "row 10 of key " << k;
+  EXPECT_EQ(f1.Keys[7].Options[0].Command, 1);  // clear all elements
+  std::set<std::string> shortcuts;
+  for (const KeyRecord& k : f1.Keys) {
+    if (k.Shown) {
+      EXPECT_TRUE(shortcuts.insert(k.Shortcut).second) << "shortcut twice: " << k.Shortcut;
+    }
+  }
+
+  FunctionTable german = shippedMenu("German", prompts);
+  EXPECT_EQ(german[1].Name, "Fertigungseditor");
+  // Blank the texts: what remains must be the same in both languages.
+  auto numbersOnly = [](FunctionTable t) {
+    for (FunctionRecord& f : t) {
+      f.Name = f.Prompt = "";
+      for (KeyRecord& k : f.Keys) {
+        k.Caption = k.Description = "";
+        for (OptionRecord& o : k.Options)
+          o.Caption = o.Description = "";
+      }
+    }
+    return t;
+  };
+  EXPECT_TRUE(numbersOnly(english) == numbersOnly(german));
+  EXPECT_NE(german[1].Keys[7].Caption, english[1].Keys[7].Caption);
+}
+
+}  // namespace
+}  // namespace tvx
