@@ -1,1 +1,151 @@
-int main() { return 0; }
+// tarvex-gbrviewer: a host for the viewer component. It plays the suite's shell: it opens the
+// kernel, creates the component, shows it, passes each line of its standard input to the component
+// as a command, and writes every command the component sends to its standard output as
+// "Aname<TAB>sCommand". It ends when the component reports SHUTDOWN.
+
+#include "kernel/Kernel.h"
+#include "platform/QtUserPrompts.h"
+#include "platform/SystemServices.h"
+#include "shell/ComponentContext.h"
+#include "shell/HostCommands.h"
+#include "shell/clsTVNGBRVIEWER.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QSocketNotifier>
+#include <QString>
+
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <unistd.h>
+
+namespace {
+
+// The name the host goes by on the command channel.
+constexpr const char* HostName = "TARVEX";
+
+// $XDG_<variable> when it is set to an absolute path, otherwise ~/<fallback>.
+QString xdgDirectory(const char* variable, const char* fallback) {
+  const QString value = qEnvironmentVariable(variable);
+  if (!value.isEmpty() && QDir::isAbsolutePath(value))
+    return value;
+  return QDir::homePath() + "/" + fallback;
+}
+
+// Reads standard input as it arrives, without blocking the event loop, and hands each complete
+// line to a callback. The end of input stops the reading and nothing else.
+class StandardInputReader {
+public:
+  explicit StandardInputReader(std::function<void(const std::string&)> onLine)
+      : notifier_(std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read)),
+        onLine_(std::move(onLine)) {
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                     [this] { readAvailable(); });
+  }
+
+private:
+  void readAvailable() {
+    char buffer[4096];
+    const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (n < 0 && (errno == EINTR || errno == EAGAIN))
+      return;
+    if (n <= 0) {
+      notifier_->setEnabled(false);
+      if (!pending_.empty())
+        deliver(std::exchange(pending_, std::string()));
+      return;
+    }
+    pending_.append(buffer, static_cast<size_t>(n));
+    std::string::size_type end;
+    while ((end = pending_.find('\n')) != std::string::npos) {
+      std::string line = pending_.substr(0, end);
+      pending_.erase(0, end + 1);
+      deliver(std::move(line));
+    }
+  }
+  void deliver(std::string line) {
+    if (!line.empty() && line.back() == '\r')
+      line.pop_back();
+    onLine_(line);
+  }
+
+  std::unique_ptr<QSocketNotifier> notifier_;
+  std::function<void(const std::string&)> onLine_;
+  std::string pending_;
+};
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription(
+      "Fabrication graphics viewer of Tarvex. Reads one command per line from standard input "
+      "(for example \"All,EX\") and writes each command the viewer sends as NAME<TAB>COMMAND.");
+  const QCommandLineOption helpOption({"h", "help"}, "Displays this help.");
+  const QCommandLineOption iniOption(
+      "ini", "Settings file (default $XDG_CONFIG_HOME/tarvex/tarvex.ini).", "FILE");
+  parser.addOption(helpOption);
+  parser.addOption(iniOption);
+  parser.addPositionalArgument("files", "Files to open (not yet imported).", "[FILE...]");
+  // Help needs no display: it is answered before the application object exists.
+  for (int i = 1; i < argc; ++i) {
+    if (std::string_view(argv[i]) == "-h" || std::string_view(argv[i]) == "--help") {
+      QString help = parser.helpText();
+      help.replace("<executable_name>", "tarvex-gbrviewer");
+      std::fputs(qPrintable(help), stdout);
+      return 0;
+    }
+  }
+
+  QApplication app(argc, argv);
+  QApplication::setApplicationName("tarvex-gbrviewer");
+  QApplication::setApplicationDisplayName("Tarvex");
+  // Only the component's SHUTDOWN ends the host, not the last window closing.
+  app.setQuitOnLastWindowClosed(false);
+  // The application object has taken its own options (-platform, ...) out of the arguments.
+  if (!parser.parse(QCoreApplication::arguments())) {
+    std::fprintf(stderr, "tarvex-gbrviewer: %s\n", qPrintable(parser.errorText()));
+    return 2;
+  }
+
+  QString iniFile = parser.value(iniOption);
+  if (iniFile.isEmpty())
+    iniFile = xdgDirectory("XDG_CONFIG_HOME", ".config") + "/tarvex/tarvex.ini";
+  iniFile = QDir::cleanPath(QDir::current().absoluteFilePath(iniFile));
+  QDir().mkpath(QFileInfo(iniFile).absolutePath());
+  const QString workDirectory = xdgDirectory("XDG_CACHE_HOME", ".cache") + "/tarvex";
+  QDir().mkpath(workDirectory);
+
+  tvx::Kernel kernel;
+  tvx::QtUserPrompts prompts;
+  tvx::SystemServices services(&prompts);
+  kernel.strings.E_SetString(tvx::IniFileString, iniFile.toStdString());
+  kernel.strings.E_SetString(tvx::WorkDirString, workDirectory.toStdString());
+
+  tvx::ComponentContext context{kernel, services, prompts};
+  tvx::clsTVNGBRVIEWER component(context);
+
+  QObject::connect(&component, &tvx::clsTVNGBRVIEWER::NotifyServer,
+                   [&app](const std::string& Aname, const std::string& sCommand) {
+                     std::fprintf(stdout, "%s\t%s\n", Aname.c_str(), sCommand.c_str());
+                     std::fflush(stdout);
+                     if (Aname == tvx::ComponentName && sCommand == tvx::ShutdownCommand)
+                       QMetaObject::invokeMethod(&app, &QCoreApplication::quit,
+                                                 Qt::QueuedConnection);
+                   });
+
+  StandardInputReader input(
+      [&component](const std::string& line) { component.NotifyMe(HostName, line); });
+
+  int16_t mode = 0;
+  component.Load(mode);
+  return app.exec();
+}

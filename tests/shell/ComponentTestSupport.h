@@ -1,0 +1,67 @@
+// A component with its own kernel, services and scripted prompts, and a record of every command
+// it sends to its host.
+#pragma once
+
+#include "QtTestApplication.h"
+
+#include "kernel/Kernel.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+#include "shell/ComponentContext.h"
+#include "shell/GBRVIEWER_MAIN.h"
+#include "shell/clsTVNGBRVIEWER.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tvx::test {
+
+using Sent = std::vector<std::pair<std::string, std::string>>;
+
+class ComponentTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    qtTestApplication();
+    component = makeComponent(sent);
+  }
+  void TearDown() override { component.reset(); }
+
+  std::unique_ptr<clsTVNGBRVIEWER> makeComponent(Sent& record) {
+    auto c = std::make_unique<clsTVNGBRVIEWER>(context);
+    QObject::connect(c.get(), &clsTVNGBRVIEWER::NotifyServer,
+                     [&record](const std::string& Aname, const std::string& sCommand) {
+                       record.emplace_back(Aname, sCommand);
+                     });
+    return c;
+  }
+
+  // Loads the component in state mode and checks that it came up.
+  void load(int16_t mode = 0) {
+    ASSERT_EQ(component->Load(mode), -1);
+    ASSERT_NE(window(), nullptr);
+  }
+
+  GBRVIEWER_MAIN* window() const { return clsTVNGBRVIEWER::mainWindow(); }
+
+  std::string kernelString(const std::string& name) const {
+    return SystemServices::StringFromPointer(kernel.strings.E_GetString(name));
+  }
+
+  Kernel kernel;
+  ScriptedPrompts prompts;
+  SystemServices services{&prompts};
+  ComponentContext context{kernel, services, prompts};
+  Sent sent;
+  std::unique_ptr<clsTVNGBRVIEWER> component;
+};
+
+inline const Sent& shutdownOnly() {
+  static const Sent expected{{"TVNGBRVIEWER", "SHUTDOWN"}};
+  return expected;
+}
+
+}  // namespace tvx::test
