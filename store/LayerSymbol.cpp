@@ -1,0 +1,36 @@
+#include "store/LayerSymbol.h"
+
+#include "platform/SystemServices.h"
+
+#include <string_view>
+
+namespace tvx {
+
+namespace {
+std::string_view trimmed(std::string_view text) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!text.empty() && blank(text.front()))
+    text.remove_prefix(1);
+  while (!text.empty() && blank(text.back()))
+    text.remove_suffix(1);
+  return text;
+}
+}  // namespace
+
+void EnsureLayerSymbol(Store& store, const LayerRecord& layer, bool replace) {
+  const SymbolId id = layer.SymbolHandle;
+  if (ObjectHandle symbol = store.S_Symbol(id)) {
+    bool remove = replace;
+    if (!remove) {
+      const std::string name = SystemServices::StringFromPointer(store.O_GetName(symbol));
+      remove = trimmed(name) != trimmed(layer.SymbolName);
+    }
+    if (remove)
+      store.OM_Delete(store.DB_SymbMap(), id);
+  }
+  // When the store refuses the symbol the layer stays without one and reads as empty.
+  if (!store.S_Symbol(id) && store.S_CreateSymbol(id, layer.SymbolName) == id)
+    store.O_Mask(store.S_Symbol(id), attr::MadeBySystem, attr::MadeBySystem);
+}
+
+}  // namespace tvx

@@ -1,0 +1,87 @@
+// What the import tests share: the 31 layer slots, a reporting set with scripted prompts, a
+// temporary folder, and elements made directly in the store.
+#pragma once
+
+#include "store/LayerRecord.h"
+#include "import/gerber/ReportStatus.h"
+#include "kernel/Store.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace tvx::test {
+
+// The layer slots as the layer catalogue lays them out: masks, symbols, the listed layers
+// (1 to 6, 30, 31) and the filter masks of their roles.
+inline std::array<LayerRecord, LayerCount> makeLayers() {
+  std::array<LayerRecord, LayerCount> layers;
+  for (int32_t n = 1; n <= LayerCount; ++n) {
+    LayerRecord& layer = layers[n - 1];
+    layer.Mask = static_cast<int32_t>(1u << (n - 1));
+    layer.SymbolHandle = LayerSymbolBase - n;
+    layer.SymbolName = "$$GIS_CAT" + std::to_string(layer.SymbolHandle);
+    layer.Listed = (layer.Mask & 0x6000003F) != 0;
+    layer.DisplayName = n == 30   ? "Board Outline/Cut-outs"
+                        : n == 31 ? "Drill Template"
+                                  : "Layer " + std::to_string(n);
+    layer.FilterMask = n == 31 ? 50 : n == 30 ? 13 : 16511;
+    layer.ColourNumber = layer.DefaultColourNumber = n % 32;
+  }
+  return layers;
+}
+
+struct Reporting {
+  ScriptedPrompts prompts;
+  SystemServices services{&prompts};
+  StatusTitles titles{"Tarvex Viewer", ""};
+  FormatDigits digits;
+  StatusReporter reporter{services, prompts, titles, digits};
+};
+
+class TempDir {
+public:
+  TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "tvx-import-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~TempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+  const std::filesystem::path& path() const { return path_; }
+
+private:
+  std::filesystem::path path_;
+};
+
+inline std::string readBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// An element of a symbol, made the way the store's callers do.
+inline ObjectHandle addItem(Store& store, SymbolId symbol, const ItemRecord& record) {
+  ObjectHandle item = store.I_MakeItem(record);
+  if (item && store.OA_Add(store.S_SymbolItemArray(symbol), item) == 0)
+    return 0;
+  return item;
+}
+
+inline ItemRecord line(int32_t x, int32_t y, int32_t dx, int32_t dy) {
+  ItemRecord r;
+  r.Type = ItemLine;
+  r.Attributes = attr::Shown;
+  r.X = x;
+  r.Y = y;
+  r.Width = dx;
+  r.Height = dy;
+  return r;
+}
+
+}  // namespace tvx::test
