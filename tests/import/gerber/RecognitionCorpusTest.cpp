@@ -7,6 +7,8 @@
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 
+#include "support/CorpusPath.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,7 +22,7 @@
 namespace tvx {
 namespace {
 
-const std::string CorpusDir = TVX_SOURCE_DIR "/../shared/corpus";
+const std::string CorpusDir = test::corpusDir();
 
 // Kinds that a format of the manifest implies. Aperture tables and the rest are no import files.
 std::set<int> impliedKinds(const std::string& format) {
@@ -84,8 +86,8 @@ std::vector<Entry> readManifest() {
 }
 
 TEST(RecognitionCorpusTest, EveryFileIsTheKindItsFormatImplies) {
-  if (!std::filesystem::is_directory(CorpusDir))
-    GTEST_SKIP() << "no corpus at " << CorpusDir;
+  if (CorpusDir.empty())
+    GTEST_SKIP() << "no corpus found (set TVX_CORPUS_DIR)";
   const std::vector<Entry> entries = readManifest();
   ASSERT_FALSE(entries.empty());
 
