@@ -70,6 +70,15 @@ int32_t Graphics::G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode) {
     return 0;
   }
   d->painter->setRenderHint(QPainter::Antialiasing, true);
+  d->rasterImage = d->usesShadow ? &d->shadow
+                   : d->target->devType() == QInternal::Image ? static_cast<QImage*>(d->target)
+                                                              : nullptr;
+  if (d->rasterImage && (d->rasterImage->format() == QImage::Format_RGB32 ||
+                         d->rasterImage->format() == QImage::Format_ARGB32 ||
+                         d->rasterImage->format() == QImage::Format_ARGB32_Premultiplied))
+    d->raster = std::make_unique<Raster>(*d->rasterImage);
+  else
+    d->raster.reset();
   d->open = true;
   d->drawMode = drawmode::Normal;
   impl_->applyMode(*d);
@@ -82,6 +91,7 @@ int32_t Graphics::G_CloseDC(int32_t dev, int32_t flag) {
     return 0;
   d->painter->end();
   d->painter.reset();
+  d->raster.reset();
   d->open = false;
   if (flag && d->onPresent)
     d->onPresent();

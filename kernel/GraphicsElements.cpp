@@ -13,10 +13,6 @@ namespace {
 
 constexpr double DegToRad = std::numbers::pi / 180.0;
 
-bool meets(const FrameRect& a, const Box& b) {
-  return b.minX <= a.MaxX && a.MinX <= b.maxX && b.minY <= a.MaxY && a.MinY <= b.maxY;
-}
-
 // Appends an arc (centre, radius, start, sweep in thousandths of a degree) to a path in device
 // coordinates, from the end nearer to the path's current point when join is set.
 void appendArc(const Device& d, QPainterPath& path, const ItemFields& f, bool join) {
@@ -46,9 +42,27 @@ void appendArc(const Device& d, QPainterPath& path, const ItemFields& f, bool jo
     path.lineTo(pointAt(start + sweep * i / steps));
 }
 
+// Points along an arc in device coordinates, close enough that no chord strays a quarter pixel.
+void flattenArc(const Device& d, const ItemFields& f, std::vector<QPointF>& out) {
+  double r = std::abs(double(f.Width));
+  double radiusPx = r * d.scale;
+  double sweep = f.Sweep / 1000.0;
+  double step = radiusPx > 0.5 ? 2 * std::acos(std::max(-1.0, 1 - 0.25 / radiusPx)) / DegToRad : 90;
+  int steps = std::clamp(int(std::ceil(std::abs(sweep) / std::max(step, 0.5))), 1, 720);
+  for (int i = 0; i <= steps; ++i) {
+    double a = (f.Height / 1000.0 + sweep * i / steps) * DegToRad;
+    out.push_back(d.toDevice(f.X + r * std::cos(a), f.Y + r * std::sin(a)));
+  }
+}
+
 QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
+  double c = 1, s = 0;
+  if (f.Angle % 360000 != 0) {
+    double a = f.Angle / 1000.0 * DegToRad;
+    c = std::cos(a);
+    s = std::sin(a);
+  }
   auto at = [&](double dx, double dy) {
-    double a = f.Angle / 1000.0 * DegToRad, c = std::cos(a), s = std::sin(a);
     return d.toDevice(f.X + dx * c - dy * s, f.Y + dx * s + dy * c);
   };
   if (f.Type == ItemTriangle)
@@ -66,8 +80,63 @@ QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
 
 }  // namespace
 
+bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
+  if (f.Type == ItemVectorText || f.Type == ItemTrueTypeText)
+    return false;
+  r.setColour(qrgbOf(d, f.Colour));
+  bool skeleton = isOutlineView(d);
+  bool filled = f.Style == StyleFilled && !skeleton;
+  double pen = skeleton ? 0.0 : std::max(0, f.LineWidth) * d.scale;
+  switch (f.Type) {
+  case ItemLine:
+    r.strokeSegment(d.toDevice(f.X, f.Y),
+                    d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height), pen);
+    return true;
+  case ItemCircle: {
+    double radius = std::abs(double(f.Width)) * d.scale;
+    QPointF c = d.toDevice(f.X, f.Y);
+    if (filled)
+      r.fillDisc(c, radius);
+    else {
+      double half = std::max(pen, 1.0) / 2;
+      r.fillRing(c, radius + half, radius - half);
+    }
+    return true;
+  }
+  case ItemArc: {
+    double reach = std::abs(double(f.Width)) * d.scale;
+    if (reach + pen / 2 < 1.0) {
+      // Smaller than a pixel: the pixel under its centre stands for it.
+      QPointF c = d.toDevice(f.X, f.Y);
+      r.plot(int(std::floor(c.x())), int(std::floor(c.y())));
+      return true;
+    }
+    points_.clear();
+    flattenArc(d, f, points_);
+    for (size_t i = 1; i < points_.size(); ++i)
+      r.strokeSegment(points_[i - 1], points_[i], pen);
+    return true;
+  }
+  case ItemTriangle:
+  case ItemRectangle: {
+    QPolygonF corners = cornersOf(d, f, 0);
+    if (filled) {
+      r.fillConvex(corners.constData(), int(corners.size()));
+    } else {
+      for (qsizetype i = 0; i < corners.size(); ++i)
+        r.strokeSegment(corners[i], corners[(i + 1) % corners.size()], pen);
+    }
+    return true;
+  }
+  default:
+    return false;
+  }
+}
+
 void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::string* text,
                                     const std::string* face) {
+  if (Raster* r = rasterFor(d); r && rasterItem(d, *r, f))
+    return;
   QPainter& p = *d.painter;
   bool filled = f.Style == StyleFilled;
   switch (f.Type) {
@@ -146,6 +215,40 @@ void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::s
 
 void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last) {
   ItemRecord r;
+  if (Raster* raster = rasterFor(d)) {
+    // The outline as one ring of points; arcs are followed from the end nearer to the ring.
+    points_.clear();
+    ItemFields firstSide{};
+    for (int32_t i = first; i <= last; ++i) {
+      const ItemFields* side = store.itemFields(store.OA_Object(items, i));
+      if (!side)
+        return;
+      const ItemFields& f = *side;
+      if (i == first)
+        firstSide = f;
+      if (f.Type == ItemArc) {
+        size_t start = points_.size();
+        flattenArc(d, f, points_);
+        if (start > 0 && points_.size() > start + 1 &&
+            QLineF(points_[start - 1], points_.back()).length() <
+                QLineF(points_[start - 1], points_[start]).length())
+          std::reverse(points_.begin() + qsizetype(start), points_.end());
+      } else {
+        points_.push_back(d.toDevice(f.X, f.Y));
+        if (f.Type == ItemLine)
+          points_.push_back(d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height));
+      }
+    }
+    raster->setColour(qrgbOf(d, firstSide.Colour));
+    if (firstSide.Style == StyleFilled && !isOutlineView(d)) {
+      raster->fillPolygon(points_);
+    } else {
+      double pen = isOutlineView(d) ? 0.0 : std::max(0, firstSide.LineWidth) * d.scale;
+      for (size_t i = 0; i < points_.size(); ++i)
+        raster->strokeSegment(points_[i], points_[(i + 1) % points_.size()], pen);
+    }
+    return;
+  }
   QPainterPath path;
   ItemFields firstSide;
   for (int32_t i = first; i <= last; ++i) {
@@ -230,36 +333,36 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
   if (count == 0)
     return;
   FrameRect view = d.visibleFrame();
-  // A view that shows a small part of a large array asks the spatial index for what it needs.
+  // A view that shows a part of the array asks the spatial index for what it needs; a view that
+  // holds the whole array walks it without any test.
   std::vector<int32_t> positions;
-  bool indexed = false;
-  if (count > 256) {
-    store.membersInBox(items, view, positions);
-    indexed = positions.size() < size_t(count);
-  }
-  ItemRecord r;
+  bool indexed = store.membersInBox(items, view, positions);
   int32_t lastRunDrawn = 0;
+  auto statusAt = [&](int32_t i) {
+    const ItemFields* f = store.itemFields(store.OA_Object(items, i));
+    return f ? f->Attributes : 0;
+  };
   auto drawAt = [&](int32_t i) {
-    ObjectHandle item = store.OA_Object(items, i);
-    if (!store.I_ReadItem(item, r))
+    const std::string* text = nullptr;
+    const std::string* face = nullptr;
+    const ItemFields* f = store.itemFields(store.OA_Object(items, i), &text, &face);
+    if (!f || (onlyShown && !(f->Attributes & attr::Shown)))
       return;
-    if (onlyShown && !(r.Attributes & attr::Shown))
-      return;
-    if (r.Attributes & attr::PolygonSide) {
+    if (f->Attributes & attr::PolygonSide) {
       // A polygon is drawn whole, once, from its first side.
+      if (i <= lastRunDrawn)
+        return;
       int32_t first = i, last = i;
-      int32_t status = r.Attributes;
+      int32_t status = f->Attributes;
       while (first > 1 && !(status & attr::PolygonFirst)) {
-        status = store.O_GetStatus(store.OA_Object(items, first - 1));
+        status = statusAt(first - 1);
         if (!(status & attr::PolygonSide) || (status & attr::PolygonLast))
           break;
         --first;
       }
-      if (first <= lastRunDrawn)
-        return;
-      status = r.Attributes;
+      status = f->Attributes;
       while (last < count && !(status & attr::PolygonLast)) {
-        status = store.O_GetStatus(store.OA_Object(items, last + 1));
+        status = statusAt(last + 1);
         if (!(status & attr::PolygonSide) || (status & attr::PolygonFirst))
           break;
         ++last;
@@ -268,9 +371,7 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
       drawPolygonRun(d, items, first, last);
       return;
     }
-    if (!indexed && !meets(view, itemFrame(fieldsOf(r), r.Text.size())))
-      return;
-    drawItemFields(d, fieldsOf(r), &r.Text, &r.Face);
+    drawItemFields(d, *f, text, face);
   };
   if (indexed)
     for (int32_t i : positions)
@@ -329,7 +430,10 @@ int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t 
   if (entries) {
     ArrayHandle array = store.S_SymbolEntryArray(id);
     std::vector<int32_t> positions;
-    store.membersInBox(array, d->visibleFrame(), positions);
+    bool indexed = store.membersInBox(array, d->visibleFrame(), positions);
+    if (!indexed)
+      for (int32_t i = 1, n = store.OA_GetCount(array); i <= n; ++i)
+        positions.push_back(i);
     EntryRecord e;
     for (int32_t i : positions)
       if (store.S_ReadEntry(id, i, e) && (e.Attributes & attr::Shown))

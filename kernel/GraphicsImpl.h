@@ -5,6 +5,7 @@
 #include "kernel/ItemGeometry.h"
 #include "kernel/KernelStrings.h"
 #include "kernel/Palette.h"
+#include "kernel/Raster.h"
 #include "kernel/Store.h"
 
 #include <QImage>
@@ -33,6 +34,9 @@ struct Device {
   int32_t drawMode = drawmode::Normal;
   int32_t background = 0;  // colour value of the background
   std::array<uint32_t, PaletteSize> palette{};
+  // Span drawing straight into the pixels, for images in the normal mode; null otherwise.
+  std::unique_ptr<Raster> raster;
+  QImage* rasterImage = nullptr;
   int32_t thickPens = 0;
 
   // Store to device coordinates of the open pass.
@@ -55,6 +59,7 @@ public:
   Store& store;
   KernelStrings& strings;
   std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
+  std::vector<QPointF> points_;                  // scratch outline, reused between elements
 
   Device* device(int32_t dev) {
     if (dev < 1 || size_t(dev) > devices.size())
@@ -78,6 +83,17 @@ public:
   void drawEntry(Device& d, SymbolId id, const EntryRecord& e);
   void drawItemArray(Device& d, ArrayHandle items, bool onlyShown);
   bool isOutlineView(const Device& d) const { return (d.view.Mode & viewflag::Outline) != 0; }
+
+  // The span rasteriser serves when the pass draws into an image and not exclusive-or.
+  Raster* rasterFor(Device& d) const {
+    return d.raster && !(d.drawMode & drawmode::ExclusiveOr) ? d.raster.get() : nullptr;
+  }
+  // Draws a non-text item with the span rasteriser; false when it cannot.
+  bool rasterItem(Device& d, Raster& r, const ItemFields& f);
+  QRgb qrgbOf(const Device& d, int32_t colour) const {
+    uint32_t v = rgbOf(d, colour);
+    return qRgb(redOf(v), greenOf(v), blueOf(v));
+  }
 };
 
 }  // namespace tvx

@@ -8,6 +8,7 @@
 // and kept up to date on every change; symbol frames are cached until the symbol changes.
 #pragma once
 
+#include "kernel/ItemGeometry.h"
 #include "kernel/KernelTypes.h"
 
 #include <memory>
@@ -112,8 +113,15 @@ public:
 
   // Positions (1-based, ascending) of the members of an item or entry array whose frames meet the
   // box; entries count by their points grown by the reach of the symbol's pads. Uses the array's
-  // spatial index, made on first use.
-  void membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions);
+  // spatial index, made on first use. Returns false, with no positions, when the box holds the
+  // whole array: the caller then takes every member.
+  bool membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions);
+
+  // The numeric fields of an item, and its text and face when it has them, read in place without a
+  // copy: for walks that touch every element. Valid until the store next changes; nullptr for a
+  // handle that is not a live item.
+  const ItemFields* itemFields(ObjectHandle item, const std::string** text = nullptr,
+                               const std::string** face = nullptr) const;
 
   // Deletes an object that no array or map holds (an item or pad stack whose adding failed).
   // Returns 0 for an object that has an owner or is not live.

@@ -296,12 +296,17 @@ int32_t Store::deleteFreeObject(ObjectHandle object) {
   return 1;
 }
 
-void Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions) {
+bool Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions) {
   positions.clear();
   Impl& s = *impl_;
   ArrayData* a = s.array(array);
   if (!a || (a->element != ObjectKind::Item && a->element != ObjectKind::Entry))
-    return;
+    return true;
+  Box all;
+  if (!s.frameOf(*a, -1, all))
+    return true;  // nothing in the array
+  if (box.MinX <= all.minX && box.MinY <= all.minY && box.MaxX >= all.maxX && box.MaxY >= all.maxY)
+    return false;
   if (!a->index)
     s.buildIndex(*a);
   int32_t grow = 0;
@@ -315,6 +320,7 @@ void Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<in
     positions.push_back(entries ? s.entries.data[id].position : s.items.data[id].position);
   });
   std::sort(positions.begin(), positions.end());
+  return true;
 }
 
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {

@@ -68,6 +68,26 @@ int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
   return d->f.Type;
 }
 
+const ItemFields* Store::itemFields(ObjectHandle item, const std::string** text,
+                                    const std::string** face) const {
+  ItemData* d = impl_->item(item);
+  if (!d)
+    return nullptr;
+  if (text || face) {
+    const ItemText* t = nullptr;
+    if (d->f.Type == ItemVectorText || d->f.Type == ItemTrueTypeText) {
+      auto it = impl_->itemTexts.find(impl_->table.find(item, ObjectKind::Item));
+      if (it != impl_->itemTexts.end())
+        t = &it->second;
+    }
+    if (text)
+      *text = t ? &t->text : nullptr;
+    if (face)
+      *face = t ? &t->face : nullptr;
+  }
+  return &d->f;
+}
+
 int32_t Store::I_ReadItemAbs(ObjectHandle item, ItemRecord& record) const {
   int32_t type = I_ReadItem(item, record);
   if (!type)
