@@ -3,53 +3,17 @@
 
 #include <benchmark/benchmark.h>
 
+#include "MixedLayer.h"
+
 #include <random>
 
 namespace tvx {
 namespace {
 
-constexpr SymbolId Layer = -76501;
+using bench::Layer;
 constexpr int32_t Board = 30000000;  // 300 mm square
 
-// A million mixed items spread over the board like copper: short traces, pads, arcs, pours.
-void fill(Store& s, int count) {
-  s.S_CreateSymbol(Layer, "$$GIS_CAT-76501");
-  ArrayHandle a = s.S_SymbolItemArray(Layer);
-  std::mt19937 rng(1);
-  std::uniform_int_distribution<int32_t> pos(0, Board), len(-200000, 200000);
-  for (int i = 0; i < count; ++i) {
-    ItemRecord r;
-    r.Attributes = attr::Shown;
-    r.X = pos(rng);
-    r.Y = pos(rng);
-    switch (i % 4) {
-    case 0:
-      r.Type = ItemLine;
-      r.Width = len(rng);
-      r.Height = len(rng);
-      r.LineWidth = 25400;
-      break;
-    case 1:
-      r.Type = ItemCircle;
-      r.Width = 50000;
-      r.Style = StyleFilled;
-      break;
-    case 2:
-      r.Type = ItemRectangle;
-      r.Width = 150000;
-      r.Height = 80000;
-      r.Style = StyleFilled;
-      break;
-    default:
-      r.Type = ItemArc;
-      r.Width = 100000;
-      r.Height = 0;
-      r.Sweep = 180000;
-      r.LineWidth = 20000;
-    }
-    s.OA_Add(a, s.I_MakeItem(r));
-  }
-}
+void fill(Store& s, int count) { bench::fillMixedLayer(s, count, Board); }
 
 void BM_Build(benchmark::State& state) {
   for (auto _ : state) {

@@ -144,20 +144,28 @@ int32_t Store::Impl::filledRunHit(ArrayData& a, int32_t firstIndex, double x, do
       if (run.last)
         a.filledRuns.push_back(run);
     }
+    a.runNodes.assign(a.filledRuns.size(), SpatialIndex::NoNode);
+    // The pool of arrays may move: the index finds its array by handle.
+    a.runIndex = std::make_unique<SpatialIndex>(
+        [this, self = a.self](uint32_t id) -> uint32_t& { return array(self)->runNodes[id]; });
+    for (size_t i = 0; i < a.filledRuns.size(); ++i)
+      a.runIndex->insert(uint32_t(i), a.filledRuns[i].frame);
     a.runsVersion = a.version;
   }
   std::vector<std::pair<double, double>> ring;
-  for (const FilledRun& run : a.filledRuns) {
-    if (run.first < firstIndex || x < run.frame.minX || x > run.frame.maxX ||
-        y < run.frame.minY || y > run.frame.maxY)
-      continue;
+  int32_t best = INT32_MAX;
+  int32_t px = clampToInt32(x), py = clampToInt32(y);
+  a.runIndex->query(Box{px, py, px, py}, [&](uint32_t id, const Box&) {
+    const FilledRun& run = a.filledRuns[id];
+    if (run.first < firstIndex || run.first >= best)
+      return;
     ring.clear();
     for (int32_t i = run.first; i <= run.last; ++i)
       appendSide(item(a.objects[size_t(i) - 1])->f, ring);
     if (ring.size() >= 3 && insideRing(ring, x, y))
-      return run.first;  // runs are in index order: the first hit is the lowest
-  }
-  return INT32_MAX;
+      best = run.first;
+  });
+  return best;
 }
 
 int32_t Store::OA_GetCount(ArrayHandle array) const {

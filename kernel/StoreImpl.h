@@ -86,6 +86,8 @@ struct ArrayData {
   std::unique_ptr<SpatialIndex> index;
   std::vector<FrameCacheEntry> frames;
   std::vector<FilledRun> filledRuns;  // valid while runsVersion == version
+  std::vector<uint32_t> runNodes;     // the spatial node of each filled run
+  std::unique_ptr<SpatialIndex> runIndex;
   uint64_t runsVersion = UINT64_MAX;
 };
 

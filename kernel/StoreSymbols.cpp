@@ -300,26 +300,28 @@ int32_t Store::S_ChangePadPadStack(SymbolId id, int32_t index, int32_t padStackK
   return changeEntry(*this, *impl_, id, index, [&](EntryData& e) { e.padStack = padStackKey; });
 }
 
-int32_t Store::S_FrameSymbolItems(SymbolId id, int32_t mask, FrameRect& frame) {
-  ArrayData* a = impl_->symbolArray(id, &SymbolData::items);
+namespace {
+// Frame of the members of one of a symbol's arrays that have a bit of mask, after the component
+// location.
+int32_t frameSymbolArray(Store::Impl& s, SymbolId id, int32_t SymbolData::*which, int32_t mask,
+                         FrameRect& frame) {
+  ArrayData* a = s.symbolArray(id, which);
   Box b;
-  if (!a || !impl_->frameOf(*a, mask, b)) {
+  if (!a || !s.frameOf(*a, mask, b)) {
     frame = FrameRect{};
     return 0;
   }
-  frame = toFrameRect(placeBox(b, impl_->compLocation));
+  frame = toFrameRect(placeBox(b, s.compLocation));
   return 1;
+}
+}  // namespace
+
+int32_t Store::S_FrameSymbolItems(SymbolId id, int32_t mask, FrameRect& frame) {
+  return frameSymbolArray(*impl_, id, &SymbolData::items, mask, frame);
 }
 
 int32_t Store::S_FrameSymbolEntries(SymbolId id, int32_t mask, FrameRect& frame) {
-  ArrayData* a = impl_->symbolArray(id, &SymbolData::entries);
-  Box b;
-  if (!a || !impl_->frameOf(*a, mask, b)) {
-    frame = FrameRect{};
-    return 0;
-  }
-  frame = toFrameRect(placeBox(b, impl_->compLocation));
-  return 1;
+  return frameSymbolArray(*impl_, id, &SymbolData::entries, mask, frame);
 }
 
 void Store::S_SetCompLocation(int32_t x, int32_t y, int32_t angle, int32_t mirror) {
