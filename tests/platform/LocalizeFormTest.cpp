@@ -7,6 +7,8 @@
 
 #include <QAction>
 #include <QApplication>
+
+#include "support/WidgetTestApplication.h"
 #include <QGroupBox>
 #include <QLabel>
 #include <QLocale>
@@ -21,18 +23,6 @@
 
 namespace tvx {
 namespace {
-
-QApplication& application() {
-  if (auto* running = qobject_cast<QApplication*>(QCoreApplication::instance()))
-    return *running;
-  static int argc = 1;
-  static char name[] = "test_platform";
-  static char* argv[] = {name, nullptr};
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication app(argc, argv);
-  return app;
-}
 
 struct Window {
   QWidget form;
@@ -65,7 +55,7 @@ struct Window {
 };
 
 TEST(LocalizeForm, TagsTakeTheCatalogueTextAndFallBackToTheDesignCaption) {
-  application();
+  test::widgetTestApplication();
   Window w;
   SystemServices services;
   InterfaceFont font{"DejaVu Sans", 11, 0};
@@ -92,7 +82,7 @@ TEST(LocalizeForm, TagsTakeTheCatalogueTextAndFallBackToTheDesignCaption) {
 }
 
 TEST(LocalizeForm, ClassicGreyBackgroundBecomesTheDesktopColour) {
-  application();
+  test::widgetTestApplication();
   QWidget grey, blue;
   QPalette p = grey.palette();
   p.setColor(QPalette::Window, QColor(192, 192, 192));
@@ -152,7 +142,7 @@ TEST(InterfaceFont, AFamilyWithTheScriptIsChosenOnlyWhenTheDesktopFontLacksIt) {
 
   // On this machine: the desktop's font for a Western language; the character set as the table
   // says for Japanese, whatever fonts are installed.
-  application();
+  test::widgetTestApplication();
   InterfaceFont western = SelectInterfaceFont(QLocale("en_US"));
   EXPECT_FALSE(western.Name.empty());
   EXPECT_GT(western.Size, 0);

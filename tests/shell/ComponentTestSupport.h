@@ -2,7 +2,7 @@
 // it sends to its host.
 #pragma once
 
-#include "QtTestApplication.h"
+#include "support/WidgetTestApplication.h"
 
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -25,7 +25,7 @@ using Sent = std::vector<std::pair<std::string, std::string>>;
 class ComponentTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    qtTestApplication();
+    widgetTestApplication();
     component = makeComponent(sent);
   }
   void TearDown() override { component.reset(); }

@@ -1,0 +1,133 @@
+// The display pictures against known texts, rounding and signs included.
+#include "common/FormatNumber.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace tvx {
+namespace {
+
+struct Case {
+  double value;
+  const char* text;
+};
+
+void expectPicture(const char* picture, const std::vector<Case>& cases) {
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(picture) + " of " + std::to_string(c.value));
+    EXPECT_EQ(FormatNumber(c.value, picture), c.text);
+  }
+}
+
+TEST(FormatNumberTest, LengthPicturesOfThePanels) {
+  // Inch and millimetre lengths: required and one optional decimal.
+  expectPicture("#0.0000#", {{0, "0.0000"},
+                             {1.5, "1.5000"},
+                             {25.4, "25.4000"},
+                             {0.123456, "0.12346"},
+                             {9.99995, "9.99995"},
+                             {9.999995, "10.0000"},
+                             {1.000005, "1.00001"},
+                             {0.000004, "0.0000"},
+                             {-3.25, "-3.2500"},
+                             {-0.0393701, "-0.03937"}});
+  expectPicture("###0.000#", {{0, "0.000"},
+                              {1234.5678, "1234.5678"},
+                              {1234.56789, "1234.5679"},
+                              {12345.6, "12345.600"},
+                              {2.00005, "2.0001"},
+                              {-0.5, "-0.500"}});
+  expectPicture("#0.000", {{9.99995, "10.000"},
+                           {2.675, "2.675"},
+                           {2.6755, "2.676"},
+                           {0.0005, "0.001"},
+                           {-0.0005, "-0.001"},
+                           {123456.7, "123456.700"}});
+  expectPicture(
+      "###0.0",
+      {{0.05, "0.1"}, {0.04, "0.0"}, {99.95, "100.0"}, {-99.95, "-100.0"}, {12345.67, "12345.7"}});
+  expectPicture("####0.000", {{3.14159, "3.142"}, {100000, "100000.000"}, {-7, "-7.000"}});
+}
+
+TEST(FormatNumberTest, AnglesScalesAndSheetSizes) {
+  expectPicture("##0.0#", {{45, "45.0"},
+                           {22.5, "22.5"},
+                           {0.125, "0.13"},
+                           {1.999, "2.0"},
+                           {0.001, "0.0"},
+                           {-360, "-360.0"}});
+  expectPicture("00.00", {{5, "05.00"}, {0, "00.00"}, {123.456, "123.46"}, {0.005, "00.01"}});
+  expectPicture("0.00", {{1.005, "1.01"}, {0.994, "0.99"}, {0.995, "1.00"}});
+  expectPicture("#0.0#", {{210, "210.0"}, {297.04, "297.04"}, {8.267, "8.27"}, {0.004, "0.0"}});
+  expectPicture("#0.0##", {{1, "1.0"}, {1.25, "1.25"}, {1.2345, "1.235"}, {0.1, "0.1"}});
+}
+
+TEST(FormatNumberTest, PicturesWithoutAnIntegerZero) {
+  // No integer zero: a value below 1 begins with the point, and a zero leaves only the point.
+  expectPicture("#.00", {{0.5, ".50"},
+                         {0, ".00"},
+                         {2, "2.00"},
+                         {1.005, "1.01"},
+                         {0.004, ".00"},
+                         {-0.25, "-.25"},
+                         {1234.5, "1234.50"}});
+  // The ruler labels: the point stays when no decimal is left.
+  expectPicture("###.###", {{0, "."},
+                            {2, "2."},
+                            {2.5, "2.5"},
+                            {0.0254, ".025"},
+                            {0.0005, ".001"},
+                            {1234.5678, "1234.568"},
+                            {-1.25, "-1.25"}});
+  expectPicture("######.###", {{25.4, "25.4"}, {1000, "1000."}, {1234567.0001, "1234567."}});
+}
+
+TEST(FormatNumberTest, CoordinatePicturesBuiltFromTheDecimalCount) {
+  // "####0" and, with decimals, "." and that many zeros.
+  const std::vector<std::string> expected = {"3",      "3.1",     "3.14",    "3.142",
+                                             "3.1416", "3.14159", "3.141593"};
+  for (size_t decimals = 0; decimals < expected.size(); ++decimals) {
+    std::string picture = "####0";
+    if (decimals > 0)
+      picture += "." + std::string(decimals, '0');
+    SCOPED_TRACE(picture);
+    EXPECT_EQ(FormatNumber(3.14159265, picture), expected[decimals]);
+    EXPECT_EQ(FormatNumber(-3.14159265, picture), "-" + expected[decimals]);
+  }
+  expectPicture("####0", {{2.5, "3"}, {-2.5, "-3"}, {0.4, "0"}, {123456, "123456"}});
+  expectPicture("####0.", {{5, "5."}, {0, "0."}, {4.5, "5."}});
+}
+
+TEST(FormatNumberTest, SeparatorsSectionsAndLiterals) {
+  // No grouping unless the picture asks for it.
+  expectPicture("#0.00", {{1234567.891, "1234567.89"}});
+  expectPicture("#,##0.00", {{1234567.891, "1,234,567.89"}, {999, "999.00"}, {-1000, "-1,000.00"}});
+  expectPicture("#,##0", {{1000, "1,000"}, {12, "12"}});
+  // Commas right before the point divide by a thousand each.
+  expectPicture("0,", {{1500000, "1500"}});
+  expectPicture("0,,.0", {{1900000, "1.9"}});
+  expectPicture("0%", {{0.255, "26%"}});
+  expectPicture("0.00;(0.00);\"zero\"", {{2, "2.00"}, {-1.5, "(1.50)"}, {0, "zero"}});
+  expectPicture("0.0;;\"-\"", {{-1.5, "-1.5"}, {0, "-"}});
+  expectPicture("0.0\" mm\"", {{1.25, "1.3 mm"}});
+  expectPicture("$#", {{-10, "-$10"}});
+  expectPicture("\\#0", {{7, "#7"}});
+}
+
+TEST(FormatNumberTest, EdgeValues) {
+  EXPECT_EQ(FormatNumber(-0.0, "#0.000"), "0.000");
+  EXPECT_EQ(FormatNumber(-0.0004, "#0.000"), "-0.000");  // the sign of the value is kept
+  EXPECT_EQ(FormatNumber(1e20, "0.00"), "100000000000000000000.00");
+  EXPECT_EQ(FormatNumber(123456789012345678.0, "0"), "123456789012346000");
+  EXPECT_EQ(FormatNumber(1e-20, "0.0000#"), "0.0000");
+  EXPECT_EQ(FormatNumber(2.5, ""), "2.5");
+  EXPECT_EQ(FormatNumber(1e20, ""), "1E+20");
+  EXPECT_EQ(FormatNumber(std::numeric_limits<double>::quiet_NaN(), "0.0"), "NaN");
+  EXPECT_EQ(FormatNumber(-std::numeric_limits<double>::infinity(), "0.0"), "-Infinity");
+}
+
+}  // namespace
+}  // namespace tvx
