@@ -109,12 +109,26 @@ int32_t Store::I_FrameItem(ObjectHandle item, FrameRect& frame) const {
 
 int32_t Store::I_ChangeItemAttr(ObjectHandle item, int32_t attributes, int32_t colour,
                                 int32_t style, int32_t lineWidth) {
-  return changeItem(*impl_, item, [&](ItemData& d) {
-    d.f.Attributes = attributes;
-    d.f.Colour = uint8_t(colour);
-    d.f.Style = uint8_t(style);
-    d.f.LineWidth = lineWidth;
-  });
+  ItemData* d = impl_->item(item);
+  if (!d)
+    return 0;
+  if (d->f.LineWidth != lineWidth) {
+    // The pen changes the item's extent: its place in the spatial index follows.
+    return changeItem(*impl_, item, [&](ItemData& t) {
+      t.f.Attributes = attributes;
+      t.f.Colour = uint8_t(colour);
+      t.f.Style = uint8_t(style);
+      t.f.LineWidth = lineWidth;
+    });
+  }
+  // A new colour alone changes no frame, run or index: the mono view recolours whole layers.
+  bool shapeOrMarks = d->f.Attributes != attributes || d->f.Style != uint8_t(style);
+  d->f.Attributes = attributes;
+  d->f.Colour = uint8_t(colour);
+  d->f.Style = uint8_t(style);
+  if (shapeOrMarks && d->owner)
+    impl_->touchArray(d->owner);
+  return 1;
 }
 
 int32_t Store::I_ChangeItemLink(ObjectHandle item, int32_t link) {
