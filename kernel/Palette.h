@@ -2,8 +2,8 @@
 //
 // Numbers 0 to 15 follow the classic sixteen-colour order that layer and category tables refer to
 // (0 black, 7 light grey, 12 light red, 15 white, ...); 16 to 31 add distinct hues for the inner
-// layers. The colours are saturated enough to read on the black screen background and dark enough
-// to stay visible when a layer prints on white paper.
+// layers. Every colour but black and white keeps a contrast of at least 3.2 both against the black
+// screen background and on white paper (docs/colours.md).
 #pragma once
 
 #include <array>
