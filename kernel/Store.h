@@ -112,7 +112,7 @@ public:
   ArrayHandle S_PadStackItemArray(ObjectHandle padStack) const;
 
   // Positions (1-based, ascending) of the members of an item or entry array whose frames meet the
-  // box; entries count by their points grown by the reach of the symbol's pads. Uses the array's
+  // box; an entry counts by its point grown by the reach of its own pad. Uses the array's
   // spatial index, made on first use. Returns false, with no positions, when the box holds the
   // whole array: the caller then takes every member.
   bool membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions);

@@ -47,8 +47,11 @@ void Store::Impl::touchArray(int32_t arrayHandle) {
 
 Box Store::Impl::memberBox(const ArrayData& a, int32_t member) {
   if (a.element == ObjectKind::Entry) {
+    // An entry is found within the reach of its own pad around its point.
     const EntryData* e = entry(member);
-    return {e->x, e->y, e->x, e->y};
+    int32_t r = clampToInt32(std::ceil(entryReach(*e)));
+    return {clampToInt32(double(e->x) - r), clampToInt32(double(e->y) - r),
+            clampToInt32(double(e->x) + r), clampToInt32(double(e->y) + r)};
   }
   const ItemData* d = item(member);
   return itemFrame(d->f, textLength(*d));
@@ -81,6 +84,14 @@ void Store::Impl::buildIndex(ArrayData& a) {
   else
     a.index = std::make_unique<SpatialIndex>(
         [this](uint32_t id) -> uint32_t& { return items.data[id].spatialNode; });
+  if (a.element == ObjectKind::Entry) {
+    a.indexedReach.clear();
+    if (SymbolData* sym = symbolObject(a.ownerSymbol))
+      if (MapData* pads = map(sym->padStacks))
+        for (auto& [key, handle] : pads->objects)
+          a.indexedReach[key] = padReach(*padStack(handle));
+    a.boxesEpoch = padEpoch;
+  }
   for (int32_t member : a.objects)
     indexMember(a, member);
 }
@@ -272,12 +283,8 @@ int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_
 
   if (!a->index)
     s.buildIndex(*a);
-  double reach = tol;
-  if (a->element == ObjectKind::Entry) {
-    SymbolData* sym = s.symbolObject(a->ownerSymbol);
-    reach += sym ? s.symbolReach(*sym) : 0.0;
-  }
-  int32_t r = clampToInt32(std::ceil(reach));
+  s.refreshEntryBoxes(*a);
+  int32_t r = clampToInt32(std::ceil(tol));
   Box query{clampToInt32(double(x) - r), clampToInt32(double(y) - r), clampToInt32(double(x) + r),
             clampToInt32(double(y) + r)};
   a->index->query(query, [&](uint32_t id, const Box&) {
@@ -317,12 +324,8 @@ bool Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<in
     return false;
   if (!a->index)
     s.buildIndex(*a);
-  int32_t grow = 0;
-  if (a->element == ObjectKind::Entry)
-    if (SymbolData* sym = s.symbolObject(a->ownerSymbol))
-      grow = clampToInt32(std::ceil(s.symbolReach(*sym)));
-  Box query{clampToInt32(double(box.MinX) - grow), clampToInt32(double(box.MinY) - grow),
-            clampToInt32(double(box.MaxX) + grow), clampToInt32(double(box.MaxY) + grow)};
+  s.refreshEntryBoxes(*a);
+  Box query{box.MinX, box.MinY, box.MaxX, box.MaxY};
   bool entries = a->element == ObjectKind::Entry;
   a->index->query(query, [&](uint32_t id, const Box&) {
     positions.push_back(entries ? s.entries.data[id].position : s.items.data[id].position);

@@ -85,6 +85,9 @@ struct ArrayData {
   uint64_t version = 0;
   std::unique_ptr<SpatialIndex> index;
   std::vector<FrameCacheEntry> frames;
+  // Entry arrays: the reach of each pad stack key with which its entries' boxes were indexed.
+  std::unordered_map<int32_t, double> indexedReach;
+  uint64_t boxesEpoch = UINT64_MAX;
   std::vector<FilledRun> filledRuns;  // valid while runsVersion == version
   std::vector<uint32_t> runNodes;     // the spatial node of each filled run
   std::unique_ptr<SpatialIndex> runIndex;
@@ -109,8 +112,6 @@ struct SymbolData {
   int32_t compText = 0;
   int32_t layoutText = 0;
   int32_t branchText = 0;
-  uint64_t reachEpoch = UINT64_MAX;
-  double reach = 0;  // how far any pad of this symbol reaches from its entry point
 };
 
 struct PadStackData {
@@ -120,6 +121,8 @@ struct PadStackData {
   int32_t kind = 0;
   int32_t items = 0;
   int32_t attributes = 0;
+  uint64_t reachEpoch = UINT64_MAX;
+  double reach = 0;  // how far the pad reaches from its entry's point, at any rotation
 };
 
 // Database, hierarchy and layer: a name and an attribute word.
@@ -190,7 +193,10 @@ public:
   // Pad stack of an entry's symbol under key, nullptr when there is none.
   PadStackData* padStackOfEntry(const EntryData& e);
   Box padStackFrame(const PadStackData& p);
-  double symbolReach(SymbolData& s);
+  double padReach(PadStackData& p);
+  double entryReach(const EntryData& e);
+  // Re-boxes the entries whose pad stack has grown since they were indexed.
+  void refreshEntryBoxes(ArrayData& a);
   bool entryCovers(EntryData& e, double x, double y, double tolerance);
   Box entryFrame(EntryData& e);
 

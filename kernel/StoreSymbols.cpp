@@ -38,21 +38,43 @@ Box Store::Impl::padStackFrame(const PadStackData& p) {
   return frame;
 }
 
-double Store::Impl::symbolReach(SymbolData& s) {
-  if (s.reachEpoch == padEpoch)
-    return s.reach;
-  double reach = 0;
-  if (MapData* m = map(s.padStacks))
-    for (auto& [key, handle] : m->objects) {
-      PadStackData* p = padStack(handle);
-      Box f = padStackFrame(*p);
-      double corner = std::max({std::abs(double(f.minX)), std::abs(double(f.maxX)),
-                                std::abs(double(f.minY)), std::abs(double(f.maxY))});
-      reach = std::max(reach, corner * std::sqrt(2.0));  // any rotation
-    }
-  s.reach = reach;
-  s.reachEpoch = padEpoch;
-  return reach;
+double Store::Impl::padReach(PadStackData& p) {
+  if (p.reachEpoch == padEpoch)
+    return p.reach;
+  Box f = padStackFrame(p);
+  double corner = std::max({std::abs(double(f.minX)), std::abs(double(f.maxX)),
+                            std::abs(double(f.minY)), std::abs(double(f.maxY))});
+  p.reach = corner * std::sqrt(2.0);  // any rotation
+  p.reachEpoch = padEpoch;
+  return p.reach;
+}
+
+double Store::Impl::entryReach(const EntryData& e) {
+  PadStackData* p = padStackOfEntry(e);
+  return p ? padReach(*p) : 0.0;
+}
+
+void Store::Impl::refreshEntryBoxes(ArrayData& a) {
+  if (!a.index || a.boxesEpoch == padEpoch)
+    return;
+  a.boxesEpoch = padEpoch;
+  SymbolData* sym = symbolObject(a.ownerSymbol);
+  MapData* pads = sym ? map(sym->padStacks) : nullptr;
+  if (!pads)
+    return;
+  std::unordered_map<int32_t, double> grown;
+  for (auto& [key, handle] : pads->objects) {
+    double reach = padReach(*padStack(handle));
+    if (reach > a.indexedReach[key])
+      grown[key] = reach;
+  }
+  if (grown.empty())
+    return;
+  for (int32_t member : a.objects)
+    if (grown.count(entry(member)->padStack))
+      reindexMember(a, member);
+  for (auto& [key, reach] : grown)
+    a.indexedReach[key] = reach;
 }
 
 bool Store::Impl::entryCovers(EntryData& e, double x, double y, double tolerance) {
@@ -287,6 +309,8 @@ int32_t changeEntry(Store& store, Store::Impl& s, SymbolId id, int32_t index, Ch
   if (!e)
     return 0;
   change(*e);
+  if (ArrayData* a = s.array(e->owner))
+    s.reindexMember(*a, h);  // a new pad stack gives the entry another reach
   s.touchArray(e->owner);
   return 1;
 }
