@@ -3,6 +3,8 @@
 //   FILE... gbrview info FILE [--json]
 // Exit codes: 0 success, 1 a file failed, 2 bad arguments.
 
+#include "import/readers/FileInfo.h"
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -185,7 +187,12 @@ int main(int argc, char* argv[]) {
     InfoArguments info;
     if (std::string error = parseInfo(args, info); !error.empty())
       return badArguments(error);
-    return notAvailable("info");
+    std::string out;
+    std::string err;
+    const int code = tvx::runInfoCommand(info.file, info.json, out, err);
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    std::fwrite(err.data(), 1, err.size(), stderr);
+    return code;
   }
   return badArguments("unknown command " + verb);
 }

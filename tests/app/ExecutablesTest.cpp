@@ -149,14 +149,13 @@ TEST(CliTest, HelpPrintsTheUsage) {
             std::string::npos);
 }
 
-TEST(CliTest, WellFormedVerbsSayTheyAreNotAvailableAndWriteNothing) {
+TEST(CliTest, RenderSaysItIsNotAvailableAndWritesNothing) {
   QTemporaryDir folder;
   ASSERT_TRUE(folder.isValid());
   const QString output = folder.filePath("out.svg");
   const QStringList good[] = {
       {"render", "--dpi", "600", "--window", "-1.5,0,25.4,10", "--mono", "--layer", "3", "-o",
        output, "a.gbr", "b.drl"},
-      {"info", "a.gbr", "--json"},
   };
   for (const QStringList& arguments : good) {
     SCOPED_TRACE(arguments.join(' ').toStdString());

@@ -1,0 +1,94 @@
+// "gbrview info" as the user runs it: the report on stdout, the same on every run, and exit 1 with
+// the file's name on stderr when the file cannot be read.
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void ensureApplication() {
+  if (QCoreApplication::instance())
+    return;
+  static int argc = 1;
+  static char name[] = "test_app";
+  static char* argv[] = {name, nullptr};
+  new QCoreApplication(argc, argv);
+}
+
+struct InfoRun {
+  int exitCode = -1;
+  std::string out;
+  std::string err;
+};
+
+InfoRun info(const QStringList& arguments) {
+  ensureApplication();
+  QProcess cli;
+  cli.start(QDir(TVX_DATA_DIR).filePath("gbrview"), QStringList{"info"} + arguments);
+  InfoRun run;
+  if (!cli.waitForFinished(20000))
+    return run;
+  run.exitCode = cli.exitStatus() == QProcess::NormalExit ? cli.exitCode() : -1;
+  run.out = cli.readAllStandardOutput().toStdString();
+  run.err = cli.readAllStandardError().toStdString();
+  return run;
+}
+
+class InfoCommandTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    ASSERT_TRUE(QFileInfo(QDir(TVX_DATA_DIR).filePath("gbrview")).isExecutable())
+        << "build the target gbrview first";
+    ASSERT_TRUE(folder.isValid());
+  }
+  QString write(const QString& name, const QByteArray& bytes) {
+    const QString path = folder.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return path;
+  }
+
+  QTemporaryDir folder;
+};
+
+TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
+  const QString path = write("plated.cnc", "M48\r\nINCH,TZ\r\nT1C0.02\r\n%\r\nT1\r\nX1000Y1000\r\n"
+                                           "X3000Y1000\r\nM30\r\n");
+  const InfoRun text = info({path});
+  EXPECT_EQ(text.exitCode, 0);
+  EXPECT_EQ(text.err, "");
+  EXPECT_NE(text.out.find("file: " + path.toStdString() + "\n"), std::string::npos) << text.out;
+  EXPECT_NE(text.out.find("kind: 3 Drilling EXCELLON Format Two\n"), std::string::npos);
+  EXPECT_NE(text.out.find("  T1  0.50800 mm  0.020000 in  2 holes\n"), std::string::npos);
+  EXPECT_NE(text.out.find("extents mm: x 2.54000 .. 7.62000, y 2.54000 .. 2.54000\n"),
+            std::string::npos);
+  EXPECT_EQ(info({path}).out, text.out);  // deterministic
+
+  const InfoRun json = info({"--json", path});
+  EXPECT_EQ(json.exitCode, 0);
+  const QJsonObject report = QJsonDocument::fromJson(QByteArray::fromStdString(json.out)).object();
+  EXPECT_EQ(report["kind"].toInt(), 3);
+  EXPECT_EQ(report["excellon"].toObject()["holes"].toInt(), 2);
+  EXPECT_EQ(report["excellon"].toObject()["import"].toObject()["pads"].toInt(), 2);
+  EXPECT_EQ(info({path, "--json"}).out, json.out);
+}
+
+TEST_F(InfoCommandTest, AFileThatCannotBeReadExitsWithOneAndNamesIt) {
+  for (const QString& path : {folder.filePath("missing.drl"), folder.path()}) {
+    SCOPED_TRACE(path.toStdString());
+    const InfoRun run = info({path});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_NE(run.err.find(path.toStdString()), std::string::npos) << run.err;
+  }
+}
+
+}  // namespace
