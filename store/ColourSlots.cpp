@@ -2,7 +2,7 @@
 
 #include "common/ParseList.h"
 #include "kernel/Graphics.h"
-#include "store/WholeInt32.h"
+#include "common/WholeNumber.h"
 
 #include <string_view>
 
@@ -75,7 +75,7 @@ void readCategoryGroup(const SystemServices& services, KernelStrings& strings, C
     const ParsedList fields = ParseList(text);
     CategoryRow& row = rows[size_t(layout ? d.key - 32 : d.key)];
     row.Name = fields.token(1);
-    row.Colour = wholeInt32(fields.value(2));
+    row.Colour = whole(fields.value(2));
     row.Remark = fields.token(3);
     row.Slot = d.key;
     if (layout && d.key == LayoutBackgroundKey)

@@ -2,7 +2,7 @@
 
 #include "common/ParseList.h"
 #include "store/LayerSymbol.h"
-#include "store/WholeInt32.h"
+#include "common/WholeNumber.h"
 
 #include <algorithm>
 
@@ -45,8 +45,8 @@ bool parseStoredColour(std::string_view text, int32_t& colourNumber, int32_t& co
   const ParsedList fields = ParseList(text);
   if (fields.count() < 2)
     return false;
-  colourNumber = wholeInt32(fields.value(1));
-  colourRgb = wholeInt32(fields.value(2));
+  colourNumber = whole(fields.value(1));
+  colourRgb = whole(fields.value(2));
   return true;
 }
 

@@ -1,4 +1,4 @@
-// Whole numbers from the numbers read out of settings texts.
+// Whole numbers as the system rounds them.
 #pragma once
 
 #include <cmath>
@@ -8,7 +8,7 @@ namespace tvx {
 
 // x to the nearest whole number, a half to the even neighbour, held within 32 bits; not-a-number
 // gives 0.
-inline int32_t wholeInt32(double x) {
+inline int32_t whole(double x) {
   if (std::isnan(x))
     return 0;
   if (x >= 2147483647.0)

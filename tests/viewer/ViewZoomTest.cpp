@@ -1,0 +1,238 @@
+// Zoom steps, typed precision, the redraw modes with fit and actual size, box zoom, the wheel,
+// panning, the unit switch and the remembered view.
+#include "ViewTestSupport.h"
+
+#include <cmath>
+
+namespace tvx {
+namespace {
+
+using ViewZoomTest = test::ViewFixture;
+using Point = std::array<int32_t, 2>;
+
+TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
+  struct Case {
+    int32_t precision;
+    double factor;
+    int32_t mode, expected;
+  };
+  const Case cases[] = {
+      {25400, 2, zoomstep::In, 12700},       {25400, 2, zoomstep::Out, 50800},
+      {25401, 2, zoomstep::In, 12700},       {25403, 2, zoomstep::In, 12702},  // halves to even
+      {100, 2, zoomstep::In, 100},           {1, 2, zoomstep::In, 100},
+      {2540000, 2, zoomstep::Out, 2540000},  {2000000, 2, zoomstep::Out, 2540000},
+      {25400, 2, zoomstep::Recentre, 25400}, {25400, -3, zoomstep::Out, 25400},  // factor 1
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.precision << " by " << c.factor << " mode " << c.mode);
+    view.m_Precision = c.precision;
+    view.ZoomFactor = c.factor;
+    view.CursorX = 1000;
+    view.CursorY = 2000;
+    const ViewChange change = view.ZoomStep(c.mode);
+    EXPECT_EQ(view.m_Precision, c.expected);
+    EXPECT_EQ(view.ViewCenterX, 1000);
+    EXPECT_EQ(view.ViewCenterY, -2000);
+    EXPECT_TRUE(change.Redraw && change.ScrollBars && change.Precision && change.RepeatPointerMove);
+  }
+  view.ViewCenterX = 5000;  // the tools zoom about the centre
+  view.zoomAboutCentre(zoomstep::In);
+  EXPECT_EQ(view.ViewCenterX, 5000);
+  EXPECT_EQ(view.ViewCenterY, -2000);
+}
+
+TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
+  const int32_t in = displayunit::Inch, mm = displayunit::Millimetre;
+  struct Case {
+    int32_t unit;
+    const char* text;
+    int32_t precision, expected;
+  };
+  const Case cases[] = {
+      {mm, "0,05", 25000, 5000},
+      {mm, "0.05", 25000, 5000},
+      {in, "0,05", 25400, 127000},
+      // 0.000125 inch is 317.5 units, but the combo's inch is 25.4 in single precision, which
+      // gives 317.49999...: 317, not the even 318.
+      {in, "0.000125", 25400, 317},
+      {in, "0.0100", 25400, 25400},  // the shown text: no change
+      {mm, "0,0001", 25000, 100},
+      {mm, "-3", 25000, 100},
+      {in, "2", 25400, 2540000},  // limits
+      {mm, "", 12345, 12345},
+      {in, "0", 12345, 12345},
+      {in, "abc", 98765, 98765},  // shown
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    view.DisplayUnit = c.unit;
+    view.m_Precision = c.precision;
+    view.PrecisionText = c.text;
+    view.applyTypedPrecision();
+    EXPECT_EQ(view.m_Precision, c.expected);
+  }
+  EXPECT_EQ(std::nearbyint(0.000125 * 100000 * 25.4), 318.0) << "the 317 case tells 25.4s apart";
+  view.DisplayUnit = mm;
+  view.PrecisionText = "0,05";  // the redraw button applies what was typed
+  view.ATB_RedrawButtonClick(zoommode::Current);
+  EXPECT_EQ(view.m_Precision, 5000);
+  EXPECT_EQ(view.PrecisionText, "0.050");
+}
+
+TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
+  view.ViewCenterX = 777;
+  view.ViewCenterY = 888;
+  view.ZoomModeFlag = zoommode::ActualBoard;
+  const ViewChange change = view.ATB_RedrawButtonClick(zoommode::Current);
+  EXPECT_EQ(view.m_Precision, 25400);
+  EXPECT_EQ(view.ViewCenterX, 777);
+  EXPECT_TRUE(change.ScrollBars && change.Precision && change.Redraw && change.FocusView &&
+              change.RepeatPointerMove);
+  EXPECT_EQ(view.ZoomModeFlag, zoommode::ActualBoard) << "the mode is the tools' to set";
+
+  view.ATB_RedrawButtonClick(zoommode::Board);  // an empty store: nothing to fit
+  EXPECT_EQ(view.m_Precision, 25400);
+  EXPECT_EQ(view.ViewCenterX, 777);
+  EXPECT_EQ(view.ViewCenterY, 888);
+  view.ATB_RedrawButtonClick(zoommode::Center);
+  EXPECT_EQ(view.ViewCenterX, 0);
+  EXPECT_EQ(view.ViewCenterY, 0);
+
+  struct Case {
+    const char* what;
+    int32_t mode;
+    bool ruler;
+    int32_t precision, x, y;
+  };
+  // 4000000 by 1000000 on 400 by 300 pixels; the ruler adds its margin to both and moves the
+  // centre by half of it, so that the margin is left and below.
+  const Case cases[] = {
+      {"fit", zoommode::Board, false, 10000 + 635, 3000000, 2500000},
+      {"fit, ruler", zoommode::Board, true, (4000000 + RulerMargin) / Width + 635,
+       3000000 - RulerMargin / 2, 2500000 - RulerMargin / 2},
+      {"actual size", zoommode::ActualBoard, false, ActualSizePrecision, 3000000, 2500000},
+  };
+  addBox(1, 1000000, 2000000, 5000000, 3000000);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    view.RulerOn = c.ruler;
+    view.ATB_RedrawButtonClick(c.mode);
+    EXPECT_EQ(view.m_Precision, c.precision);
+    EXPECT_EQ(view.ViewCenterX, c.x);
+    EXPECT_EQ(view.ViewCenterY, -c.y);
+    EXPECT_EQ(view.PrecisionText, view.lengthText(c.precision));
+  }
+  view.setFitSource([] { return FrameRect{-1000000, -1000000, 3000000, 2000000}; });
+  view.ATB_RedrawButtonClick(zoommode::Board);  // the import's board rectangle
+  EXPECT_EQ(view.m_Precision, 10635);
+  EXPECT_EQ(view.ViewCenterX, 1000000);
+  EXPECT_EQ(view.ViewCenterY, -500000);
+}
+
+TEST_F(ViewZoomTest, DataSmallerThanAPixelFitsAtPrecisionOne) {
+  addBox(2, 0, 0, 300, 200);
+  view.ATB_RedrawButtonClick(zoommode::Board);
+  EXPECT_EQ(view.m_Precision, 1);
+  EXPECT_EQ(view.ViewCenterX, 150);
+  view.ATB_RedrawButtonClick(zoommode::ActualBoard);
+  EXPECT_EQ(view.m_Precision, 1) << "actual size of a tiny cover";
+  view.ATB_RedrawButtonClick(zoommode::Current);
+  EXPECT_EQ(view.m_Precision, FinestStepPrecision) << "read back from the combo's text";
+}
+
+TEST_F(ViewZoomTest, BoxZoomFramesTheBoxThroughTheShownPrecision) {
+  view.DisplayUnit = displayunit::Millimetre;
+  ViewChange change = view.boxZoom(0, 0, 1233881, 1000);
+  // 1233881 / 400 pixels = 3084.7, truncated to 3084 units (0.03084 mm): the combo shows
+  // "0.0308" and the redraw in mode 0 reads that back.
+  EXPECT_EQ(view.PrecisionText, "0.0308");
+  EXPECT_EQ(view.m_Precision, 3080);
+  EXPECT_EQ(view.ViewCenterX, 616940) << "616940.5 to the even neighbour";
+  EXPECT_EQ(view.ViewCenterY, -500);
+  EXPECT_EQ(view.ZoomModeFlag, zoommode::Current);
+  EXPECT_TRUE(change.ModeTool && change.Redraw && change.ScrollBars && change.Precision);
+  view.DisplayUnit = displayunit::Inch;
+  view.boxZoom(0, 0, 4000000, -1500000);  // 10000 units: "0.00394" inch
+  EXPECT_EQ(view.m_Precision, int32_t(std::nearbyint(0.00394 * 100000 * double(25.4f))));
+  EXPECT_EQ(view.ViewCenterY, 750000);
+  view.boxZoom(10, 10, 20, 30);  // within a pixel: 1, then the finest step through the combo
+  EXPECT_EQ(view.m_Precision, FinestStepPrecision);
+
+  view.ZoomModeFlag = zoommode::Board;
+  const std::array<int32_t, 4> rejected[] = {
+      {5, 0, 5, 1000},
+      {0, 7, 1000, 7},                    // no width, no height
+      {0, 0, WorldExtent + 1, 1000},      // a corner outside the world
+      {-200000000, 0, 200000000, 1000}};  // wider than half the world
+  for (const auto& [sx, sy, ex, ey] : rejected) {
+    EXPECT_FALSE(view.boxZoom(sx, sy, ex, ey).any());
+    EXPECT_EQ(view.ViewCenterX, 15);
+    EXPECT_EQ(view.ZoomModeFlag, zoommode::Board);
+  }
+  EXPECT_TRUE(view.boxZoom(-WorldExtent, 0, 0, 1000).any()) << "the limits are inside";
+}
+
+TEST_F(ViewZoomTest, WheelKeepsThePointUnderThePointer) {
+  const Point pixels[] = {{0, 0}, {399, 299}, {17, 250}, {200, 150}, {311, 42}};
+  for (int32_t unit : {displayunit::Inch, displayunit::Millimetre})
+    for (int32_t mirror : {0, viewflag::Mirror})
+      for (int32_t rotation : {-120, 120})
+        for (const Point& p : pixels) {
+          SCOPED_TRACE(testing::Message() << unit << " " << mirror << " " << rotation << " at "
+                                          << p[0] << "," << p[1]);
+          const int32_t start = view.tables().defaultPrecision(unit);
+          view.DisplayUnit = unit;
+          view.ViewFlags = mirror;
+          view.m_Precision = start;
+          view.ViewCenterX = 1234567;
+          view.ViewCenterY = -7654321;
+          ASSERT_EQ(view.OpenView(2), 1);
+          const Point before = worldOf(p[0], p[1]);
+          EXPECT_TRUE(view.wheelZoom(rotation, p[0], p[1]).Redraw);
+          EXPECT_EQ(view.m_Precision, view.tables().wheelPrecision(unit, start, rotation));
+          EXPECT_NE(view.m_Precision, start);
+          ASSERT_EQ(view.OpenView(2), 1);
+          EXPECT_EQ(worldOf(p[0], p[1]), before);
+        }
+}
+
+TEST_F(ViewZoomTest, PanningUnitSwitchAndTheRememberedView) {
+  view.m_Precision = 1000;
+  ASSERT_EQ(view.OpenView(1), 1);
+  const Point target = worldOf(10, 20);
+  EXPECT_TRUE(view.panToPixel(10, 20).Redraw);
+  ASSERT_EQ(view.OpenView(1), 1);
+  EXPECT_EQ(worldOf(Width / 2, Height / 2), target) << "the point is now in the middle";
+  view.centreOn(300000000, -300000000);
+  EXPECT_EQ(view.ViewCenterX, WorldExtent);
+  EXPECT_EQ(view.ViewCenterY, WorldExtent) << "world Y -220000000, negated";
+
+  view.RulerOn = true;
+  ViewChange change = view.M_Mm_Click();
+  EXPECT_EQ(change.EraseRulerUnit, displayunit::Inch) << "erased in the old unit";
+  EXPECT_TRUE(change.DrawRuler && change.Combos && change.UnitTool && change.Precision);
+  EXPECT_FALSE(change.Redraw) << "the artwork is not drawn again";
+  EXPECT_EQ(view.PrecisionText, "0.010");
+  EXPECT_EQ(view.precisionComboRows()[11], "0.250");
+  EXPECT_EQ(view.rasterComboRows()[1], "2.000");
+  change = view.M_Mm_Click();
+  EXPECT_FALSE(change.Combos || change.DrawRuler || change.EraseRulerUnit >= 0);
+  view.RulerOn = false;
+  change = view.M_Inches_Click();
+  EXPECT_TRUE(change.Combos && change.EraseRulerUnit < 0 && !change.DrawRuler);
+  EXPECT_EQ(view.precisionComboRows()[0], "0.0001") << "254 units, a ten-thousandth of an inch";
+  EXPECT_EQ(view.rasterComboRows()[6], "0.1000");
+
+  EXPECT_FALSE(view.exchangeViewHistory().any()) << "the first exchange only remembers";
+  view.m_Precision = 5000;
+  view.ViewCenterX = 30;
+  EXPECT_TRUE(view.exchangeViewHistory().Redraw);
+  EXPECT_EQ(view.m_Precision, 1000);
+  EXPECT_EQ(view.ViewCenterX, WorldExtent);
+  view.exchangeViewHistory();
+  EXPECT_EQ(view.m_Precision, 5000);
+  EXPECT_EQ(view.ViewCenterX, 30);
+}
+
+}  // namespace
+}  // namespace tvx
