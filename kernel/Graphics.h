@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+class QCursor;
 class QPaintDevice;
 class QImage;
 
@@ -93,10 +94,48 @@ public:
   virtual int32_t S_DrawItem(int32_t dev, SymbolId id, int32_t index);
   virtual int32_t S_DrawEntry(int32_t dev, SymbolId id, int32_t index);
   virtual int32_t I_DrawItem(int32_t dev, ObjectHandle item);
+  // Given an item: the item drawn at the offset (a, b), as part of a polygon being moved.
+  // Given an item array: its polygon run from index a to index b, filled when its style is filled.
+  virtual int32_t I_DrawItemPoly(int32_t dev, int32_t itemOrArray, int32_t a, int32_t b);
+
+  // Grid. Modes: 1 dots, 2 lines, 3 crosses. G_DrawGrid draws over a rectangle in device units
+  // when flag is set and returns the step it used: the asked step doubled until the grid is at
+  // least MinimumGridPixels apart.
+  static constexpr int32_t MinimumGridPixels = 5;
+  int32_t G_SetGridMode(int32_t dev, int32_t mode);
+  int32_t G_GetGridMode(int32_t dev) const;
+  int32_t G_DrawGrid(int32_t dev, const FrameRect& deviceRect, int32_t step, int32_t flag);
 
   // Geometry helpers.
   int32_t G_DPtoLP(int32_t dev, int32_t& x, int32_t& y) const;
   static int32_t G_AngleAdj(int32_t angle);
+  // Brings an arc into the store's form: positive radius, start in 0..359999, positive sweep.
+  static void G_ArcNormalize(int32_t& x, int32_t& y, int32_t& radius, int32_t& start,
+                             int32_t& sweep);
+  // Twice the signed area of the triangle of three points: 0 when they lie on one line.
+  static int64_t G_LinePointDeterminant(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t x3,
+                                        int32_t y3);
+  // Non-zero when (x, y) lies in the rectangle (corners in any order); with inclusive the edges
+  // count.
+  static int32_t DB_CoverRectangle(int32_t x, int32_t y, int32_t inclusive, int32_t x0, int32_t y0,
+                                   int32_t x1, int32_t y1);
+  // Width and height of a vector text from its two size values and its length.
+  static void G_GetTextSize(int32_t size1, int32_t size2, int32_t length, int32_t& width,
+                            int32_t& height);
+  // Width and height, in store units, of a TrueType text of the given height in store units.
+  int32_t G_GetTrueTypeTextSize(int32_t dev, int32_t size, const std::string& text,
+                                const std::string& face, int32_t style, int32_t& width,
+                                int32_t& height) const;
+
+  // Clipboard: the device's whole picture, or a rectangle of it in device pixels.
+  int32_t G_CopyToClipBoard(int32_t dev);
+  int32_t G_CopyScreen(int32_t dev, int32_t x, int32_t y, int32_t width, int32_t height);
+
+  // Cursors of the suite's set, by number: 1 arrow, 2 cross, 3 pan hand, 4 zoom, 5 pick, 6 busy;
+  // other numbers give the arrow. The handle stays valid until G_DelCur.
+  int32_t G_SelectCur(int32_t number);
+  int32_t G_DelCur(int32_t handle);
+  const QCursor* cursor(int32_t handle) const;
 
   // The palette's RGB values by palette number (32 of them).
   static void G_GetAllRGBColors(int32_t unused, uint32_t* table);

@@ -8,6 +8,7 @@
 #include "kernel/Raster.h"
 #include "kernel/Store.h"
 
+#include <QCursor>
 #include <QImage>
 #include <QPainter>
 #include <QPointF>
@@ -38,6 +39,7 @@ struct Device {
   std::unique_ptr<Raster> raster;
   QImage* rasterImage = nullptr;
   int32_t thickPens = 0;
+  int32_t gridMode = 1;
 
   // Store to device coordinates of the open pass.
   double scale = 1.0;  // device units per store unit
@@ -60,6 +62,7 @@ public:
   KernelStrings& strings;
   std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
   std::vector<QPointF> points_;                  // scratch outline, reused between elements
+  std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 
   Device* device(int32_t dev) {
     if (dev < 1 || size_t(dev) > devices.size())
