@@ -1,9 +1,11 @@
 #include "platform/SystemServices.h"
 
 #include "platform/IniFile.h"
+#include "platform/MarkGlyphs.h"
 #include "platform/MessageCatalogue.h"
 #include "platform/UserPrompts.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -108,9 +110,12 @@ bool SystemServices::AskYesNo(const std::string& prompt, const std::string& titl
   return prompts_->messageBox(prompt, msgbox::YesNo | msgbox::Question, title) == answer::Yes;
 }
 
-void SystemServices::DrawMarkGlyph(int32_t, int32_t, const std::string&, int32_t, int32_t, int32_t,
-                                   int32_t, int32_t, int32_t) {
-  // The mark font is drawn by the kernel's devices, which do not exist yet.
+void SystemServices::DrawMarkGlyph(int32_t device, int32_t drawMode, const std::string& glyph,
+                                   int32_t x, int32_t y, int32_t colour, int32_t angle,
+                                   int32_t size1, int32_t size2) {
+  if (graphics_)
+    drawMarkGlyph(*graphics_, device, drawMode, int32_t(std::atoi(glyph.c_str())), x, y, colour,
+                  angle, size1, size2);
 }
 
 std::string SystemServices::EnsureBackslash(std::string& path) {

@@ -7,6 +7,7 @@
 
 namespace tvx {
 
+class Graphics;
 class UserPrompts;
 
 class SystemServices {
@@ -49,8 +50,9 @@ public:
     GlyphPanEnd = 8,      // the pointer end of a rubber pan
     GlyphBlockStart = 10  // the start corner of a block
   };
-  // Draws one glyph of the mark font at a world point on a kernel device; angle in thousandths of
-  // a degree. Declared for the viewer; it draws nothing until the kernel's devices exist.
+  // Draws one glyph of the mark font at a world point on a device of the drawing engine given with
+  // setGraphics; angle in thousandths of a degree, the two sizes in store units (width, height).
+  void setGraphics(Graphics* graphics) { graphics_ = graphics; }
   void DrawMarkGlyph(int32_t device, int32_t drawMode, const std::string& glyph, int32_t x,
                      int32_t y, int32_t colour, int32_t angle, int32_t size1, int32_t size2);
 
@@ -62,6 +64,7 @@ private:
   class Catalogue;
   class Settings;
   UserPrompts* prompts_ = nullptr;
+  Graphics* graphics_ = nullptr;
   std::string iniFile_;
   int32_t unitsPerMm_ = 100000;
   Catalogue* catalogue_ = nullptr;
