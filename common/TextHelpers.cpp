@@ -23,4 +23,21 @@ std::string StripQuotes(std::string_view text) {
   return out;
 }
 
+std::string_view TrimBlanks(std::string_view text) {
+  while (!text.empty() && text.front() == ' ')
+    text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ')
+    text.remove_suffix(1);
+  return text;
+}
+
+std::string OneLine(std::string text) {
+  for (char& c : text)
+    if (c == '\r' || c == '\n')
+      c = ' ';
+  for (size_t at = text.find("  "); at != std::string::npos; at = text.find("  ", at))
+    text.erase(at, 1);
+  return text;
+}
+
 }  // namespace tvx

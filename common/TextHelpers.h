@@ -16,4 +16,10 @@ std::string FirstWord(std::string_view text);
 // The text trimmed of blanks at both ends, with every double quote removed.
 std::string StripQuotes(std::string_view text);
 
+// The text without blanks at either end.
+std::string_view TrimBlanks(std::string_view text);
+
+// A message on one line: each line break a blank, runs of blanks one (a break was two characters).
+std::string OneLine(std::string text);
+
 }  // namespace tvx

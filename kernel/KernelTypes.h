@@ -16,6 +16,9 @@ using SymbolId = int32_t;
 // Store units per millimetre.
 inline constexpr int32_t StoreUnitsPerMm = 100000;
 
+// The limit of the world on both axes, in store units; readers refuse coordinates beyond it.
+inline constexpr double WorldLimit = 220000000.0;
+
 // The first field of ItemRecord.
 enum ItemType : int32_t {
   ItemLine = 1,          // X, Y start; Width, Height the vector to the end

@@ -21,9 +21,6 @@ class SystemServices;
 struct ReaderSet;
 struct ScanSet;
 
-// The limit of the world on both axes, in store units.
-inline constexpr double WorldLimit = 220000000.0;
-
 // Status code of a coordinate beyond the world.
 inline constexpr int32_t StatusOutsideLimits = 88;
 

@@ -1,5 +1,6 @@
 #include "import/readers/FileInfo.h"
 
+#include "common/TextHelpers.h"
 #include "import/gerber/FileRecognition.h"
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
@@ -24,16 +25,6 @@ std::string fixed(double value, int decimals) {
   const auto [end, error] =
       std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals);
   return error == std::errc() ? std::string(digits, end) : std::string("0");
-}
-
-std::string oneLine(std::string text) {
-  for (char& c : text)
-    if (c == '\r' || c == '\n')
-      c = ' ';
-  // The line break of a message was two characters; one blank stands for it.
-  for (size_t at = text.find("  "); at != std::string::npos; at = text.find("  ", at))
-    text.erase(at, 1);
-  return text;
 }
 
 std::string unitName(int32_t unit) {
@@ -81,7 +72,7 @@ void takeMessages(const ScriptedPrompts& prompts, size_t from, bool withTitle,
                   std::vector<std::string>& messages) {
   for (size_t i = from; i < prompts.shown.size(); ++i) {
     const ScriptedPrompts::Shown& box = prompts.shown[i];
-    std::string text = oneLine(box.prompt);
+    std::string text = OneLine(box.prompt);
     if (withTitle && !box.title.empty())
       text += " (" + box.title + ")";
     messages.push_back(text);

@@ -1,0 +1,274 @@
+// The table part of TMP.ART: sections written by the pass and read back, edited sizes written
+// into place, and the buffered record streams underneath.
+#include "import/gerber/ArtSections.h"
+
+#include "GerberPassSupport.h"
+
+#include "import/gerber/ApertureSummary.h"
+#include "import/gerber/ArtStream.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace tvx {
+namespace {
+
+using test::findRow;
+using ::testing::ElementsAre;
+
+ApertureLists sampleLists() {
+  ApertureLists lists;
+  lists.DrawList = {{10, 2540, 3}, {11, 0, 0}, {12, -2, 1.5}};
+  lists.RoundPadList = {{10, 2540, 4}};
+  lists.SquarePadList = {{12, 5080, 1}, {13, 5080, 0}};
+  lists.SpecialList = {{20, 1, 2}, {21, 4, 0}, {22, 6, 5}};
+  lists.PrimitiveList = {
+      {primitive::Macro, 20, 1, 1, "AB"},        {primitive::Macro, 20, 0, 900, ""},
+      {primitive::Macro, 20, -3, 0, ""},         {primitive::Oval, 21, 0, 7, ""},
+      {primitive::Oval, 21, 0, 8, ""},           {primitive::RegularPolygon, 22, 0, 3000, ""},
+      {primitive::RegularPolygon, 22, 0, 6, ""},
+  };
+  return lists;
+}
+
+TEST(ArtSections, OnlyUsedAperturesAreWrittenWithTheirPrimitivesAndMacroName) {
+  const ApertureLists lists = sampleLists();
+  EXPECT_THAT(
+      sectionRecords(lists, 0),
+      ElementsAre(ArtRecord{10, 10, 2540, 3}, ArtRecord{10, 12, -2, 1.5}, ArtRecord{19, 0, 0, 0}));
+  EXPECT_THAT(sectionRecords(lists, 2),
+              ElementsAre(ArtRecord{30, 12, 5080, 1}, ArtRecord{39, 0, 0, 0}));
+  EXPECT_THAT(sectionRecords(lists, 3),
+              ElementsAre(ArtRecord{40, 20, 1, 2}, ArtRecord{41, 20, 1, 'A'},
+                          ArtRecord{41, 20, 2, 'B'}, ArtRecord{10, 20, 1, 1},
+                          ArtRecord{10, 20, 0, 900}, ArtRecord{10, 20, -3, 0},
+                          ArtRecord{40, 22, 6, 5}, ArtRecord{4, 22, 0, 3000},
+                          ArtRecord{4, 22, 0, 6}, ArtRecord{49, 0, 0, 0}));
+}
+
+// Writes the four sections behind a minimal header and stream, the way the pass does.
+std::string writeArt(const test::TempDir& dir, const ApertureLists& lists, ArtHeader& header) {
+  const std::string path = dir.file("TMP.ART");
+  ArtWriter out;
+  EXPECT_TRUE(out.create(path));
+  for (uint8_t t = 1; t <= 5; ++t)
+    out.append({t, 0, 0, 0});
+  out.append({5, 10, 1, 2});
+  out.append({9, 0, 0, 0});
+  for (int which = 0; which < 4; ++which) {
+    header.SectionRecords[size_t(which)] = out.recordCount() + 1;
+    for (const ArtRecord& r : sectionRecords(lists, which))
+      out.append(r);
+  }
+  const auto records = headerRecords(header);
+  for (int n = 1; n <= 5; ++n)
+    out.writeAt(n, records[size_t(n - 1)]);
+  EXPECT_TRUE(out.close());
+  return path;
+}
+
+TEST(ArtSections, LoadArtHeaderReadsWhatThePassWrote) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  ArtHeader header;
+  header.MinX = -5;
+  header.MaxY = 7.5;
+  header.FeatureFlags = featureflag::DarkLayer;
+  header.UnitX = header.UnitY = 2540000;
+  const std::string path = writeArt(dir, sampleLists(), header);
+
+  ArtFile art;
+  ASSERT_TRUE(art.open(path));
+  GerberScan scan;
+  scan.Lists.DrawList = {{99, 1, 1}};  // emptied on reading
+  int32_t status = -1;
+  LoadArtHeader(status, art, false, scan, reporting.reporter);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(scan.Header, header);
+  EXPECT_THAT(scan.Lists.DrawList, ElementsAre(ApertureUse{10, 2540, 3}, ApertureUse{12, -2, 1.5}));
+  EXPECT_THAT(scan.Lists.RoundPadList, ElementsAre(ApertureUse{10, 2540, 4}));
+  EXPECT_THAT(scan.Lists.SquarePadList, ElementsAre(ApertureUse{12, 5080, 1}));
+  // The special rows point at their primitive rows anew.
+  EXPECT_THAT(scan.Lists.SpecialList, ElementsAre(ApertureUse{20, 1, 2}, ApertureUse{22, 4, 5}));
+  ASSERT_EQ(scan.Lists.PrimitiveList.size(), 5u);
+  EXPECT_EQ(scan.Lists.PrimitiveList[0], (PrimitiveRow{10, 20, 1, 1, "AB"}));
+  EXPECT_EQ(scan.Lists.PrimitiveList[3], (PrimitiveRow{4, 22, 0, 3000, ""}));
+  EXPECT_TRUE(reporting.prompts.shown.empty());
+}
+
+TEST(ArtSections, WriteBackPutsEditedSizesIntoTheFile) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  ArtHeader header;
+  const std::string path = writeArt(dir, sampleLists(), header);
+  const std::string before = test::readBytes(path);
+
+  GerberScan scan;
+  int32_t status = -1;
+  {
+    ArtFile art;
+    ASSERT_TRUE(art.open(path));
+    LoadArtHeader(status, art, false, scan, reporting.reporter);
+    ASSERT_EQ(status, 0);
+    scan.Lists.RoundPadList[0].Size = 9999;
+    scan.Lists.PrimitiveList[1].Value = 1234;
+    LoadArtHeader(status, art, true, scan, reporting.reporter);
+    ASSERT_EQ(status, 0);
+  }
+  const std::string after = test::readBytes(path);
+  ASSERT_EQ(after.size(), before.size());
+  GerberScan again;
+  ArtFile art;
+  ASSERT_TRUE(art.open(path));
+  LoadArtHeader(status, art, false, again, reporting.reporter);
+  EXPECT_EQ(again.Lists.RoundPadList[0].Size, 9999);
+  EXPECT_EQ(again.Lists.PrimitiveList[1].Value, 1234);
+  EXPECT_EQ(again.Lists.DrawList, scan.Lists.DrawList);
+}
+
+TEST(ArtSections, TooShortAFileIsReported) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  const std::string path = dir.file("TMP.ART");
+  {
+    std::ofstream out(path, std::ios::binary);
+    out << std::string(21 * 3, '\0');
+  }
+  ArtFile art;
+  ASSERT_TRUE(art.open(path));
+  GerberScan scan;
+  int32_t status = 0;
+  LoadArtHeader(status, art, false, scan, reporting.reporter);
+  EXPECT_EQ(status, 1);
+  ASSERT_EQ(reporting.prompts.shown.size(), 1u);
+  EXPECT_EQ(reporting.prompts.shown[0].prompt, "Artwork File - Incorrect format");
+}
+
+TEST(ArtSections, PassResultReadsBackTheSame) {
+  test::GerberPass pass;
+  ASSERT_EQ(pass.run("%AMTHERMAL*7,0,0,$1,$2,0.01,45*%%ADD10C,0.01*%%ADD11R,0.02X0.02*%"
+                     "%ADD12THERMAL,0.08X0.06*%%ADD13P,0.05X8*%D10*X0Y0D02*X100Y0D01*D11*X5Y5D03*"
+                     "D12*X6Y6D03*X7Y7D03*D13*X8Y8D03*M02*"),
+            0);
+  ArtFile art;
+  ASSERT_TRUE(art.open(pass.art));
+  GerberScan back;
+  int32_t status = -1;
+  LoadArtHeader(status, art, false, back, pass.reporting.reporter);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(back.Header, pass.scan.Header);
+  const auto used = [](const std::vector<ApertureUse>& list) {
+    std::vector<ApertureUse> out;
+    for (const ApertureUse& row : list)
+      if (row.Uses > 0)
+        out.push_back(row);
+    return out;
+  };
+  EXPECT_EQ(back.Lists.DrawList, used(pass.scan.Lists.DrawList));
+  EXPECT_EQ(back.Lists.SquarePadList, used(pass.scan.Lists.SquarePadList));
+  EXPECT_EQ(back.Lists.PrimitiveList, pass.scan.Lists.PrimitiveList);
+  ASSERT_EQ(back.Lists.SpecialList.size(), 2u);
+  EXPECT_EQ(findRow(back.Lists.SpecialList, 12)->Uses, 2);
+  EXPECT_EQ(back.Lists.PrimitiveList[0].Text, "THERMAL");
+}
+
+TEST(ArtStream, WriterAndReaderAgreeAcrossTheirBuffers) {
+  test::TempDir dir;
+  const std::string path = dir.file("stream.art");
+  const int32_t count = int32_t(ArtWriter::BufferRecords) * 2 + 17;
+  ArtWriter out;
+  ASSERT_TRUE(out.create(path));
+  for (int32_t n = 1; n <= count; ++n)
+    ASSERT_TRUE(out.append({uint8_t(n % 200), n, n * 0.5, -n * 1.0}));
+  ASSERT_TRUE(out.writeAt(2, {77, -1, 1, 2}));
+  ASSERT_TRUE(out.append({9, 0, 0, 0}));
+  EXPECT_FALSE(out.writeAt(count + 2, {}));
+  EXPECT_TRUE(out.failed()) << "a failed write stays failed";
+  EXPECT_FALSE(out.append({}));
+  EXPECT_FALSE(out.close());
+
+  ArtFile random;
+  ASSERT_TRUE(random.open(path));
+  EXPECT_EQ(random.recordCount(), count + 1);
+  ArtRecord record;
+  ASSERT_TRUE(random.read(count, record));
+  EXPECT_EQ(record, (ArtRecord{uint8_t(count % 200), count, count * 0.5, -count * 1.0}));
+  random.close();
+
+  ArtReader in;
+  ASSERT_TRUE(in.open(path));
+  EXPECT_EQ(in.recordCount(), count + 1);
+  int32_t n = 0;
+  while (in.next(record)) {
+    ++n;
+    if (n == 2) {
+      EXPECT_EQ(record, (ArtRecord{77, -1, 1, 2}));
+    } else if (n <= count) {
+      ASSERT_EQ(record.N, n);
+    }
+  }
+  EXPECT_EQ(n, count + 1);
+  ASSERT_TRUE(in.seek(count));
+  ASSERT_TRUE(in.next(record));
+  EXPECT_EQ(record.N, count);
+  EXPECT_FALSE(in.seek(count + 3));
+}
+
+TEST(ArtStream, ReaderLeavesOutACutOffLastRecord) {
+  test::TempDir dir;
+  const std::string path = dir.file("cut.art");
+  {
+    std::ofstream out(path, std::ios::binary);
+    const ArtRecordBytes b = encodeArtRecord({5, 10, 1, 2});
+    out.write(reinterpret_cast<const char*>(b.data()), b.size());
+    out.write(reinterpret_cast<const char*>(b.data()), 10);
+  }
+  ArtReader in;
+  ASSERT_TRUE(in.open(path));
+  EXPECT_EQ(in.recordCount(), 1);
+  ArtRecord record;
+  EXPECT_TRUE(in.next(record));
+  EXPECT_FALSE(in.next(record));
+  EXPECT_FALSE(in.open(dir.file("missing.art")));
+}
+
+TEST(ApertureSummary, ShapesUsesAndUndefinedCodes) {
+  test::GerberPass pass;
+  ASSERT_EQ(pass.run("%AMDOT*1,1,$1,0,0*%%ADD10C,0.01*%%ADD11R,0.02X0.02*%%ADD12DOT,0.05*%"
+                     "%ADD13O,0.02X0.04*%D10*X0Y0D02*X1Y1D01*X2Y2D01*D11*X3Y3D01*D12*X4Y4D03*"
+                     "D13*X5Y5D03*D77*X6Y6D03*M02*"),
+            0);
+  const std::vector<ApertureInfo> rows = describeApertures(pass.scan.Lists);
+  auto find = [&rows](int32_t code, ApertureRole role) -> const ApertureInfo* {
+    for (const ApertureInfo& row : rows)
+      if (row.DCode == code && row.Role == role)
+        return &row;
+    return nullptr;
+  };
+  const ApertureInfo* draw10 = find(10, ApertureRole::Draw);
+  ASSERT_NE(draw10, nullptr);
+  EXPECT_EQ(draw10->Uses, 2);
+  EXPECT_EQ(draw10->Size, 25400);
+  EXPECT_EQ(draw10->Shape, ApertureShape::Round);
+  EXPECT_TRUE(draw10->Defined);
+  const ApertureInfo* draw11 = find(11, ApertureRole::Draw);
+  ASSERT_NE(draw11, nullptr);
+  EXPECT_EQ(draw11->Shape, ApertureShape::Square) << "a draw that links to a square pad";
+  const ApertureInfo* macro = find(12, ApertureRole::SpecialPad);
+  ASSERT_NE(macro, nullptr);
+  EXPECT_EQ(macro->Shape, ApertureShape::Macro);
+  EXPECT_EQ(macro->MacroName, "DOT");
+  EXPECT_THAT(macro->Values, ElementsAre(1, 127000, 0, 0));
+  EXPECT_EQ(find(13, ApertureRole::SpecialPad)->Shape, ApertureShape::Oval);
+  const ApertureInfo* undefined = find(77, ApertureRole::RoundPad);
+  ASSERT_NE(undefined, nullptr);
+  EXPECT_FALSE(undefined->Defined);
+  EXPECT_EQ(undefined->Uses, 1);
+  EXPECT_STREQ(apertureShapeWord(ApertureShape::RegularPolygon), "polygon");
+  EXPECT_STREQ(apertureRoleWord(ApertureRole::SquarePad), "square pad");
+}
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,441 @@
+// The text pass from Gerber text to the records of TMP.ART: blocks, coordinates, the record
+// writer's paths, arcs and polygons, step and repeat, extents and the failures.
+#include "GerberPassSupport.h"
+
+#include "import/gerber/ApertureLists.h"
+#include "import/gerber/GerberBlockReader.h"
+#include "import/gerber/ParameterBlocks.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+namespace tvx {
+namespace {
+
+using test::findRow;
+using test::GerberPass;
+using test::inches;
+using test::typesOf;
+using ::testing::ElementsAre;
+
+constexpr uint8_t Flash = 5, Start = 6, Point = 7, Centre = 8, End = 9;
+
+TEST(GerberTextPass, ReadsToTheEndOfATextWithoutStopCode) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*X100Y0D01*X100Y100D03*"), 0);
+  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Start, Point, Flash));
+  const auto all = pass.records();
+  EXPECT_EQ(all[5 + 3].Type, End);
+  EXPECT_TRUE(pass.shown().empty());
+}
+
+TEST(GerberTextPass, ApertureSelectKeepsItsCoordinatesAsTheCurrentPoint) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%X0Y0D02*X100Y200D10*X300D01*M02*"), 0);
+  const auto s = pass.stream();
+  // Nothing is written for the select; the draw ends at the new X with the selected Y.
+  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point));
+  EXPECT_EQ(s[0].X, 0);
+  EXPECT_EQ(s[0].Y, 0);
+  EXPECT_DOUBLE_EQ(s[1].X, inches(0.3));
+  EXPECT_DOUBLE_EQ(s[1].Y, inches(0.2));
+  EXPECT_EQ(s[1].N, 10);
+}
+
+TEST(GerberTextPass, StopCodeDropsTheCoordinatesOfItsBlockAndEverythingBehind) {
+  for (const char* stop : {"M02", "M2", "M00"}) {
+    SCOPED_TRACE(stop);
+    GerberPass pass;
+    const std::string text =
+        std::string("%ADD10C,0.01*%D10*X0Y0D03*X500Y500D03") + stop + "*X700Y700D03*";
+    ASSERT_EQ(pass.run(text), 0);
+    EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Flash));
+  }
+  GerberPass other;
+  ASSERT_EQ(other.run("%ADD10C,0.01*%D10*X0Y0D03*X500Y500D03M01*M02*"), 0);
+  EXPECT_THAT(typesOf(other.stream()), ElementsAre(Flash, Flash)) << "M01 is no stop";
+}
+
+TEST(GerberTextPass, CoordinateBlockRepeatsTheLastOperationButMovesAtFirst) {
+  GerberPass first;
+  ASSERT_EQ(first.run("%ADD10C,0.01*%X100*X200D01*M02*"), 0);
+  auto s = first.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point));
+  EXPECT_DOUBLE_EQ(s[0].X, inches(0.1)) << "the first block moved the pen";
+
+  GerberPass after;
+  ASSERT_EQ(after.run("%ADD10C,0.01*%D10*X0Y0D02*X50D01*X100*M02*"), 0);
+  s = after.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point, Point));
+  EXPECT_DOUBLE_EQ(s[2].X, inches(0.1));
+  EXPECT_EQ(findRow(after.scan.Lists.DrawList, 10)->Uses, 2);
+}
+
+TEST(GerberTextPass, GCodesActAsTheirDigitsCome) {
+  // "G1" sets linear mode at its first digit, whatever digit follows; so does "G12".
+  for (const char* block : {"G1X100Y0D01*", "G12X100Y0D01*", "G01X100Y0D01*"}) {
+    SCOPED_TRACE(block);
+    GerberPass pass;
+    ASSERT_EQ(pass.run(std::string("%ADD10C,0.01*%D10*G75*G03X0Y0D02*") + block + "M02*"), 0);
+    EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Start, Point));
+  }
+  // "G3" sets arc mode at its first digit even with a second one that means nothing.
+  GerberPass arc;
+  ASSERT_EQ(arc.run("%ADD10C,0.01*%D10*G75*X0Y0D02*G30X100Y0I50J0D01*M02*"), 0);
+  EXPECT_THAT(typesOf(arc.stream()), ElementsAre(Centre, Start, Point));
+  // A comment runs to its "*", whatever it holds.
+  GerberPass comment;
+  ASSERT_EQ(comment.run("G04 X100 D03 %ADD*D10*G4 lower case\r\n is fine*X0Y0D03*M02*"), 0);
+  EXPECT_THAT(typesOf(comment.stream()), ElementsAre(Flash));
+}
+
+TEST(GerberTextPass, ParseCoordinateByZeroMode) {
+  GerberPass pass;
+  pass.format.IntegerDigits = {2, 2};
+  pass.format.DecimalDigits = {4, 3};
+  auto parse = [&pass](std::string_view text, int axis) {
+    ParameterInterpreter parameters(pass.format, pass.scan.Lists, 100000);
+    GerberBlockReader reader(pass.format, parameters, 100000);
+    return reader.ParseCoordinate(text, axis);
+  };
+  pass.format.OmittedZeros = 1;
+  EXPECT_DOUBLE_EQ(parse("12", AxisX), inches(0.0012));
+  EXPECT_DOUBLE_EQ(parse("-12", AxisX), -inches(0.0012));
+  EXPECT_DOUBLE_EQ(parse("+12", AxisY), inches(0.012));
+  EXPECT_DOUBLE_EQ(parse("1234567", AxisX), inches(123.4567)) << "longer than the format";
+  pass.format.OmittedZeros = 0;
+  EXPECT_DOUBLE_EQ(parse("12", AxisX), inches(12)) << "digits are left-aligned";
+  EXPECT_DOUBLE_EQ(parse("-0012", AxisX), -inches(0.12));
+  EXPECT_DOUBLE_EQ(parse("12", AxisY), inches(12));
+  EXPECT_DOUBLE_EQ(parse("", AxisX), 0);
+  pass.format.Unit = 1;
+  pass.format.Scale = {2.0, 1.0};
+  EXPECT_DOUBLE_EQ(parse("120000", AxisX), test::millimetres(12) / 2);
+}
+
+TEST(GerberTextPass, FirstDrawAheadOfAnyMoveHasNoPathStart) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X100Y0D01*X200Y0D01*X300Y0D02*X400Y0D01*M02*"), 0);
+  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Point, Point, Start, Point));
+}
+
+TEST(GerberTextPass, StepAndRepeatMultipliesUsesAndWidensExtents) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*%SRX3Y2I1.0J1.0*%X100Y200D03*%SR*%X0Y0D03*M02*"),
+            0);
+  const auto s = pass.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(50, 50, Flash, 50, 50, Flash));
+  EXPECT_EQ(s[0].N, 1);
+  EXPECT_EQ(s[0].X, 3);
+  EXPECT_EQ(s[0].Y, 2);
+  EXPECT_EQ(s[1].N, 2);
+  EXPECT_EQ(s[1].X, 2540000) << "whole store units";
+  EXPECT_EQ(s[1].Y, 2540000);
+  EXPECT_EQ(s[4].X, 0) << "the reset writes distances 0";
+  EXPECT_EQ(s[3].X, 1);
+  EXPECT_EQ(findRow(pass.scan.Lists.RoundPadList, 10)->Uses, 7) << "6 repeats and one flash";
+  const ArtHeader& h = pass.scan.Header;
+  EXPECT_DOUBLE_EQ(h.MaxX, inches(0.1) + 2 * 2540000);
+  EXPECT_DOUBLE_EQ(h.MaxY, inches(0.2) + 2540000);
+  EXPECT_DOUBLE_EQ(h.MinX, 0);
+}
+
+TEST(GerberTextPass, ExtentsLeaveOutTheFirstOperation) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X9000Y9000D02*X100Y200D01*X300Y50D01*M02*"), 0);
+  const ArtHeader& h = pass.scan.Header;
+  EXPECT_DOUBLE_EQ(h.MinX, inches(0.1));
+  EXPECT_DOUBLE_EQ(h.MaxX, inches(0.3));
+  EXPECT_DOUBLE_EQ(h.MinY, inches(0.05));
+  EXPECT_DOUBLE_EQ(h.MaxY, inches(0.2));
+}
+
+TEST(GerberTextPass, UndefinedDCodesAreKeptWithSizeZero) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D99*X0Y0D02*X100Y0D01*D98*X5Y5D03*M02*"), 0);
+  const ApertureLists& lists = pass.scan.Lists;
+  const ApertureUse* draw = findRow(lists.DrawList, 99);
+  ASSERT_NE(draw, nullptr);
+  EXPECT_EQ(draw->Size, 0);
+  EXPECT_EQ(draw->Uses, 1);
+  const ApertureUse* flash = findRow(lists.RoundPadList, 98);
+  ASSERT_NE(flash, nullptr);
+  EXPECT_EQ(flash->Size, 0);
+  EXPECT_FALSE(lists.DefinedDCodes.count(99));
+  EXPECT_TRUE(lists.DefinedDCodes.count(10));
+  EXPECT_EQ(pass.stream().back().N, 98);
+}
+
+TEST(GerberTextPass, DrawsWithSquareOrSpecialAperturesLinkToThem) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%%ADD11R,0.02X0.02*%%ADD13R,0.02X0.04*%"
+                     "D11*X0Y0D02*X100Y0D01*D13*X200Y0D01*M02*"),
+            0);
+  const ApertureLists& lists = pass.scan.Lists;
+  EXPECT_EQ(findRow(lists.DrawList, 11)->Size, -2);
+  EXPECT_EQ(findRow(lists.DrawList, 13)->Size, -3);
+  EXPECT_EQ(findRow(lists.SquarePadList, 11)->Uses, 1) << "so that its size reaches the file";
+  EXPECT_EQ(findRow(lists.SpecialList, 13)->Uses, 1);
+  EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 0);
+}
+
+TEST(GerberTextPass, CachedApertureRowsFollowTheListsWhenDefinitionsClearThem) {
+  GerberPass pass;
+  pass.table = {{1000, 10, 20, 0}, {2000, 11, 0, 30}};
+  // D20 flashes from the table; the first AD then empties the table's lists and D20 is new.
+  ASSERT_EQ(pass.run("D20*X0Y0D03*X1Y1D03*%ADD20C,0.05*%X2Y2D03*D10*X3Y3D01*M02*"), 0);
+  const ApertureLists& lists = pass.scan.Lists;
+  ASSERT_EQ(lists.RoundPadList.size(), 1u);
+  EXPECT_EQ(lists.RoundPadList[0].Uses, 1);
+  EXPECT_EQ(lists.RoundPadList[0].Size, toInt32(inches(0.05)));
+  EXPECT_EQ(findRow(lists.DrawList, 10)->Size, 0) << "the table's D10 is gone";
+  EXPECT_FALSE(lists.DefinedDCodes.count(10));
+}
+
+TEST(GerberTextPass, ApertureTableGivesTheListsOfAFileWithoutDefinitions) {
+  GerberPass pass;
+  pass.table = {{1000, 10, 20, 0}, {2000, 11, 0, 30}};
+  ASSERT_EQ(pass.run("D10*X0Y0D02*X100Y0D01*D30*X5Y5D03*D20*X6Y6D03*M02*"), 0);
+  const ApertureLists& lists = pass.scan.Lists;
+  EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 1);
+  EXPECT_EQ(findRow(lists.DrawList, 10)->Size, 1000);
+  EXPECT_EQ(findRow(lists.SquarePadList, 30)->Uses, 1);
+  EXPECT_EQ(findRow(lists.SquarePadList, 30)->Size, 2000);
+  EXPECT_EQ(findRow(lists.RoundPadList, 20)->Uses, 1);
+  EXPECT_EQ(findRow(lists.DrawList, 11)->Uses, 0);
+}
+
+TEST(GerberTextPass, ArcsGetACentreRecordAndStandAlone) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G75*X0Y0D02*G03X200Y0I100J0D01*X0Y0I-100J0D01*G01X0Y100D01*"
+                     "M02*"),
+            0);
+  const auto s = pass.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(Centre, Start, Point, Centre, Start, Point, Start, Point));
+  EXPECT_DOUBLE_EQ(s[0].X, inches(0.1));
+  EXPECT_EQ(s[0].Y, 0);
+  EXPECT_EQ(s[0].N, toInt32(inches(0.1)));
+  EXPECT_EQ(s[1].N, 3) << "the path start carries the interpolation mode";
+  EXPECT_DOUBLE_EQ(s[3].X, inches(0.1)) << "I is signed with G75";
+  EXPECT_EQ(s[6].N, 1);
+}
+
+// The single-quadrant centre for every direction of travel: P is the pen, E the end; I and J are
+// magnitudes, given here with signs that must be ignored.
+TEST(GerberTextPass, SingleQuadrantCentreByDirection) {
+  struct Case {
+    int mode;
+    double ex, ey;
+    double cx, cy;
+  };
+  const double i = 3, j = 4;
+  const Case cases[] = {
+      // counter-clockwise
+      {3, -5, 5, -i, -j},
+      {3, -5, -5, +i, -j},
+      {3, 5, -5, +i, +j},
+      {3, 5, 5, -i, +j},
+      // clockwise
+      {2, 5, -5, -i, -j},
+      {2, 5, 5, +i, -j},
+      {2, -5, 5, +i, +j},
+      {2, -5, -5, -i, +j},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << "G0" << c.mode << " to " << c.ex << "," << c.ey);
+    for (double si : {1.0, -1.0}) {
+      double cx = 0, cy = 0;
+      ASSERT_TRUE(arcCentre(74, c.mode, 0, 0, c.ex, c.ey, si * i, -si * j, cx, cy));
+      EXPECT_EQ(cx, c.cx);
+      EXPECT_EQ(cy, c.cy);
+    }
+  }
+  double cx = 7, cy = 7;
+  // A tie goes to the first line that fits: no travel at all is the first counter-clockwise line.
+  ASSERT_TRUE(arcCentre(74, 3, 1, 1, 1, 1, i, j, cx, cy));
+  EXPECT_EQ(cx, 1 - i);
+  EXPECT_EQ(cy, 1 - j);
+  EXPECT_FALSE(arcCentre(74, 1, 0, 0, 1, 1, i, j, cx, cy)) << "no arc mode";
+  ASSERT_TRUE(arcCentre(75, 1, 10, 10, 1, 1, -i, j, cx, cy));
+  EXPECT_EQ(cx, 10 - i);
+  EXPECT_EQ(cy, 10 + j);
+}
+
+TEST(GerberTextPass, SingleQuadrantArcThroughThePass) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G74*X100Y0D02*G02X0Y-100I100J100D01*M02*"), 0);
+  const auto s = pass.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(Centre, Start, Point));
+  // Clockwise, towards lower left: the fourth line, centre P + (-I, +J).
+  EXPECT_DOUBLE_EQ(s[0].X, 0);
+  EXPECT_DOUBLE_EQ(s[0].Y, inches(0.1));
+}
+
+TEST(GerberTextPass, PolygonsMarkTheirEndAndTheirArcSides) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G75*G36*X0Y0D02*G01X100Y0D01*G03X100Y100I0J50D01*"
+                     "G01X0Y0D01*G37*G36*X500Y500D02*X600Y500D01*X500Y500D01*G37*M02*"),
+            0);
+  const auto s = pass.stream();
+  EXPECT_THAT(typesOf(s), ElementsAre(Start, Point, Centre, 60, 70, Point, Centre, Start, Point,
+                                      Point, Centre));
+  EXPECT_EQ(s[0].N, 36);
+  EXPECT_EQ(s[10].N, -1);
+  EXPECT_EQ(s[6].N, -1) << "the first polygon's end mark, with the next polygon started at once";
+  EXPECT_EQ(findRow(pass.scan.Lists.DrawList, 10)->Uses, 0) << "polygon sides are no line uses";
+}
+
+TEST(GerberTextPass, PolaritiesWriteRecordsAndFeatureFlags) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%IPNEG*%%LPD*%%ADD10C,0.01*%D10*X0Y0D03*%LPC*%X1Y1D03*M02*"), 0);
+  const auto s = pass.stream();
+  ASSERT_THAT(typesOf(s), ElementsAre(51, 52, Flash, 52, Flash));
+  EXPECT_EQ(s[0].N, 1);
+  EXPECT_EQ(s[1].N, 0);
+  EXPECT_EQ(s[3].N, 1);
+  EXPECT_EQ(pass.scan.Header.FeatureFlags,
+            featureflag::NegativeImage | featureflag::DarkLayer | featureflag::ClearLayer);
+}
+
+TEST(GerberTextPass, ProgressIsShownAndTheEventLoopServed) {
+  GerberPass pass;
+  std::string text = "%ADD10C,0.01*%D10*";
+  while (text.size() < 200000)
+    text += "X12345Y23456D03*\r\n";
+  ASSERT_EQ(pass.run(text + "M02*"), 0) << pass.shown().front().prompt;
+  ASSERT_GE(pass.progressLines.size(), 2u);
+  EXPECT_EQ(pass.progressLines.front(), "Preprocessed 0%");
+  EXPECT_EQ(pass.progressLines.back().rfind("Preprocessed 9", 0), 0u);
+  EXPECT_TRUE(pass.mainLines.empty());
+}
+
+// The layout of TMP.ART for a small file, byte for byte.
+TEST(GerberTextPass, IntermediateFileOfASmallFileByteForByte) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%FSLAX33Y33*%\r\n%MOMM*%\r\n%ADD10C,0.1*%\r\nD10*\r\nX1000Y2000D02*\r\n"
+                     "X3000Y2000D01*\r\nX5000Y5000D03*\r\nM02*\r\n"),
+            0);
+  const std::string bytes = test::readBytes(pass.art);
+  ASSERT_EQ(bytes.size(), 15u * 21u);
+  // The flash, record 8, spelled out: type 5, N 10, X and Y 500000.0.
+  const std::string flash("\x05\x0a\x00\x00\x00\x00\x00\x00\x00\x80\x84\x1e\x41"
+                          "\x00\x00\x00\x00\x80\x84\x1e\x41",
+                          21);
+  EXPECT_EQ(bytes.substr(7 * 21, 21), flash);
+  const ArtRecord expected[] = {
+      {1, 0, 300000, 200000},      // extents minimum, without the first move
+      {1, 0, 500000, 500000},      // extents maximum; no polarity blocks
+      {1, 0, 100000, 100000},      // store units of one millimetre
+      {1, 0, 10, 12},              // sections 10 and 20
+      {1, 0, 14, 15},              // sections 30 and 40
+      {Start, 1, 100000, 200000},  // the path from the move
+      {Point, 10, 300000, 200000},
+      {Flash, 10, 500000, 500000},
+      {End, 0, 0, 0},
+      {10, 10, 10000, 1},  // D10 draws 0.1 mm wide, once
+      {19, 0, 0, 0},
+      {20, 10, 10000, 1},  // and flashes once
+      {29, 0, 0, 0},
+      {39, 0, 0, 0},
+      {49, 0, 0, 0},
+  };
+  std::string want;
+  for (const ArtRecord& r : expected) {
+    const ArtRecordBytes b = encodeArtRecord(r);
+    want.append(reinterpret_cast<const char*>(b.data()), b.size());
+  }
+  EXPECT_EQ(bytes, want);
+  EXPECT_EQ(pass.scan.StreamRecords, 4);
+  EXPECT_EQ(pass.format.Unit, 1) << "the file's own MO stays in the format";
+}
+
+TEST(GerberTextPass, ReadsTheSourceFromDiskInPieces) {
+  GerberPass pass;
+  const std::string source = pass.dir.file("big.gbr");
+  std::string text = "%FSLAX24Y24*%%ADD10C,0.01*%D10*X0Y0D02*";
+  for (int n = 1; n <= 20000; ++n)
+    text += "X" + std::to_string(n) + "Y" + std::to_string(n % 97) + "D01*\n";
+  {
+    std::ofstream out(source, std::ios::binary);
+    out << text << "M02*\n";
+  }
+  ASSERT_EQ(pass.runFile(source), 0);
+  EXPECT_EQ(findRow(pass.scan.Lists.DrawList, 10)->Uses, 20000);
+  EXPECT_DOUBLE_EQ(pass.scan.Header.MaxX, inches(2.0));
+  EXPECT_EQ(pass.scan.StreamRecords, 20000 + 2);
+  EXPECT_EQ(pass.files.openCount(), 0);
+}
+
+// Every failure shows its message, removes TMP.ART and says "Cancelled" in the main window.
+TEST(GerberTextPass, FailuresCancelThePass) {
+  struct Case {
+    const char* name;
+    std::string text;
+    std::string message;
+  };
+  const Case cases[] = {
+      {"radius", "%ADD10C,0.01*%D10*G75*X0Y0D02*G02X1Y1I99999999J0D01*M02*",
+       "Coordinates outside limits\r\nCheck parameters for GERBER file and import again."},
+      {"foreign characters", "%ADD10C,0.01*%D10*X0Y0D03*" + std::string(101, 'q') + "M02*",
+       "board.gbr - import of files in this format is not supported"},
+      {"tab", "%ADD10C,0.01*%D10*X0Y0D03*\tM02*",
+       "board.gbr - import of files in this format is not supported"},
+      {"character 255", "%ADD10C,0.01*%D10*X0Y0D03*\xffM02*",
+       "board.gbr - import of files in this format is not supported"},
+      {"extents", "%ADD10C,0.01*%D10*X0Y0D02*X0Y0D03*X180000Y0D03*M02*",
+       "Coordinates outside limits\r\nCheck parameters for board.gbr file and import again."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    GerberPass pass;
+    EXPECT_EQ(pass.run(c.text), 1);
+    ASSERT_EQ(pass.shown().size(), 1u);
+    EXPECT_EQ(pass.shown()[0].prompt, c.message);
+    EXPECT_FALSE(pass.artExists());
+    EXPECT_THAT(pass.mainLines, ElementsAre("Cancelled"));
+  }
+  // 100 foreign characters in a row are still tolerated, and characters of the set reset the
+  // count.
+  GerberPass lenient;
+  EXPECT_EQ(lenient.run("%ADD10C,0.01*%D10*X0Y0D03*" + std::string(100, 'q') + "X1Y1D03*" +
+                        std::string(100, 'q') + "M02*"),
+            0);
+}
+
+TEST(GerberTextPass, UnreadableSourceOrIntermediateCancelsToo) {
+  GerberPass pass;
+  EXPECT_NE(pass.runFile(pass.dir.file("missing.gbr")), 0);
+  ASSERT_EQ(pass.shown().size(), 1u);
+  EXPECT_EQ(pass.shown()[0].prompt.rfind("Can't read file: ", 0), 0u);
+  EXPECT_FALSE(pass.artExists());
+  EXPECT_THAT(pass.mainLines, ElementsAre("Cancelled"));
+
+  GerberPass unwritable;
+  unwritable.art = unwritable.dir.file("no/such/folder/TMP.ART");
+  EXPECT_EQ(unwritable.run("%ADD10C,0.01*%D10*X0Y0D03*M02*"), 1);
+  ASSERT_EQ(unwritable.shown().size(), 1u);
+  EXPECT_EQ(unwritable.shown()[0].prompt.rfind("Can't create/write to file: ", 0), 0u);
+  EXPECT_THAT(unwritable.mainLines, ElementsAre("Cancelled"));
+}
+
+TEST(GerberTextPass, AnEarlierIntermediateFileIsReplaced) {
+  GerberPass pass;
+  {
+    std::ofstream old(pass.art, std::ios::binary);
+    old << std::string(21 * 40, 'x');
+  }
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D03*M02*"), 0);
+  const auto all = pass.records();
+  ASSERT_EQ(all.size(), 5u + 2u + 5u) << "header, flash and end, five section records";
+  EXPECT_EQ(all[5].Type, Flash);
+}
+
+TEST(GerberTextPass, LowDFunctionsWriteNothing) {
+  GerberPass pass;
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D03*X5Y5D07*X6Y6*X7Y7D03*M02*"), 0);
+  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Flash, Flash));
+}
+
+}  // namespace
+}  // namespace tvx
