@@ -4,6 +4,9 @@
 // Exit codes: 0 success, 1 a file failed, 2 bad arguments.
 
 #include "import/readers/FileInfo.h"
+#include "import/readers/RenderFiles.h"
+
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <cctype>
@@ -27,18 +30,15 @@ constexpr const char* Usage =
     "\n"
     "render  draws the files into one picture; --window is a world rectangle in millimetres\n"
     "        (default: all layers), --dpi the resolution of a PNG (default 300), --mono white on\n"
-    "        black, --layer the layer to draw (1 to 31).\n"
+    "        black (clear elements black), --layer the layer of the first Gerber file\n"
+    "        (1 to 31). Drill files go to the drill layer, HPGL and DXF to the board outline,\n"
+    "        Gerber files to the first empty of layers 3, 4, 1, 6, 2, 5, 7, 8, ...\n"
+    "        Kinds that render in this build: Excellon drill files. Gerber, HPGL and DXF files\n"
+    "        render once their readers are part of the build; until then such a file fails\n"
+    "        (exit 1) and the other files still render.\n"
     "info    prints what a scan of FILE finds, as text or as JSON.\n"
     "Exit codes: 0 success, 1 a file failed, 2 bad arguments.\n";
 
-struct RenderArguments {
-  double dpi = 300.0;
-  std::optional<std::vector<double>> window;
-  bool mono = false;
-  std::optional<int> layer;
-  std::string output;
-  std::vector<std::string> files;
-};
 
 struct InfoArguments {
   std::string file;
@@ -96,7 +96,7 @@ bool hasPictureExtension(const std::string& path) {
 }
 
 // Parses the arguments after "render"; an error text when they are not usable.
-std::string parseRender(const std::vector<std::string>& args, RenderArguments& out) {
+std::string parseRender(const std::vector<std::string>& args, tvx::RenderOptions& out) {
   bool seenDpi = false;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& arg = args[i];
@@ -105,16 +105,17 @@ std::string parseRender(const std::vector<std::string>& args, RenderArguments& o
       if (!hasValue || seenDpi)
         return "--dpi needs one number";
       const auto dpi = parseNumber(args[++i]);
-      if (!dpi || *dpi <= 0.0 || *dpi > 100000.0)
-        return "--dpi must be a positive number";
+      if (!dpi)
+        return "--dpi needs one number";
       out.dpi = *dpi;
       seenDpi = true;
     } else if (arg == "--window") {
       if (!hasValue || out.window)
         return "--window needs one rectangle";
-      out.window = parseWindow(args[++i]);
-      if (!out.window)
+      const auto window = parseWindow(args[++i]);
+      if (!window)
         return "--window must be x0,y0,x1,y1 in millimetres with x1 > x0 and y1 > y0";
+      out.window = tvx::WindowMm{(*window)[0], (*window)[1], (*window)[2], (*window)[3]};
     } else if (arg == "--mono") {
       out.mono = true;
     } else if (arg == "--layer") {
@@ -159,10 +160,17 @@ std::string parseInfo(const std::vector<std::string>& args, InfoArguments& out) 
   return std::string();
 }
 
-int notAvailable(const char* verb) {
-  std::fprintf(stderr, "gbrview: '%s' is not available in this build yet; nothing was read.\n",
-               verb);
-  return ExitBadArguments;
+// Renders with a headless platform unless the environment names one.
+int runRender(int argc, char* argv[], const tvx::RenderOptions& options) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication application(argc, argv);
+  const tvx::RenderOutcome outcome = tvx::renderFiles(options);
+  for (const std::string& message : outcome.messages)
+    std::fprintf(stderr, "%s\n", message.c_str());
+  if (outcome.exitCode == ExitBadArguments)
+    std::fputs(Usage, stderr);
+  return outcome.exitCode;
 }
 
 }  // namespace
@@ -178,10 +186,10 @@ int main(int argc, char* argv[]) {
     return 0;
   }
   if (verb == "render") {
-    RenderArguments render;
+    tvx::RenderOptions render;
     if (std::string error = parseRender(args, render); !error.empty())
       return badArguments(error);
-    return notAvailable("render");
+    return runRender(argc, argv, render);
   }
   if (verb == "info") {
     InfoArguments info;

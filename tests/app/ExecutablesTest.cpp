@@ -1,4 +1,6 @@
 // The host and the CLI as the user runs them: real processes, their output and exit codes.
+#include "support/CliProcess.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -10,17 +12,9 @@
 
 namespace {
 
-QCoreApplication& application() {
-  if (QCoreApplication* existing = QCoreApplication::instance())
-    return *existing;
-  static int argc = 1;
-  static char name[] = "test_app";
-  static char* argv[] = {name, nullptr};
-  static QCoreApplication* app = new QCoreApplication(argc, argv);
-  return *app;
-}
+using test::binary;
 
-QString binary(const char* name) { return QDir(TVX_DATA_DIR).filePath(name); }
+QCoreApplication& application() { return test::coreApplication(); }
 
 class HostTest : public ::testing::Test {
 protected:
@@ -93,24 +87,7 @@ TEST_F(HostTest, EndOfInputLeavesTheWindowOpen) {
   EXPECT_EQ(host.readAllStandardOutput().toStdString(), "");
 }
 
-struct CliRun {
-  int exitCode = -1;
-  std::string out;
-  std::string err;
-};
-
-CliRun runCli(const QStringList& arguments) {
-  application();
-  QProcess cli;
-  cli.start(binary("gbrview"), arguments);
-  CliRun run;
-  if (!cli.waitForFinished(20000))
-    return run;
-  run.exitCode = cli.exitStatus() == QProcess::NormalExit ? cli.exitCode() : -1;
-  run.out = cli.readAllStandardOutput().toStdString();
-  run.err = cli.readAllStandardError().toStdString();
-  return run;
-}
+test::ProcessRun runCli(const QStringList& arguments) { return test::runGbrview(arguments); }
 
 TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
   ASSERT_TRUE(QFileInfo(binary("gbrview")).isExecutable()) << "build the target gbrview first";
@@ -134,7 +111,7 @@ TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
   };
   for (const QStringList& arguments : bad) {
     SCOPED_TRACE(arguments.join(' ').toStdString());
-    const CliRun run = runCli(arguments);
+    const test::ProcessRun run = runCli(arguments);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_NE(run.err.find("gbrview info FILE [--json]"), std::string::npos);
     EXPECT_EQ(run.out, "");
@@ -142,29 +119,11 @@ TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
 }
 
 TEST(CliTest, HelpPrintsTheUsage) {
-  const CliRun run = runCli({"--help"});
+  const test::ProcessRun run = runCli({"--help"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_NE(run.out.find("gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] "
                          "-o OUT.(png|pdf|svg) FILE..."),
             std::string::npos);
-}
-
-TEST(CliTest, RenderSaysItIsNotAvailableAndWritesNothing) {
-  QTemporaryDir folder;
-  ASSERT_TRUE(folder.isValid());
-  const QString output = folder.filePath("out.svg");
-  const QStringList good[] = {
-      {"render", "--dpi", "600", "--window", "-1.5,0,25.4,10", "--mono", "--layer", "3", "-o",
-       output, "a.gbr", "b.drl"},
-  };
-  for (const QStringList& arguments : good) {
-    SCOPED_TRACE(arguments.join(' ').toStdString());
-    const CliRun run = runCli(arguments);
-    EXPECT_EQ(run.exitCode, 2);
-    EXPECT_NE(run.err.find("not available"), std::string::npos);
-    EXPECT_EQ(run.out, "");
-    EXPECT_FALSE(QFileInfo::exists(output));
-  }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // "gbrview info" as the user runs it: the report on stdout, the same on every run, and exit 1 with
 // the file's name on stderr when the file cannot be read.
+#include "support/CliProcess.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -13,32 +15,8 @@
 
 namespace {
 
-void ensureApplication() {
-  if (QCoreApplication::instance())
-    return;
-  static int argc = 1;
-  static char name[] = "test_app";
-  static char* argv[] = {name, nullptr};
-  new QCoreApplication(argc, argv);
-}
-
-struct InfoRun {
-  int exitCode = -1;
-  std::string out;
-  std::string err;
-};
-
-InfoRun info(const QStringList& arguments) {
-  ensureApplication();
-  QProcess cli;
-  cli.start(QDir(TVX_DATA_DIR).filePath("gbrview"), QStringList{"info"} + arguments);
-  InfoRun run;
-  if (!cli.waitForFinished(20000))
-    return run;
-  run.exitCode = cli.exitStatus() == QProcess::NormalExit ? cli.exitCode() : -1;
-  run.out = cli.readAllStandardOutput().toStdString();
-  run.err = cli.readAllStandardError().toStdString();
-  return run;
+test::ProcessRun info(const QStringList& arguments) {
+  return test::runGbrview(QStringList{"info"} + arguments);
 }
 
 class InfoCommandTest : public ::testing::Test {
@@ -62,7 +40,7 @@ protected:
 TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
   const QString path = write("plated.cnc", "M48\r\nINCH,TZ\r\nT1C0.02\r\n%\r\nT1\r\nX1000Y1000\r\n"
                                            "X3000Y1000\r\nM30\r\n");
-  const InfoRun text = info({path});
+  const test::ProcessRun text = info({path});
   EXPECT_EQ(text.exitCode, 0);
   EXPECT_EQ(text.err, "");
   EXPECT_NE(text.out.find("file: " + path.toStdString() + "\n"), std::string::npos) << text.out;
@@ -72,7 +50,7 @@ TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
             std::string::npos);
   EXPECT_EQ(info({path}).out, text.out);  // deterministic
 
-  const InfoRun json = info({"--json", path});
+  const test::ProcessRun json = info({"--json", path});
   EXPECT_EQ(json.exitCode, 0);
   const QJsonObject report = QJsonDocument::fromJson(QByteArray::fromStdString(json.out)).object();
   EXPECT_EQ(report["kind"].toInt(), 3);
@@ -84,7 +62,7 @@ TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
 TEST_F(InfoCommandTest, AFileThatCannotBeReadExitsWithOneAndNamesIt) {
   for (const QString& path : {folder.filePath("missing.drl"), folder.path()}) {
     SCOPED_TRACE(path.toStdString());
-    const InfoRun run = info({path});
+    const test::ProcessRun run = info({path});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find(path.toStdString()), std::string::npos) << run.err;

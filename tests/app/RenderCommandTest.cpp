@@ -1,0 +1,149 @@
+// "gbrview render" as the user runs it: a drill file drawn at known pixels, the three output
+// formats, files that fail beside files that render, and options refused before anything is read.
+#include "support/CliProcess.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QRect>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Two holes: 2 mm at (5, 5) and 1 mm at (2, 8), millimetres.
+constexpr char DrillText[] = "M48\nMETRIC,TZ\nT01C2.000\nT02C1.000\n%\nT01\nX5.000Y5.000\n"
+                             "T02\nX2.000Y8.000\nM30\n";
+
+class RenderCommandTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    test::coreApplication();
+    ASSERT_TRUE(QFileInfo(test::binary("gbrview")).isExecutable()) << "build gbrview first";
+    ASSERT_TRUE(folder.isValid());
+  }
+  QString write(const QString& name, const QByteArray& bytes) {
+    const QString path = folder.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return path;
+  }
+  static bool lit(const QImage& image, int x, int y) { return qGray(image.pixel(x, y)) >= 128; }
+
+  QTemporaryDir folder;
+};
+
+TEST_F(RenderCommandTest, DrillHolesLandOnTheirPixelsWithTheirSize) {
+  const QString drill = write("board.drl", DrillText);
+  const QString png = folder.filePath("board.png");
+  // 254 dpi: 10 pixels a millimetre; the window's top left corner (0, 10) is pixel (0, 0).
+  const test::ProcessRun run =
+      test::runGbrview({"render", "--mono", "--dpi", "254", "--window", "0,0,10,10", "-o", png,
+                        drill});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const QImage image(png);
+  ASSERT_EQ(image.size(), QSize(100, 100));
+  struct Hole {
+    int x, y, radius;
+  };
+  for (const Hole& hole : {Hole{50, 50, 10}, Hole{20, 20, 5}}) {
+    SCOPED_TRACE(testing::Message() << "hole at " << hole.x << "," << hole.y);
+    EXPECT_TRUE(lit(image, hole.x, hole.y));
+    for (const auto& [dx, dy] : {std::pair{1, 0}, std::pair{-1, 0}, std::pair{0, 1}, std::pair{0, -1}}) {
+      EXPECT_TRUE(lit(image, hole.x + dx * (hole.radius - 2), hole.y + dy * (hole.radius - 2)));
+      EXPECT_FALSE(lit(image, hole.x + dx * (hole.radius + 2), hole.y + dy * (hole.radius + 2)));
+    }
+  }
+  // Nothing else is drawn: the lit area is that of the two discs, within a rim of pixels.
+  int litPixels = 0;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      litPixels += lit(image, x, y);
+  const double discs = 3.14159265 * (10 * 10 + 5 * 5);
+  EXPECT_NEAR(litPixels, discs, 0.12 * discs);
+}
+
+TEST_F(RenderCommandTest, WithoutAWindowThePictureFramesTheHolesWithAMargin) {
+  const QString drill = write("board.drl", DrillText);
+  const QString png = folder.filePath("framed.png");
+  const test::ProcessRun run = test::runGbrview({"render", "--dpi", "254", "-o", png, drill});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const QImage image(png);
+  // The holes span 4.5 mm each way (45 pixels); the margin is 1 mm (10 pixels) on every side.
+  const QRgb background = image.pixel(0, 0);
+  QRect drawn;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (image.pixel(x, y) != background)
+        drawn |= QRect(x, y, 1, 1);
+  ASSERT_FALSE(drawn.isEmpty());
+  EXPECT_NEAR(drawn.width(), 45, 2);
+  EXPECT_NEAR(drawn.height(), 45, 2);
+  EXPECT_NEAR(drawn.left(), 10, 2);
+  EXPECT_NEAR(drawn.top(), 10, 2);
+  EXPECT_NEAR(image.width() - 1 - drawn.right(), 10, 2);
+  EXPECT_NEAR(image.height() - 1 - drawn.bottom(), 10, 2);
+}
+
+TEST_F(RenderCommandTest, PdfAndSvgAreWrittenAsDocuments) {
+  const QString drill = write("board.drl", DrillText);
+  for (const char* suffix : {"pdf", "svg"}) {
+    SCOPED_TRACE(suffix);
+    const QString output = folder.filePath(QString("board.") + suffix);
+    const test::ProcessRun run = test::runGbrview({"render", "-o", output, drill});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    QFile file(output);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    if (QByteArray(suffix) == "pdf") {
+      EXPECT_TRUE(bytes.startsWith("%PDF"));
+    } else {
+      EXPECT_TRUE(bytes.contains("<svg"));
+      EXPECT_EQ(bytes.count("<circle"), 2);
+    }
+  }
+}
+
+TEST_F(RenderCommandTest, AFailingFileIsNamedAndTheOthersStillRender) {
+  const QString drill = write("board.drl", DrillText);
+  const QString text = write("notes.txt", "just some words, nothing to draw\n");
+  const QString missing = folder.filePath("missing.gbr");
+  const QString png = folder.filePath("partial.png");
+  const test::ProcessRun run = test::runGbrview({"render", "-o", png, text, drill, missing});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_NE(run.err.find("notes.txt"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("missing.gbr"), std::string::npos) << run.err;
+  EXPECT_EQ(run.err.find("board.drl"), std::string::npos) << run.err;
+  EXPECT_TRUE(QImage(png).width() > 0);
+
+  // With nothing that renders there is no picture at all.
+  const QString none = folder.filePath("none.png");
+  const test::ProcessRun nothing = test::runGbrview({"render", "-o", none, text});
+  EXPECT_EQ(nothing.exitCode, 1);
+  EXPECT_FALSE(QFileInfo::exists(none));
+}
+
+TEST_F(RenderCommandTest, PicturesTooLargeOrEmptyAreRefusedBeforeReading) {
+  const QString drill = write("board.drl", DrillText);
+  const QString png = folder.filePath("never.png");
+  const QStringList refused[] = {
+      {"--dpi", "20001"},
+      {"--dpi", "0.5"},
+      {"--window", "0,0,0,10"},
+      {"--window", "0,10,10,10"},
+      {"--dpi", "20000", "--window", "0,0,1000,1000"},  // 787402 pixels square
+      {"--dpi", "1", "--window", "0,0,10,10"},          // under one pixel
+  };
+  for (const QStringList& options : refused) {
+    SCOPED_TRACE(options.join(' ').toStdString());
+    const test::ProcessRun run =
+        test::runGbrview(QStringList{"render"} + options + QStringList{"-o", png, drill});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_NE(run.err.find("gbrview: "), std::string::npos);
+    EXPECT_FALSE(QFileInfo::exists(png));
+  }
+}
+
+}  // namespace
