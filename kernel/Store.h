@@ -117,6 +117,14 @@ public:
   // whole array: the caller then takes every member.
   bool membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions);
 
+  // The same for an item array, each position with the item's fields read in place (valid until the
+  // store next changes), so that a drawing walk reaches them without the handle lookups.
+  struct ItemInBox {
+    int32_t position;
+    const ItemFields* fields;
+  };
+  bool itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
+
   // The numeric fields of an item, and its text and face when it has them, read in place without a
   // copy: for walks that touch every element. Valid until the store next changes; nullptr for a
   // handle that is not a live item.

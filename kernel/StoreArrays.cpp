@@ -311,9 +311,12 @@ int32_t Store::deleteFreeObject(ObjectHandle object) {
   return 1;
 }
 
-bool Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions) {
-  positions.clear();
-  Impl& s = *impl_;
+// Runs visit(id, isEntry) for every member of array whose box meets box, through the array's
+// spatial index. Returns false when the box holds the whole array (nothing is visited) and true
+// otherwise, also for an empty array or one that is not of items or entries.
+template <typename Visit>
+static bool visitMembersInBox(Store::Impl& s, ArrayHandle array, const FrameRect& box,
+                              Visit&& visit) {
   ArrayData* a = s.array(array);
   if (!a || (a->element != ObjectKind::Item && a->element != ObjectKind::Entry))
     return true;
@@ -325,13 +328,35 @@ bool Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<in
   if (!a->index)
     s.buildIndex(*a);
   s.refreshEntryBoxes(*a);
-  Box query{box.MinX, box.MinY, box.MaxX, box.MaxY};
-  bool entries = a->element == ObjectKind::Entry;
-  a->index->query(query, [&](uint32_t id, const Box&) {
+  const bool entries = a->element == ObjectKind::Entry;
+  a->index->query(Box{box.MinX, box.MinY, box.MaxX, box.MaxY},
+                  [&](uint32_t id, const Box&) { visit(id, entries); });
+  return true;
+}
+
+bool Store::membersInBox(ArrayHandle array, const FrameRect& box, std::vector<int32_t>& positions) {
+  positions.clear();
+  Impl& s = *impl_;
+  const bool indexed = visitMembersInBox(s, array, box, [&](uint32_t id, bool entries) {
     positions.push_back(entries ? s.entries.data[id].position : s.items.data[id].position);
   });
   std::sort(positions.begin(), positions.end());
-  return true;
+  return indexed;
+}
+
+bool Store::itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items) {
+  items.clear();
+  Impl& s = *impl_;
+  const ArrayData* a = s.array(array);
+  if (!a || a->element != ObjectKind::Item)
+    return true;
+  const bool indexed = visitMembersInBox(s, array, box, [&](uint32_t id, bool) {
+    const ItemData& d = s.items.data[id];
+    items.push_back(ItemInBox{d.position, &d.f});
+  });
+  std::sort(items.begin(), items.end(),
+            [](const ItemInBox& a, const ItemInBox& b) { return a.position < b.position; });
+  return indexed;
 }
 
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {

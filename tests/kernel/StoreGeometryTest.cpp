@@ -114,12 +114,36 @@ TEST(StoreCover, IndexedSearchAgreesWithFullWalkThroughChanges) {
     }
     return 0;
   };
+  // Box queries: every member whose frame meets the box, ascending, with its own fields.
+  auto checkBox = [&] {
+    int32_t x = pos(rng), y = pos(rng), w = int32_t(rng() % 60000), h = int32_t(rng() % 60000);
+    const FrameRect box{x, y, x + w, y + h};
+    std::vector<int32_t> expected;
+    for (int32_t i = 1; i <= s.OA_GetCount(a); ++i) {
+      FrameRect f;
+      s.I_FrameItem(s.OA_Object(a, i), f);
+      if (f.MinX <= box.MaxX && f.MaxX >= box.MinX && f.MinY <= box.MaxY && f.MaxY >= box.MinY)
+        expected.push_back(i);
+    }
+    std::vector<int32_t> positions;
+    ASSERT_TRUE(s.membersInBox(a, box, positions));
+    EXPECT_EQ(positions, expected);
+    std::vector<Store::ItemInBox> items;
+    ASSERT_TRUE(s.itemsInBox(a, box, items));
+    ASSERT_EQ(items.size(), expected.size());
+    for (size_t k = 0; k < items.size(); ++k) {
+      EXPECT_EQ(items[k].position, expected[k]);
+      EXPECT_EQ(items[k].fields, s.itemFields(s.OA_Object(a, expected[k])));
+    }
+  };
   auto check = [&](int rounds) {
     for (int q = 0; q < rounds; ++q) {
       int32_t x = pos(rng), y = pos(rng), tol = int32_t(rng() % 3000);
       int32_t first = 1 + int32_t(rng() % 2000);
       ASSERT_EQ(s.OA_Cover(a, first, x, y, tol, 0), walk(first, x, y, tol))
           << "at " << x << "," << y << " tol " << tol << " from " << first;
+      if (q % 10 == 0)
+        checkBox();
     }
   };
   check(300);
