@@ -1,10 +1,14 @@
 #include "import/readers/WindowlessImport.h"
 
+#include "import/gerber/ArtSections.h"
 #include "import/gerber/FileRecognition.h"
+#include "import/gerber/GerberDrawing.h"
+#include "import/readers/PlaceHole.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace tvx {
 
@@ -43,7 +47,13 @@ bool applyGerber(ImportOwners& o, const WindowlessImportOptions& options) {
     o.reporter.ReportStatus(StatusNotSupported, job.SourcePath);
     return false;
   }
-  job.IntermediatePath = intermediatePathIn(job.WorkDirectory);
+  // Without a work directory (a command line run) TMP.ART goes to the system's temporary folder
+  // rather than wherever the process happens to stand.
+  std::error_code error;
+  const std::string folder = job.WorkDirectory.empty()
+                                 ? std::filesystem::temp_directory_path(error).string()
+                                 : job.WorkDirectory;
+  job.IntermediatePath = intermediatePathIn(folder);
   int32_t status = 0;
   o.scans.runGerberTextPass(status, job.SourcePath, job.IntermediatePath);
   if (status != 0) {
@@ -153,6 +163,7 @@ WindowlessImportResult ImportWithoutWindow(ImportOwners& o, const std::string& p
     FileRecogniser recogniser(o.files, o.services);
     recogniser.editMsgLine = options.editMsgLine;
     recogniser.yield = options.yield;
+    recogniser.gerberUnit = o.gerberUnit;
     kind = recogniser.RecogniseFile(path);
   }
   result.kind = kind;
@@ -198,17 +209,37 @@ WindowlessImportResult ImportWithoutWindow(ImportOwners& o, const std::string& p
 
 ImportSession::ImportSession(Store& store, SystemServices& services, UserPrompts& prompts)
     : store(store), services(services), reporter(services, prompts, titles, digits),
-      files(services, &prompts),
-      excellon(store, services, reporter, excellonFormat, state.Extents) {
+      files(services, &prompts), excellon(store, services, reporter, excellonFormat, state.Extents),
+      gerberPass{services, reporter, files, gerberFormat, gerberScan, {}, {}, {}, {}} {
   LoadExcellonSettings(services, excellonFormat);
   LoadGerberSettings(services, gerberFormat);
   LoadDxfSettings(services, dxfFormat);
   excellon.install(readers);
   excellon.install(scans, files);
+
+  // Gerber: the text pass writes TMP.ART and leaves its extents as the board's; the import loads
+  // the file's apertures back and replays its stream, placing hole positions as the drill
+  // reader does.
+  scans.runGerberTextPass = [this](int32_t& status, const std::string& source,
+                                   const std::string& intermediate) {
+    RunGerberTextPass(status, source, intermediate, gerberPass);
+    if (status == 0) {
+      const ArtHeader& header = gerberScan.Header;
+      state.Extents = {header.MinX, header.MinY, header.MaxX, header.MaxY};
+    }
+  };
+  readers.loadArtSections = loadArtSectionsCallable(gerberScan, reporter);
+  GerberDrawContext drawing{this->store, reporter, gerberScan, {}};
+  drawing.placeHole = [this](double x, double y, int32_t toolCode, const LayerRecord& layer,
+                             const LayerFileRecord& file) {
+    PlaceHole(this->store, x, y, toolCode, layer, file);
+  };
+  readers.drawGerberStream = drawGerberStreamCallable(drawing);
 }
 
 ImportOwners ImportSession::owners(std::span<LayerRecord> layers) {
-  return ImportOwners{store, services, reporter, files, state, layers, readers, scans};
+  return ImportOwners{store,   services, reporter,          files, state, layers,
+                      readers, scans,    &gerberFormat.Unit};
 }
 
 }  // namespace tvx

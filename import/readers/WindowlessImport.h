@@ -4,6 +4,8 @@
 #pragma once
 
 #include "common/FileLayer.h"
+#include "import/gerber/GerberScan.h"
+#include "import/gerber/GerberTextPass.h"
 #include "import/gerber/ImportDriver.h"
 #include "import/gerber/ImportJob.h"
 #include "import/gerber/ReportStatus.h"
@@ -33,6 +35,8 @@ struct ImportOwners {
   std::span<LayerRecord> layers;  // the 31 slots, layer n at index n - 1
   const ReaderSet& readers;
   const ScanSet& scans;
+  // The Gerber format's unit, which recognising an RS-274-X file sets to inch; none when null.
+  int32_t* gerberUnit = nullptr;
 };
 
 struct WindowlessImportOptions {
@@ -84,6 +88,10 @@ public:
   ExcellonReader excellon;
   ReaderSet readers;
   ScanSet scans;
+  // The Gerber path: what the text pass found, restored from TMP.ART by each import, and the pass's
+  // own context.
+  GerberScan gerberScan;
+  GerberPassContext gerberPass;
 };
 
 }  // namespace tvx

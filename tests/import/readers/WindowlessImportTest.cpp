@@ -170,8 +170,8 @@ TEST_F(WindowlessImportTest, BadInputEndsWithAStatusNeverACrash) {
       {"many ends of programs", repeated("M30\n", 200'000) + "T1C0.1\nT1\nX01Y01\n", 0, 1},
       {"binary junk", std::string("\x01\x02T1\xffX1Y1\x00", 10), 1, 0},
       {"an empty file", "", 1, 0},
-      {"a Gerber file, whose reader is not built in",
-       "%FSLAX24Y24*%\n%ADD10C,0.1*%\nD10*\nX0Y0D03*\n", 1, 0},
+      // Gerber goes into the first artwork layer offered, never the drill layer.
+      {"a Gerber file", "%FSLAX24Y24*%\n%ADD10C,0.1*%\nD10*\nX0Y0D03*\n", 0, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);

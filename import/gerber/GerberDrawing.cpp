@@ -1,0 +1,342 @@
+#include "import/gerber/GerberDrawing.h"
+
+#include "import/gerber/ApertureExpansion.h"
+#include "import/gerber/ApertureLabel.h"
+#include "import/gerber/GerberFormat.h"
+#include "import/gerber/ReportStatus.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace tvx {
+
+namespace {
+
+constexpr int32_t StatusIncorrectFormat = 8;
+constexpr int32_t StatusOutsideLimits = 88;
+constexpr int32_t StatusApertureMissing = 90;
+constexpr int32_t FirstPolygonId = 10000;
+constexpr double Radians = std::numbers::pi / 180.0;
+
+// Record types of the drawing stream.
+namespace rec {
+constexpr uint8_t Flash = 5, PathStart = 6, PolygonArcStart = 60, Draw = 7, PolygonArc = 70;
+constexpr uint8_t ArcCentre = 8, End = 9, StepRepeat = 50, ImagePolarity = 51, LayerPolarity = 52;
+}  // namespace rec
+
+// Modes of the pen.
+namespace mode {
+constexpr int32_t None = 0, Line = 1, Clockwise = 2, CounterClockwise = 3, Circle = 4;
+constexpr int32_t Polygon = 36;
+}  // namespace mode
+
+int32_t mirrored(int32_t m, bool mirror) {
+  if (!mirror)
+    return m;
+  return m == mode::Clockwise          ? mode::CounterClockwise
+         : m == mode::CounterClockwise ? mode::Clockwise
+                                       : m;
+}
+
+class DrawingPass {
+public:
+  DrawingPass(ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
+              const GerberDrawContext& context)
+      : art_(art), file_(file), context_(context), lists_(context.scan.Lists),
+        writer_(context.store, lists_.PrimitiveList, layer, file, context.placeHole,
+                context.clearColour) {}
+
+  void run(int32_t& status);
+
+private:
+  bool lookUp(int32_t dCode, bool flash);
+  void flash(int32_t dCode);
+  void draw(int32_t dCode);
+  void polygonArc();
+  void polygonEnd();
+  // A new outline whose first point is the current one; point 0 is the repeat's offset.
+  void openPolygon() {
+    points_.assign(1, OutlinePoint{});
+    points_.push_back({outlinepoint::Straight, curX_, curY_});
+  }
+  // Calls body(dI, dJ) once per repeat of the step and repeat in force.
+  template <typename Body> void forEachRepeat(Body body) const;
+
+  ArtFile& art_;
+  LayerFileRecord& file_;
+  const GerberDrawContext& context_;
+  const ApertureLists& lists_;
+  ElementWriter writer_;
+
+  double minX_ = 0, minY_ = 0, shiftX_ = 0, shiftY_ = 0, mirrorAxis_ = 0;
+  double curX_ = 0, curY_ = 0, prevX_ = 0, prevY_ = 0;
+  double centreX_ = 0, centreY_ = 0;
+  int32_t radius_ = 0;
+  int32_t mode_ = mode::None;
+  double stepX_ = 1, stepY_ = 1, stepI_ = 0, stepJ_ = 0;
+  bool skip_ = false;
+  bool cached_ = false;
+  int32_t cachedD_ = 0, size_ = 0, listKind_ = RoundAperture;
+  int32_t polygonId_ = FirstPolygonId;
+  OutlinePoints points_;
+  bool stopped_ = false;  // an aperture was missing: the pass ends with status 0
+};
+
+template <typename Body> void DrawingPass::forEachRepeat(Body body) const {
+  const double countX = wholeNumber(stepX_), countY = wholeNumber(stepY_);
+  for (double i = 1; i <= countX; ++i)
+    for (double j = 1; j <= countY; ++j)
+      body((i - 1) * stepI_, (j - 1) * stepJ_);
+}
+
+bool DrawingPass::lookUp(int32_t dCode, bool flash) {
+  if (cached_ && dCode == cachedD_)
+    return true;
+  int32_t size = -1;
+  int32_t kind = RoundAperture;
+  if (!flash) {
+    if (const int32_t row = findAperture(lists_.DrawList, dCode); row >= 0)
+      size = lists_.DrawList[size_t(row)].Size;
+    if (size == -3 || size == -2) {
+      kind = size == -3 ? SpecialAperture : SquareAperture;
+      const auto& list = size == -3 ? lists_.SpecialList : lists_.SquarePadList;
+      const int32_t row = findAperture(list, dCode);
+      size = row >= 0 ? list[size_t(row)].Size : -1;
+    }
+  } else {
+    const std::vector<ApertureUse>* lists[] = {&lists_.RoundPadList, &lists_.SquarePadList,
+                                               &lists_.SpecialList};
+    for (int32_t k = 0; k < 3; ++k)
+      if (const int32_t row = findAperture(*lists[k], dCode); row >= 0) {
+        size = (*lists[k])[size_t(row)].Size;
+        kind = k;
+        break;
+      }
+  }
+  if (size == -1) {
+    context_.reporter.ReportStatus(StatusApertureMissing, ApertureLabel(dCode));
+    stopped_ = true;
+    return false;
+  }
+  cached_ = true;
+  cachedD_ = dCode;
+  size_ = size;
+  listKind_ = kind;
+  return true;
+}
+
+void DrawingPass::flash(int32_t dCode) {
+  if (!lookUp(dCode, true))
+    return;
+  if (skip_)
+    return;
+  forEachRepeat([&](double dI, double dJ) {
+    FlashAperture(writer_, curX_ + dI, curY_ + dJ, size_, listKind_, dCode);
+  });
+}
+
+void DrawingPass::draw(int32_t dCode) {
+  if (!lookUp(dCode, false))
+    return;
+  if ((mode_ == mode::Clockwise || mode_ == mode::CounterClockwise) && curX_ == prevX_ &&
+      curY_ == prevY_)
+    mode_ = mode::Circle;
+  mode_ = mirrored(mode_, file_.Mirror);
+  if (!skip_) {
+    forEachRepeat([&](double dI, double dJ) {
+      switch (mode_) {
+      case mode::Line:
+        writer_.AddStroke(prevX_ + dI, prevY_ + dJ, curX_ + dI, curY_ + dJ, size_, listKind_, dCode,
+                          force::None, flashword::Drawn);
+        break;
+      case mode::Clockwise:
+        // Clockwise from Prev to Cur is counter-clockwise from Cur to Prev.
+        writer_.AddArc(centreX_ + dI, centreY_ + dJ, radius_, curX_ + dI, curY_ + dJ, prevX_ + dI,
+                       prevY_ + dJ, size_, dCode, force::None);
+        break;
+      case mode::CounterClockwise:
+        writer_.AddArc(centreX_ + dI, centreY_ + dJ, radius_, prevX_ + dI, prevY_ + dJ, curX_ + dI,
+                       curY_ + dJ, size_, dCode, force::None);
+        break;
+      case mode::Circle:
+        writer_.AddDisc(centreX_ + dI, centreY_ + dJ, radius_, size_, StyleOpen, force::None,
+                        flashword::Drawn, dCode);
+        break;
+      default:
+        break;  // no path was started: nothing to draw
+      }
+    });
+  }
+  mode_ = mode::Line;
+}
+
+void DrawingPass::polygonArc() {
+  if (points_.empty())
+    openPolygon();  // cannot happen in a stream of the text pass; keeps the list well formed
+  const bool clockwise = mirrored(mode_, file_.Mirror) == mode::Clockwise;
+  const double fromX = clockwise ? curX_ : prevX_, fromY = clockwise ? curY_ : prevY_;
+  const double toX = clockwise ? prevX_ : curX_, toY = clockwise ? prevY_ : curY_;
+  const double start = AngleOf(fromX - centreX_, fromY - centreY_);
+  double sweep = AngleOf(toX - centreX_, toY - centreY_) - start;
+  if (sweep < 0)
+    sweep += 360.0;
+  const double middle = (start + sweep / 2) * Radians;
+  points_.back().Kind = outlinepoint::NoStretch;
+  OutlinePoint arc{outlinepoint::ArcMiddle, centreX_ + radius_ * std::cos(middle),
+                   centreY_ + radius_ * std::sin(middle)};
+  arc.CentreX = toInt32(centreX_);
+  arc.CentreY = toInt32(centreY_);
+  arc.Radius = radius_;
+  points_.push_back(arc);
+  points_.push_back({outlinepoint::Straight, curX_, curY_});
+  mode_ = mode::Polygon;
+  prevX_ = curX_;
+  prevY_ = curY_;
+}
+
+void DrawingPass::polygonEnd() {
+  // Closing the list: back to the first point, on whole units.
+  if (points_.size() > 1) {
+    const OutlinePoint& first = points_[1];
+    if (points_.back().X != first.X || points_.back().Y != first.Y)
+      points_.push_back({outlinepoint::Straight, first.X, first.Y});
+    for (size_t i = 1; i < points_.size(); ++i) {
+      points_[i].X = wholeNumber(points_[i].X);
+      points_[i].Y = wholeNumber(points_[i].Y);
+    }
+  }
+  forEachRepeat([&](double dI, double dJ) {
+    ++polygonId_;
+    if (skip_ || points_.size() < 2)
+      return;
+    points_[0] = {outlinepoint::NoStretch, dI, dJ};
+    writer_.AddOutlinePolygon(points_, polygonId_, flashword::Drawn);
+  });
+  points_.clear();
+  mode_ = mode::Line;
+}
+
+void DrawingPass::run(int32_t& status) {
+  const ArtHeader& header = context_.scan.Header;
+  minX_ = header.MinX;
+  minY_ = header.MinY;
+  if (!file_.OriginalCoordinates) {
+    // Centred on the origin.
+    shiftX_ = -(header.MaxX - header.MinX) / 2;
+    shiftY_ = -(header.MaxY - header.MinY) / 2;
+    mirrorAxis_ = (header.MaxX - header.MinX) / 2 + shiftX_;
+  } else {
+    mirrorAxis_ = (header.MaxX - header.MinX) / 2 + header.MinX;
+    minX_ = minY_ = 0;
+  }
+  // The offset moves the picture against the mirror line, which stays.
+  shiftX_ += file_.OffsetX;
+  shiftY_ += file_.OffsetY;
+  file_.ClearPolarity = false;
+
+  ArtRecord record;
+  for (int32_t n = artrecord::HeaderRecords + 1;; ++n) {
+    if (!art_.read(n, record)) {
+      context_.reporter.ReportStatus(StatusIncorrectFormat, art_.path());
+      status = 1;
+      break;
+    }
+    curX_ = record.X - minX_ + shiftX_;
+    curY_ = record.Y - minY_ + shiftY_;
+    if (file_.Mirror)
+      curX_ = 2 * mirrorAxis_ - curX_;
+    if (std::abs(curX_) > WorldLimit || std::abs(curY_) > WorldLimit) {
+      context_.reporter.ReportStatus(StatusOutsideLimits, "");
+      status = 1;
+      break;
+    }
+    switch (record.Type) {
+    case rec::End:
+      status = 0;
+      file_.ClearPolarity = false;
+      return;
+    case rec::Flash:
+      flash(record.N);
+      break;
+    case rec::PathStart:
+    case rec::PolygonArcStart:
+      prevX_ = curX_;
+      prevY_ = curY_;
+      mode_ = record.N;
+      if (record.Type == rec::PathStart ? record.N == mode::Polygon : points_.empty())
+        openPolygon();
+      break;
+    case rec::Draw:
+      if (mode_ == mode::Polygon)
+        points_.push_back({outlinepoint::Straight, curX_, curY_});
+      else
+        draw(record.N);
+      prevX_ = curX_;
+      prevY_ = curY_;
+      break;
+    case rec::PolygonArc:
+      polygonArc();
+      break;
+    case rec::ArcCentre:
+      if (record.N >= 0) {
+        centreX_ = curX_;
+        centreY_ = curY_;
+        radius_ = record.N;
+        mode_ = mode::Line;
+      } else {
+        polygonEnd();
+      }
+      break;
+    case rec::StepRepeat:
+      if (record.N == 1) {
+        stepX_ = record.X;
+        stepY_ = record.Y;
+      } else if (record.N == 2) {
+        stepI_ = record.X;
+        stepJ_ = record.Y;
+      }
+      break;
+    case rec::ImagePolarity:
+    case rec::LayerPolarity:
+      if (record.N == 0) {
+        skip_ = false;
+        file_.ClearPolarity = false;
+      } else if (record.N == 1) {
+        if (file_.FilterMask & filter::AF_IMP) {
+          skip_ = false;
+          file_.ClearPolarity = true;
+        } else {
+          skip_ = true;  // clear elements are left out of the layer
+        }
+      }
+      break;
+    default:
+      context_.reporter.ReportStatus(StatusIncorrectFormat, art_.path());
+      status = 0;
+      file_.ClearPolarity = false;
+      return;
+    }
+    if (stopped_) {
+      status = 0;
+      break;
+    }
+  }
+  file_.ClearPolarity = false;
+}
+
+}  // namespace
+
+void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
+                      const GerberDrawContext& context) {
+  DrawingPass pass(art, layer, file, context);
+  pass.run(status);
+}
+
+std::function<void(int32_t&, ArtFile&, LayerRecord&, LayerFileRecord&)>
+drawGerberStreamCallable(const GerberDrawContext& context) {
+  return [context](int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file) {
+    DrawGerberStream(status, art, layer, file, context);
+  };
+}
+
+}  // namespace tvx

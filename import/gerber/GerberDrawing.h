@@ -1,0 +1,41 @@
+// The drawing pass: replays the drawing stream of TMP.ART into the symbol of a layer. It places and
+// mirrors the picture, repeats it, honours polarity and the element filters, and turns draws, arcs
+// and polygons into store items; flashes go to FlashAperture.
+#pragma once
+
+#include "import/gerber/ArtFile.h"
+#include "import/gerber/ElementWriters.h"
+#include "import/gerber/GerberScan.h"
+#include "store/ColourSlots.h"
+#include "store/LayerRecord.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace tvx {
+
+class Store;
+class StatusReporter;
+
+// What the pass works with besides the file, the layer and its file record. scan holds the header
+// and the aperture lists as LoadArtHeader restored them from the same file.
+struct GerberDrawContext {
+  Store& store;
+  const StatusReporter& reporter;
+  const GerberScan& scan;
+  HolePlacer placeHole;
+  int32_t clearColour = slotCode(colourslot::ClearColour);
+};
+
+// Replays records 6 on of the open intermediate file. status 0 when the stream ended, also when
+// it ended at an unknown record (reported) or at an aperture that no list holds (reported with
+// its label). A point outside the world is reported and leaves status 1, as does a stream that
+// stops before its end record. What was written stays.
+void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
+                      const GerberDrawContext& context);
+
+// The pass as the import driver's readers call it. The context's references must outlive it.
+std::function<void(int32_t&, ArtFile&, LayerRecord&, LayerFileRecord&)>
+drawGerberStreamCallable(const GerberDrawContext& context);
+
+}  // namespace tvx

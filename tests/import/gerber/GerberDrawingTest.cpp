@@ -1,0 +1,257 @@
+// The drawing pass over TMP.ART: placement and mirror, repeats, polarity, the aperture look-up and
+// its stop, the pen modes with full circles, polygons with their arcs, and the failures of a
+// damaged stream. Streams come from the text pass over real Gerber text, or are written by hand.
+#include "GerberDrawSupport.h"
+#include "GerberPassSupport.h"
+
+#include "import/gerber/ArtSections.h"
+#include "import/gerber/GerberDrawing.h"
+
+#include <cmath>
+
+namespace tvx {
+namespace {
+
+using test::ClearCode;
+using test::LayerColour;
+
+// Millimetres with three decimals: "X1000" is 1 mm, 100000 store units.
+constexpr const char* Head = "%FSLAX33Y33*%%MOMM*%%ADD10C,0.2*%%ADD11R,0.5X0.5*%";
+
+class GerberDrawing : public test::DrawFixture {
+protected:
+  GerberDrawing() { file.OriginalCoordinates = true; }
+
+  // The text pass over text, the header and sections loaded back, then the drawing pass.
+  int32_t drawText(const std::string& body) {
+    EXPECT_EQ(pass.run(std::string(Head) + body + "M02*"), 0);
+    ArtFile art;
+    EXPECT_TRUE(art.open(pass.art));
+    int32_t status = 0;
+    loadArtSectionsCallable(scan, pass.reporting.reporter)(status, art);
+    EXPECT_EQ(status, 0);
+    if (edit)
+      edit(scan);
+    return replay(art);
+  }
+  // A stream written by hand behind a header of the given extents; the lists are scan's as set.
+  int32_t drawRecords(const std::vector<ArtRecord>& stream, double minX = 0, double minY = 0,
+                      double maxX = 0, double maxY = 0) {
+    scan.Header.MinX = minX;
+    scan.Header.MinY = minY;
+    scan.Header.MaxX = maxX;
+    scan.Header.MaxY = maxY;
+    ArtFile art;
+    EXPECT_TRUE(art.create(pass.art));
+    for (const ArtRecord& r : headerRecords(scan.Header))
+      art.append(r);
+    for (const ArtRecord& r : stream)
+      art.append(r);
+    return replay(art);
+  }
+  int32_t replay(ArtFile& art) {
+    int32_t status = -1;
+    GerberDrawContext context{k.store, pass.reporting.reporter, scan, holePlacer()};
+    DrawGerberStream(status, art, layer, file, context);
+    EXPECT_FALSE(file.ClearPolarity) << "the working flag does not outlive the pass";
+    return status;
+  }
+  std::vector<std::string> boxes() const {
+    std::vector<std::string> texts;
+    for (const auto& shown : pass.shown())
+      texts.push_back(shown.prompt);
+    return texts;
+  }
+
+  test::GerberPass pass;
+  GerberScan scan;
+  std::function<void(GerberScan&)> edit;
+};
+
+TEST_F(GerberDrawing, LinesArcsAndAFullCircle) {
+  ASSERT_EQ(drawText("D10*X0Y0D02*G01X2000Y0D01*"
+                     "G75*G03X3000Y1000I0J1000D01*"        // a quarter about (2 mm, 1 mm)
+                     "X3000Y0D02*G02X3000Y0I1000J0D01*"    // a whole clockwise circle
+                     "D11*G01X0Y2000D02*X1000Y2000D01*"),  // a square pen, linked from DrawList
+            0);
+  const auto all = items();
+  ASSERT_EQ(typesOf(all), (std::vector<int32_t>{ItemLine, ItemArc, ItemCircle, ItemRectangle}));
+  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width, all[0].Height, all[0].LineWidth}),
+            (std::array{0, 0, 200000, 0, 20000}));
+  EXPECT_EQ(all[0].Link, 10);
+  // From straight below the centre to straight right of it.
+  EXPECT_EQ((std::array{all[1].X, all[1].Y, all[1].Width, all[1].Height, all[1].Sweep}),
+            (std::array{200000, 100000, 100000, 270000, 90000}));
+  EXPECT_EQ(all[1].LineWidth, 20000);
+  // A full circle: an open disc with the aperture's width as its line.
+  EXPECT_EQ((std::array{all[2].X, all[2].Y, all[2].Width, all[2].LineWidth}),
+            (std::array{400000, 0, 100000, 20000}));
+  EXPECT_EQ(all[2].Style, StyleOpen);
+  EXPECT_EQ(all[2].Attributes, attr::Shown);
+  // The square pen's box covers the stroke with square ends of half its side, 25000.
+  EXPECT_EQ((std::array{all[3].X, all[3].Y, all[3].Width, all[3].Height, all[3].Angle}),
+            (std::array{-25000, 175000, 150000, 50000, 0}));
+  EXPECT_EQ(all[3].Link, 11);
+  EXPECT_TRUE(boxes().empty());
+}
+
+TEST_F(GerberDrawing, MirrorSwapsArcDirectionsButNotStepDistances) {
+  const std::string body = "%SRX2Y1I5.0J0*%D11*X0Y0D03*%SRX1Y1I0J0*%"
+                           "D10*X0Y1000D02*G75*G02X1000Y0I0J-1000D01*";
+  ASSERT_EQ(drawText(body), 0);
+  const auto plain = items();
+  ASSERT_EQ(typesOf(plain), (std::vector<int32_t>{ItemRectangle, ItemRectangle, ItemArc}));
+  EXPECT_EQ(plain[1].X - plain[0].X, 500000);
+  // Clockwise from (0, 1 mm) to (1 mm, 0) about the origin: 0 to 90 counter-clockwise.
+  EXPECT_EQ((std::array{plain[2].X, plain[2].Height, plain[2].Sweep}), (std::array{0, 0, 90000}));
+
+  clearLayer();
+  file.Mirror = true;
+  ASSERT_EQ(drawText(body), 0);
+  const auto mirrored = items();
+  const ArtHeader& h = scan.Header;
+  const double axis = (h.MaxX - h.MinX) / 2 + h.MinX;
+  const auto x = [&](double fileX) { return toInt32(2 * axis - fileX); };
+  ASSERT_EQ(typesOf(mirrored), typesOf(plain));
+  EXPECT_EQ(mirrored[0].X, x(0) - 25000);
+  EXPECT_EQ(mirrored[1].X - mirrored[0].X, 500000) << "repeats still step in +X";
+  // Now counter-clockwise from (-0, 1 mm) to (-1 mm, 0): 90 to 180.
+  EXPECT_EQ((std::array{mirrored[2].X, mirrored[2].Height, mirrored[2].Sweep}),
+            (std::array{x(0), 90000, 90000}));
+}
+
+TEST_F(GerberDrawing, ClearPolarityIsDroppedOrPaintedClear) {
+  const std::string body = "D10*X0Y0D03*%LPC*%X1000Y0D03*X1000Y0D02*X2000Y0D01*%LPD*%X3000Y0D03*";
+  file.FilterMask = test::AllFilters & ~filter::AF_IMP;
+  ASSERT_EQ(drawText(body), 0);
+  auto all = items();
+  ASSERT_EQ(all.size(), 2u) << "everything between LPC and LPD is missing";
+  EXPECT_EQ(all[1].X, 300000);
+  EXPECT_EQ(holes.size(), 2u);
+
+  clearLayer();
+  holes.clear();
+  file.FilterMask = test::AllFilters;
+  ASSERT_EQ(drawText(body), 0);
+  all = items();
+  ASSERT_EQ(all.size(), 4u);
+  EXPECT_EQ((std::array<int32_t, 4>{all[0].Colour, all[1].Colour, all[2].Colour, all[3].Colour}),
+            (std::array<int32_t, 4>{LayerColour, ClearCode, ClearCode, LayerColour}));
+  EXPECT_EQ(holes.size(), 2u) << "the clear flash places no hole";
+}
+
+TEST_F(GerberDrawing, PolygonsAreNumberedFrom10001AndNeedTheirFilter) {
+  const std::string square = "G36*X0Y0D02*G01X1000Y0D01*X1000Y1000D01*X0Y1000D01*G37*";
+  ASSERT_EQ(drawText(square + "%SRX2Y1I2.0J0*%" + square), 0);
+  const auto all = items();
+  // The list is closed back to its first point: four sides each, three polygons.
+  ASSERT_EQ(all.size(), 12u);
+  EXPECT_EQ(all[0].Link, 10001);
+  EXPECT_EQ(all[4].Link, 10002);
+  EXPECT_EQ(all[8].Link, 10003);
+  EXPECT_EQ(all[8].X - all[4].X, 200000);
+  EXPECT_EQ(all[3].X + all[3].Width, 0);
+  EXPECT_EQ(all[3].Y + all[3].Height, 0);
+  for (const ItemRecord& r : all) {
+    EXPECT_EQ(r.Style, StyleFilled);
+    EXPECT_EQ(r.Attributes & (attr::PolygonSide | attr::Flashed), attr::PolygonSide);
+  }
+
+  clearLayer();
+  file.FilterMask = test::AllFilters & ~filter::AF_IPL;
+  ASSERT_EQ(drawText(square), 0);
+  EXPECT_TRUE(items().empty());
+}
+
+TEST_F(GerberDrawing, PolygonArcsFlatterThanTwoDegreesBecomeTwoSides) {
+  // A quarter arc stays an arc; an arc of about one degree on a 10 mm radius does not.
+  ASSERT_EQ(drawText("G36*X0Y0D02*G01X10000Y0D01*G75*G03X0Y10000I-10000J0D01*G01X0Y0D01*G37*"), 0);
+  EXPECT_EQ(typesOf(items()), (std::vector<int32_t>{ItemLine, ItemArc, ItemLine}));
+  const ItemRecord arc = items()[1];
+  EXPECT_NEAR(arc.X, 0, 2);
+  EXPECT_NEAR(arc.Width, 1000000, 2);
+  EXPECT_NEAR(arc.Sweep, 90000, 10);
+
+  clearLayer();
+  ASSERT_EQ(drawText("G36*X0Y0D02*G01X10000Y0D01*G75*G03X9998Y175I-10000J0D01*G01X0Y0D01*G37*"), 0);
+  EXPECT_EQ(typesOf(items()), (std::vector<int32_t>(4, ItemLine)));
+}
+
+TEST_F(GerberDrawing, PlacementCentresOffsetsAndMirrorsAboutTheMiddle) {
+  const std::string body = "X1000Y1000D02*D11*X1000Y1000D03*X5000Y3000D03*";
+  const auto corners = [&] {
+    std::vector<std::array<int32_t, 2>> centres;
+    for (const ItemRecord& r : items())
+      centres.push_back({r.X + r.Width / 2, r.Y + r.Height / 2});
+    clearLayer();
+    return centres;
+  };
+  ASSERT_EQ(drawText(body), 0);
+  EXPECT_EQ(corners(), (std::vector<std::array<int32_t, 2>>{{100000, 100000}, {500000, 300000}}));
+  file.OriginalCoordinates = false;
+  ASSERT_EQ(drawText(body), 0);
+  EXPECT_EQ(corners(), (std::vector<std::array<int32_t, 2>>{{-200000, -100000}, {200000, 100000}}));
+  file.OffsetX = 7;
+  file.OffsetY = -3;
+  ASSERT_EQ(drawText(body), 0);
+  EXPECT_EQ(corners(), (std::vector<std::array<int32_t, 2>>{{-199993, -100003}, {200007, 99997}}));
+  file.Mirror = true;  // the offset moves the picture against the line, so it is mirrored too
+  ASSERT_EQ(drawText(body), 0);
+  EXPECT_EQ(corners(), (std::vector<std::array<int32_t, 2>>{{199993, -100003}, {-200007, 99997}}));
+}
+
+TEST_F(GerberDrawing, AnApertureNoListHoldsStopsTheDrawing) {
+  edit = [](GerberScan& s) { s.Lists.SquarePadList.clear(); };
+  ASSERT_EQ(drawText("D10*X0Y0D03*D11*X1000Y0D03*D10*X2000Y0D03*"), 0);
+  EXPECT_EQ(items().size(), 1u) << "what was drawn stays, nothing after";
+  ASSERT_EQ(boxes().size(), 1u);
+  EXPECT_EQ(boxes()[0].rfind("D11* aperture not found in the list during import.", 0), 0u);
+}
+
+TEST_F(GerberDrawing, DamagedStreamsEndWithTheirStatus) {
+  scan.Lists.RoundPadList = {{10, 1000, 1}};
+  scan.Lists.DrawList = {{10, 50, 1}};
+  struct Case {
+    const char* name;
+    std::vector<ArtRecord> stream;
+    int32_t status;
+    size_t items;
+    std::string box;
+  };
+  const Case cases[] = {
+      {"an unknown record ends the drawing, status 0",
+       {{5, 10, 0, 0}, {77, 0, 0, 0}, {5, 10, 5, 5}, {9, 0, 0, 0}},
+       0,
+       1,
+       "Artwork File - Incorrect format"},
+      {"a point beyond the world",
+       {{5, 10, 0, 0}, {5, 10, 3e8, 0}, {9, 0, 0, 0}},
+       1,
+       1,
+       "Coordinates outside limits"},
+      {"no end record", {{5, 10, 0, 0}}, 1, 1, "Artwork File - Incorrect format"},
+      {"a draw before any path start writes nothing", {{7, 10, 100, 0}, {9, 0, 0, 0}}, 0, 0, ""},
+      {"a negative image is clear too",
+       {{51, 1, 0, 0}, {5, 10, 0, 0}, {51, 0, 0, 0}, {5, 10, 0, 0}, {9, 0, 0, 0}},
+       0,
+       1,
+       ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    clearLayer();
+    pass.reporting.prompts.shown.clear();
+    file.FilterMask = test::AllFilters & ~filter::AF_IMP;
+    EXPECT_EQ(drawRecords(c.stream), c.status);
+    EXPECT_EQ(items().size(), c.items);
+    if (c.box.empty()) {
+      EXPECT_TRUE(boxes().empty());
+    } else {
+      ASSERT_EQ(boxes().size(), 1u);
+      EXPECT_EQ(boxes()[0].rfind(c.box, 0), 0u);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tvx
