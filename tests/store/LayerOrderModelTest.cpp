@@ -1,0 +1,291 @@
+// The layer order dialog's logic: the list of listed layers, selection as visibility, moving lines
+// up and down, the selection tools, and OK and Cancel.
+#include "store/LayerOrderModel.h"
+
+#include "store/LayerTestSupport.h"
+
+#include <algorithm>
+
+namespace tvx {
+namespace {
+
+class LayerOrderModelTest : public test::LayerTablesFixture {
+protected:
+  void SetUp() override {
+    LayerTablesFixture::SetUp();
+    build();
+  }
+  LayerOrderModel& open() {
+    model_ = std::make_unique<LayerOrderModel>(tables, k.store, services, [this] { ++redraws_; });
+    model_->FormFill();
+    return *model_;
+  }
+  // The layer numbers of all 31 rows of LayerOrder.
+  std::vector<int32_t> order() const {
+    std::vector<int32_t> layers;
+    for (const LayerOrderRow& row : tables.LayerOrder)
+      layers.push_back(row.LayerNumber);
+    return layers;
+  }
+  std::vector<std::string> texts() const {
+    std::vector<std::string> t;
+    for (const auto& line : model_->lines())
+      t.push_back(line.Text);
+    return t;
+  }
+  int32_t selectedCount() const {
+    int32_t n = 0;
+    for (const auto& line : model_->lines())
+      n += line.Selected ? 1 : 0;
+    return n;
+  }
+  std::vector<bool> selections() const {
+    std::vector<bool> s;
+    for (const auto& line : model_->lines())
+      s.push_back(line.Selected);
+    return s;
+  }
+  std::string name(int32_t layer) const { return tables.layer(layer).DisplayName; }
+  // Lists exactly these layers.
+  void listOnly(std::initializer_list<int32_t> layers) {
+    for (LayerRecord& l : tables.Layers)
+      l.Listed = false;
+    for (int32_t layer : layers)
+      tables.layer(layer).Listed = true;
+  }
+
+  std::unique_ptr<LayerOrderModel> model_;
+  int redraws_ = 0;
+};
+
+TEST_F(LayerOrderModelTest, FormFillListsTheListedLayersInRowOrder) {
+  tables.orderRow(2).Visible = false;
+  tables.orderRow(9).Visible = true;  // a row without a line keeps whatever it holds
+  const auto before = tables.LayerOrder;
+  LayerOrderModel& m = open();
+
+  const std::vector<std::string> expected = {name(1), name(2), name(3),  name(4),
+                                             name(5), name(6), name(30), name(31)};
+  EXPECT_EQ(texts(), expected);
+  EXPECT_EQ(selections(), (std::vector<bool>{true, false, true, true, true, true, true, true}));
+  for (int32_t row = 1; row <= 31; ++row) {
+    const int32_t expect = row <= 6 ? row - 1 : row == 30 ? 6 : row == 31 ? 7 : -1;
+    EXPECT_EQ(m.ListPosition(row), expect) << row;
+  }
+  EXPECT_EQ(m.ListPosition(0), -1);
+  EXPECT_EQ(m.ListPosition(32), -1);
+  EXPECT_EQ(m.listIndex(), 0);
+  EXPECT_FALSE(m.upEnabled());
+  EXPECT_TRUE(m.downEnabled());
+  EXPECT_FALSE(m.loading());
+  EXPECT_EQ(m.workingOrder(), before);
+  EXPECT_EQ(m.savedOrder(), before);
+  EXPECT_EQ(tables.LayerOrder, before) << "filling changes nothing";
+  EXPECT_EQ(redraws_, 0);
+
+  EXPECT_EQ(m.title(), "PCB Layers");
+  EXPECT_EQ(m.tabCaption(), "Set visibility and display order");
+  ASSERT_EQ(m.tools().size(), 3u);
+  EXPECT_EQ(m.tools()[0].Key, "ATB_SelectAll");
+  EXPECT_EQ(m.tools()[0].Caption, "Select &All");
+  EXPECT_EQ(m.tools()[1].Key, "ATB_UnSelectAll");
+  EXPECT_EQ(m.tools()[1].Caption, "&UnSelect All");
+  EXPECT_EQ(m.tools()[2].Key, "ATB_SelectAllUsed");
+  EXPECT_EQ(m.tools()[2].Caption, "Select &Not Empty");
+
+  // Texts come from the catalogue; an inner layer listed later gets a line in its row's place.
+  useCatalogue("62304\tLagen\n62305\tSichtbarkeit\n62308\tNicht leere\n");
+  tables.layer(9).Listed = true;
+  open();
+  EXPECT_EQ(model_->title(), "Lagen");
+  EXPECT_EQ(model_->tabCaption(), "Sichtbarkeit");
+  EXPECT_EQ(model_->tools()[2].Caption, "Nicht leere");
+  EXPECT_EQ(model_->lines().size(), 9u);
+  EXPECT_EQ(model_->lines()[6].Text, name(9));
+  EXPECT_TRUE(model_->lines()[6].Selected);
+  EXPECT_EQ(model_->ListPosition(30), 7);
+}
+
+TEST_F(LayerOrderModelTest, EmptyAndSingleLineListsCannotMove) {
+  listOnly({});
+  LayerOrderModel& m = open();
+  EXPECT_TRUE(m.lines().empty());
+  EXPECT_EQ(m.listIndex(), -1);
+  EXPECT_FALSE(m.upEnabled());
+  EXPECT_FALSE(m.downEnabled());
+  m.cmdUp_Click();
+  m.cmdDown_Click();
+  EXPECT_EQ(m.lstSearchSeq_Click(0, true), true) << "no line 0: nothing happens";
+  EXPECT_EQ(redraws_, 0);
+
+  listOnly({5});
+  const auto before = tables.LayerOrder;
+  open();
+  ASSERT_EQ(model_->lines().size(), 1u);
+  EXPECT_FALSE(model_->upEnabled());
+  EXPECT_FALSE(model_->downEnabled());
+  model_->lstSearchSeq_Click(0, true);
+  EXPECT_FALSE(model_->upEnabled());
+  EXPECT_FALSE(model_->downEnabled());
+  model_->cmdUp_Click();
+  model_->cmdDown_Click();
+  EXPECT_EQ(tables.LayerOrder, before);
+  EXPECT_EQ(redraws_, 1) << "only the click redrew";
+}
+
+TEST_F(LayerOrderModelTest, UpAndDownExchangeRowsAndSkipRowsWithoutALine) {
+  tables.orderRow(6).Visible = false;
+  tables.orderRow(2).Visible = false;
+  LayerOrderModel& m = open();
+  const std::vector<int32_t> start = order();
+
+  // The board outline (row 30, line 6) goes up past the unlisted rows 7 to 29 into row 6.
+  m.lstSearchSeq_Click(6, true);
+  EXPECT_TRUE(m.upEnabled());
+  EXPECT_TRUE(m.downEnabled());
+  m.cmdUp_Click();
+  EXPECT_EQ(m.listIndex(), 5);
+  EXPECT_EQ(tables.orderRow(6).LayerNumber, 30);
+  EXPECT_EQ(tables.orderRow(30).LayerNumber, 6);
+  EXPECT_TRUE(tables.orderRow(6).Visible) << "visibility travels with the layer";
+  EXPECT_FALSE(tables.orderRow(30).Visible);
+  for (int32_t row = 7; row <= 29; ++row)
+    EXPECT_EQ(tables.orderRow(row).LayerNumber, row) << "unlisted rows stay";
+  EXPECT_EQ(texts()[5], name(30));
+  EXPECT_EQ(texts()[6], name(6));
+  EXPECT_EQ(selections()[5], true);
+  EXPECT_EQ(selections()[6], false);
+  EXPECT_EQ(tables.LayerOrder, m.workingOrder());
+  EXPECT_EQ(redraws_, 2) << "the click and the move";
+
+  // Up to the top: the second line's layer takes the lower row number of the two; at line 0 Up
+  // is disabled and does nothing.
+  for (int i = 0; i < 5; ++i)
+    m.cmdUp_Click();
+  EXPECT_EQ(m.listIndex(), 0);
+  EXPECT_FALSE(m.upEnabled());
+  EXPECT_TRUE(m.downEnabled());
+  EXPECT_EQ(tables.orderRow(1).LayerNumber, 30);
+  EXPECT_EQ(tables.orderRow(2).LayerNumber, 1);
+  EXPECT_FALSE(tables.orderRow(3).Visible) << "layer 2's hidden row moved down with it";
+  const int redrawsAtTop = redraws_;
+  m.cmdUp_Click();
+  EXPECT_EQ(tables.orderRow(1).LayerNumber, 30);
+  EXPECT_EQ(redraws_, redrawsAtTop);
+
+  // Down to the bottom: Down is disabled on the last line; then up again to where it came from.
+  for (int i = 0; i < 7; ++i)
+    m.cmdDown_Click();
+  EXPECT_EQ(m.listIndex(), 7);
+  EXPECT_FALSE(m.downEnabled());
+  EXPECT_EQ(tables.orderRow(31).LayerNumber, 30);
+  EXPECT_EQ(tables.orderRow(30).LayerNumber, 31);
+  m.cmdDown_Click();
+  EXPECT_EQ(tables.orderRow(31).LayerNumber, 30);
+  m.cmdUp_Click();
+  EXPECT_EQ(order(), start);
+  EXPECT_EQ(std::count_if(tables.LayerOrder.begin(), tables.LayerOrder.end(),
+                          [](const LayerOrderRow& r) { return r.Visible; }),
+            6);
+}
+
+TEST_F(LayerOrderModelTest, ClicksSetVisibilityButTheActiveLayerStaysVisible) {
+  LayerOrderModel& m = open();
+  EXPECT_FALSE(m.lstSearchSeq_Click(1, false));
+  EXPECT_FALSE(tables.orderRow(2).Visible);
+  EXPECT_FALSE(m.workingOrder()[1].Visible);
+  EXPECT_EQ(m.listIndex(), 1);
+  EXPECT_EQ(redraws_, 1);
+  EXPECT_TRUE(m.lstSearchSeq_Click(1, true));
+  EXPECT_TRUE(tables.orderRow(2).Visible);
+  EXPECT_EQ(redraws_, 2);
+
+  tables.layer(4).Active = true;
+  EXPECT_TRUE(m.lstSearchSeq_Click(3, false)) << "the active layer cannot be hidden";
+  EXPECT_TRUE(tables.orderRow(4).Visible);
+  EXPECT_TRUE(m.lines()[3].Selected);
+  EXPECT_EQ(redraws_, 3);
+
+  EXPECT_TRUE(m.lstSearchSeq_Click(8, true)) << "no such line";
+  EXPECT_FALSE(m.lstSearchSeq_Click(-1, false));
+  EXPECT_EQ(redraws_, 3);
+  EXPECT_EQ(m.listIndex(), 3);
+}
+
+TEST_F(LayerOrderModelTest, SelectionToolsKeepTheActiveLayerAndUnlistedRows) {
+  tables.layer(3).Active = true;
+  tables.orderRow(12).Visible = true;  // unlisted, but drawn
+  addItem(5, ItemLine);
+  addPad(31, 1, 0, 0, 3);
+  LayerOrderModel& m = open();
+
+  m.ATB_UnSelectAll();
+  EXPECT_EQ(selections(),
+            (std::vector<bool>{false, false, true, false, false, false, false, false}));
+  EXPECT_EQ(redraws_, 1);
+  for (int32_t row = 1; row <= 31; ++row)
+    EXPECT_EQ(tables.orderRow(row).Visible, row == 3 || row == 12) << row;
+
+  m.ATB_SelectAll();
+  EXPECT_EQ(selections(), std::vector<bool>(8, true));
+  EXPECT_TRUE(tables.orderRow(30).Visible);
+  EXPECT_FALSE(tables.orderRow(11).Visible);
+  EXPECT_EQ(redraws_, 2);
+
+  // Not empty: layer 5 (an item) and 31 (an entry), and the active layer 3 although empty. The
+  // lines follow their layers after a move.
+  m.lstSearchSeq_Click(4, true);
+  m.cmdUp_Click();  // layer 5 now on line 3, layer 4 on line 4
+  m.ATB_SelectAllUsed();
+  EXPECT_EQ(texts()[3], name(5));
+  EXPECT_EQ(selections(), (std::vector<bool>{false, false, true, true, false, false, false, true}));
+  EXPECT_TRUE(tables.orderRow(4).Visible);
+  EXPECT_EQ(tables.orderRow(4).LayerNumber, 5);
+  EXPECT_TRUE(tables.orderRow(12).Visible);
+  EXPECT_EQ(redraws_, 5);
+
+  // Keys of the menu, trimmed and in any case.
+  EXPECT_TRUE(m.runTool("  atb_selectall "));
+  EXPECT_EQ(selections(), std::vector<bool>(8, true));
+  EXPECT_TRUE(m.runTool("ATB_UNSELECTALL"));
+  EXPECT_EQ(selectedCount(), 1);
+  EXPECT_TRUE(m.runTool("Atb_SelectAllUsed\t"));
+  EXPECT_EQ(selectedCount(), 3);
+  EXPECT_EQ(redraws_, 8);
+  EXPECT_FALSE(m.runTool("ATB_SelectNone"));
+  EXPECT_FALSE(m.runTool(""));
+  EXPECT_EQ(redraws_, 8);
+}
+
+TEST_F(LayerOrderModelTest, CancelRestoresTheRowsAndOkKeepsThem) {
+  tables.orderRow(5).Visible = false;
+  const auto before = tables.LayerOrder;
+  LayerOrderModel& m = open();
+  m.lstSearchSeq_Click(7, true);
+  m.cmdUp_Click();
+  m.cmdUp_Click();
+  m.ATB_UnSelectAll();
+  m.lstSearchSeq_Click(0, true);
+  ASSERT_NE(tables.LayerOrder, before);
+  const int redraws = redraws_;
+  EXPECT_EQ(redraws, 5) << "the picture follows each click";
+
+  m.cmdCancel_Click();
+  EXPECT_EQ(tables.LayerOrder, before);
+  EXPECT_EQ(redraws_, redraws) << "the main window redraws after closing";
+
+  // OK keeps what the user made.
+  LayerOrderModel& again = open();
+  again.lstSearchSeq_Click(0, false);
+  again.lstSearchSeq_Click(2, true);
+  again.cmdDown_Click();
+  const auto working = again.workingOrder();
+  tables.LayerOrder = before;  // another part of the viewer changed LayerOrder meanwhile
+  again.cmdOK_Click();
+  EXPECT_EQ(tables.LayerOrder, working);
+  EXPECT_EQ(tables.orderRow(4).LayerNumber, 3);
+  EXPECT_EQ(tables.orderRow(3).LayerNumber, 4);
+}
+
+}  // namespace
+}  // namespace tvx
