@@ -17,8 +17,11 @@ configure: bootstrap $(BUILD)/build.ninja
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
+# The demo board: every sample file that exists, Gerber layers first, the drill file last.
+DEMO_FILES := $(wildcard samples/*.gbr samples/*.drl)
+
 run: build
-	$(BUILD)/bin/tarvex-gbrviewer
+	$(BUILD)/bin/tarvex-gbrviewer $(DEMO_FILES)
 
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)

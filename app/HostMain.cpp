@@ -2,12 +2,17 @@
 // kernel, creates the component, shows it, passes each line of its standard input to the component
 // as a command, and writes every command the component sends to its standard output as
 // "Aname<TAB>sCommand". It ends when the component reports SHUTDOWN.
+//
+// The files named on the command line are imported at start, one after another, in place of the
+// file request. One command is the host's own: "TARVEX,SAVEVIEW,<file>" writes the view's
+// picture as PNG and answers "TARVEX<TAB>SAVEVIEW,OK" or "TARVEX<TAB>SAVEVIEW,FAILED".
 
 #include "kernel/Kernel.h"
 #include "platform/QtUserPrompts.h"
 #include "platform/SystemServices.h"
 #include "shell/ComponentContext.h"
 #include "shell/HostCommands.h"
+#include "shell/GBRVIEWER_MAIN.h"
 #include "shell/clsTVNGBRVIEWER.h"
 
 #include <QApplication>
@@ -24,6 +29,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -94,7 +100,7 @@ int main(int argc, char* argv[]) {
       "ini", "Settings file (default $XDG_CONFIG_HOME/tarvex/tarvex.ini).", "FILE");
   parser.addOption(helpOption);
   parser.addOption(iniOption);
-  parser.addPositionalArgument("files", "Files to open (not yet imported).", "[FILE...]");
+  parser.addPositionalArgument("files", "Files to import at start.", "[FILE...]");
   // Help needs no display: it is answered before the application object exists.
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "-h" || std::string_view(argv[i]) == "--help") {
@@ -142,8 +148,30 @@ int main(int argc, char* argv[]) {
                                                  Qt::QueuedConnection);
                    });
 
-  StandardInputReader input(
-      [&component](const std::string& line) { component.NotifyMe(HostName, line); });
+  StandardInputReader input([&component](const std::string& line) {
+    const std::string saveView = std::string(HostName) + ",SAVEVIEW,";
+    if (line.rfind(saveView, 0) == 0) {
+      tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow();
+      const bool saved = window && window->saveViewPicture(line.substr(saveView.size()));
+      std::fprintf(stdout, "%s\tSAVEVIEW,%s\n", HostName, saved ? "OK" : "FAILED");
+      std::fflush(stdout);
+      return;
+    }
+    component.NotifyMe(HostName, line);
+  });
+
+  std::vector<std::string> files;
+  // A name that is no file is told here and passed over, so that start-up shows no box for it.
+  for (const QString& file : parser.positionalArguments()) {
+    const QFileInfo info(file);
+    if (!info.isFile()) {
+      std::fprintf(stderr, "tarvex-gbrviewer: %s: no such file\n", qPrintable(file));
+      continue;
+    }
+    files.push_back(info.absoluteFilePath().toStdString());
+  }
+  if (tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow())
+    window->setStartupFiles(std::move(files));
 
   int16_t mode = 0;
   component.Load(mode);

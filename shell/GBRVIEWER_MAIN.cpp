@@ -1,36 +1,119 @@
+// The main window's construction, the host's commands, the status bar, the menu bar and the
+// commands behind it, and the link between the view picture and the redraw.
 #include "shell/GBRVIEWER_MAIN.h"
 
+#include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
-#include "platform/InterfaceFont.h"
-#include "platform/LocalizeForm.h"
+#include "platform/HelpWindow.h"
 #include "platform/SystemServices.h"
 #include "platform/TokenList.h"
+#include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
+#include "viewer/ViewPicture.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QTextBrowser>
 #include <QCloseEvent>
-#include <QWidget>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QImage>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPixmap>
+#include <QScrollBar>
+#include <QStatusBar>
+#include <QToolButton>
+#include <QWheelEvent>
 
 namespace tvx {
 
 namespace {
 
-// The system's name, which becomes the window's caption.
-constexpr const char* SysNameId = "62450";
-constexpr const char* SysNameDefault =
-    "Fabrication Graphics (Gerber/Excellon/DXF/HPGL) Viewer & Import";
+// The key code of Escape as Form_KeyDown takes it.
+constexpr int KeyEscape = 27;
+
+// The busy panel's two pictures: a red lamp while working, a green one when idle.
+QPixmap lampPicture(bool busy) {
+  QPixmap picture(14, 14);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::darkGray);
+  painter.setBrush(busy ? QColor(220, 40, 40) : QColor(40, 180, 60));
+  painter.drawEllipse(1, 1, 12, 12);
+  return picture;
+}
 
 }  // namespace
 
 GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
     : QMainWindow(parent), context_(context) {
   setObjectName("GBRVIEWER_MAIN");
-  viewPicture_ = new QWidget(this);
-  viewPicture_->setObjectName("ViewPicture");
-  setCentralWidget(viewPicture_);
+  // The window's design size: the smallest it can be made.
+  resize(DesignWidth, DesignHeight);
+
+  auto* client = new QWidget(this);
+  auto* grid = new QGridLayout(client);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setSpacing(0);
+  viewPicture_ = new ViewPicture(client);
+  horizontalBar_ = new QScrollBar(Qt::Horizontal, client);
+  horizontalBar_->setObjectName("HScroll");
+  verticalBar_ = new QScrollBar(Qt::Vertical, client);
+  verticalBar_->setObjectName("VScroll");
+  grid->addWidget(viewPicture_, 0, 0);
+  grid->addWidget(verticalBar_, 0, 1);
+  grid->addWidget(horizontalBar_, 1, 0);
+  horizontalBar_->hide();
+  verticalBar_->hide();
+  setCentralWidget(client);
+
+  Kernel& kernel = context_.kernel;
+  view_ = std::make_unique<ViewState>(kernel.graphics, context_.services);
+  tables_ = std::make_unique<LayerTables>();
+  colours_ = std::make_unique<ColourSlots>();
+  redraw_ = std::make_unique<ViewRedraw>(kernel, context_.services, context_.prompts, *view_,
+                                         *tables_, *colours_);
+  view_->setCoverSource(LayersCover(kernel.store, tables_->Layers));
+
+  RedrawHooks& hooks = redraw_->hooks;
+  hooks.showBusy = [this](bool busy) { setBusyPicture(busy ? BusyPicture : IdlePicture); };
+  hooks.pointer = [this](bool hourglass) {
+    if (hourglass)
+      setCursor(Qt::WaitCursor);
+    else
+      unsetCursor();
+  };
+  hooks.messagePanel = [this](const std::string& text) {
+    messagePanel_->setText(QString::fromStdString(text));
+  };
+  viewPicture_->setPaintHandler([this] { ViewPicture_Paint(); });
+  viewPicture_->setImageSource(
+      [this]() -> const QImage* { return context_.kernel.graphics.shadowImage(cpDcId_); });
+
+  connect(horizontalBar_, &QScrollBar::valueChanged, this, [this](int value) {
+    if (!updatingBars_)
+      applyViewChange(view_->horizontalBarChanged(value));
+  });
+  // The vertical bar shows its range negated, so that its top is the high Y.
+  connect(verticalBar_, &QScrollBar::valueChanged, this, [this](int value) {
+    if (!updatingBars_)
+      applyViewChange(view_->verticalBarChanged(-value));
+  });
+
+  buildStatusBar();
+  buildMenus();
 }
 
 GBRVIEWER_MAIN::~GBRVIEWER_MAIN() = default;
+
+void GBRVIEWER_MAIN::setUserStore(UserStore* store) { userStore_ = store; }
+
+QWidget* GBRVIEWER_MAIN::viewPicture() const { return viewPicture_; }
 
 void GBRVIEWER_MAIN::showWindow() {
   // Start-up shows the window itself, or gives up and leaves it unloaded.
@@ -40,99 +123,233 @@ void GBRVIEWER_MAIN::showWindow() {
     show();
 }
 
-void GBRVIEWER_MAIN::resetMembers() {
-  exitAnyWay_ = false;
-  redrawPending_ = false;
-  pointerToolActive_ = false;
-  importDialogVisible_ = false;
-  currentFunction_ = 0;
-  languagePath_.clear();
-  sysName_.clear();
+// --- Status bar --------------------------------------------------------------------------------
+
+void GBRVIEWER_MAIN::buildStatusBar() {
+  QStatusBar* bar = statusBar();
+  bar->setObjectName("staMessage");
+  busyPanel_ = new QLabel(bar);
+  busyPanel_->setObjectName(BusyPanel);
+  escPanel_ = new QToolButton(bar);
+  escPanel_->setObjectName(EscPanel);
+  // A panel that looks pressed while the mouse holds it, and acts as the Escape key.
+  connect(escPanel_, &QToolButton::clicked, this, [this] {
+    if (escPanel_->objectName().trimmed().toUpper() == EscPanel)
+      Form_KeyDown(KeyEscape, 0);
+  });
+  messagePanel_ = new QLabel(bar);
+  messagePanel_->setObjectName(MessagePanel);
+  bar->addWidget(busyPanel_);
+  bar->addWidget(escPanel_);
+  bar->addWidget(messagePanel_, 1);
+  setBusyPicture(IdlePicture);
 }
 
-// Start-up, in the order of its steps. The steps of the later parts of the viewer (country table,
-// menu file, tool bars, cursors, the kernel's device, the import request) join them in place.
-void GBRVIEWER_MAIN::Form_Load() {
-  loaded_ = true;
-  resetMembers();
-
-  // The settings file is named by the host through the kernel.
-  context_.services.SetIniFile(
-      SystemServices::StringFromPointer(context_.kernel.strings.E_GetString(IniFileString)));
-
-  // The menu file is read here, with ExitAnyWay set around it, once start-up reads it.
-
-  localizeWindow();
-  redrawPending_ = true;
-  currentFunction_ = 0;
-  ApplySystemSettings();
-
-  // Siblings see the component as running while its kernel string is not empty.
-  context_.kernel.strings.E_SetString(ComponentName, RunningMarker);
-
-  show();
-  RedrawScreen();
+QWidget* GBRVIEWER_MAIN::statusPanel(const std::string& key) const {
+  return statusBar()->findChild<QWidget*>(QString::fromStdString(key));
 }
 
-void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t UnloadMode) {
-  if (pointerToolActive_) {
-    Cancel = true;
+void GBRVIEWER_MAIN::setBusyPicture(const char* picture) {
+  if (busyPicture_ == picture)
     return;
-  }
-  if (windowStateCode() == windowstate::Minimised) {
-    // A minimised window comes back first; a second close is needed.
-    setWindowStateCode(windowstate::Normal);
-    Cancel = true;
+  busyPicture_ = picture;
+  busyPanel_->setPixmap(lampPicture(busyPicture_ == BusyPicture));
+}
+
+void GBRVIEWER_MAIN::EditMsgLine(const std::string& text) { redraw_->EditMsgLine(text); }
+
+void GBRVIEWER_MAIN::UpdateStatusBusy() {
+  setCursor(Qt::WaitCursor);
+  setBusyPicture(BusyPicture);
+}
+
+void GBRVIEWER_MAIN::Form_KeyDown(int KeyCode, int Shift) {
+  if (KeyCode == KeyEscape)
+    pointerToolActive_ = false;
+}
+
+// --- Menu bar ----------------------------------------------------------------------------------
+
+void GBRVIEWER_MAIN::buildMenus() {
+  auto entry = [this](QMenu* menu, const char* name, const char* caption, void (GBRVIEWER_MAIN::*
+                                                                               handler)(),
+                      bool checkable = false) {
+    QAction* action = menu->addAction(QString::fromUtf8(caption));
+    action->setObjectName(name);
+    action->setCheckable(checkable);
+    connect(action, &QAction::triggered, this, [this, handler] { (this->*handler)(); });
+    return action;
+  };
+  QMenu* file = menuBar()->addMenu("&File");
+  file->setObjectName("M_File");
+  entry(file, "M_FSIimport", "&Import Artworks&&Drilling", &GBRVIEWER_MAIN::M_FSIimport_Click);
+  entry(file, "M_Scopy", "Copy Screen to Clipboard", &GBRVIEWER_MAIN::M_Scopy_Click);
+  file->addSeparator();
+  entry(file, "M_Exit", "E&xit", &GBRVIEWER_MAIN::M_Exit_Click);
+
+  QMenu* viewMenu = menuBar()->addMenu("&View");
+  viewMenu->setObjectName("M_View");
+  QMenu* unit = viewMenu->addMenu("&Unit");
+  unit->setObjectName("M_UnitMenu");
+  entry(unit, "M_Inches", "&Inches", &GBRVIEWER_MAIN::M_Inches_Click, true);
+  entry(unit, "M_Mm", "&Millimeters", &GBRVIEWER_MAIN::M_Mm_Click, true);
+  QMenu* project = viewMenu->addMenu("&Project");
+  project->setObjectName("M_Vlay");
+  entry(project, "M_GIESelCatView", "Layer Visibility", &GBRVIEWER_MAIN::M_GIESelCatView_Click);
+  viewMenu->addSeparator();
+  entry(viewMenu, "M_TrueSize", "&True Size ", &GBRVIEWER_MAIN::M_TrueSize_Click, true);
+  entry(viewMenu, "M_PadFrame", "Pad &Frames", &GBRVIEWER_MAIN::M_PadFrame_Click, true);
+  entry(viewMenu, "M_PadPosition", "&Pad Positions", &GBRVIEWER_MAIN::M_PadPosition_Click, true);
+  entry(viewMenu, "M_Mirror", "&Mirror", &GBRVIEWER_MAIN::M_Mirror_Click, true);
+  entry(viewMenu, "M_Mono", "Mono&chrome", &GBRVIEWER_MAIN::M_Mono_Click, true);
+  viewMenu->addSeparator();
+  entry(viewMenu, "M_Sbars", "Scroll Bars", &GBRVIEWER_MAIN::M_Sbars_Click, true);
+
+  QMenu* help = menuBar()->addMenu("&Help");
+  help->setObjectName("M_Help");
+  entry(help, "M_HelpContents", "&Help", &GBRVIEWER_MAIN::M_Help_Click);
+}
+
+QAction* GBRVIEWER_MAIN::menuEntry(const std::string& name) const {
+  return findChild<QAction*>(QString::fromStdString(name));
+}
+
+void GBRVIEWER_MAIN::syncMenuChecks() {
+  auto check = [this](const char* name, bool on) {
+    if (QAction* action = menuEntry(name))
+      action->setChecked(on);
+  };
+  check("M_Inches", view_->DisplayUnit != displayunit::Millimetre);
+  check("M_Mm", view_->DisplayUnit == displayunit::Millimetre);
+  check("M_TrueSize", redraw_->isChecked(DisplayOption::TrueSize));
+  check("M_PadFrame", redraw_->isChecked(DisplayOption::PadFrame));
+  check("M_PadPosition", redraw_->isChecked(DisplayOption::PadPosition));
+  check("M_Mirror", redraw_->isChecked(DisplayOption::Mirror));
+  check("M_Mono", redraw_->isChecked(DisplayOption::Mono));
+  check("M_Sbars", view_->ScrollBarsOn);
+}
+
+void GBRVIEWER_MAIN::toggleDisplay(DisplayOption option) {
+  redraw_->toggle(option);
+  syncMenuChecks();
+}
+
+void GBRVIEWER_MAIN::M_TrueSize_Click() { toggleDisplay(DisplayOption::TrueSize); }
+void GBRVIEWER_MAIN::M_PadFrame_Click() { toggleDisplay(DisplayOption::PadFrame); }
+void GBRVIEWER_MAIN::M_PadPosition_Click() { toggleDisplay(DisplayOption::PadPosition); }
+void GBRVIEWER_MAIN::M_Mirror_Click() { toggleDisplay(DisplayOption::Mirror); }
+void GBRVIEWER_MAIN::M_Mono_Click() { toggleDisplay(DisplayOption::Mono); }
+
+void GBRVIEWER_MAIN::M_Inches_Click() {
+  applyViewChange(view_->M_Inches_Click());
+  syncMenuChecks();
+}
+
+void GBRVIEWER_MAIN::M_Mm_Click() {
+  applyViewChange(view_->M_Mm_Click());
+  syncMenuChecks();
+}
+
+void GBRVIEWER_MAIN::M_Sbars_Click() {
+  view_->ScrollBarsOn = !view_->ScrollBarsOn;
+  syncMenuChecks();
+  layoutView();
+  applyViewChange(view_->SetScrollBars());
+}
+
+void GBRVIEWER_MAIN::M_Scopy_Click() {
+  setCursor(Qt::WaitCursor);
+  context_.kernel.graphics.G_CopyToClipBoard(cpDcId_);
+  unsetCursor();
+}
+
+void GBRVIEWER_MAIN::M_Exit_Click() {
+  if (import_)
+    for (LayerRecord& layer : tables_->Layers)
+      layer.Files.assign(1, LayerFileRecord{});
+  ShutDown();
+}
+
+void GBRVIEWER_MAIN::M_Help_Click() {
+  if (!help_)
+    help_ = std::make_unique<HelpWindow>(helpFile_, this);
+  help_->ShowHelp();
+}
+
+// --- View ----------------------------------------------------------------------------------------
+
+void GBRVIEWER_MAIN::RedrawScreen() {
+  if (cpDcId_ == 0)
     return;
-  }
-  if (importDialogVisible_) {
-    Cancel = true;
+  view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
+  redraw_->RedrawScreen();
+}
+
+void GBRVIEWER_MAIN::ViewPicture_Paint() {
+  if (cpDcId_ == 0)
     return;
+  if (view_->pictureWidth() != viewPicture_->width() ||
+      view_->pictureHeight() != viewPicture_->height()) {
+    view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
+    redraw_->RedrawPending = true;
   }
+  redraw_->ViewPicture_Paint();
 }
 
-// Unload, in the order of its steps. Saving tool bars, placement and settings, and freeing the
-// undo copies, cursors and the kernel's device come with the parts that own them.
-void GBRVIEWER_MAIN::Form_Unload(bool& Cancel) {
-  if (!exitAnyWay_)
-    context_.kernel.strings.E_SetString(ComponentName, "");
-  emit NotifyClass(ComponentName, ShutdownCommand);
-}
-
-bool GBRVIEWER_MAIN::unloadWindow(int16_t unloadMode, bool mayRefuse) {
-  if (!loaded_ || unloading_)
-    return !loaded_;
-  if (mayRefuse) {
-    bool cancel = false;
-    Form_QueryUnload(cancel, unloadMode);
-    if (cancel)
-      return false;
-  }
-  unloading_ = true;
-  bool cancel = false;
-  Form_Unload(cancel);
-  unloading_ = false;
-  if (cancel)
-    return false;
-  loaded_ = false;
-  hide();
-  return true;
-}
-
-void GBRVIEWER_MAIN::ShutDown() { unloadWindow(unloadmode::Code, true); }
-
-void GBRVIEWER_MAIN::unloadUnconditionally() { unloadWindow(unloadmode::Code, false); }
-
-void GBRVIEWER_MAIN::closeEvent(QCloseEvent* event) {
-  if (!loaded_ || unloading_) {
-    event->accept();
+void GBRVIEWER_MAIN::RedrawScreenFocus(int32_t Xpos, int32_t Ypos) {
+  if (cpDcId_ == 0)
     return;
-  }
-  if (unloadWindow(unloadmode::UserClose, true))
-    event->accept();
-  else
-    event->ignore();
+  view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
+  applyViewChange(redraw_->RedrawScreenFocus(Xpos, Ypos));
 }
+
+void GBRVIEWER_MAIN::syncScrollBars() {
+  updatingBars_ = true;
+  const ScrollBarState& h = view_->HorizontalBar;
+  horizontalBar_->setRange(h.Minimum, h.Maximum);
+  horizontalBar_->setPageStep(h.LargeChange);
+  horizontalBar_->setSingleStep(h.SmallChange);
+  horizontalBar_->setValue(h.Value);
+  const ScrollBarState& v = view_->VerticalBar;
+  verticalBar_->setRange(-v.Minimum, -v.Maximum);
+  verticalBar_->setPageStep(v.LargeChange);
+  verticalBar_->setSingleStep(v.SmallChange);
+  verticalBar_->setValue(-v.Value);
+  updatingBars_ = false;
+}
+
+void GBRVIEWER_MAIN::applyViewChange(const ViewChange& change) {
+  if (change.ScrollBars)
+    syncScrollBars();
+  if (change.UnitTool)
+    syncMenuChecks();
+  if (change.Redraw)
+    RedrawScreen();
+  if (change.FocusView)
+    viewPicture_->setFocus();
+}
+
+bool GBRVIEWER_MAIN::saveViewPicture(const std::string& path) const {
+  const QImage* image = context_.kernel.graphics.shadowImage(cpDcId_);
+  return image && !image->isNull() && image->save(QString::fromStdString(path), "PNG");
+}
+
+bool GBRVIEWER_MAIN::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == viewPicture_ && event->type() == QEvent::Wheel && cpDcId_ != 0) {
+    // The wheel steps through the precision table, keeping the point under the pointer.
+    auto* wheel = static_cast<QWheelEvent*>(event);
+    const int rotation = wheel->angleDelta().y();
+    if (rotation != 0) {
+      const QPoint at = wheel->position().toPoint();
+      view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
+      applyViewChange(view_->wheelZoom(rotation, at.x(), at.y()));
+    }
+    return true;
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+// --- Host commands ---------------------------------------------------------------------------------
 
 void GBRVIEWER_MAIN::AP_ExeCmd(const std::string& Cmd) {
   if (Cmd.empty())
@@ -151,9 +368,15 @@ void GBRVIEWER_MAIN::AP_ExeCmd(const std::string& Cmd) {
   } else if (verb == "DF") {
     setWindowStateCode(windowstate::Normal);
   } else if (verb == "UP") {
+    // The settings again; the view keeps its centre and precision.
+    const ViewTriple kept{view_->m_Precision, view_->ViewCenterX, view_->ViewCenterY};
     ApplySystemSettings();
     currentFunction_ = 0;
     M_FSI_Click(1);
+    view_->m_Precision = kept.m_Precision;
+    view_->ViewCenterX = kept.ViewCenterX;
+    view_->ViewCenterY = kept.ViewCenterY;
+    applyViewChange(view_->SetScrollBars());
     RedrawScreen();
   } else if (verb == "EX") {
     ShutDown();
@@ -200,26 +423,6 @@ void GBRVIEWER_MAIN::setWindowStateCode(int16_t state) {
   }
 }
 
-// The steps that exist so far; tables, layers, grid, combos and tool bars join them with the
-// parts that own them.
-void GBRVIEWER_MAIN::ApplySystemSettings() {
-  setWindowTitle(QString::fromStdString(sysName_));
-  context_.services.SetDatabaseUnitsPerMm(100000);
-  M_FSI_Click(1);
-}
-
 void GBRVIEWER_MAIN::M_FSI_Click(int16_t function) { currentFunction_ = function; }
-
-void GBRVIEWER_MAIN::RedrawScreen() {
-  redrawPending_ = true;
-  viewPicture_->update();
-}
-
-void GBRVIEWER_MAIN::localizeWindow() {
-  LocalizeForm(this, context_.services, SelectInterfaceFont());
-  // The caption is the system's name, which has a message of its own rather than a tag.
-  sysName_ = context_.services.LocalMessage(SysNameDefault, SysNameId);
-  setWindowTitle(QString::fromStdString(sysName_));
-}
 
 }  // namespace tvx

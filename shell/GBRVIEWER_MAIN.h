@@ -1,16 +1,43 @@
-// The component's main window: its life (load, close request, unload) and the host's commands.
+// The component's main window: its life (load, close request, unload), the host's commands, the
+// view picture with its redraw, the status bar, the menu bar and the file-open command.
+//
+// The window's code is split by subject: GBRVIEWER_MAIN.cpp (commands, status bar, menus),
+// MainStartup.cpp (Form_Load, positioning, ApplySystemSettings), MainShutdown.cpp (close request,
+// unload, resize) and MainImport.cpp (the file-open command and the host's files).
 #pragma once
 
 #include "shell/ComponentContext.h"
+#include "shell/MenuFile.h"
+#include "shell/ViewerSettings.h"
+#include "store/ColourSlots.h"
+#include "store/Layers.h"
+#include "viewer/Redraw.h"
+#include "viewer/ViewState.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
+#include <array>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
+class QAction;
 class QCloseEvent;
+class QFileDialog;
+class QLabel;
+class QScrollBar;
+class QToolButton;
 
 namespace tvx {
+
+class GBRVIEWER_GIESVC;
+class HelpWindow;
+class ImportSession;
+class UserStore;
+class ViewPicture;
 
 // Window states as Load and the host's commands number them.
 namespace windowstate {
@@ -25,6 +52,30 @@ inline constexpr int16_t UserClose = 0;  // the window's close button or the des
 inline constexpr int16_t Code = 1;       // ShutDown, from "EX" or a start-up that gave up
 }  // namespace unloadmode
 
+// Keys of the status bar's panels and the pictures of the busy panel.
+inline constexpr const char* BusyPanel = "BUSY";
+inline constexpr const char* EscPanel = "ESC";
+inline constexpr const char* MessagePanel = "MSG";
+inline constexpr const char* BusyPicture = "ST_BUSY";
+inline constexpr const char* IdlePicture = "ST_NORMAL";
+
+// The window's size as designed: the smallest it can be made.
+inline constexpr int DesignWidth = 640;
+inline constexpr int DesignHeight = 480;
+
+// The fixed words and character sets loaded at start.
+struct FormatConstants {
+  std::array<std::string, 2> UnitNames{"INCH", "METRIC"};
+  std::array<std::string, 2> ZeroWords{"TRAILING ZEROS OMITTED", "LEADING ZEROS OMITTED"};
+  std::array<std::string, 2> UnitWords{" inch ", " mm "};
+  std::string GerberCharacters = "*DXYMGIJ+-0123456789%AB.";
+  std::string ExcellonCharacters = "|TCMGXY+-0123456789.%";
+  std::string HpglCharacters = ", ;+-0123456789.";
+  std::string LineEnd = "\r\n";
+  double DegreeFactor = 0;  // pi / 180
+  double Pi = 0;
+};
+
 class GBRVIEWER_MAIN : public QMainWindow {
   Q_OBJECT
 
@@ -33,6 +84,15 @@ public:
   ~GBRVIEWER_MAIN() override;
 
   const ComponentContext& context() const { return context_; }
+
+  // --- Before Load. The folder of the data files (menu file, catalogues, help); the folder of
+  // the program by default.
+  void setAppPath(const std::string& path) { appPath_ = path; }
+  const std::string& appPath() const { return appPath_; }
+  // The per-user store of window places; the desktop's by default.
+  void setUserStore(UserStore* store);
+  // Files that start-up imports one after another in place of the file request.
+  void setStartupFiles(std::vector<std::string> files) { startupFiles_ = std::move(files); }
 
   // Loads the window when it is not loaded yet (Form_Load) and shows it without a modal loop.
   void showWindow();
@@ -43,10 +103,14 @@ public:
   // restores) and while the import dialog shows.
   void Form_QueryUnload(bool& Cancel, int16_t UnloadMode);
   void Form_Unload(bool& Cancel);
+  // Keeps the minimum size, takes the other windows along on minimising, lays out the view.
+  void Form_Resize();
   // Unloads the window, subject to Form_QueryUnload.
   void ShutDown();
   // Unloads the window without asking Form_QueryUnload: the component itself is going away.
   void unloadUnconditionally();
+  // The keys the window acts on so far: Escape ends a pointer tool.
+  void Form_KeyDown(int KeyCode, int Shift);
 
   // Executes one incoming command "addressee,verb[,...]".
   void AP_ExeCmd(const std::string& Cmd);
@@ -63,8 +127,42 @@ public:
   void ApplySystemSettings();
   // Selects function (of the menu file's function table) as the current one.
   void M_FSI_Click(int16_t function);
-  // Marks the view for drawing anew and asks for a paint.
+
+  // --- Redraw.
   void RedrawScreen();
+  void ViewPicture_Paint();
+  void RedrawScreenFocus(int32_t Xpos, int32_t Ypos);
+  // The message line: the "MSG" panel shows text and a blank.
+  void EditMsgLine(const std::string& text);
+  // Hourglass pointer and the busy picture.
+  void UpdateStatusBusy();
+  // Applies what a view operation asks the window to show again.
+  void applyViewChange(const ViewChange& change);
+
+  // --- Menu commands.
+  void M_FSIimport_Click();
+  void M_Scopy_Click();
+  void M_Exit_Click();
+  void M_Inches_Click();
+  void M_Mm_Click();
+  void M_TrueSize_Click();
+  void M_PadFrame_Click();
+  void M_PadPosition_Click();
+  void M_Mirror_Click();
+  void M_Mono_Click();
+  void M_Sbars_Click();
+  void M_GIESelCatView_Click();
+  void M_Help_Click();
+
+  // The file-open command after the file request: recognition, import, the unknown-file question.
+  void importChosenFile(const std::string& path);
+  // The host's files: each imported in turn with the layer choice of the command line, then the
+  // view fits them. The number of files imported.
+  int importFiles(const std::vector<std::string>& files);
+  // The modeless file request of the file-open command while it is open.
+  QFileDialog* fileRequest() const;
+  // The layer visibility window while it is open.
+  GBRVIEWER_GIESVC* layerVisibilityWindow() const;
 
   // Set by the pointer tools while a tool or a rubber figure runs.
   bool pointerToolActive() const { return pointerToolActive_; }
@@ -72,15 +170,40 @@ public:
   // Set by the import dialog while it is loaded and visible.
   bool importDialogVisible() const { return importDialogVisible_; }
   void setImportDialogVisible(bool visible) { importDialogVisible_ = visible; }
+  // Set while an import runs; the window is disabled then.
+  bool importRunning() const { return importRunning_; }
 
   // True while start-up has not yet got the view ready; unload then releases nothing.
   bool ExitAnyWay() const { return exitAnyWay_; }
   int16_t currentFunction() const { return currentFunction_; }
-  bool redrawPending() const { return redrawPending_; }
+  bool redrawPending() const { return redraw_->RedrawPending; }
   const std::string& languagePath() const { return languagePath_; }
   const std::string& sysName() const { return sysName_; }
+  const std::string& helpFile() const { return helpFile_; }
+  const std::string& viewerTitle() const { return viewerTitle_; }
+  const std::string& MessageLine() const { return redraw_->MessageLine; }
+  double MinWidth() const { return minWidth_; }
+  double MinHeight() const { return minHeight_; }
+  int32_t CPDcId() const { return cpDcId_; }
+  const FormatConstants& formatConstants() const { return constants_; }
+  const FunctionTable& functionTable() const { return functions_; }
 
-  QWidget* viewPicture() const { return viewPicture_; }
+  ViewState& view() { return *view_; }
+  ViewRedraw& redraw() { return *redraw_; }
+  LayerTables& layerTables() { return *tables_; }
+  ColourSlots& colourSlots() { return *colours_; }
+  ViewerSettings& settings() { return settings_; }
+
+  QWidget* viewPicture() const;
+  ViewPicture* viewPictureWidget() const { return viewPicture_; }
+  // A panel of the status bar by its key, or nullptr.
+  QWidget* statusPanel(const std::string& key) const;
+  // The picture key the busy panel shows.
+  const std::string& busyPicture() const { return busyPicture_; }
+  // A menu entry by its name (M_...), or nullptr.
+  QAction* menuEntry(const std::string& name) const;
+  // Saves the view's shadow picture as PNG; false when there is none or it cannot be written.
+  bool saveViewPicture(const std::string& path) const;
 
   // The host's text behind the class's SeverPath property.
   const std::string& severPath() const { return severPath_; }
@@ -92,28 +215,88 @@ signals:
 
 protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   // Runs the unload path once; false when it was refused.
   bool unloadWindow(int16_t unloadMode, bool mayRefuse);
-  // Interface font, control texts by their tags and the caption for the current language, at
-  // start-up and on "LZ".
+  // Interface font, control texts by their tags and the caption for the current language.
   void localizeWindow();
   void resetMembers();
+  void buildStatusBar();
+  void buildMenus();
+  void positionWindow();
+  void layoutView();
+  void setBusyPicture(const char* picture);
+  void syncMenuChecks();
+  void syncScrollBars();
+  void toggleDisplay(DisplayOption option);
+  void loadFormatConstants();
+  // The file-open command's window state: disabled while the import runs.
+  void setImportControlsEnabled(bool enabled);
+  // Makes layer number the current one: active, visible and on top.
+  void makeLayerCurrent(int32_t number);
+  // The layer a file of this kind takes when no dialog asks: the first free Gerber layer, the
+  // outline for DXF, 0 (the binding decides) for the others; -1 when no Gerber layer is free.
+  int32_t layerForKind(int32_t kind, const std::vector<bool>& taken) const;
+  // Imports one file without the dialog; the layer it went to, 0 when it failed.
+  int32_t importOne(const std::string& path, int32_t layer);
+  void askToDisplayFile(const std::string& path);
 
   ComponentContext context_;
-  QWidget* viewPicture_ = nullptr;
+  UserStore* userStore_ = nullptr;
+  std::unique_ptr<UserStore> ownUserStore_;
+  ViewPicture* viewPicture_ = nullptr;
+  QScrollBar* horizontalBar_ = nullptr;
+  QScrollBar* verticalBar_ = nullptr;
+  QLabel* busyPanel_ = nullptr;
+  QToolButton* escPanel_ = nullptr;
+  QLabel* messagePanel_ = nullptr;
+  QPointer<QFileDialog> fileRequest_;
+  QPointer<GBRVIEWER_GIESVC> layerVisibility_;
+  std::unique_ptr<HelpWindow> help_;
+
+  std::unique_ptr<ViewState> view_;
+  std::unique_ptr<LayerTables> tables_;
+  std::unique_ptr<ColourSlots> colours_;
+  std::unique_ptr<ViewRedraw> redraw_;
+  std::unique_ptr<ImportSession> import_;
+  ViewerSettings settings_;
+  FunctionTable functions_{};
+  FormatConstants constants_;
+  std::vector<std::string> startupFiles_;
 
   bool loaded_ = false;
   bool unloading_ = false;
   bool exitAnyWay_ = false;
-  bool redrawPending_ = false;
   bool pointerToolActive_ = false;
   bool importDialogVisible_ = false;
+  bool importRunning_ = false;
+  bool layersBuilt_ = false;
+  bool resizeStartup_ = false;
+  bool firstResize_ = false;
+  bool minimisingAll_ = false;
+  bool toolbarsLocked_ = false;
+  bool updatingBars_ = false;
   int16_t currentFunction_ = 0;
+  int32_t cpDcId_ = 0;
+  std::array<int32_t, 2> cursors_{};
+  double minWidth_ = 0;
+  double minHeight_ = 0;
+  int32_t measureMode_ = 0;
+  std::string busyPicture_;
+  std::string appPath_;
+  std::string sysDir_;
   std::string languagePath_;
   std::string sysName_;
+  std::string helpFile_;
+  std::string viewerTitle_;
+  std::string coordinateFormat_;
+  std::string apertureFile_;
   std::string severPath_;
+  std::vector<QPointer<QWidget>> minimisedWithMe_;
 };
 
 }  // namespace tvx

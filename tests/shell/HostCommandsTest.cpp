@@ -104,10 +104,11 @@ TEST_F(ComponentTest, UpdateReappliesSettingsAndSelectsFunctionOne) {
   window()->M_FSI_Click(7);
   ASSERT_EQ(window()->currentFunction(), 7);
 
+  const int32_t rebuildsBefore = window()->redraw().rebuilds();
   component->NotifyMe("TARVEX", "TVNGBRVIEWER,UP");
   EXPECT_EQ(services.DatabaseUnitsPerMm(), 100000);
   EXPECT_EQ(window()->currentFunction(), 1);
-  EXPECT_TRUE(window()->redrawPending());
+  EXPECT_GT(window()->redraw().rebuilds(), rebuildsBefore);
   // The window keeps its state and stays loaded.
   EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
   EXPECT_TRUE(window()->isLoaded());
@@ -130,8 +131,10 @@ TEST_F(ComponentTest, LanguageChangeReadsThePathBackFromTheKernel) {
   label->setProperty("Tag", "62999");
 
   // Until "LZ" the window keeps the path it had.
+  const std::string pathAtLoad = window()->languagePath();
+  ASSERT_NE(pathAtLoad, folder.path().toStdString());
   kernel.strings.E_SetString(LanguagePathString, folder.path().toStdString());
-  EXPECT_EQ(window()->languagePath(), "");
+  EXPECT_EQ(window()->languagePath(), pathAtLoad);
   component->NotifyMe("TARVEX", "All,LZ");
   EXPECT_EQ(window()->languagePath(), folder.path().toStdString());
   EXPECT_EQ(window()->windowTitle().toStdString(), "Betrachter");

@@ -1,0 +1,238 @@
+// The file-open command of the main window and the host's files, and the layer visibility window.
+#include "shell/GBRVIEWER_MAIN.h"
+
+#include "import/gerber/FileRecognition.h"
+#include "import/readers/RenderFiles.h"
+#include "import/readers/WindowlessImport.h"
+#include "kernel/Kernel.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+#include "platform/InterfaceFont.h"
+#include "store/GBRVIEWER_GIESVC.h"
+#include "store/LayerCatalogue.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace tvx {
+
+namespace {
+
+constexpr const char* ImportTitleId = "62184";
+constexpr const char* ImportTitle = "Select File for Import";
+constexpr int32_t StatusNotSupported = 93;
+constexpr const char* DisplayFileId = "151217";
+constexpr const char* DisplayFileText = "Display file?";
+constexpr const char* UnrecognisedId = "151218";
+constexpr const char* UnrecognisedText = "Unrecognized  format";
+constexpr int KeyEscape = 27;
+
+// The file request's filters: every file first, then the usual extensions of each kind.
+QStringList importFilters() {
+  return {"All import files(*.*) (*)",
+          "Gerber ASCII files (*.GBR) (*.GBR *.gbr)",
+          "Gerber ASCII files (*.GBL) (*.GBL *.gbl)",
+          "Gerber ASCII files (*.GTL) (*.GTL *.gtl)",
+          "Gerber ASCII files (*.TOP) (*.TOP *.top)",
+          "Gerber ASCII files (*.BOT) (*.BOT *.bot)",
+          "Excellon ASCII files (*.DRL) (*.DRL *.drl)",
+          "Excellon ASCII files (*.NCD) (*.NCD *.ncd)",
+          "HPGL ASCII files (*.PLT) (*.PLT *.plt)",
+          "HPGL ASCII files (*.HGL) (*.HGL *.hgl)",
+          "AutoCAD Drawing Interchange files (*.DXF) (*.DXF *.dxf)"};
+}
+
+bool layerIsEmpty(const Store& store, const LayerRecord& layer) {
+  return store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle)) +
+             store.OA_GetCount(store.S_SymbolItemArray(layer.SymbolHandle)) ==
+         0;
+}
+
+}  // namespace
+
+void GBRVIEWER_MAIN::M_FSIimport_Click() {
+  if (!import_)
+    return;
+  Form_KeyDown(KeyEscape, 0);
+  const std::string workDirectory = import_->state.Job.WorkDirectory;
+  import_->state.Job = ImportJob{};
+  import_->state.Job.WorkDirectory = workDirectory;
+  if (fileRequest_) {
+    fileRequest_->raise();
+    return;
+  }
+  // The request is modeless: start-up ends with it open and the answer arrives as a signal.
+  auto* request = new QFileDialog(this);
+  request->setObjectName("SetInpFileN");
+  request->setAttribute(Qt::WA_DeleteOnClose);
+  request->setWindowTitle(
+      QString::fromStdString(context_.services.LocalMessage(ImportTitle, ImportTitleId)));
+  request->setFileMode(QFileDialog::ExistingFile);
+  request->setAcceptMode(QFileDialog::AcceptOpen);
+  request->setOption(QFileDialog::ReadOnly, true);
+  request->setNameFilters(importFilters());
+  request->selectNameFilter(importFilters().front());
+  request->setDirectory(QString::fromStdString(settings_.ImpDir));
+  connect(request, &QFileDialog::fileSelected, this,
+          [this](const QString& file) { importChosenFile(file.toStdString()); });
+  connect(request, &QFileDialog::rejected, this, [this] { M_FSI_Click(1); });
+  fileRequest_ = request;
+  request->open();
+}
+
+void GBRVIEWER_MAIN::setImportControlsEnabled(bool enabled) {
+  menuBar()->setEnabled(enabled);
+  centralWidget()->setEnabled(enabled);
+  setEnabled(enabled);
+}
+
+void GBRVIEWER_MAIN::makeLayerCurrent(int32_t number) {
+  LayerTables& tables = *tables_;
+  for (LayerRecord& layer : tables.Layers)
+    layer.Active = false;
+  tables.CurrentLayer = number;
+  tables.layer(number).Active = true;
+  for (LayerOrderRow& row : tables.LayerOrder)
+    if (row.LayerNumber == number) {
+      row.Visible = true;
+      std::swap(row, tables.orderRow(1));
+      break;
+    }
+}
+
+int32_t GBRVIEWER_MAIN::layerForKind(int32_t kind, const std::vector<bool>& taken) const {
+  const auto k = static_cast<ImportKind>(kind);
+  if (isGerberKind(k)) {
+    for (const int32_t number : gerberLayerOrder())
+      if (!taken[size_t(number)] && layerIsEmpty(context_.kernel.store, tables_->layer(number)))
+        return number;
+    return -1;
+  }
+  if (k == ImportKind::Dxf)
+    return BoardOutlineLayer;
+  return 0;
+}
+
+int32_t GBRVIEWER_MAIN::importOne(const std::string& path, int32_t layer) {
+  ImportOwners owners = import_->owners(tables_->Layers);
+  WindowlessImportOptions options;
+  options.layer = layer;
+  options.noCenter = settings_.NoCenter;
+  options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+  const WindowlessImportResult result = ImportWithoutWindow(owners, path, options);
+  return result.status == 0 ? result.layer : 0;
+}
+
+void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path) {
+  import_->reporter.ReportStatus(StatusNotSupported, path);
+  const SystemServices& services = context_.services;
+  if (context_.services.AskYesNo(services.LocalMessage(DisplayFileText, DisplayFileId),
+                                 services.LocalMessage(UnrecognisedText, UnrecognisedId)))
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
+  import_->state.Job.SourcePath.clear();
+}
+
+void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
+  if (!import_ || importRunning_)
+    return;
+  ImportJob& job = import_->state.Job;
+  job.SourcePath = path;
+  const std::string folder = QFileInfo(QString::fromStdString(path)).absolutePath().toStdString();
+  int32_t status = 0;
+  writeImpDir(status, context_.services, folder);
+  settings_.ImpDir = folder;
+
+  setImportControlsEnabled(false);
+  setCursor(Qt::WaitCursor);
+  ImportKind kind;
+  {
+    FileRecogniser recogniser(import_->files, context_.services);
+    recogniser.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+    kind = recogniser.RecogniseFile(path);
+  }
+  unsetCursor();
+  const bool displayFile = kind == ImportKind::Unknown;
+  if (!displayFile) {
+    // The import dialog is not built yet. Until it is, every kind goes through the windowless
+    // import at once: Excellon into the drill layer, Gerber into the first free layer of the
+    // Gerber order, DXF into the outline. So there is no dialog to wait for here.
+    importRunning_ = true;
+    std::vector<bool> taken(size_t(LayerCount) + 1, false);
+    const int32_t layer = layerForKind(int32_t(kind), taken);
+    const int32_t imported = layer >= 0 ? importOne(path, layer) : 0;
+    importRunning_ = false;
+    if (imported != 0) {
+      makeLayerCurrent(imported);
+      view_->ZoomModeFlag = zoommode::Board;
+      applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
+    }
+  }
+  setImportControlsEnabled(true);
+  syncMenuChecks();
+  currentFunction_ = 0;
+  M_FSI_Click(1);
+  if (displayFile)
+    askToDisplayFile(path);
+}
+
+int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
+  if (!import_)
+    return 0;
+  std::vector<bool> taken(size_t(LayerCount) + 1, false);
+  int imported = 0;
+  setImportControlsEnabled(false);
+  importRunning_ = true;
+  for (const std::string& path : files) {
+    ImportKind kind;
+    {
+      FileRecogniser recogniser(import_->files, context_.services);
+      kind = recogniser.RecogniseFile(path);
+    }
+    if (kind == ImportKind::Unknown) {
+      import_->reporter.ReportStatus(StatusNotSupported, path);
+      continue;
+    }
+    const int32_t layer = layerForKind(int32_t(kind), taken);
+    const int32_t number = layer >= 0 ? importOne(path, layer) : 0;
+    if (number == 0)
+      continue;
+    taken[size_t(number)] = true;
+    makeLayerCurrent(number);
+    ++imported;
+  }
+  importRunning_ = false;
+  setImportControlsEnabled(true);
+  M_FSI_Click(1);
+  view_->ZoomModeFlag = zoommode::Board;
+  applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
+  return imported;
+}
+
+QFileDialog* GBRVIEWER_MAIN::fileRequest() const { return fileRequest_; }
+
+void GBRVIEWER_MAIN::M_GIESelCatView_Click() {
+  // Shown without a modal loop; the picture follows every change of the rows.
+  if (layerVisibility_) {
+    layerVisibility_->FormFill();
+    layerVisibility_->show();
+    layerVisibility_->raise();
+    return;
+  }
+  auto* dialog = new GBRVIEWER_GIESVC(*tables_, context_.kernel.store, context_.services,
+                                      [this] { RedrawScreen(); }, this, userStore_,
+                                      SelectInterfaceFont());
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  // OK and Cancel leave the redraw to the main window.
+  connect(dialog, &QDialog::finished, this, [this] { RedrawScreen(); });
+  layerVisibility_ = dialog;
+  dialog->show();
+}
+
+GBRVIEWER_GIESVC* GBRVIEWER_MAIN::layerVisibilityWindow() const { return layerVisibility_; }
+
+}  // namespace tvx

@@ -1,0 +1,251 @@
+// The main window's start-up effects, its positioning, the unload's writing, the file-open command
+// and the menu's display options.
+#include "ComponentTestSupport.h"
+
+#include "platform/UserStore.h"
+#include "shell/HostCommands.h"
+#include "store/LayerCatalogue.h"
+#include "viewer/ViewPicture.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QScreen>
+#include <QTextBrowser>
+#include <QTemporaryDir>
+#include <QToolButton>
+#include <QUrl>
+
+namespace tvx::test {
+
+namespace {
+
+constexpr const char* Drill = "M48\r\nINCH,TZ\r\nT1C0.04\r\n%\r\nT1\r\nX1000Y1000\r\nX5000Y1000\r\n"
+                              "X3000Y4000\r\nM30\r\n";
+
+class MainWindowTest : public ComponentTest {
+protected:
+  void SetUp() override {
+    ComponentTest::SetUp();
+    ASSERT_TRUE(folder.isValid());
+    ini = folder.filePath("tarvex.ini").toStdString();
+    kernel.strings.E_SetString(IniFileString, ini);
+    window()->setUserStore(&places);
+  }
+
+  std::string write(const char* name, const std::string& text) {
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text.data(), qint64(text.size()));
+    return file.fileName().toStdString();
+  }
+  int32_t drillEntries() {
+    return kernel.store.OA_GetCount(
+        kernel.store.S_SymbolEntryArray(window()->layerTables().layer(DrillLayer).SymbolHandle));
+  }
+  std::string place(const std::string& key) {
+    return places.GetSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN" + key, "");
+  }
+
+  QTemporaryDir folder;
+  std::string ini;
+  MemoryUserStore places;
+};
+
+TEST_F(MainWindowTest, StartUpEndsIdleWithTheFileRequestOpen) {
+  write("tarvex.ini", "[GBRVIEWER]\nUNIT=1\nVIEW=1,0,0,1,1,1,0\n");
+  load();
+  GBRVIEWER_MAIN& w = *window();
+  EXPECT_FALSE(w.ExitAnyWay());
+  EXPECT_NE(w.CPDcId(), 0);
+  EXPECT_EQ(w.busyPicture(), IdlePicture);
+  EXPECT_TRUE(w.viewPicture()->isEnabled());
+  EXPECT_EQ(w.languagePath(), kernelString(LanguagePathString));
+  EXPECT_EQ(w.viewerTitle(), "Fabrication Graphics Viewer");
+  EXPECT_EQ(w.MinWidth(), 640);
+  EXPECT_NEAR(w.formatConstants().DegreeFactor * 180.0, w.formatConstants().Pi, 1e-12);
+
+  // The three keyed panels.
+  auto* esc = qobject_cast<QToolButton*>(w.statusPanel(EscPanel));
+  ASSERT_NE(esc, nullptr);
+  EXPECT_EQ(esc->text().toStdString(), "Esc");
+  EXPECT_EQ(esc->toolTip().toStdString(), "Click to cancel current operation");
+  ASSERT_NE(w.statusPanel(BusyPanel), nullptr);
+  ASSERT_NE(w.statusPanel(MessagePanel), nullptr);
+
+  // The viewer's settings reached the view and its menu entries; mono never starts on.
+  EXPECT_EQ(w.view().DisplayUnit, 1);
+  EXPECT_TRUE(w.menuEntry("M_Mm")->isChecked());
+  EXPECT_FALSE(w.menuEntry("M_Inches")->isChecked());
+  EXPECT_FALSE(w.menuEntry("M_TrueSize")->isChecked());
+  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
+  EXPECT_FALSE(w.menuEntry("M_Mono")->isChecked());
+  EXPECT_TRUE(w.menuEntry("M_Sbars")->isChecked());
+  EXPECT_GE(w.redraw().rebuilds(), 1);
+
+  // The first thing the user sees is the request for a file.
+  ASSERT_NE(w.fileRequest(), nullptr);
+  EXPECT_TRUE(w.fileRequest()->isVisible());
+  EXPECT_EQ(w.fileRequest()->windowTitle().toStdString(), "Select File for Import");
+  EXPECT_EQ(w.fileRequest()->nameFilters().size(), 11);
+}
+
+TEST_F(MainWindowTest, AMissingMenuFileEndsStartUp) {
+  QTemporaryDir empty;
+  window()->setAppPath(empty.path().toStdString());
+  int16_t mode = windowstate::Normal;
+  EXPECT_EQ(component->Load(mode), 0);
+  EXPECT_FALSE(window()->isVisible());
+  EXPECT_FALSE(window()->isLoaded());
+  EXPECT_EQ(sent, shutdownOnly());
+  // Nothing was released or written: the start-up had not got that far.
+  EXPECT_EQ(kernelString(ComponentName), "");
+  EXPECT_TRUE(places.values.empty());
+  EXPECT_FALSE(QFile::exists(QString::fromStdString(ini)));
+}
+
+TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
+  const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+  {
+    SCOPED_TRACE("nothing saved: the whole work area");
+    load();
+    const QRect got = window()->geometry();
+    EXPECT_LE(std::abs(got.width() - area.width()), 4);
+    EXPECT_LE(std::abs(got.height() - area.height()), 4);
+    EXPECT_LE(std::abs(got.left() - area.left()), 4);
+    component->NotifyMe("TARVEX", "All,EX");
+  }
+  // The unload saved the place in twips.
+  EXPECT_EQ(place("_WIDTH"), std::to_string(window()->width() * 15));
+  {
+    SCOPED_TRACE("a saved left beyond the work area comes back on it");
+    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_LEFT",
+                       std::to_string(area.width() * 15 * 3));
+    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_TOP", "150");
+    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_WIDTH", "10500");
+    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_HEIGHT", "9000");
+    load();
+    EXPECT_LT(window()->x(), area.width());
+    EXPECT_EQ(window()->y(), 10);
+    EXPECT_EQ(window()->width(), 700);
+    EXPECT_EQ(window()->height(), 600);
+  }
+}
+
+TEST_F(MainWindowTest, TheWindowCannotBeMadeSmallerThanAtLoad) {
+  load();
+  window()->resize(200, 150);
+  EXPECT_GE(window()->width(), int(window()->MinWidth()));
+  EXPECT_GE(window()->height(), int(window()->MinHeight()));
+}
+
+TEST_F(MainWindowTest, UnloadWritesTheViewersSettings) {
+  load();
+  window()->M_Mm_Click();
+  window()->M_Mirror_Click();
+  window()->M_Mono_Click();
+  component->NotifyMe("TARVEX", "All,EX");
+  ASSERT_EQ(sent, shutdownOnly());
+  SystemServices reader;
+  reader.SetIniFile(ini);
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "UNIT", ""), "1");
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "VIEW", ""), "1,1,1,1,1,0,1");
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "GRID", ""), "1");
+  EXPECT_EQ(window()->CPDcId(), 0);
+}
+
+TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecks) {
+  load();
+  GBRVIEWER_MAIN& w = *window();
+  const int32_t rebuilds = w.redraw().rebuilds();
+  w.menuEntry("M_Mirror")->trigger();
+  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
+  EXPECT_EQ(w.view().ViewFlags & viewflag::Mirror, viewflag::Mirror);
+  w.menuEntry("M_Mono")->trigger();
+  EXPECT_TRUE(w.menuEntry("M_Mono")->isChecked());
+  EXPECT_TRUE(w.layerTables().orderRow(1).Mono);
+  w.menuEntry("M_Mono")->trigger();
+  EXPECT_FALSE(w.menuEntry("M_Mono")->isChecked());
+  EXPECT_FALSE(w.layerTables().orderRow(1).Mono);
+  EXPECT_EQ(w.redraw().rebuilds(), rebuilds + 3);
+
+  // "UP" applies the settings again and gives back the remembered flags; the view keeps its
+  // place.
+  w.view().m_Precision = 4321;
+  w.view().ViewCenterX = 1270000;
+  component->NotifyMe("TARVEX", "All,UP");
+  EXPECT_EQ(w.view().m_Precision, 4321);
+  EXPECT_EQ(w.view().ViewCenterX, 1270000);
+  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
+}
+
+TEST_F(MainWindowTest, TheEscPanelCancelsAPointerTool) {
+  load();
+  window()->setPointerToolActive(true);
+  qobject_cast<QToolButton*>(window()->statusPanel(EscPanel))->click();
+  EXPECT_FALSE(window()->pointerToolActive());
+}
+
+TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
+  const std::string path = write("board.drl", Drill);
+  load();
+  QFileDialog* request = window()->fileRequest();
+  ASSERT_NE(request, nullptr);
+  const int32_t precision = window()->view().m_Precision;
+  request->selectFile(QString::fromStdString(path));
+  QMetaObject::invokeMethod(request, "accept");
+
+  EXPECT_EQ(drillEntries(), 3);
+  EXPECT_TRUE(prompts.shown.empty());
+  EXPECT_TRUE(window()->isEnabled());
+  EXPECT_EQ(window()->layerTables().CurrentLayer, DrillLayer);
+  EXPECT_EQ(window()->layerTables().orderRow(1).LayerNumber, DrillLayer);
+  EXPECT_TRUE(window()->layerTables().layer(DrillLayer).Active);
+  EXPECT_NE(window()->view().m_Precision, precision);
+  EXPECT_EQ(window()->settings().ImpDir, folder.path().toStdString());
+  EXPECT_EQ(window()->currentFunction(), 1);
+}
+
+TEST_F(MainWindowTest, AnUnknownFileIsReportedAndMayBeOpenedAsText) {
+  const std::string path = write("notes.txt", "just some words\n");
+  // What the desktop's handler would open lands in this browser instead.
+  QTextBrowser opened;
+  QDesktopServices::setUrlHandler("file", &opened, "setSource");
+  load();
+  prompts.answers = {answer::Ok, answer::No};
+  window()->importChosenFile(path);
+  ASSERT_EQ(prompts.shown.size(), 2u);
+  EXPECT_NE(prompts.shown[0].prompt.find(path), std::string::npos);
+  EXPECT_EQ(prompts.shown[1].prompt, "Display file?");
+  EXPECT_EQ(prompts.shown[1].title, "Unrecognized  format");
+  EXPECT_TRUE(opened.source().isEmpty());
+
+  prompts.answers = {answer::Ok, answer::Yes};
+  window()->importChosenFile(path);
+  EXPECT_EQ(opened.source().toLocalFile().toStdString(), path);
+  EXPECT_EQ(drillEntries(), 0);
+  EXPECT_TRUE(window()->isEnabled());
+  QDesktopServices::unsetUrlHandler("file");
+}
+
+TEST_F(MainWindowTest, HostFilesAreImportedInPlaceOfTheRequest) {
+  const std::string path = write("board.drl", Drill);
+  window()->setStartupFiles({path, folder.filePath("missing.drl").toStdString()});
+  load();
+  EXPECT_EQ(window()->fileRequest(), nullptr);
+  EXPECT_EQ(drillEntries(), 3);
+  // The missing file was reported, and the good one still shows.
+  ASSERT_FALSE(prompts.shown.empty());
+  EXPECT_NE(prompts.shown.back().prompt.find("missing.drl"), std::string::npos);
+  const FrameRect seen = window()->view().ViewRect;
+  EXPECT_LE(seen.MinX, 254000);
+  EXPECT_GE(seen.MaxX, 1270000);
+  EXPECT_LE(seen.MinY, 254000);
+  EXPECT_GE(seen.MaxY, 1016000);
+}
+
+}  // namespace
+}  // namespace tvx::test

@@ -1,0 +1,292 @@
+// The paint with its guards, the rebuild's draw order, the mono background slots, the raster's
+// adjustment, the highlights and the display options.
+#include "support/WidgetTestApplication.h"
+
+#include "kernel/Kernel.h"
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+#include "store/ColourSlots.h"
+#include "store/LayerCatalogue.h"
+#include "store/Layers.h"
+#include "viewer/Redraw.h"
+#include "viewer/ViewState.h"
+
+#include <QImage>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tvx::test {
+namespace {
+
+constexpr int Width = 120;
+constexpr int Height = 90;
+constexpr int32_t Precision = 10000;  // 0.1 mm a pixel: the picture is 12 by 9 mm
+
+class RedrawTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    target.resize(Width, Height);
+    // The colour slots of the default categories, as start-up reads them.
+    CategoryTable categories;
+    readCategoryGroup(services, kernel.strings, CategoryGroup::Layout, categories);
+    colours.build(kernel.strings);
+    BuildLayerTables(kernel.store, services, colours, false, tables);
+    view.setDevice(kernel.graphics.G_GetDC(&target));
+    view.setPictureSize(Width, Height);
+    view.m_Precision = Precision;
+    redraw.applyMono();
+    redraw.hooks.showBusy = [this](bool busy) { busyShown.push_back(busy); };
+    redraw.hooks.messagePanel = [this](const std::string& text) { panel = text; };
+  }
+
+  // A filled circle of radius r (store units) at (x, y) in layer number.
+  ObjectHandle addDisc(int32_t number, int32_t x, int32_t y, int32_t r, int32_t link = 0) {
+    ItemRecord disc;
+    disc.Type = ItemCircle;
+    disc.Attributes = attr::Shown;
+    disc.X = x;
+    disc.Y = y;
+    disc.Width = r;
+    disc.Style = StyleFilled;
+    disc.Colour = uint8_t(tables.layer(number).ColourNumber);
+    const ObjectHandle item = kernel.store.I_MakeItem(disc);
+    kernel.store.I_ChangeItemLink(item, link);
+    kernel.store.OA_Add(kernel.store.S_SymbolItemArray(tables.layer(number).SymbolHandle), item);
+    return item;
+  }
+
+  // The shown colour at a world point (view centred on 0,0, Y up).
+  QRgb pixelAt(int32_t x, int32_t y) const {
+    const QImage* image = kernel.graphics.shadowImage(view.device());
+    return image->pixel(Width / 2 + x / Precision, Height / 2 - y / Precision);
+  }
+  QRgb paletteColour(int32_t number) const {
+    const int32_t rgb = colours.rgbOf(number);
+    return qRgb(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF);
+  }
+  QRgb backgroundColour() const {
+    return paletteColour(colours[colourslot::Background].ColourNumber);
+  }
+
+  // The application comes before the first widget.
+  QApplication& application = widgetTestApplication();
+  Kernel kernel;
+  ScriptedPrompts prompts;
+  SystemServices services{&prompts};
+  QWidget target;
+  ColourSlots colours;
+  LayerTables tables;
+  ViewState view{kernel.graphics, services};
+  ViewRedraw redraw{kernel, services, prompts, view, tables, colours};
+  std::vector<bool> busyShown;
+  std::string panel;
+};
+
+TEST_F(RedrawTest, GuardsKeepAPaintFromRebuilding) {
+  redraw.RedrawPending = true;
+  {
+    SCOPED_TRACE("a paint while a paint runs returns at once, leaving the busy picture alone");
+    redraw.PaintBusy = true;
+    redraw.ViewPicture_Paint();
+    EXPECT_EQ(redraw.rebuilds(), 0);
+    EXPECT_TRUE(busyShown.empty());
+    EXPECT_TRUE(redraw.PaintBusy);
+    redraw.PaintBusy = false;
+  }
+  {
+    SCOPED_TRACE("a paint during a resize's layout clears the flag and does nothing");
+    redraw.ResizeBusy = true;
+    redraw.ViewPicture_Paint();
+    EXPECT_FALSE(redraw.ResizeBusy);
+    EXPECT_FALSE(redraw.PaintBusy);
+    EXPECT_TRUE(redraw.RedrawPending);
+    EXPECT_EQ(redraw.rebuilds(), 0);
+  }
+  {
+    SCOPED_TRACE("a paint while a rebuild runs does nothing and leaves the flag");
+    redraw.RedrawBusy = true;
+    redraw.ViewPicture_Paint();
+    EXPECT_TRUE(redraw.RedrawBusy);
+    EXPECT_FALSE(redraw.PaintBusy);
+    EXPECT_TRUE(redraw.RedrawPending);
+    EXPECT_EQ(redraw.rebuilds(), 0);
+    redraw.RedrawBusy = false;
+  }
+  busyShown.clear();
+  redraw.ResizePending = true;
+  redraw.ViewPicture_Paint();
+  EXPECT_EQ(redraw.rebuilds(), 1);
+  EXPECT_FALSE(redraw.RedrawPending);
+  EXPECT_FALSE(redraw.ResizePending);
+  EXPECT_FALSE(redraw.PaintBusy);
+  EXPECT_EQ(busyShown, (std::vector<bool>{true, false}));
+}
+
+TEST_F(RedrawTest, APlainRepaintOnlyShowsTheOldPicture) {
+  redraw.RedrawScreen();
+  EXPECT_EQ(redraw.rebuilds(), 1);
+  EXPECT_EQ(pixelAt(0, 0), backgroundColour());
+
+  // New contents reach the picture only through a rebuild.
+  addDisc(3, 0, 0, 200000);
+  redraw.ViewPicture_Paint();
+  EXPECT_EQ(redraw.rebuilds(), 1);
+  EXPECT_EQ(pixelAt(0, 0), backgroundColour());
+  redraw.RedrawScreen();
+  EXPECT_EQ(redraw.rebuilds(), 2);
+  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(3).ColourNumber));
+}
+
+TEST_F(RedrawTest, RowOneLiesOnTopAndHiddenRowsAreNotDrawn) {
+  addDisc(3, 0, 0, 200000);
+  addDisc(4, 0, 0, 200000);
+  ASSERT_NE(tables.layer(3).ColourNumber, tables.layer(4).ColourNumber);
+  auto rowOf = [this](int32_t number) {
+    for (int32_t row = 1; row <= LayerCount; ++row)
+      if (tables.orderRow(row).LayerNumber == number)
+        return row;
+    return 0;
+  };
+  std::swap(tables.orderRow(1), tables.orderRow(rowOf(4)));
+  redraw.RedrawScreen();
+  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(4).ColourNumber));
+
+  std::swap(tables.orderRow(1), tables.orderRow(rowOf(3)));
+  redraw.RedrawScreen();
+  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(3).ColourNumber));
+
+  tables.orderRow(rowOf(3)).Visible = false;
+  tables.orderRow(rowOf(4)).Visible = false;
+  redraw.RedrawScreen();
+  EXPECT_EQ(pixelAt(0, 0), backgroundColour());
+}
+
+TEST_F(RedrawTest, MonoSetsTheBackgroundSlotsOnlyForThePass) {
+  const uint8_t* table = kernel.strings.E_SysTable(1);
+  const int32_t ownDot = colours[colourslot::GridDot].ColourNumber;
+  const int32_t ownBackground = colours[colourslot::Background].ColourNumber;
+  ASSERT_NE(ownBackground, MonoBackgroundColour);
+  std::vector<std::pair<int, int>> duringPass;
+  redraw.hooks.drawReferencePoint = [&](int32_t) {
+    duringPass.emplace_back(table[colourslot::GridDot], table[colourslot::Background]);
+  };
+  addDisc(3, 0, 0, 200000);
+
+  redraw.RedrawScreen();
+  redraw.toggle(DisplayOption::Mono);
+  ASSERT_EQ(duringPass.size(), 2u);
+  EXPECT_EQ(duringPass[0], std::make_pair(ownDot, ownBackground));
+  EXPECT_EQ(duringPass[1], std::make_pair(int(MonoGridDotColour), int(MonoBackgroundColour)));
+  EXPECT_EQ(table[colourslot::GridDot], ownDot);
+  EXPECT_EQ(table[colourslot::Background], ownBackground);
+  // Paper-like: the background is the mono background, the layer in the mono colour.
+  EXPECT_EQ(pixelAt(-500000, 400000), paletteColour(MonoBackgroundColour));
+  EXPECT_EQ(pixelAt(0, 0), paletteColour(redraw.MonoColour));
+  for (const LayerOrderRow& row : tables.LayerOrder)
+    EXPECT_TRUE(row.Mono);
+  EXPECT_EQ(redraw.HighlightColour, MonoHighlightColour);
+}
+
+TEST_F(RedrawTest, ARasterTooFineIsAdjustedWithMessageAndBeep) {
+  std::vector<int32_t> shownSteps;
+  redraw.hooks.showRasterStep = [&](int32_t step) { shownSteps.push_back(step); };
+  redraw.GridOn = true;
+  redraw.RasterStep = 100000;  // 10 pixels apart: drawn as asked
+  redraw.RedrawScreen();
+  EXPECT_EQ(prompts.beeps, 0);
+  EXPECT_EQ(redraw.MessageLine, "");
+  ASSERT_EQ(shownSteps.size(), 1u);
+  EXPECT_EQ(shownSteps[0], 100000);
+
+  redraw.RasterStep = 10000;  // one pixel apart: too fine
+  redraw.RedrawScreen();
+  EXPECT_EQ(prompts.beeps, 1);
+  EXPECT_EQ(redraw.MessageLine,
+            "Selected raster cannot be displayed in current precision. Raster interval adjusted");
+  EXPECT_EQ(panel, redraw.MessageLine + " ");
+  ASSERT_EQ(shownSteps.size(), 2u);
+  EXPECT_GT(shownSteps[1], 10000);
+  EXPECT_GE(shownSteps[1] / Precision, Graphics::MinimumGridPixels);
+
+  redraw.GridOn = false;
+  redraw.RedrawScreen();
+  EXPECT_EQ(shownSteps.size(), 2u);
+}
+
+TEST_F(RedrawTest, ApertureHighlightRecoloursItsItemsAndTellsWhatItIs) {
+  tables.CurrentLayer = 3;
+  const ObjectHandle marked = addDisc(3, -300000, 0, 100000, 10);
+  addDisc(3, 300000, 0, 100000, 11);
+  const QRgb layerColour = paletteColour(tables.layer(3).ColourNumber);
+  const QRgb highlight = paletteColour(colours[colourslot::Highlight].ColourNumber);
+  ASSERT_NE(layerColour, highlight);
+
+  redraw.EditMsgLine("left by a tool");
+  redraw.RedrawScreen();
+  EXPECT_EQ(redraw.MessageLine, "left by a tool");
+  EXPECT_EQ(pixelAt(-300000, 0), layerColour);
+
+  redraw.HLDCode = 10;
+  redraw.HLDCodeText = "D10 round 2 mm";
+  redraw.RedrawScreen();
+  EXPECT_EQ(pixelAt(-300000, 0), highlight);
+  EXPECT_EQ(pixelAt(300000, 0), layerColour);
+  EXPECT_EQ(redraw.MessageLine, "D10 round 2 mm");
+  // The item keeps its own colour in the store.
+  EXPECT_EQ(kernel.store.itemFields(marked)->Colour, tables.layer(3).ColourNumber);
+}
+
+TEST_F(RedrawTest, DisplayOptionsToggleTheirFlagsAndAreRemembered) {
+  const int32_t start = view.ViewFlags;
+  struct Case {
+    DisplayOption option;
+    int32_t bit;
+    bool checkedWhenSet;
+  };
+  for (const Case& c : {Case{DisplayOption::TrueSize, viewflag::Outline, false},
+                        Case{DisplayOption::PadFrame, viewflag::PadFrames, true},
+                        Case{DisplayOption::Mirror, viewflag::Mirror, true}}) {
+    SCOPED_TRACE(c.bit);
+    const bool before = redraw.isChecked(c.option);
+    const int32_t rebuilds = redraw.rebuilds();
+    redraw.toggle(c.option);
+    EXPECT_EQ((view.ViewFlags ^ start) & c.bit, c.bit);
+    EXPECT_EQ(redraw.isChecked(c.option), ((view.ViewFlags & c.bit) != 0) == c.checkedWhenSet);
+    EXPECT_NE(redraw.isChecked(c.option), before);
+    EXPECT_EQ(redraw.RememberedViewFlags, view.ViewFlags);
+    EXPECT_EQ(redraw.rebuilds(), rebuilds + 1);
+  }
+  // Pad positions are not remembered.
+  const int32_t remembered = redraw.RememberedViewFlags;
+  view.PadPositions = 0;
+  redraw.RememberedViewFlags = 0;
+  redraw.toggle(DisplayOption::PadPosition);
+  EXPECT_EQ(view.PadPositions, 1);
+  EXPECT_TRUE(redraw.isChecked(DisplayOption::PadPosition));
+  EXPECT_EQ(redraw.RememberedViewFlags, 0);
+  EXPECT_NE(remembered, 0);
+}
+
+TEST_F(RedrawTest, FocusCentresOnThePointAndMarksIt) {
+  redraw.RedrawScreen();
+  const int32_t before = redraw.rebuilds();
+  redraw.RedrawScreenFocus(500000, -200000);
+  EXPECT_EQ(view.ViewCenterX, 500000);
+  EXPECT_EQ(view.ViewCenterY, 200000);
+  EXPECT_EQ(redraw.rebuilds(), before + 1);
+  // The mark lies at the picture's centre, where the background was.
+  ASSERT_NE(paletteColour(colours[colourslot::Highlight].ColourNumber), backgroundColour());
+  const QImage* image = kernel.graphics.shadowImage(view.device());
+  bool marked = false;
+  for (int dx = -3; dx <= 3; ++dx)
+    marked |= image->pixel(Width / 2 + dx, Height / 2) != backgroundColour();
+  EXPECT_TRUE(marked);
+}
+
+}  // namespace
+}  // namespace tvx::test
