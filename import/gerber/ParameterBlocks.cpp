@@ -4,6 +4,7 @@
 #include "common/TextHelpers.h"
 #include "common/ToNumber.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace tvx {
@@ -150,9 +151,9 @@ void ParameterInterpreter::stepAndRepeat(std::string_view argument) {
   }
   const LetterValues values = letterValuesOf(argument);
   if (!values.X.empty())
-    Step.StepX = ToNumber(values.X);
+    Step.StepX = std::min(ToNumber(values.X), MostRepeatsPerAxis);
   if (!values.Y.empty())
-    Step.StepY = ToNumber(values.Y);
+    Step.StepY = std::min(ToNumber(values.Y), MostRepeatsPerAxis);
   if (!values.I.empty())
     Step.StepI = scale().length(ToNumber(values.I));
   if (!values.J.empty())

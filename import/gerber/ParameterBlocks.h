@@ -23,8 +23,12 @@ enum ParameterResult : int32_t {
   WriteLayerPolarity = -3,
 };
 
+// The most repeats a step and repeat makes along one axis. Real panels stay far below it; a
+// corrupt count would otherwise make the drawing pass loop for hours.
+inline constexpr double MostRepeatsPerAxis = 1000.0;
+
 struct StepRepeat {
-  double StepX = 1.0;  // repeat counts
+  double StepX = 1.0;  // repeat counts, at most MostRepeatsPerAxis
   double StepY = 1.0;
   double StepI = 0;  // repeat distances, store units
   double StepJ = 0;

@@ -147,6 +147,10 @@ TEST(ParameterBlocks, StepAndRepeatAndItsReset) {
   EXPECT_EQ(b.interpreter.Step, (StepRepeat{4, 3, 2540000, 5080000})) << "absent letters stay";
   EXPECT_EQ(b.block({"SR"}), WriteStepRepeat);
   EXPECT_EQ(b.interpreter.Step, StepRepeat{});
+  // A corrupt count is held to the most repeats per axis; the edge itself is kept.
+  EXPECT_EQ(b.block({"SRX1000Y99999999I1J1"}), WriteStepRepeat);
+  EXPECT_EQ(b.interpreter.Step.StepX, 1000.0);
+  EXPECT_EQ(b.interpreter.Step.StepY, MostRepeatsPerAxis);
 }
 
 TEST(ParameterBlocks, ScaleOffsetAndPolarities) {
