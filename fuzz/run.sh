@@ -17,17 +17,18 @@ cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="$flags" \
   -DTVX_BUILD_FUZZERS=ON -DTVX_BUILD_TESTS=OFF -DTVX_BUILD_BENCHMARKS=OFF >/dev/null
 
-targets=(fuzz_gerber_pass fuzz_macro_expansion)
+targets=(fuzz_gerber_pass fuzz_macro_expansion fuzz_gerber_import)
 cmake --build "$build" -j "$jobs" --target "${targets[@]}"
 
 # Seeds: the Gerber files of the corpus for the pass; for the macro target, the modifiers and the
 # lines of every macro found in them.
 seeds="$build/seeds"
 rm -rf "$seeds"
-mkdir -p "$seeds/fuzz_gerber_pass" "$seeds/fuzz_macro_expansion"
+mkdir -p "$seeds/fuzz_gerber_pass" "$seeds/fuzz_macro_expansion" "$seeds/fuzz_gerber_import"
 if [ -f "$corpus/MANIFEST.tsv" ]; then
   awk -F'\t' 'NR > 1 && $2 ~ /^gerber/ { print $1 }' "$corpus/MANIFEST.tsv" | while read -r file; do
     cp "$corpus/$file" "$seeds/fuzz_gerber_pass/$(echo "$file" | tr '/' '_')"
+    cp "$corpus/$file" "$seeds/fuzz_gerber_import/$(echo "$file" | tr '/' '_')"
   done
   n=0
   for file in "$seeds"/fuzz_gerber_pass/*; do
@@ -41,6 +42,7 @@ if [ -f "$corpus/MANIFEST.tsv" ]; then
 else
   echo "no corpus at $corpus: the targets start without seeds" >&2
   printf '%%ADD10C,0.01*%%D10*X0Y0D03*M02*' > "$seeds/fuzz_gerber_pass/minimal"
+  cp "$seeds/fuzz_gerber_pass/minimal" "$seeds/fuzz_gerber_import/minimal"
   printf '0.5\n1,1,$1,0,0*' > "$seeds/fuzz_macro_expansion/minimal"
 fi
 

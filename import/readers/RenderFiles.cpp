@@ -17,6 +17,7 @@
 #include <QPageSize>
 #include <QPdfWriter>
 #include <QSvgGenerator>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
@@ -246,6 +247,11 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   BuildLayerTables(kernel->store, services, colours, false, *tables);
   ImportSession session(kernel->store, services, prompts);
   session.titles.programTitle = "gbrview";
+  // A work folder of this run's own for the intermediate file, so that renders running side by
+  // side never share one; removed with everything in it at the end.
+  QTemporaryDir workFolder;
+  if (workFolder.isValid())
+    session.state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
   ImportOwners owners = session.owners(tables->Layers);
 
   std::array<bool, LayerCount + 1> taken{};
