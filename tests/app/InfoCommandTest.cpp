@@ -19,23 +19,7 @@ test::ProcessRun info(const QStringList& arguments) {
   return test::runGbrview(QStringList{"info"} + arguments);
 }
 
-class InfoCommandTest : public ::testing::Test {
-protected:
-  void SetUp() override {
-    ASSERT_TRUE(QFileInfo(QDir(TVX_DATA_DIR).filePath("gbrview")).isExecutable())
-        << "build the target gbrview first";
-    ASSERT_TRUE(folder.isValid());
-  }
-  QString write(const QString& name, const QByteArray& bytes) {
-    const QString path = folder.filePath(name);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path;
-  }
-
-  QTemporaryDir folder;
-};
+class InfoCommandTest : public test::GbrviewTest {};
 
 TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
   const QString path = write("plated.cnc", "M48\r\nINCH,TZ\r\nT1C0.02\r\n%\r\nT1\r\nX1000Y1000\r\n"

@@ -16,23 +16,9 @@ namespace {
 constexpr char DrillText[] = "M48\nMETRIC,TZ\nT01C2.000\nT02C1.000\n%\nT01\nX5.000Y5.000\n"
                              "T02\nX2.000Y8.000\nM30\n";
 
-class RenderCommandTest : public ::testing::Test {
+class RenderCommandTest : public test::GbrviewTest {
 protected:
-  void SetUp() override {
-    test::coreApplication();
-    ASSERT_TRUE(QFileInfo(test::binary("gbrview")).isExecutable()) << "build gbrview first";
-    ASSERT_TRUE(folder.isValid());
-  }
-  QString write(const QString& name, const QByteArray& bytes) {
-    const QString path = folder.filePath(name);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path;
-  }
   static bool lit(const QImage& image, int x, int y) { return qGray(image.pixel(x, y)) >= 128; }
-
-  QTemporaryDir folder;
 };
 
 TEST_F(RenderCommandTest, DrillHolesLandOnTheirPixelsWithTheirSize) {

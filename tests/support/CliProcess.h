@@ -3,9 +3,14 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <string>
 
@@ -47,5 +52,25 @@ inline ProcessRun runGbrview(const QStringList& arguments, int timeoutMs = 60000
   run.err = cli.readAllStandardError().toStdString();
   return run;
 }
+
+// A test of gbrview with a folder of its own for the files it writes.
+class GbrviewTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    coreApplication();
+    ASSERT_TRUE(QFileInfo(binary("gbrview")).isExecutable()) << "build the target gbrview first";
+    ASSERT_TRUE(folder.isValid());
+  }
+  // Writes bytes to a file of the folder; its path.
+  QString write(const QString& name, const QByteArray& bytes) {
+    const QString path = folder.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return path;
+  }
+
+  QTemporaryDir folder;
+};
 
 }  // namespace test
