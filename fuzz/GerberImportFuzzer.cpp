@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ImportOwners owners = session.owners(tables->Layers);
   WindowlessImportOptions options;
   // The first byte picks RS-274-X or -D, so files that recognition would refuse are drawn too.
-  options.kind = size > 0 && (data[0] & 1) ? ImportKind::GerberRs274D : ImportKind::GerberRs274X;
+  options.kind = size > 0 && (data[0] & 1) ? ImportKind::ArtworkRS274D : ImportKind::ArtworkRS274X;
   options.layer = 3;
   options.noCenter = size > 0 && (data[0] & 2);
   ImportWithoutWindow(owners, path, options);
