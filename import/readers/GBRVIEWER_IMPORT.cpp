@@ -1,0 +1,236 @@
+#include "import/readers/GBRVIEWER_IMPORT.h"
+
+#include "import/readers/ImportPropertyGrid.h"
+#include "kernel/Palette.h"
+#include "platform/SystemServices.h"
+#include "platform/WindowPlace.h"
+
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace tvx {
+
+namespace {
+constexpr int PaletteColumns = 8;
+constexpr int SquareSize = 24;
+}  // namespace
+
+GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places, QWidget* parent)
+    : QMainWindow(parent), places_(places) {
+  setObjectName("GBRVIEWER_IMPORT");
+  ImportWindowLink& link = owners.window;
+  if (!link.SetInpFileN)
+    link.SetInpFileN = [this](const std::string& start) { return pickFile(start); };
+  link.unload = [this, outer = std::move(link.unload)] {
+    if (outer)
+      outer();
+    close();
+  };
+  link.setTopmost = [this, outer = std::move(link.setTopmost)](bool on) {
+    if (outer)
+      outer(on);
+    setWindowFlag(Qt::WindowStaysOnTopHint, on);
+    if (isVisible())
+      show();
+  };
+  showHelp_ = link.showHelp;
+  model_ = std::make_unique<ImportWindowModel>(std::move(owners));
+
+  egrdProp_ = new ImportPropertyGrid;
+  const SystemServices& services = model_->session().services;
+  egrdProp_->setHorizontalHeaderLabels(
+      {QString::fromStdString(services.LocalMessage("Import File", "62363")),
+       QString::fromStdString(services.LocalMessage("Specification", "62364"))});
+  F_Viewer_ = new QPlainTextEdit;
+  F_Viewer_->setObjectName("F_Viewer");
+  F_Viewer_->setReadOnly(true);
+  F_Viewer_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  F_Viewer_->hide();
+  picSplitter_ = new QSplitter(Qt::Horizontal);
+  picSplitter_->setObjectName("picSplitter");
+  picSplitter_->addWidget(egrdProp_);
+  picSplitter_->addWidget(F_Viewer_);
+
+  tabColor_ = new QTabWidget;
+  tabColor_->setObjectName("tabColor");
+  tabColor_->addTab(picSplitter_, QString());
+  tabColor_->addTab(buildPalette(), QString());
+
+  const auto button = [](const char* name) {
+    auto* b = new QPushButton;
+    b->setObjectName(name);
+    return b;
+  };
+  cmdClose_ = button("cmdCmd1");
+  cmdFilters_ = button("cmdCmd3");
+  cmdClear_ = button("cmdCmd4");
+  cmdView_ = button("cmdView");
+  cmdClose_->setText(tr("Close"));
+  cmdClear_->setText(tr("Clear"));
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(cmdView_);
+  buttons->addStretch();
+  buttons->addWidget(cmdFilters_);
+  buttons->addWidget(cmdClear_);
+  buttons->addWidget(cmdClose_);
+
+  auto* central = new QWidget;
+  auto* layout = new QVBoxLayout(central);
+  layout->addWidget(tabColor_, 1);
+  layout->addLayout(buttons);
+  setCentralWidget(central);
+  MsgLine_ = new QLabel;
+  MsgLine_->setObjectName("MsgLine");
+  statusBar()->addWidget(MsgLine_, 1);
+  buildMenus();
+
+  ImportWindowModel& m = *model_;
+  connect(cmdClose_, &QPushButton::clicked, this, [&m] { m.cmdClose(); });
+  connect(cmdFilters_, &QPushButton::clicked, this, [&m] { m.cmdFilters(); });
+  connect(cmdClear_, &QPushButton::clicked, this, [&m] { m.cmdClear(); });
+  connect(cmdView_, &QPushButton::clicked, this, [&m] { m.cmdView(); });
+  connect(egrdProp_, &ImportPropertyGrid::cellEdited, this, [&m] { m.CellEdited = true; });
+  connect(egrdProp_, &ImportPropertyGrid::cellCommitted, this,
+          [&m](int row, const QString& text) { m.CommitCell(row, text.toStdString()); });
+  connect(egrdProp_, &ImportPropertyGrid::rowClicked, this,
+          [&m](int row, bool valueCell) { m.ClickRow(row, valueCell); });
+  m.changed = [this] { refresh(); };
+  // The message line changes while an import runs: only the line follows then.
+  m.stages().messageLineChanged = [this](const std::string& line) {
+    MsgLine_->setText(QString::fromStdString(line));
+  };
+  if (places_) {
+    WindowPlace place;
+    RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width, place.Height);
+    moveToPlace(*this, place);
+  }
+  m.FormFill();
+  m.FormUpdate();
+}
+
+GBRVIEWER_IMPORT::~GBRVIEWER_IMPORT() {
+  if (model_)
+    model_->changed = nullptr;
+}
+
+void GBRVIEWER_IMPORT::buildMenus() {
+  const SystemServices& services = model_->session().services;
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  file->setObjectName("M_File");
+  QAction* select = file->addAction(tr("Open for Import"));
+  select->setObjectName("M_FileSelect");
+  connect(select, &QAction::triggered, this, [this] { model_->M_FileSelect(); });
+  QAction* view = file->addAction(tr("Open for View"));
+  view->setObjectName("M_FileView");
+  connect(view, &QAction::triggered, this, [this] { model_->M_FileView(); });
+
+  QMenu* unit = menuBar()->addMenu(QString::fromStdString(services.LocalMessage("Unit", "62315")));
+  unit->setObjectName("F_Unit");
+  auto* group = new QActionGroup(this);
+  const char* names[][2] = {{"Inches", "62174"}, {"Millimeters", "62175"}};
+  for (int index = 0; index < 2; ++index) {
+    QAction* entry = unit->addAction(
+        QString::fromStdString(services.LocalMessage(names[index][0], names[index][1])));
+    entry->setObjectName(QString("F_InchMM%1").arg(index));
+    entry->setCheckable(true);
+    group->addAction(entry);
+    connect(entry, &QAction::triggered, this, [this, index] { model_->F_InchMM(index); });
+    F_InchMM_[size_t(index)] = entry;
+  }
+}
+
+QWidget* GBRVIEWER_IMPORT::buildPalette() {
+  auto* page = new QWidget;
+  auto* squares = new QGridLayout(page);
+  for (int colour = 0; colour < PaletteSize; ++colour) {
+    auto* square = new QPushButton;
+    square->setObjectName(QString("picColor%1").arg(colour));
+    square->setFixedSize(SquareSize, SquareSize);
+    square->setStyleSheet(
+        QString("background-color: %1; border: 1px solid gray;")
+            .arg(ImportPropertyGrid::colourOf(int32_t(paletteRgb()[size_t(colour)])).name()));
+    connect(square, &QPushButton::clicked, this, [this, colour] { model_->PaletteClick(colour); });
+    squares->addWidget(square, colour / PaletteColumns, colour % PaletteColumns);
+  }
+  squares->setRowStretch(PaletteSize / PaletteColumns, 1);
+  return page;
+}
+
+std::string GBRVIEWER_IMPORT::pickFile(const std::string& startFolder) {
+  const SystemServices& services = model_->session().services;
+  const QString file = QFileDialog::getOpenFileName(
+      this, QString::fromStdString(services.LocalMessage("Select File for Import", "62184")),
+      QString::fromStdString(startFolder), tr("All import files(*.*) (*)"));
+  return file.toStdString();
+}
+
+void GBRVIEWER_IMPORT::refresh() {
+  ImportWindowModel& m = *model_;
+  const ImportDialogModel& stages = m.stages();
+  setWindowTitle(QString::fromStdString(stages.caption));
+  tabColor_->setTabText(0, QString::fromStdString(m.tabGridCaption));
+  tabColor_->setTabText(1, QString::fromStdString(m.tabPaletteCaption));
+  tabColor_->setCurrentIndex(m.colourPageShown ? 1 : 0);
+  egrdProp_->setRows(
+      m.rows, [&m](int32_t which) -> const std::vector<std::string>& { return m.list(which); });
+  if (m.currentRow >= 0 && m.currentRow < egrdProp_->rowCount())
+    egrdProp_->setCurrentCell(m.currentRow, 1);
+
+  cmdFilters_->setVisible(stages.filterButtonVisible);
+  cmdFilters_->setText(QString::fromStdString(stages.filterButtonCaption));
+  cmdClear_->setVisible(stages.clearButtonVisible);
+  cmdView_->setVisible(stages.viewButtonVisible);
+  cmdView_->setText(QString::fromStdString(stages.viewButtonCaption));
+  MsgLine_->setText(QString::fromStdString(stages.messageLine));
+  F_InchMM_[size_t(m.OffsetUnit == 1 ? 1 : 0)]->setChecked(true);
+
+  const bool wasShown = F_Viewer_->isVisible();
+  F_Viewer_->setVisible(m.ViewShown);
+  if (m.ViewShown) {
+    F_Viewer_->setPlainText(
+        QString::fromLocal8Bit(m.viewerText.data(), static_cast<qsizetype>(m.viewerText.size())));
+    QPalette colours = F_Viewer_->palette();
+    colours.setColor(QPalette::Base, ImportPropertyGrid::colourOf(m.viewerBackground));
+    F_Viewer_->setPalette(colours);
+    if (!wasShown)
+      SizeControls(egrdProp_->width());
+  }
+}
+
+void GBRVIEWER_IMPORT::SizeControls(int splitterPosition) {
+  // With the text view the whole takes one and a half times the grid's width.
+  const int viewer = model_->ViewShown ? splitterPosition / 2 : 0;
+  picSplitter_->setSizes({splitterPosition, viewer});
+}
+
+void GBRVIEWER_IMPORT::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F1 && (event->modifiers() & Qt::ControlModifier) && showHelp_) {
+    showHelp_();
+    return;
+  }
+  QMainWindow::keyPressEvent(event);
+}
+
+void GBRVIEWER_IMPORT::closeEvent(QCloseEvent* event) {
+  if (!unloaded_) {
+    unloaded_ = true;
+    if (places_)
+      SaveWindowPlace(*places_, *this);
+    model_->Form_Unload();
+  }
+  event->accept();
+}
+
+}  // namespace tvx

@@ -1,0 +1,378 @@
+// The commit step of the import window: range edges refused in silence with the old value shown
+// again, the re-run that keeps the chosen layer, the drill layer switch, the aperture check boxes
+// and their Tag, the highlights, the colour page, Clear, Close and the DXF rebinding.
+#include "ImportWindowTestSupport.h"
+
+#include "import/readers/ImportSettings.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace tvx {
+namespace {
+
+class ImportWindowCommit : public ::testing::Test {
+protected:
+  void openArtwork(int32_t layer = 1) {
+    world.open("top.gbr", test::TwoPadsAndATrack);
+    ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+    world.choose(world.layer(layer).DisplayName);
+    ASSERT_EQ(world.session->state.DialogLayer, layer);
+  }
+  // X of the track, the last item of the layer.
+  int32_t trackX(int32_t layer = 1) {
+    const auto all = world.items(layer);
+    return all.empty() ? -1 : all.back().X;
+  }
+  ImportWindowModel& model() { return *world.model; }
+
+  test::ImportWindowWorld world;
+};
+
+TEST_F(ImportWindowCommit, ScaleFactorsAreTakenOnlyBetweenZeroAndTen) {
+  openArtwork();
+  const int32_t width = world.items(1).back().Width;
+  for (const char* refused : {"0", "10", "-1", "12.5"}) {
+    SCOPED_TRACE(refused);
+    model().CommitKey("IMP_SCFXG", refused);
+    EXPECT_EQ(world.session->gerberFormat.Scale[AxisX], 1.0);
+    EXPECT_EQ(world.row("IMP_SCFXG").Value, "1.0") << "the old value is shown again";
+  }
+  EXPECT_TRUE(world.reporting.prompts.shown.empty()) << "refused in silence";
+
+  model().CommitKey("IMP_SCFXG", "9.999");
+  EXPECT_EQ(world.session->gerberFormat.Scale[AxisX], 9.999);
+  EXPECT_EQ(world.row("IMP_SCFXG").Value, "9.999");
+  // Re-run into the same layer: the track is now a tenth as long.
+  EXPECT_EQ(world.session->state.DialogLayer, 1);
+  EXPECT_NEAR(world.items(1).back().Width, width / 9.999, 1.0);
+  // The Gerber group was saved.
+  GerberFormat stored;
+  LoadGerberSettings(world.reporting.services, stored);
+  EXPECT_EQ(stored.Scale[AxisX], 9.999);
+
+  world.session->state.Job.Kind = ImportKind::Dxf;  // only the format is looked at
+  model().CommitKey("IMP_SCFDXF", "10");
+  EXPECT_EQ(world.session->dxfFormat.DxfScale, 1.0);
+}
+
+TEST_F(ImportWindowCommit, OffsetsReachTheEdgeOfTheWorldAndNoFurther) {
+  openArtwork();
+  model().F_InchMM(1);
+  const int32_t x = trackX();
+  model().CommitKey("AFS_XO", "10");
+  EXPECT_EQ(world.layer(1).OffsetX, 1000000);
+  EXPECT_EQ(world.layer(1).Files.at(0).OffsetX, 1000000);
+  EXPECT_EQ(trackX(), x + 1000000) << "the layer was imported again, moved";
+  EXPECT_EQ(world.row("AFS_XO").Value, "10.000mm");
+
+  model().CommitKey("AFS_YO", "-2200");
+  EXPECT_EQ(world.layer(1).OffsetY, -220000000) << "exactly the edge is taken";
+  model().CommitKey("AFS_XO", "2200");
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000);
+  model().CommitKey("AFS_XO", "2200.00001");  // one store unit more
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000);
+  EXPECT_EQ(world.row("AFS_XO").Value, "2200.000mm");
+
+  // An empty text changes nothing; inches are taken in the inch unit.
+  model().CommitKey("AFS_XO", "");
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000);
+  model().F_InchMM(0);
+  model().CommitKey("AFS_XO", "1");
+  EXPECT_EQ(world.layer(1).OffsetX, 2540000);
+  EXPECT_EQ(world.row("AFS_XO").Value, "1.0000\"");
+}
+
+TEST_F(ImportWindowCommit, HoleDiametersFromZeroToBelowAHundredMillimetres) {
+  world.open("holes.drl", test::ThreeHoles);
+  ASSERT_EQ(world.session->state.DialogLayer, 31);
+  model().F_InchMM(1);
+  std::vector<ToolEntry>& tools = world.layer(31).Files.at(0).Tools;
+  ASSERT_EQ(tools.size(), 2u);
+  const int32_t before = tools[0].Diameter;
+  model().CommitCell(model().rowOf("AF_APH,1"), "100");
+  EXPECT_EQ(tools[0].Diameter, before);
+  EXPECT_EQ(world.row("AF_APH,1").Value, "0.8mm");
+  EXPECT_EQ(world.highlights.HLPadstack, 0);
+
+  model().CommitCell(model().rowOf("AF_APH,1"), "0");
+  EXPECT_EQ(tools[0].Diameter, 0);
+  model().CommitCell(model().rowOf("AF_APH,2"), "99.99");
+  EXPECT_EQ(tools[1].Diameter, 9999000);
+  EXPECT_EQ(world.row("AF_APH,2").Value, "100.0mm");  // the short form has one decimal
+  // Typing a diameter highlights the tool, and again does not take it away.
+  EXPECT_EQ(world.highlights.HLPadstack, tools[1].Code);
+  EXPECT_EQ(world.highlights.HLPadstackText, "Tool No. " + ToolLabel(tools[1].Code));
+  model().CommitCell(model().rowOf("AF_APH,2"), "1");
+  EXPECT_EQ(world.highlights.HLPadstack, tools[1].Code);
+}
+
+TEST_F(ImportWindowCommit, TheDrillLayerTurnsArtworkIntoDrillingAndBack) {
+  openArtwork();
+  world.choose("Drill Template");
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274X);
+  EXPECT_EQ(world.row("IMP_FLET").Value, "Drilling GERBER RS-274-X");
+  EXPECT_TRUE(model().stages().FiltersShown);
+  const LayerFileRecord& file = world.layer(31).Files.at(0);
+  EXPECT_EQ(file.ReaderCode, ReaderGerberDrilling);
+  // Only the flashed aperture gives a tool: half its size, cut to 0.1 mm.
+  ASSERT_EQ(file.Tools.size(), 1u);
+  EXPECT_EQ(file.Tools[0].Code, 11);
+  EXPECT_EQ(file.Tools[0].Diameter, 70000);  // 152400 / 2 = 76200
+  EXPECT_GE(model().rowOf("AF_MAPHOLES"), 0);
+  EXPECT_EQ(world.row("AF_APH,1").Caption, "D11* Sqr.Pad 0.0600\"");
+  EXPECT_GT(world.entries(31), 0) << "the pads became holes";
+
+  model().CommitCell(model().rowOf("AF_MAPHOLES"), "explicit apeture size");
+  EXPECT_EQ(world.layer(31).Files.at(0).Tools.at(0).Diameter, 150000);
+
+  world.choose(world.layer(2).DisplayName);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  EXPECT_EQ(world.row("IMP_FLET").Value, "Artwork GERBER RS-274-X");
+  EXPECT_EQ(world.layer(2).Files.at(0).ReaderCode, ReaderGerberArtwork);
+  EXPECT_FALSE(model().stages().FiltersShown);
+  EXPECT_EQ(world.items(2).size(), 3u);
+}
+
+TEST_F(ImportWindowCommit, ApertureCheckBoxesBuildTheTagAndTheHighlight) {
+  openArtwork();
+  model().cmdFilters();
+  const LayerFileRecord& file = world.layer(1).Files.at(0);
+  model().CommitCell(model().rowOf("AF_APF,1"), "0");
+  EXPECT_EQ(file.Tag, "|D10*|");
+  EXPECT_EQ(world.items(1).size(), 2u) << "the track is left out";
+  EXPECT_FALSE(world.row("AF_APF,1").Checked) << "the row stays";
+  EXPECT_EQ(world.highlights.HLDCode, 0);
+  model().CommitCell(model().rowOf("AF_APF,2"), "0");
+  EXPECT_EQ(file.Tag, "|D10*|D11*|");
+  model().CommitCell(model().rowOf("AF_APF,1"), "1");
+  EXPECT_EQ(file.Tag, "|D11*|");
+  EXPECT_EQ(world.highlights.HLDCode, 10);
+  EXPECT_EQ(world.highlights.HLDCodeText, "Dcode: D10* Line    0.0100\"");
+  model().CommitCell(model().rowOf("AF_APF,2"), "1");
+  EXPECT_EQ(file.Tag, " ");
+  EXPECT_EQ(world.items(1).size(), 3u);
+
+  // The filter bits of the first file.
+  model().CommitCell(model().rowOf("AF_IPD"), "0");
+  EXPECT_EQ(file.FilterMask & filter::AF_IPD, 0);
+  model().CommitCell(model().rowOf("AF_IPD"), "1");
+  EXPECT_NE(file.FilterMask & filter::AF_IPD, 0);
+
+  // Unselected rows are found again when the layer's aperture rows are rebuilt.
+  model().CommitCell(model().rowOf("AF_APF,2"), "0");
+  model().F_InchMM(1);
+  EXPECT_FALSE(model().ApertureRows.at(1).Selected);
+  EXPECT_TRUE(model().ApertureRows.at(0).Selected);
+}
+
+TEST_F(ImportWindowCommit, ClicksOnApertureAndToolRowsToggleTheHighlight) {
+  openArtwork();
+  model().cmdFilters();
+  const int redraws = world.redraws;
+  model().ClickRow(model().rowOf("AF_APF,2"), false);
+  EXPECT_EQ(world.highlights.HLDCode, 11);
+  EXPECT_EQ(world.highlights.HLDCodeText, "Dcode: D11* Sqr.Pad 0.0600\"");
+  model().ClickRow(model().rowOf("AF_APF,1"), false);
+  EXPECT_EQ(world.highlights.HLDCode, 10);
+  model().ClickRow(model().rowOf("AF_APF,1"), false);
+  EXPECT_EQ(world.highlights, HighlightValues{});
+  EXPECT_EQ(world.redraws, redraws + 3);
+
+  world.choose("Drill Template");
+  EXPECT_EQ(world.highlights, HighlightValues{}) << "a new layer clears the highlights";
+  model().ClickRow(model().rowOf("AF_APH,1"), false);
+  EXPECT_EQ(world.highlights.HLPadstack, 11);
+  EXPECT_EQ(world.highlights.HLPadstackText, "Dcode: D11* Sqr.Pad 0.0600\"");
+  model().ClickRow(model().rowOf("AF_APH,1"), false);
+  EXPECT_EQ(world.highlights.HLPadstack, 0);
+
+  // Close takes every highlight away and lets the main window select the layer.
+  model().ClickRow(model().rowOf("AF_APH,1"), false);
+  model().cmdClose();
+  EXPECT_EQ(world.highlights, HighlightValues{});
+  EXPECT_EQ(world.events.back(), "activate 31");
+}
+
+TEST_F(ImportWindowCommit, FormatChangesRerunIntoTheChosenLayer) {
+  world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
+  EXPECT_FALSE(world.row("IMP_UNITG").ReadOnly) << "a plain file's format is the user's";
+  EXPECT_EQ(world.model->rows[2].ValueBack, 0xFFFF00);
+  world.choose(world.layer(3).DisplayName);
+  ASSERT_EQ(world.session->state.DialogLayer, 3);
+  const int32_t inchLength = world.items(3).back().Width;
+  ASSERT_GT(inchLength, 100000);
+  model().cmdFilters();
+  model().CommitCell(model().rowOf("AF_APF,1"), "0");
+  model().CommitCell(model().rowOf("AF_APF,1"), "1");
+  model().CommitCell(model().rowOf("IMP_UNITG"), "Metric");
+  EXPECT_EQ(world.session->state.DialogLayer, 3) << "the layer stays chosen";
+  EXPECT_EQ(world.row("IMP_LAYER").Value, world.layer(3).DisplayName);
+  EXPECT_EQ(world.row("IMP_UNITG").Value, "Metric");
+  EXPECT_EQ(world.highlights.HLDCode, 10) << "the file record and its state are kept";
+  EXPECT_NEAR(world.items(3).back().Width, inchLength / 25.4, 1.0);
+  GerberFormat stored;
+  LoadGerberSettings(world.reporting.services, stored);
+  EXPECT_EQ(stored.Unit, 1);
+
+  model().CommitCell(model().rowOf("IMP_PFYG"), "3.3");
+  EXPECT_EQ(world.session->gerberFormat.IntegerDigits[AxisY], 3);
+  EXPECT_EQ(world.session->gerberFormat.DecimalDigits[AxisY], 3);
+  EXPECT_EQ(world.row("IMP_PFYG").Value, "3.3");
+  EXPECT_EQ(world.session->state.DialogLayer, 3);
+
+  // A list text that is no entry of its list changes nothing.
+  const int32_t zeroes = world.session->gerberFormat.OmittedZeros;
+  model().CommitCell(model().rowOf("IMP_OZG"), "Sideways");
+  EXPECT_EQ(world.session->gerberFormat.OmittedZeros, zeroes);
+  model().CommitCell(model().rowOf("IMP_OZG"), zeroes == 0 ? "Leading" : "Trailing");
+  EXPECT_EQ(world.session->gerberFormat.OmittedZeros, 1 - zeroes);
+}
+
+TEST_F(ImportWindowCommit, TheColourPageRefusesTheClearColourOnCopper) {
+  openArtwork();
+  model().CommitCell(model().rowOf("AF_ICL"), "Selected from palette");
+  EXPECT_TRUE(model().colourPageShown);
+  const int32_t before = world.layer(1).ColourNumber;
+  model().PaletteClick(test::ImportWindowWorld::ClearColour);
+  EXPECT_FALSE(model().colourPageShown);
+  EXPECT_EQ(world.layer(1).ColourNumber, before);
+
+  model().PaletteClick(13);
+  EXPECT_EQ(world.layer(1).ColourNumber, 13);
+  EXPECT_EQ(world.layer(1).ColourRgb, static_cast<int32_t>(paletteRgb()[13]));
+  EXPECT_EQ(world.layer(1).Files.at(0).Colour, 13);
+  EXPECT_EQ(world.row("AF_ICL").Value, "(Palette)");
+  EXPECT_EQ(world.items(1).back().Colour, 13);
+
+  model().CommitCell(model().rowOf("AF_ICL"), "Use default layer color");
+  EXPECT_EQ(world.layer(1).ColourNumber, world.layer(1).DefaultColourNumber);
+  EXPECT_EQ(world.row("AF_ICL").Value, "(Default)");
+
+  // Not copper: the board outline takes it.
+  world.choose("Board Outline/Cut-outs");
+  model().PaletteClick(test::ImportWindowWorld::ClearColour);
+  EXPECT_EQ(world.layer(30).ColourNumber, test::ImportWindowWorld::ClearColour);
+}
+
+TEST_F(ImportWindowCommit, ClearEmptiesTheLayerAndForgetsItUnlessItIsTheDrillLayer) {
+  openArtwork();
+  model().cmdClear();
+  EXPECT_TRUE(world.items(1).empty());
+  EXPECT_EQ(world.session->state.DialogLayer, 0);
+  EXPECT_EQ(world.row("IMP_LAYER").Value, "Click to select");
+  EXPECT_FALSE(model().stages().clearButtonVisible);
+  EXPECT_FALSE(model().stages().filterButtonVisible);
+  EXPECT_EQ(model().rowOf("AFS_XO"), -1);
+  // Closed without a layer: the main window's current layer is selected.
+  model().cmdClose();
+  EXPECT_EQ(world.events.back(), "activate 4");
+
+  world.choose("Drill Template");
+  model().cmdClear();
+  EXPECT_EQ(world.session->state.DialogLayer, 31);
+  EXPECT_EQ(world.entries(31), 0);
+}
+
+TEST_F(ImportWindowCommit, ADxfFileBoundToTheOutlineCanBeMovedToAnotherLayer) {
+  std::vector<int32_t> readInto;
+  world.session->scans.readDxfFile = [](const std::string&, std::vector<std::string>& lines) {
+    lines = {"0", "EOF"};
+    return true;
+  };
+  world.session->readers.importDxf = [&](int32_t&, const std::vector<std::string>&,
+                                         LayerRecord& layer, LayerFileRecord& file) {
+    readInto.push_back(layer.Mask);
+    EXPECT_EQ(file.ReaderCode, ReaderDxf);
+  };
+  world.makeModel();
+  ImportState& state = world.session->state;
+  state.Job.SourcePath = world.folder.file("board.dxf");
+  state.Job.Kind = ImportKind::Dxf;
+  ASSERT_TRUE(model().ApplyFile());
+  model().ImportFile();
+  model().FormUpdate();
+  EXPECT_EQ(state.DialogLayer, 30);
+  EXPECT_EQ(readInto, std::vector<int32_t>{BoardOutlineMask});
+  EXPECT_EQ(world.row("IMP_LAYER").Cell, CellKind::List);
+  EXPECT_EQ(model().list(importlist::Layers).front(), "Board Outline/Cut-outs");
+  EXPECT_GE(model().rowOf("AFS_DXFTRUESIZE"), 0);
+
+  world.choose(world.layer(2).DisplayName);
+  EXPECT_EQ(state.DialogLayer, 2);
+  EXPECT_EQ(state.CurrentSymbol, world.layer(2).SymbolHandle);
+  EXPECT_EQ(readInto.back(), world.layer(2).Mask);
+  const LayerFileRecord& file = world.layer(2).Files.at(0);
+  EXPECT_EQ(file.FileName, state.Job.SourcePath);
+  EXPECT_EQ(file.Colour, world.layer(2).ColourNumber);
+
+  // True line sizes, then a new scale: the re-run stays on the chosen layer.
+  model().CommitKey("AFS_DXFTRUESIZE", "1");
+  EXPECT_TRUE(world.layer(2).Files.at(0).TrueLineSize);
+  model().CommitKey("IMP_SCFDXF", "2.5");
+  EXPECT_EQ(world.session->dxfFormat.DxfScale, 2.5);
+  EXPECT_EQ(state.DialogLayer, 2);
+  EXPECT_EQ(state.CurrentSymbol, world.layer(2).SymbolHandle);
+  EXPECT_EQ(readInto.back(), world.layer(2).Mask);
+}
+
+TEST_F(ImportWindowCommit, AnUnreadableFileShowsItselfAsTextAndCloses) {
+  world.open("notes.txt", "just some words\n");
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::Unknown);
+  EXPECT_NE(std::find(world.events.begin(), world.events.end(), "display file"),
+            world.events.end());
+  EXPECT_NE(std::find(world.events.begin(), world.events.end(), "unload"), world.events.end());
+
+  // A click on the file name's value opens the picker; cancelled, it changes nothing.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  world.nextFile.clear();
+  model().ClickRow(model().rowOf("IMP_FLEN"), true);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  EXPECT_EQ(world.events.back(), "picker in " + world.folder.path().string());
+}
+
+TEST_F(ImportWindowCommit, AScanThatVanishedBeforeTheImportFailsAndTheWindowStays) {
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  const std::string art = world.session->state.Job.IntermediatePath;
+  ASSERT_FALSE(art.empty());
+  std::filesystem::remove(art);
+  world.choose(world.layer(1).DisplayName);
+  EXPECT_EQ(model().stages().messageLine, world.layer(1).DisplayName + " Import failed");
+  ASSERT_FALSE(world.reporting.prompts.shown.empty());
+  EXPECT_NE(world.reporting.prompts.shown.front().prompt.find("TMP.ART"), std::string::npos);
+  EXPECT_TRUE(model().stages().clearButtonVisible);
+  EXPECT_EQ(std::count(world.events.begin(), world.events.end(), "unload"), 0);
+
+  // The next change scans the file again and imports it.
+  model().CommitKey("IMP_SCFYG", "1");
+  EXPECT_EQ(world.items(1).size(), 3u);
+  EXPECT_EQ(model().stages().messageLine, world.layer(1).DisplayName + " Import successful");
+}
+
+TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  model().cmdView();
+  EXPECT_TRUE(model().ViewShown);
+  EXPECT_EQ(model().viewerText, world.nextFile + ":\r\n\r\n" + test::TwoPadsAndATrack);
+  EXPECT_EQ(model().viewerBackground, 0xFFFFFF);
+  EXPECT_EQ(model().stages().viewButtonCaption, "Hide View");
+  model().cmdView();
+  EXPECT_FALSE(model().ViewShown);
+  EXPECT_EQ(model().stages().viewButtonCaption, "View");
+  model().M_FileView();
+  EXPECT_EQ(model().viewerBackground, 0xFFFFC0);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X) << "import state untouched";
+}
+
+TEST_F(ImportWindowCommit, OriginalCoordinatesAreSavedAsTheSetting) {
+  openArtwork();
+  const int32_t kept = trackX();
+  model().CommitCell(model().rowOf("AFS_NOCENTER"), "0");
+  EXPECT_FALSE(world.layer(1).OriginalCoordinates);
+  EXPECT_FALSE(model().NoCenter);
+  EXPECT_EQ(world.events.back(), "NoCenter 0");
+  EXPECT_EQ(trackX(), kept - 1270000) << "centred on the origin";
+}
+
+}  // namespace
+}  // namespace tvx

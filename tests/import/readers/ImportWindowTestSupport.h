@@ -1,0 +1,141 @@
+// What the import window tests share: a component's import state over real layer tables, the
+// window model wired to it, and small files of each kind in a temporary folder.
+#pragma once
+
+#include "import/readers/ImportWindowModel.h"
+
+#include "import/gerber/ImportTestSupport.h"
+#include "kernel/Kernel.h"
+#include "store/ColourSlots.h"
+#include "store/Layers.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tvx::test {
+
+// Two pads of D11 (a 0.06 inch square) and a one inch track of D10 (a 0.01 inch circle).
+inline constexpr const char* TwoPadsAndATrack =
+    "G04 two pads and a track*\n%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.0100*%\n"
+    "%ADD11R,0.0600X0.0600*%\nD11*\nX0Y0D03*\nX10000Y0D03*\nD10*\nX0Y0D02*\n"
+    "X10000Y0D01*\nM02*\n";
+
+// A track without format blocks: read with the format of the settings.
+inline constexpr const char* PlainTrack = "D10*\nX0Y0D02*\nX10000Y0D01*\nM02*\n";
+
+// Three holes of two tools, inch, with the sizes in the header.
+inline constexpr const char* ThreeHoles =
+    "M48\nINCH,TZ\nT1C0.0300\nT2C0.0400\n%\nT1\nX010000Y010000\nX020000Y010000\nT2\n"
+    "X030000Y010000\nM30\n";
+
+struct ImportWindowWorld {
+  ImportWindowWorld() {
+    reporting.services.SetIniFile(folder.file("tarvex.ini"));
+    ColourSlots colours;
+    colours.build(kernel->strings);
+    BuildLayerTables(kernel->store, reporting.services, colours, false, *tables);
+    session = std::make_unique<ImportSession>(kernel->store, reporting.services, reporting.prompts);
+    session->state.Job.WorkDirectory = folder.path().string();
+    makeModel();
+  }
+
+  // The model over the session; made again after a test changed the session's scans.
+  void makeModel() {
+    ImportWindowOwners owners = makeOwners();
+    owners.window.unload = [this] {
+      events.push_back("unload");
+      model->Form_Unload();
+    };
+    model = std::make_unique<ImportWindowModel>(std::move(owners));
+    model->FormFill();
+  }
+
+  // The owners of a window over this world, its actions recorded in events.
+  ImportWindowOwners makeOwners() {
+    ImportWindowOwners owners{*session, tables->Layers, highlights, {}, {}, ClearColour, 0};
+    owners.mainWindow.redraw = [this] { ++redraws; };
+    owners.mainWindow.setDisplayFile = [this] { events.push_back("display file"); };
+    owners.window.SetInpFileN = [this](const std::string& start) {
+      events.push_back("picker in " + start);
+      return nextFile;
+    };
+    owners.window.RedrawScreen = [this] { ++redraws; };
+    owners.window.unload = [this] { events.push_back("unload"); };
+    owners.window.currentLayer = [] { return 4; };
+    owners.window.activateLayer = [this](int32_t layer) {
+      events.push_back("activate " + std::to_string(layer));
+    };
+    owners.window.saveNoCenter = [this](bool on) {
+      events.push_back(on ? "NoCenter 1" : "NoCenter 0");
+    };
+    return owners;
+  }
+
+  // Writes a file and takes it as the kind given, as the user's choice of kind does.
+  void openAs(const std::string& name, const std::string& content, ImportKind kind) {
+    nextFile = folder.file(name);
+    std::ofstream(nextFile, std::ios::binary) << content;
+    session->state.Job.SourcePath = nextFile;
+    session->state.Job.Kind = kind;
+    model->ApplyFile();
+    model->FormUpdate();
+  }
+
+  // Writes a file and opens it for import as the file menu does.
+  void open(const std::string& name, const std::string& content) {
+    nextFile = folder.file(name);
+    std::ofstream(nextFile, std::ios::binary) << content;
+    model->M_FileSelect();
+  }
+
+  std::vector<std::string> keys() const {
+    std::vector<std::string> all;
+    for (const GridRow& row : model->rows)
+      all.push_back(row.Key.empty() ? (row.Cell == CellKind::Group ? "(group)" : "(info)")
+                                    : row.Key);
+    return all;
+  }
+  const GridRow& row(const std::string& key) const {
+    const int32_t index = model->rowOf(key);
+    EXPECT_GE(index, 0) << key;
+    static const GridRow none;
+    return index < 0 ? none : model->rows[size_t(index)];
+  }
+  void choose(const std::string& layerName) {
+    model->CommitCell(model->rowOf("IMP_LAYER"), layerName);
+  }
+  LayerRecord& layer(int32_t number) { return tables->layer(number); }
+  std::vector<ItemRecord> items(int32_t number) const {
+    std::vector<ItemRecord> all;
+    Store& store = kernel->store;
+    const ArrayHandle array = store.S_SymbolItemArray(tables->layer(number).SymbolHandle);
+    for (int32_t i = 1; i <= store.OA_GetCount(array); ++i) {
+      ItemRecord r;
+      store.I_ReadItem(store.OA_Object(array, i), r);
+      all.push_back(r);
+    }
+    return all;
+  }
+  int32_t entries(int32_t number) const {
+    Store& store = kernel->store;
+    return store.OA_GetCount(store.S_SymbolEntryArray(tables->layer(number).SymbolHandle));
+  }
+
+  static constexpr int32_t ClearColour = 8;
+  TempDir folder;
+  std::unique_ptr<Kernel> kernel = std::make_unique<Kernel>();
+  Reporting reporting;
+  std::unique_ptr<LayerTables> tables = std::make_unique<LayerTables>();
+  std::unique_ptr<ImportSession> session;
+  HighlightValues highlights;
+  std::unique_ptr<ImportWindowModel> model;
+  std::string nextFile;
+  std::vector<std::string> events;
+  int redraws = 0;
+};
+
+}  // namespace tvx::test

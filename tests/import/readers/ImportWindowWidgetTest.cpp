@@ -1,0 +1,153 @@
+// The import window on screen (offscreen): the grid shows a Gerber file's rows, a layer chosen in
+// its list imports the file, and an offset typed into its cell moves the drawn layer.
+#include "import/readers/GBRVIEWER_IMPORT.h"
+
+#include "ImportWindowTestSupport.h"
+#include "import/readers/ImportPropertyGrid.h"
+#include "platform/UserStore.h"
+#include "platform/WindowPlace.h"
+#include "support/WidgetTestApplication.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include <fstream>
+
+namespace tvx {
+namespace {
+
+void settle() {
+  for (int i = 0; i < 3; ++i) {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // closed editors
+  }
+}
+
+TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
+  test::widgetTestApplication();
+  test::ImportWindowWorld world;
+  MemoryUserStore places;
+  ImportWindowOwners owners = world.makeOwners();
+  owners.window.showHelp = [&world] { world.events.push_back("help"); };
+  GBRVIEWER_IMPORT window(std::move(owners), &places);
+  window.show();
+  world.nextFile = world.folder.file("top.gbr");
+  std::ofstream(world.nextFile, std::ios::binary) << test::TwoPadsAndATrack;
+  window.findChild<QAction*>("M_FileSelect")->trigger();
+  settle();
+
+  ImportPropertyGrid& grid = window.grid();
+  EXPECT_EQ(grid.horizontalHeaderItem(1)->text(), "Specification");
+  QKeyEvent help(QEvent::KeyPress, Qt::Key_F1, Qt::ControlModifier);
+  QCoreApplication::sendEvent(&window, &help);
+  EXPECT_EQ(world.events.back(), "help");
+  ASSERT_EQ(grid.rowCount(), static_cast<int>(window.model().rows.size()));
+  EXPECT_EQ(grid.item(0, 0)->text(), "Import file name");
+  EXPECT_EQ(grid.item(0, 1)->text(), QString::fromStdString(world.nextFile));
+  EXPECT_EQ(grid.item(0, 1)->foreground().color(), QColor(Qt::red));
+  EXPECT_EQ(grid.item(1, 1)->text(), "Artwork GERBER RS-274-X");
+  const int apt = grid.rowOfKey("IMP_APT");
+  ASSERT_GE(apt, 0);
+  EXPECT_EQ(grid.CellBackColor(apt, 1), 0xE6E6E6);
+  const int use = grid.rowOfKey("IMP_APTUSE");
+  ASSERT_GE(use, 0);
+  auto* useButton = qobject_cast<QPushButton*>(grid.cellWidget(use, 1));
+  ASSERT_NE(useButton, nullptr);
+  EXPECT_FALSE(useButton->isEnabled());
+  EXPECT_FALSE(window.findChild<QPushButton*>("cmdCmd4")->isVisible());
+  EXPECT_TRUE(window.findChild<QPushButton*>("cmdView")->isVisible());
+
+  // The layer list: the user picks the first layer.
+  const int layerRow = grid.rowOfKey("IMP_LAYER");
+  ASSERT_GE(layerRow, 0);
+  auto* layers = qobject_cast<QComboBox*>(grid.cellWidget(layerRow, 1));
+  ASSERT_NE(layers, nullptr);
+  EXPECT_EQ(layers->currentText(), "Click to select");
+  const int first = layers->findText(QString::fromStdString(world.layer(1).DisplayName));
+  ASSERT_GE(first, 0);
+  layers->setCurrentIndex(first);
+  emit layers->activated(first);
+  settle();
+  ASSERT_EQ(world.session->state.DialogLayer, 1);
+  ASSERT_EQ(world.items(1).size(), 3u);
+  const int32_t x = world.items(1).back().X;
+  EXPECT_TRUE(window.findChild<QPushButton*>("cmdCmd4")->isVisible());
+  EXPECT_TRUE(window.findChild<QLabel*>("MsgLine")->text().endsWith("Import successful"));
+
+  // An offset typed into its cell and left with Enter: the layer is imported again, moved.
+  window.findChild<QAction*>("F_InchMM1")->trigger();
+  settle();
+  const int offsetRow = grid.rowOfKey("AFS_XO");
+  ASSERT_GE(offsetRow, 0);
+  EXPECT_EQ(grid.item(offsetRow, 1)->text(), "0.000mm");
+  grid.setCurrentCell(offsetRow, 1);
+  grid.editItem(grid.item(offsetRow, 1));
+  auto* editor = qobject_cast<QLineEdit*>(grid.indexWidget(grid.model()->index(offsetRow, 1)));
+  ASSERT_NE(editor, nullptr);
+  editor->setText("12.5");
+  QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  QCoreApplication::sendEvent(editor, &enter);
+  settle();
+  EXPECT_EQ(world.layer(1).OffsetX, 1250000);
+  EXPECT_EQ(world.items(1).back().X, x + 1250000);
+  EXPECT_EQ(grid.item(grid.rowOfKey("AFS_XO"), 1)->text(), "12.500mm");
+
+  // Tab commits as Enter does.
+  const int yRow = grid.rowOfKey("AFS_YO");
+  grid.setCurrentCell(yRow, 1);
+  grid.editItem(grid.item(yRow, 1));
+  editor = qobject_cast<QLineEdit*>(grid.indexWidget(grid.model()->index(yRow, 1)));
+  ASSERT_NE(editor, nullptr);
+  editor->setText("-3");
+  QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+  QCoreApplication::sendEvent(editor, &tab);
+  settle();
+  EXPECT_EQ(world.layer(1).OffsetY, -300000);
+
+  // An aperture's check box leaves its elements out.
+  window.findChild<QPushButton*>("cmdCmd3")->click();
+  settle();
+  const int track = grid.rowOfKey("AF_APF,1");
+  ASSERT_GE(track, 0);
+  auto* box = qobject_cast<QCheckBox*>(grid.cellWidget(track, 1));
+  ASSERT_NE(box, nullptr);
+  EXPECT_TRUE(box->isChecked());
+  box->click();
+  settle();
+  EXPECT_EQ(world.layer(1).Files.at(0).Tag, "|D10*|");
+  EXPECT_EQ(world.items(1).size(), 2u);
+  EXPECT_FALSE(
+      qobject_cast<QCheckBox*>(grid.cellWidget(grid.rowOfKey("AF_APF,1"), 1))->isChecked());
+
+  // The colour page: a square takes the colour and the grid comes back.
+  const int colourRow = grid.rowOfKey("AF_ICL");
+  auto* colours = qobject_cast<QComboBox*>(grid.cellWidget(colourRow, 1));
+  ASSERT_NE(colours, nullptr);
+  emit colours->activated(0);
+  settle();
+  auto* tabs = window.findChild<QTabWidget*>("tabColor");
+  EXPECT_EQ(tabs->currentIndex(), 1);
+  window.findChild<QPushButton*>("picColor13")->click();
+  settle();
+  EXPECT_EQ(tabs->currentIndex(), 0);
+  EXPECT_EQ(world.layer(1).ColourNumber, 13);
+
+  // Close: the window goes and the main window gets the layer.
+  window.findChild<QPushButton*>("cmdCmd1")->click();
+  settle();
+  EXPECT_FALSE(window.isVisible());
+  EXPECT_EQ(world.events.back(), "activate 1");
+  EXPECT_EQ(places.GetSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_IMPORT_WIDTH", ""),
+            std::to_string(window.width() * TwipsPerPixel))
+      << "the window's place is kept for next time";
+}
+
+}  // namespace
+}  // namespace tvx
