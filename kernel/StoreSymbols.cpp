@@ -55,7 +55,8 @@ double Store::Impl::entryReach(const EntryData& e) {
 }
 
 void Store::Impl::refreshEntryBoxes(ArrayData& a) {
-  if (!a.index || a.boxesEpoch == padEpoch)
+  // Only entries reach as far as their pads; the boxes of items never change with pad stacks.
+  if (a.element != ObjectKind::Entry || !a.index || a.boxesEpoch == padEpoch)
     return;
   a.boxesEpoch = padEpoch;
   SymbolData* sym = symbolObject(a.ownerSymbol);

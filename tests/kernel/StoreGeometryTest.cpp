@@ -198,6 +198,26 @@ TEST(StoreCover, EntriesAndFirstIndex) {
   EXPECT_EQ(s.OA_Cover(entries, 2, 98 * 10000 - 1400, 0, 1, 15), 100);
 }
 
+TEST(StoreCover, ItemsBesideEntriesIgnoreThePadStacks) {
+  // A layer holds drawn items and flashed pads; a pad change must not disturb the item index.
+  Store s;
+  s.S_CreateSymbol(3, "copper");
+  ArrayHandle items = s.S_SymbolItemArray(3);
+  for (int i = 0; i < 50; ++i)
+    s.OA_Add(items, s.I_MakeItem(make(ItemCircle, i * 10000, 0, 2000, 0, 100, StyleFilled)));
+  std::vector<Store::ItemInBox> inBox;
+  ASSERT_TRUE(s.itemsInBox(items, FrameRect{0, -100, 25000, 100}, inBox));  // builds the index
+  ObjectHandle pad = s.S_MakePadStack();
+  s.OA_Add(s.S_PadStackItemArray(pad),
+           s.I_MakeItem(make(ItemCircle, 0, 0, 50000, 0, 100, StyleFilled)));
+  ASSERT_EQ(s.OM_Add(s.S_SymbolPadStackMap(3), pad, 10), 10);
+  ASSERT_EQ(s.S_InsertEntry(3, -1, 0, 0), 1);
+  s.S_ChangePadPadStack(3, 1, 10);
+  ASSERT_TRUE(s.itemsInBox(items, FrameRect{0, -100, 25000, 100}, inBox));
+  EXPECT_EQ(inBox.size(), 3u);
+  EXPECT_EQ(s.OA_Cover(items, 1, 30000, 0, 10, 0), 4);
+}
+
 TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
   Store s;
   s.S_CreateSymbol(3, "S");
