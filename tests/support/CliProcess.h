@@ -36,10 +36,14 @@ struct ProcessRun {
   std::string err;
 };
 
-// Runs gbrview with arguments and waits up to timeoutMs for it to end.
-inline ProcessRun runGbrview(const QStringList& arguments, int timeoutMs = 60000) {
+// Runs gbrview with arguments, in workDirectory when one is given, and waits up to timeoutMs for
+// it to end.
+inline ProcessRun runGbrview(const QStringList& arguments, const QString& workDirectory = {},
+                             int timeoutMs = 60000) {
   coreApplication();
   QProcess cli;
+  if (!workDirectory.isEmpty())
+    cli.setWorkingDirectory(workDirectory);
   cli.start(binary("gbrview"), arguments);
   ProcessRun run;
   if (!cli.waitForFinished(timeoutMs)) {
