@@ -5,6 +5,7 @@
 #include "common/ToNumber.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace tvx {
@@ -158,6 +159,9 @@ void ParameterInterpreter::stepAndRepeat(std::string_view argument) {
     Step.StepI = scale().length(ToNumber(values.I));
   if (!values.J.empty())
     Step.StepJ = scale().length(ToNumber(values.J));
+  // Over the total, the Y count gives way: the rows of X repeats stay whole.
+  if (Step.StepX >= 1 && Step.StepX * Step.StepY > MostRepeats)
+    Step.StepY = std::floor(MostRepeats / std::floor(Step.StepX));
 }
 
 void ParameterInterpreter::defineAperture(std::string_view argument) {

@@ -23,9 +23,10 @@ enum ParameterResult : int32_t {
   WriteLayerPolarity = -3,
 };
 
-// The most repeats a step and repeat makes along one axis. Real panels stay far below it; a
-// corrupt count would otherwise make the drawing pass loop for hours.
+// The most repeats a step and repeat makes along one axis, and in all. Real panels stay far below
+// them; a corrupt count would otherwise make the drawing pass fill the memory or loop for hours.
 inline constexpr double MostRepeatsPerAxis = 1000.0;
+inline constexpr double MostRepeats = 10000.0;
 
 struct StepRepeat {
   double StepX = 1.0;  // repeat counts, at most MostRepeatsPerAxis

@@ -148,9 +148,15 @@ TEST(ParameterBlocks, StepAndRepeatAndItsReset) {
   EXPECT_EQ(b.block({"SR"}), WriteStepRepeat);
   EXPECT_EQ(b.interpreter.Step, StepRepeat{});
   // A corrupt count is held to the most repeats per axis; the edge itself is kept.
-  EXPECT_EQ(b.block({"SRX1000Y99999999I1J1"}), WriteStepRepeat);
-  EXPECT_EQ(b.interpreter.Step.StepX, 1000.0);
-  EXPECT_EQ(b.interpreter.Step.StepY, MostRepeatsPerAxis);
+  EXPECT_EQ(b.block({"SRX99999999Y3I1J1"}), WriteStepRepeat);
+  EXPECT_EQ(b.interpreter.Step.StepX, MostRepeatsPerAxis);
+  EXPECT_EQ(b.interpreter.Step.StepY, 3.0);
+  // So is the total: the rows of X repeats stay whole and Y gives way.
+  EXPECT_EQ(b.block({"SRX100Y100"}), WriteStepRepeat);
+  EXPECT_EQ(b.interpreter.Step.StepY, 100.0) << "exactly the total";
+  EXPECT_EQ(b.block({"SRX30Y1000"}), WriteStepRepeat);
+  EXPECT_EQ(b.interpreter.Step.StepX, 30.0);
+  EXPECT_EQ(b.interpreter.Step.StepY, 333.0);
 }
 
 TEST(ParameterBlocks, ScaleOffsetAndPolarities) {
