@@ -34,6 +34,7 @@ class QToolButton;
 namespace tvx {
 
 class GBRVIEWER_GIESVC;
+class GBRVIEWER_IMPORT;
 class HelpWindow;
 class ImportSession;
 class UserStore;
@@ -163,6 +164,8 @@ public:
   QFileDialog* fileRequest() const;
   // The layer visibility window while it is open.
   GBRVIEWER_GIESVC* layerVisibilityWindow() const;
+  // The import window while it is loaded.
+  GBRVIEWER_IMPORT* importWindow() const;
 
   // Set by the pointer tools while a tool or a rubber figure runs.
   bool pointerToolActive() const { return pointerToolActive_; }
@@ -244,6 +247,9 @@ private:
   // Imports one file without the dialog; the layer it went to, 0 when it failed.
   int32_t importOne(const std::string& path, int32_t layer);
   void askToDisplayFile(const std::string& path);
+  // Loads the import window for the job's file, wired to this window; the one that is loaded
+  // already is used again.
+  GBRVIEWER_IMPORT& loadImportWindow();
 
   ComponentContext context_;
   UserStore* userStore_ = nullptr;
@@ -256,6 +262,8 @@ private:
   QLabel* messagePanel_ = nullptr;
   QPointer<QFileDialog> fileRequest_;
   QPointer<GBRVIEWER_GIESVC> layerVisibility_;
+  QPointer<GBRVIEWER_IMPORT> importWindow_;
+  int32_t holeMapping_ = 0;  // the import window's hole mapping, kept from one window to the next
   std::unique_ptr<HelpWindow> help_;
 
   std::unique_ptr<ViewState> view_;

@@ -2,6 +2,7 @@
 #include "shell/GBRVIEWER_MAIN.h"
 
 #include "import/gerber/FileRecognition.h"
+#include "import/readers/GBRVIEWER_IMPORT.h"
 #include "import/readers/RenderFiles.h"
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
@@ -158,18 +159,22 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   unsetCursor();
   const bool displayFile = kind == ImportKind::Unknown;
   if (!displayFile) {
-    // The import dialog is not built yet. Until it is, every kind goes through the windowless
-    // import at once: Excellon into the drill layer, Gerber into the first free layer of the
-    // Gerber order, DXF into the outline. So there is no dialog to wait for here.
+    // The import window takes the file: stage one at once, and for the kinds whose layer is
+    // fixed (drill, HPGL, DXF) the import too. It stays up, without a modal loop, until the user
+    // closes it; until then closing the main window is refused and no other import starts.
+    job.Kind = kind;
+    GBRVIEWER_IMPORT& window = loadImportWindow();
+    ImportWindowModel& model = window.model();
     importRunning_ = true;
-    std::vector<bool> taken(size_t(LayerCount) + 1, false);
-    const int32_t layer = layerForKind(int32_t(kind), taken);
-    const int32_t imported = layer >= 0 ? importOne(path, layer) : 0;
-    importRunning_ = false;
-    if (imported != 0) {
-      makeLayerCurrent(imported);
-      view_->ZoomModeFlag = zoommode::Board;
-      applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
+    setImportDialogVisible(true);
+    const bool stays = model.ApplyFile();
+    if (stays && (kind == ImportKind::ExcellonFormatTwo || kind == ImportKind::ExcellonFormatOne ||
+                  kind == ImportKind::Hpgl || kind == ImportKind::Dxf))
+      model.ImportFile();
+    if (importWindow_) {
+      window.refresh();
+      window.show();
+      window.raise();
     }
   }
   setImportControlsEnabled(true);
@@ -214,6 +219,68 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
 }
 
 QFileDialog* GBRVIEWER_MAIN::fileRequest() const { return fileRequest_; }
+
+GBRVIEWER_IMPORT* GBRVIEWER_MAIN::importWindow() const { return importWindow_; }
+
+GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
+  if (importWindow_)
+    return *importWindow_;
+  ViewRedraw& r = *redraw_;
+  MainWindowLink main;
+  main.setBusyPointer = [this](bool busy) {
+    if (busy)
+      setCursor(Qt::WaitCursor);
+    else
+      unsetCursor();
+  };
+  main.redraw = [this] {
+    view_->ZoomModeFlag = zoommode::Board;
+    applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
+  };
+  ImportWindowLink link;
+  link.RedrawScreen = [this] { RedrawScreen(); };
+  link.currentLayer = [this] { return tables_->CurrentLayer; };
+  link.activateLayer = [this](int32_t layer) {
+    if (layer >= 1 && layer <= LayerCount) {
+      makeLayerCurrent(layer);
+      syncMenuChecks();
+      RedrawScreen();
+    }
+  };
+  link.dialogClosed = [this] {
+    if (importWindow_)
+      holeMapping_ = importWindow_->model().HoleMapping;
+    importRunning_ = false;
+    setImportDialogVisible(false);
+    currentFunction_ = 0;
+    M_FSI_Click(1);
+  };
+  link.saveNoCenter = [this](bool noCenter) { settings_.NoCenter = noCenter; };
+  link.saveImpDir = [this](const std::string& folder) {
+    int32_t status = 0;
+    writeImpDir(status, context_.services, folder);
+    settings_.ImpDir = folder;
+  };
+  link.showHelp = [this] { M_Help_Click(); };
+  ImportWindowOwners owners{*import_,
+                            tables_->Layers,
+                            HighlightLink(r.HLDCode, r.HLDCodeText, r.HLPadstack, r.HLPadstackText),
+                            std::move(main),
+                            std::move(link),
+                            (*colours_)[colourslot::ClearColour].ColourNumber,
+                            view_->DisplayUnit};
+  auto* window = new GBRVIEWER_IMPORT(std::move(owners), userStore_, this);
+  window->setWindowFlag(Qt::Window);
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  ImportWindowModel& model = window->model();
+  model.stages().programTitle = windowTitle().toStdString();
+  model.NoCenter = settings_.NoCenter;
+  model.ImpDir = settings_.ImpDir;
+  model.HoleMapping = holeMapping_;
+  model.FormFill();
+  importWindow_ = window;
+  return *window;
+}
 
 void GBRVIEWER_MAIN::M_GIESelCatView_Click() {
   // Shown without a modal loop; the picture follows every change of the rows.

@@ -2,6 +2,8 @@
 // and the menu's display options.
 #include "ComponentTestSupport.h"
 
+#include "import/readers/GBRVIEWER_IMPORT.h"
+#include "import/readers/ImportPropertyGrid.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "store/LayerCatalogue.h"
@@ -198,9 +200,24 @@ TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
   request->selectFile(QString::fromStdString(path));
   QMetaObject::invokeMethod(request, "accept");
 
+  // The import window takes the file and imports it at once: a drill file has its layer.
   EXPECT_EQ(drillEntries(), 3);
   EXPECT_TRUE(prompts.shown.empty());
   EXPECT_TRUE(window()->isEnabled());
+  GBRVIEWER_IMPORT* importWindow = window()->importWindow();
+  ASSERT_NE(importWindow, nullptr);
+  EXPECT_TRUE(importWindow->isVisible());
+  EXPECT_TRUE(window()->importDialogVisible());
+  EXPECT_GT(importWindow->grid().rowCount(), 0);
+  // A second file request waits until the window is closed.
+  window()->importChosenFile(path);
+  EXPECT_EQ(window()->importWindow(), importWindow);
+
+  // Closing it makes the imported layer the current one, on top.
+  importWindow->close();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(window()->importWindow(), nullptr);
+  EXPECT_FALSE(window()->importDialogVisible());
   EXPECT_EQ(window()->layerTables().CurrentLayer, DrillLayer);
   EXPECT_EQ(window()->layerTables().orderRow(1).LayerNumber, DrillLayer);
   EXPECT_TRUE(window()->layerTables().layer(DrillLayer).Active);
