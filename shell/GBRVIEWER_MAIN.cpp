@@ -330,6 +330,12 @@ void GBRVIEWER_MAIN::applyViewChange(const ViewChange& change) {
 }
 
 bool GBRVIEWER_MAIN::saveViewPicture(const std::string& path) const {
+  // What the view shows on the screen when it is shown; its shadow picture otherwise.
+  if (viewPicture_ && viewPicture_->isVisible()) {
+    const QImage grabbed = viewPicture_->grab().toImage();
+    if (!grabbed.isNull())
+      return grabbed.save(QString::fromStdString(path), "PNG");
+  }
   const QImage* image = context_.kernel.graphics.shadowImage(cpDcId_);
   return image && !image->isNull() && image->save(QString::fromStdString(path), "PNG");
 }

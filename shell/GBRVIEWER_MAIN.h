@@ -205,7 +205,8 @@ public:
   const std::string& busyPicture() const { return busyPicture_; }
   // A menu entry by its name (M_...), or nullptr.
   QAction* menuEntry(const std::string& name) const;
-  // Saves the view's shadow picture as PNG; false when there is none or it cannot be written.
+  // Saves the view as the screen shows it (its shadow picture while it is hidden) as PNG; false
+  // when there is none or it cannot be written.
   bool saveViewPicture(const std::string& path) const;
 
   // The host's text behind the class's SeverPath property.
