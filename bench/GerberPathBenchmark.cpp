@@ -5,6 +5,7 @@
 // with clear cut-outs. Sizes: 20 MB, and 100 MB, which runs only when asked for by name
 // (--benchmark_filter=100MB).
 #include "import/readers/WindowlessImport.h"
+#include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -172,13 +173,10 @@ void runGerberPath(benchmark::State& state, int megabytes) {
   for (auto _ : state) {
     ScriptedPrompts prompts;
     SystemServices services(&prompts);
-    auto kernel = std::make_unique<Kernel>();
-    ColourSlots colours;
-    colours.build(kernel->strings);
-    auto tables = std::make_unique<LayerTables>();
-    BuildLayerTables(kernel->store, services, colours, false, *tables);
-    ImportSession session(kernel->store, services, prompts);
-    ImportOwners owners = session.owners(tables->Layers);
+    WindowlessLayers run(services, prompts);
+    Kernel* kernel = run.kernel.get();
+    LayerTables* tables = run.tables.get();
+    ImportOwners owners = run.owners();
 
     const auto start = std::chrono::steady_clock::now();
     WindowlessImportOptions options;
@@ -207,7 +205,7 @@ void runGerberPath(benchmark::State& state, int megabytes) {
     graphics.G_OpenDC(dev, view, drawmode::Normal);
     graphics.G_CreateShadowBitmap(dev);
     LayerDrawContext context(graphics, kernel->store);
-    context.clearColour = colours.ClearColour();
+    context.clearColour = run.colours.ClearColour();
     std::vector<LayerOrderRow> order(tables->LayerOrder.begin(), tables->LayerOrder.end());
     for (LayerOrderRow& row : order)
       row.Visible = row.LayerNumber == result.layer;
@@ -221,7 +219,7 @@ void runGerberPath(benchmark::State& state, int megabytes) {
     items = kernel->store.OA_GetCount(
         kernel->store.S_SymbolItemArray(tables->layer(result.layer).SymbolHandle));
     state.PauseTiming();  // the store's teardown is not part of the path
-    kernel.reset();
+    run.kernel.reset();
     state.ResumeTiming();
   }
   const double runs = double(state.iterations());

@@ -2,6 +2,7 @@
 // the drawing pass into the layer's symbol and the centring. No input may crash, hang, read out of
 // bounds or grow without end.
 #include "import/readers/WindowlessImport.h"
+#include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -43,14 +44,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   ScriptedPrompts prompts;
   SystemServices services(&prompts);
-  auto kernel = std::make_unique<Kernel>();
-  ColourSlots colours;
-  colours.build(kernel->strings);
-  auto tables = std::make_unique<LayerTables>();
-  BuildLayerTables(kernel->store, services, colours, false, *tables);
-  ImportSession session(kernel->store, services, prompts);
-  session.state.Job.WorkDirectory = workFolder().string() + "/";
-  ImportOwners owners = session.owners(tables->Layers);
+  WindowlessLayers run(services, prompts);
+  run.session->state.Job.WorkDirectory = workFolder().string() + "/";
+  ImportOwners owners = run.owners();
   WindowlessImportOptions options;
   // The first byte picks RS-274-X or -D, so files that recognition would refuse are drawn too.
   options.kind = size > 0 && (data[0] & 1) ? ImportKind::ArtworkRS274D : ImportKind::ArtworkRS274X;

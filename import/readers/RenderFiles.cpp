@@ -3,6 +3,7 @@
 #include "common/TextHelpers.h"
 #include "import/gerber/FileRecognition.h"
 #include "import/readers/WindowlessImport.h"
+#include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -240,19 +241,18 @@ RenderOutcome renderFiles(const RenderOptions& options) {
 
   ScriptedPrompts prompts;  // shows nothing; every message goes to the outcome
   SystemServices services(&prompts);
-  auto kernel = std::make_unique<Kernel>();
-  ColourSlots colours;
-  colours.build(kernel->strings);
-  auto tables = std::make_unique<LayerTables>();
-  BuildLayerTables(kernel->store, services, colours, false, *tables);
-  ImportSession session(kernel->store, services, prompts);
+  WindowlessLayers run(services, prompts);
+  Kernel* kernel = run.kernel.get();
+  LayerTables* tables = run.tables.get();
+  const ColourSlots& colours = run.colours;
+  ImportSession& session = *run.session;
   session.titles.programTitle = "gbrview";
   // A work folder of this run's own for the intermediate file, so that renders running side by
   // side never share one; removed with everything in it at the end.
   QTemporaryDir workFolder;
   if (workFolder.isValid())
     session.state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
-  ImportOwners owners = session.owners(tables->Layers);
+  ImportOwners owners = run.owners();
 
   std::array<bool, LayerCount + 1> taken{};
   bool firstGerber = true;
