@@ -35,6 +35,9 @@ public:
 
   // Registers an object of kind stored at poolIndex; returns its handle, 0 when the table is full.
   int32_t add(ObjectKind kind, uint32_t poolIndex);
+  // Makes room for count more slots at once, so that a large import does not copy the table
+  // again and again as it grows.
+  void reserve(size_t count) { slots_.reserve(slots_.size() + count); }
   // Frees the handle's slot. Returns false for a handle that is not live.
   bool remove(int32_t handle);
 

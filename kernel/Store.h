@@ -131,6 +131,9 @@ public:
   const ItemFields* itemFields(ObjectHandle item, const std::string** text = nullptr,
                                const std::string** face = nullptr) const;
 
+  // Makes room for count more items at once: for readers that know roughly how many they add.
+  void reserveItems(size_t count);
+
   // Deletes an object that no array or map holds (an item or pad stack whose adding failed).
   // Returns 0 for an object that has an owner or is not live.
   int32_t deleteFreeObject(ObjectHandle object);

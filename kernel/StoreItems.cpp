@@ -68,6 +68,11 @@ int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
   return d->f.Type;
 }
 
+void Store::reserveItems(size_t count) {
+  impl_->items.data.reserve(impl_->items.data.size() + count);
+  impl_->table.reserve(count);
+}
+
 const ItemFields* Store::itemFields(ObjectHandle item, const std::string** text,
                                     const std::string** face) const {
   ItemData* d = impl_->item(item);

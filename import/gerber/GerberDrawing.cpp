@@ -4,7 +4,9 @@
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/GerberFormat.h"
 #include "import/gerber/ReportStatus.h"
+#include "kernel/Store.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -328,6 +330,9 @@ void DrawingPass::run(int32_t& status) {
 
 void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
                       const GerberDrawContext& context) {
+  // One or two elements a record (macros, outlines and thermals make several): room for them at
+  // once spares the store's copies as it grows. Capacity left unused is never touched.
+  context.store.reserveItems(2 * size_t(std::max(0, art.recordCount())));
   DrawingPass pass(art, layer, file, context);
   pass.run(status);
 }
