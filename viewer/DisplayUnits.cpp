@@ -1,18 +1,17 @@
 #include "viewer/DisplayUnits.h"
 
 #include "common/FormatNumber.h"
+#include "common/LengthFormats.h"
 
 namespace tvx {
 
 namespace {
 constexpr DisplayUnitInfo Units[] = {
-    {"#0.0000#", "#0.000", "\"", "inches", 1.0 / 25.4, SinglePrecisionInch},
-    {"###0.000#", "###0.0", "mm", "millimeters", 1.0, 1.0},
+    {InchPictures.Length, InchPictures.Short, InchPictures.Mark, "inches",
+     InchPictures.FactorFromMm, SinglePrecisionInch},
+    {MillimetrePictures.Length, MillimetrePictures.Short, MillimetrePictures.Mark, "millimeters",
+     MillimetrePictures.FactorFromMm, 1.0},
 };
-
-double inUnit(double storeLength, int32_t unit, int32_t unitsPerMm) {
-  return storeLength / double(unitsPerMm) * displayUnitInfo(unit).FactorFromMm;
-}
 }  // namespace
 
 const DisplayUnitInfo& displayUnitInfo(int32_t unit) {
@@ -20,17 +19,15 @@ const DisplayUnitInfo& displayUnitInfo(int32_t unit) {
 }
 
 std::string FormatLengthValue(double storeLength, int32_t unit, int32_t unitsPerMm) {
-  return FormatNumber(inUnit(storeLength, unit, unitsPerMm), displayUnitInfo(unit).LengthFormat);
+  return LengthValueText(storeLength, unit, double(unitsPerMm));
 }
 
 std::string FormatLength(double storeLength, int32_t unit, int32_t unitsPerMm) {
-  return FormatLengthValue(storeLength, unit, unitsPerMm) + std::string(displayUnitInfo(unit).Mark);
+  return LengthText(storeLength, unit, double(unitsPerMm));
 }
 
 std::string FormatShortLength(double storeLength, int32_t unit, int32_t unitsPerMm) {
-  const DisplayUnitInfo& info = displayUnitInfo(unit);
-  return FormatNumber(inUnit(storeLength, unit, unitsPerMm), info.ShortFormat) +
-         std::string(info.Mark);
+  return ShortLengthText(storeLength, unit, double(unitsPerMm));
 }
 
 std::string FormatAngle(int32_t thousandths) {

@@ -396,8 +396,9 @@ void ImportWindowModel::chooseLayer(int32_t index) {
       file.ReaderCode = ReaderGerberArtwork;
       stages_.FiltersShown = false;
       stages_.filterButtonCaption = text("Show Filters", "62316");
+      stages_.filterButtonVisible = true;
     }
-    stages_.filterButtonVisible = true;
+    // A drilling layer shows its filter button only once an import into it has succeeded.
     ImportFile();
   } else if (job.Kind == ImportKind::Dxf) {
     file.ReaderCode = ReaderDxf;

@@ -2,6 +2,7 @@
 #include "import/readers/ImportWindowModel.h"
 
 #include "common/FormatNumber.h"
+#include "common/LengthFormats.h"
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/ArtFile.h"
 #include "platform/SystemServices.h"
@@ -11,19 +12,6 @@
 namespace tvx {
 
 namespace {
-
-// How the grid shows lengths in each OffsetUnit: the pictures of the viewer's panels.
-struct UnitPictures {
-  const char* length;
-  const char* shortForm;
-  const char* mark;
-  double factorFromMm;
-};
-const UnitPictures& picturesOf(int32_t unit) {
-  static const UnitPictures inch{"#0.0000#", "#0.000", "\"", 1.0 / 25.4};
-  static const UnitPictures mm{"###0.000#", "###0.0", "mm", 1.0};
-  return unit == 1 ? mm : inch;
-}
 
 constexpr const char* ScalePicture = "#0.0##";
 
@@ -86,15 +74,11 @@ std::string ToolLabel(int32_t code) {
 }
 
 std::string ImportWindowModel::lengthText(double storeLength) const {
-  const UnitPictures& p = picturesOf(OffsetUnit);
-  const double units = session_.services.DatabaseUnitsPerMm();
-  return FormatNumber(storeLength / units * p.factorFromMm, p.length) + p.mark;
+  return LengthText(storeLength, OffsetUnit, session_.services.DatabaseUnitsPerMm());
 }
 
 std::string ImportWindowModel::shortLengthText(double storeLength) const {
-  const UnitPictures& p = picturesOf(OffsetUnit);
-  const double units = session_.services.DatabaseUnitsPerMm();
-  return FormatNumber(storeLength / units * p.factorFromMm, p.shortForm) + p.mark;
+  return ShortLengthText(storeLength, OffsetUnit, session_.services.DatabaseUnitsPerMm());
 }
 
 void ImportWindowModel::buildLists() {
@@ -174,17 +158,18 @@ void ImportWindowModel::addFormatRows(ImportKind k) {
 }
 
 void ImportWindowModel::addLayerRows(ImportKind k) {
-  const ImportState& state = session_.state;
-  if (!state.Job.Prepared)
-    return;
-  rows.push_back(group(text("Layer Import", "62344"), text("Setup", "62345")));
   const LayerRecord* layer = dialogLayer();
-  const std::string name = layer ? layer->DisplayName : text("Click to select", "62367");
-  const bool choosable = isGerberKind(k) || k == ImportKind::Dxf;
-  GridRow choice = cell("IMP_LAYER", text("Import to layer", "62346"),
-                        choosable ? CellKind::List : CellKind::Text, name,
-                        choosable ? importlist::Layers : importlist::None);
-  rows.push_back(choosable ? choice : readOnly(choice));
+  // The layer choice needs a scanned file; the rows of a bound layer stay without one, so that a
+  // rescan that found nothing still shows the layer's values.
+  if (session_.state.Job.Prepared) {
+    rows.push_back(group(text("Layer Import", "62344"), text("Setup", "62345")));
+    const std::string name = layer ? layer->DisplayName : text("Click to select", "62367");
+    const bool choosable = isGerberKind(k) || k == ImportKind::Dxf;
+    GridRow choice = cell("IMP_LAYER", text("Import to layer", "62346"),
+                          choosable ? CellKind::List : CellKind::Text, name,
+                          choosable ? importlist::Layers : importlist::None);
+    rows.push_back(choosable ? choice : readOnly(choice));
+  }
   if (!layer)
     return;
 

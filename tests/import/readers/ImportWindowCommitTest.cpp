@@ -349,6 +349,44 @@ TEST_F(ImportWindowCommit, AScanThatVanishedBeforeTheImportFailsAndTheWindowStay
   EXPECT_EQ(model().stages().messageLine, world.layer(1).DisplayName + " Import successful");
 }
 
+TEST_F(ImportWindowCommit, TheFilterButtonWaitsForASuccessfulImportOnlyOnTheDrillLayer) {
+  // Artwork: choosing the layer shows the button even when the import then fails.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  std::filesystem::remove(world.session->state.Job.IntermediatePath);
+  world.choose(world.layer(1).DisplayName);
+  ASSERT_EQ(model().stages().messageLine, world.layer(1).DisplayName + " Import failed");
+  EXPECT_TRUE(model().stages().filterButtonVisible);
+
+  // Drilling: a failed import leaves it hidden, a successful one shows it.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  ASSERT_FALSE(model().stages().filterButtonVisible);
+  std::filesystem::remove(world.session->state.Job.IntermediatePath);
+  world.choose("Drill Template");
+  ASSERT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274X);
+  ASSERT_EQ(model().stages().messageLine, world.layer(31).DisplayName + " Import failed");
+  EXPECT_FALSE(model().stages().filterButtonVisible);
+  EXPECT_TRUE(model().stages().FiltersShown) << "the tool rows are shown all the same";
+  model().CommitKey("IMP_SCFYG", "1");
+  ASSERT_EQ(model().stages().messageLine, world.layer(31).DisplayName + " Import successful");
+  EXPECT_TRUE(model().stages().filterButtonVisible);
+}
+
+TEST_F(ImportWindowCommit, ALayerKeepsItsRowsWhenARescanFindsNoFile) {
+  openArtwork();
+  model().CommitKey("AFS_XO", "0.5");
+  const int32_t offset = world.layer(1).OffsetX;
+  ASSERT_NE(offset, 0);
+  std::filesystem::remove(world.session->state.Job.SourcePath);
+  model().CommitKey("IMP_SCFYG", "2");
+  ASSERT_FALSE(world.session->state.Job.Prepared) << "the scan found nothing to import";
+  ASSERT_EQ(world.session->state.DialogLayer, 1);
+  EXPECT_LT(model().rowOf("IMP_LAYER"), 0) << "the layer choice needs a scan";
+  for (const char* key : {"AF_ICL", "AFS_XO", "AFS_YO", "AFS_NOCENTER"})
+    EXPECT_GE(model().rowOf(key), 0) << key;
+  EXPECT_EQ(world.row("AFS_XO").Value, "0.5000\"");
+  EXPECT_EQ(world.layer(1).OffsetX, offset);
+}
+
 TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
   world.open("top.gbr", test::TwoPadsAndATrack);
   model().cmdView();
