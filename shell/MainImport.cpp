@@ -238,6 +238,15 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
   };
   ImportWindowLink link;
+  // The window's "Open for Import" asks with the same title and filters as the file-open command.
+  link.SetInpFileN = [this](const std::string& startFolder) {
+    const QString title =
+        QString::fromStdString(context_.services.LocalMessage(ImportTitle, ImportTitleId));
+    return QFileDialog::getOpenFileName(this, title, QString::fromStdString(startFolder),
+                                        importFilters().join(";;"), nullptr,
+                                        QFileDialog::ReadOnly)
+        .toStdString();
+  };
   link.RedrawScreen = [this] { RedrawScreen(); };
   link.currentLayer = [this] { return tables_->CurrentLayer; };
   link.activateLayer = [this](int32_t layer) {
