@@ -152,12 +152,8 @@ TEST(ArtSections, PassResultReadsBackTheSame) {
                      "%ADD12THERMAL,0.08X0.06*%%ADD13P,0.05X8*%D10*X0Y0D02*X100Y0D01*D11*X5Y5D03*"
                      "D12*X6Y6D03*X7Y7D03*D13*X8Y8D03*M02*"),
             0);
-  ArtFile art;
-  ASSERT_TRUE(art.open(pass.art));
   GerberScan back;
-  int32_t status = -1;
-  LoadArtHeader(status, art, false, back, pass.reporting.reporter);
-  ASSERT_EQ(status, 0);
+  ASSERT_EQ(pass.readBack(back), 0);
   EXPECT_EQ(back.Header, pass.scan.Header);
   const auto used = [](const std::vector<ApertureUse>& list) {
     std::vector<ApertureUse> out;

@@ -5,6 +5,7 @@
 #include "ImportTestSupport.h"
 
 #include "common/FileLayer.h"
+#include "import/gerber/ArtSections.h"
 #include "import/gerber/ArtStream.h"
 #include "import/gerber/GerberFormat.h"
 #include "import/gerber/GerberScan.h"
@@ -62,6 +63,17 @@ struct GerberPass {
     int32_t status = -1;
     GerberPassContext c = context();
     RunGerberTextPass(status, path, art, c);
+    return status;
+  }
+
+  // Reads the header and sections of what the pass wrote into back; the status of the reading
+  // (-1 when the file does not open).
+  int32_t readBack(GerberScan& back) {
+    ArtFile file;
+    if (!file.open(art))
+      return -1;
+    int32_t status = -1;
+    LoadArtHeader(status, file, false, back, reporting.reporter);
     return status;
   }
 
