@@ -2,6 +2,7 @@
 #include "shell/GBRVIEWER_MAIN.h"
 
 #include "import/gerber/FileRecognition.h"
+#include "import/readers/FileRequest.h"
 #include "import/readers/GBRVIEWER_IMPORT.h"
 #include "import/readers/RenderFiles.h"
 #include "import/readers/WindowlessImport.h"
@@ -24,29 +25,12 @@ namespace tvx {
 
 namespace {
 
-constexpr const char* ImportTitleId = "62184";
-constexpr const char* ImportTitle = "Select File for Import";
 constexpr int32_t StatusNotSupported = 93;
 constexpr const char* DisplayFileId = "151217";
 constexpr const char* DisplayFileText = "Display file?";
 constexpr const char* UnrecognisedId = "151218";
 constexpr const char* UnrecognisedText = "Unrecognized  format";
 constexpr int KeyEscape = 27;
-
-// The file request's filters: every file first, then the usual extensions of each kind.
-QStringList importFilters() {
-  return {"All import files(*.*) (*)",
-          "Gerber ASCII files (*.GBR) (*.GBR *.gbr)",
-          "Gerber ASCII files (*.GBL) (*.GBL *.gbl)",
-          "Gerber ASCII files (*.GTL) (*.GTL *.gtl)",
-          "Gerber ASCII files (*.TOP) (*.TOP *.top)",
-          "Gerber ASCII files (*.BOT) (*.BOT *.bot)",
-          "Excellon ASCII files (*.DRL) (*.DRL *.drl)",
-          "Excellon ASCII files (*.NCD) (*.NCD *.ncd)",
-          "HPGL ASCII files (*.PLT) (*.PLT *.plt)",
-          "HPGL ASCII files (*.HGL) (*.HGL *.hgl)",
-          "AutoCAD Drawing Interchange files (*.DXF) (*.DXF *.dxf)"};
-}
 
 bool layerIsEmpty(const Store& store, const LayerRecord& layer) {
   return store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle)) +
@@ -72,12 +56,12 @@ void GBRVIEWER_MAIN::M_FSIimport_Click() {
   request->setObjectName("SetInpFileN");
   request->setAttribute(Qt::WA_DeleteOnClose);
   request->setWindowTitle(
-      QString::fromStdString(context_.services.LocalMessage(ImportTitle, ImportTitleId)));
+      QString::fromStdString(fileRequestTitle(context_.services, filerequest::ForImport)));
   request->setFileMode(QFileDialog::ExistingFile);
   request->setAcceptMode(QFileDialog::AcceptOpen);
   request->setOption(QFileDialog::ReadOnly, true);
-  request->setNameFilters(importFilters());
-  request->selectNameFilter(importFilters().front());
+  request->setNameFilters(importFileFilters());
+  request->selectNameFilter(importFileFilters().front());
   request->setDirectory(QString::fromStdString(settings_.ImpDir));
   connect(request, &QFileDialog::fileSelected, this,
           [this](const QString& file) { importChosenFile(file.toStdString()); });
@@ -238,15 +222,6 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
   };
   ImportWindowLink link;
-  // The window's "Open for Import" asks with the same title and filters as the file-open command.
-  link.SetInpFileN = [this](const std::string& startFolder) {
-    const QString title =
-        QString::fromStdString(context_.services.LocalMessage(ImportTitle, ImportTitleId));
-    return QFileDialog::getOpenFileName(this, title, QString::fromStdString(startFolder),
-                                        importFilters().join(";;"), nullptr,
-                                        QFileDialog::ReadOnly)
-        .toStdString();
-  };
   link.RedrawScreen = [this] { RedrawScreen(); };
   link.currentLayer = [this] { return tables_->CurrentLayer; };
   link.activateLayer = [this](int32_t layer) {

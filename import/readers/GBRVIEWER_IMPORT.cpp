@@ -1,5 +1,7 @@
 #include "import/readers/GBRVIEWER_IMPORT.h"
 
+#include "import/readers/FileRequest.h"
+
 #include "import/readers/ImportPropertyGrid.h"
 #include "kernel/Palette.h"
 #include "platform/SystemServices.h"
@@ -32,7 +34,9 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   setObjectName("GBRVIEWER_IMPORT");
   ImportWindowLink& link = owners.window;
   if (!link.SetInpFileN)
-    link.SetInpFileN = [this](const std::string& start) { return pickFile(start); };
+    link.SetInpFileN = [this](int mode, const std::string& start) {
+      return askForFile(this, model_->session().services, mode, start);
+    };
   link.unload = [this, outer = std::move(link.unload)] {
     if (outer)
       outer();
@@ -166,14 +170,6 @@ QWidget* GBRVIEWER_IMPORT::buildPalette() {
   }
   squares->setRowStretch(PaletteSize / PaletteColumns, 1);
   return page;
-}
-
-std::string GBRVIEWER_IMPORT::pickFile(const std::string& startFolder) {
-  const SystemServices& services = model_->session().services;
-  const QString file = QFileDialog::getOpenFileName(
-      this, QString::fromStdString(services.LocalMessage("Select File for Import", "62184")),
-      QString::fromStdString(startFolder), tr("All import files(*.*) (*)"));
-  return file.toStdString();
 }
 
 void GBRVIEWER_IMPORT::refresh() {

@@ -47,7 +47,6 @@ protected:
 private:
   void buildMenus();
   QWidget* buildPalette();
-  std::string pickFile(const std::string& startFolder);
 
   std::unique_ptr<ImportWindowModel> model_;
   std::function<void()> showHelp_;

@@ -2,6 +2,8 @@
 // file menu, the unit menu, the colour page, the highlights of a row click and the unload.
 #include "import/readers/ImportWindowModel.h"
 
+#include "import/readers/FileRequest.h"
+
 #include "import/gerber/FileRecognition.h"
 #include "kernel/Palette.h"
 #include "platform/SystemServices.h"
@@ -132,7 +134,7 @@ void ImportWindowModel::cmdView() {
 void ImportWindowModel::M_FileView() {
   if (!link_.SetInpFileN)
     return;
-  const std::string path = link_.SetInpFileN(ImpDir);
+  const std::string path = link_.SetInpFileN(filerequest::ForDisplay, ImpDir);
   if (path.empty())
     return;
   FileRecogniser reader(session_.files, session_.services);
@@ -153,7 +155,7 @@ void ImportWindowModel::M_FileSelect() {
   ImportJob& job = session_.state.Job;
   if (!job.SourcePath.empty())
     ImpDir = std::filesystem::path(job.SourcePath).parent_path().string();
-  const std::string path = link_.SetInpFileN ? link_.SetInpFileN(ImpDir) : std::string();
+  const std::string path = link_.SetInpFileN ? link_.SetInpFileN(filerequest::ForImport, ImpDir) : std::string();
   if (link_.saveImpDir)
     link_.saveImpDir(ImpDir);
   if (path.empty())

@@ -100,7 +100,8 @@ std::string ToolLabel(int32_t code);
 // What the window needs of the main window and of the windows it opens. Empty callables do
 // nothing; an empty file picker is a cancelled one.
 struct ImportWindowLink {
-  std::function<std::string(const std::string& startFolder)> SetInpFileN;
+  // The file request; mode 1 for display, 2 for import (filerequest::ForDisplay, ForImport).
+  std::function<std::string(int mode, const std::string& startFolder)> SetInpFileN;
   std::function<void()> RedrawScreen;
   std::function<void()> unload;                // the window goes
   std::function<int32_t()> currentLayer;       // the main window's current layer

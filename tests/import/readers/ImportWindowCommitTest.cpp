@@ -328,7 +328,7 @@ TEST_F(ImportWindowCommit, AnUnreadableFileShowsItselfAsTextAndCloses) {
   world.nextFile.clear();
   model().ClickRow(model().rowOf("IMP_FLEN"), true);
   EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
-  EXPECT_EQ(world.events.back(), "picker in " + world.folder.path().string());
+  EXPECT_EQ(world.events.back(), "picker 2 in " + world.folder.path().string());
 }
 
 TEST_F(ImportWindowCommit, AScanThatVanishedBeforeTheImportFailsAndTheWindowStays) {
@@ -398,6 +398,7 @@ TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
   EXPECT_FALSE(model().ViewShown);
   EXPECT_EQ(model().stages().viewButtonCaption, "View");
   model().M_FileView();
+  EXPECT_EQ(world.events.back().rfind("picker 1 in ", 0), 0u) << "the request for display";
   EXPECT_EQ(model().viewerBackground, 0xFFFFC0);
   EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X) << "import state untouched";
 }

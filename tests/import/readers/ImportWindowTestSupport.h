@@ -59,8 +59,8 @@ struct ImportWindowWorld {
     ImportWindowOwners owners{*session, tables->Layers, highlights, {}, {}, ClearColour, 0};
     owners.mainWindow.redraw = [this] { ++redraws; };
     owners.mainWindow.setDisplayFile = [this] { events.push_back("display file"); };
-    owners.window.SetInpFileN = [this](const std::string& start) {
-      events.push_back("picker in " + start);
+    owners.window.SetInpFileN = [this](int mode, const std::string& start) {
+      events.push_back("picker " + std::to_string(mode) + " in " + start);
       return nextFile;
     };
     owners.window.RedrawScreen = [this] { ++redraws; };
