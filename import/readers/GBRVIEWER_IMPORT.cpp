@@ -56,7 +56,7 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   const SystemServices& services = model_->session().services;
   egrdProp_->setHorizontalHeaderLabels(
       {QString::fromStdString(services.LocalMessage("Import File", "62363")),
-       QString::fromStdString(services.LocalMessage("Specification", "62364"))});
+       QString::fromStdString(services.LocalMessage("Setting", "62364"))});
   F_Viewer_ = new QPlainTextEdit;
   F_Viewer_->setObjectName("F_Viewer");
   F_Viewer_->setReadOnly(true);

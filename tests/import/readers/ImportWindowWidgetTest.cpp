@@ -44,7 +44,7 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   settle();
 
   ImportPropertyGrid& grid = window.grid();
-  EXPECT_EQ(grid.horizontalHeaderItem(1)->text(), "Specification");
+  EXPECT_EQ(grid.horizontalHeaderItem(1)->text(), "Setting");
   QKeyEvent help(QEvent::KeyPress, Qt::Key_F1, Qt::ControlModifier);
   QCoreApplication::sendEvent(&window, &help);
   EXPECT_EQ(world.events.back(), "help");
