@@ -3,11 +3,14 @@
 #pragma once
 
 #include "common/ToNumber.h"
+#include "import/gerber/FileRecognition.h"
 #include "import/gerber/GerberFormat.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -93,6 +96,29 @@ inline bool isEndOfProgram(const std::string& m) { return !m.empty() && ToNumber
 // The tool code of a T field in the current program.
 inline int32_t toolCodeOf(const std::string& t, int64_t programOffset) {
   return toInt32(ToNumber(t) + static_cast<double>(programOffset));
+}
+
+// Walks the blocks of a drill program and hands each to visit(block, toolCode), which returns false
+// to stop the walk: toolCode is the code that the block's T field selects in the current program,
+// empty when it has none. Yields to the event loop by time, looking at the clock every yieldBlocks
+// blocks.
+template <typename Visit>
+void walkExcellonProgram(std::string_view text, const std::function<void()>& yield,
+                         size_t yieldBlocks, Visit&& visit) {
+  int64_t programOffset = 0;
+  YieldClock clock(yield);
+  size_t blocks = 0;
+  ExcellonBlock block;
+  ExcellonBlockWalker walker(text);
+  while (walker.next(block)) {
+    if (++blocks % yieldBlocks == 0)
+      clock.poll();
+    if (isEndOfProgram(block[ExcellonBlock::M]))
+      programOffset += ProgramOffsetStep;
+    const std::string& t = block[ExcellonBlock::T];
+    if (!visit(block, t.empty() ? std::optional<int32_t>() : toolCodeOf(t, programOffset)))
+      return;
+  }
 }
 
 }  // namespace tvx

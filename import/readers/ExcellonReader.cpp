@@ -113,53 +113,49 @@ void ExcellonReader::ImportExcellon(int32_t& status, const std::string& text, La
   for (const ToolEntry& tool : file.Tools)
     codes.insert(tool.Code);
 
-  int64_t programOffset = 0;
   int32_t toolCode = 0;
-  YieldClock clock(yield);
-  size_t blocks = 0;
-  ExcellonBlock block;
-  ExcellonBlockWalker walker(text);
-  while (walker.next(block)) {
-    if (++blocks % YieldBlocks == 0)
-      clock.poll();
-    if (isEndOfProgram(block[ExcellonBlock::M]))
-      programOffset += ProgramOffsetStep;
-    if (const std::string& t = block[ExcellonBlock::T]; !t.empty()) {
-      const int32_t code = toolCodeOf(t, programOffset);
-      toolCode = codes.count(code) ? code : 0;
-    }
-    const std::string& x = block[ExcellonBlock::X];
-    const std::string& y = block[ExcellonBlock::Y];
-    if (x.empty() && y.empty())
-      continue;
-    if (!x.empty()) {
-      RegisterX = coordinate(x) - extents_.MinX + offX;
-      if (file.Mirror)
-        RegisterX = axis - RegisterX + axis;
-    }
-    if (!y.empty())
-      RegisterY = coordinate(y) - extents_.MinY + offY;
+  bool outside = false;
+  walkExcellonProgram(
+      text, yield, YieldBlocks, [&](const ExcellonBlock& block, std::optional<int32_t> selected) {
+        if (selected)
+          toolCode = codes.count(*selected) ? *selected : 0;
+        const std::string& x = block[ExcellonBlock::X];
+        const std::string& y = block[ExcellonBlock::Y];
+        if (x.empty() && y.empty())
+          return true;
+        if (!x.empty()) {
+          RegisterX = coordinate(x) - extents_.MinX + offX;
+          if (file.Mirror)
+            RegisterX = axis - RegisterX + axis;
+        }
+        if (!y.empty())
+          RegisterY = coordinate(y) - extents_.MinY + offY;
 
-    if (!(std::abs(RegisterX) <= WorldLimit && std::abs(RegisterY) <= WorldLimit)) {
-      reporter_.ReportStatus(StatusOutsideLimits, file.FileName);
-      status = 1;
-      return;
-    }
-    switch (PlaceHole(store_, RegisterX, RegisterY, toolCode, layer, file, &sizes)) {
-    case HolePlacement::Placed:
-      ++LastImport.Placed;
-      break;
-    case HolePlacement::Covered:
-      ++LastImport.Covered;
-      break;
-    case HolePlacement::WithoutSize:
-      ++LastImport.WithoutSize;
-      break;
-    case HolePlacement::ClearPolarity:
-    case HolePlacement::StoreRefused:
-      ++LastImport.StoreRefused;
-      break;
-    }
+        if (!(std::abs(RegisterX) <= WorldLimit && std::abs(RegisterY) <= WorldLimit)) {
+          outside = true;
+          return false;
+        }
+        switch (PlaceHole(store_, RegisterX, RegisterY, toolCode, layer, file, &sizes)) {
+        case HolePlacement::Placed:
+          ++LastImport.Placed;
+          break;
+        case HolePlacement::Covered:
+          ++LastImport.Covered;
+          break;
+        case HolePlacement::WithoutSize:
+          ++LastImport.WithoutSize;
+          break;
+        case HolePlacement::ClearPolarity:
+        case HolePlacement::StoreRefused:
+          ++LastImport.StoreRefused;
+          break;
+        }
+        return true;
+      });
+  if (outside) {
+    reporter_.ReportStatus(StatusOutsideLimits, file.FileName);
+    status = 1;
+    return;
   }
   status = 0;
 }

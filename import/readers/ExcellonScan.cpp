@@ -153,43 +153,35 @@ int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<To
   for (size_t i = 0; i < tools.size(); ++i)
     slots.emplace(tools[i].Code, i);
 
-  int64_t programOffset = 0;
   size_t current = 0;
   bool hasCurrent = false;
-  YieldClock clock(yield);
-  size_t blocks = 0;
-  ExcellonBlock block;
-  ExcellonBlockWalker walker(text);
-  while (walker.next(block)) {
-    if (++blocks % YieldBlocks == 0)
-      clock.poll();
-    if (isEndOfProgram(block[ExcellonBlock::M]))
-      programOffset += ProgramOffsetStep;
-    if (const std::string& t = block[ExcellonBlock::T]; !t.empty()) {
-      const int32_t code = toolCodeOf(t, programOffset);
-      const auto [slot, added] = slots.emplace(code, tools.size());
-      if (added)
-        tools.push_back(ToolEntry{code, 0, 1, 0});
-      current = slot->second;
-      hasCurrent = true;
-      if (const std::string& c = block[ExcellonBlock::C]; !c.empty()) {
-        if (!keepTools)
-          tools[current].Diameter = toInt32(fileLength(c));
-        toolSizeSeen = true;
-      }
-      toolSeen = true;
-    }
-    const std::string& x = block[ExcellonBlock::X];
-    const std::string& y = block[ExcellonBlock::Y];
-    if ((x.empty() && y.empty()) || tools.empty() || !hasCurrent)
-      continue;
-    ++tools[current].HoleCount;
-    coordinatesSeen = true;
-    if (!x.empty())
-      widen(coordinate(x), extents_.MinX, extents_.MaxX);
-    if (!y.empty())
-      widen(coordinate(y), extents_.MinY, extents_.MaxY);
-  }
+  walkExcellonProgram(text, yield, YieldBlocks,
+                      [&](const ExcellonBlock& block, std::optional<int32_t> code) {
+                        if (code) {
+                          const auto [slot, added] = slots.emplace(*code, tools.size());
+                          if (added)
+                            tools.push_back(ToolEntry{*code, 0, 1, 0});
+                          current = slot->second;
+                          hasCurrent = true;
+                          if (const std::string& c = block[ExcellonBlock::C]; !c.empty()) {
+                            if (!keepTools)
+                              tools[current].Diameter = toInt32(fileLength(c));
+                            toolSizeSeen = true;
+                          }
+                          toolSeen = true;
+                        }
+                        const std::string& x = block[ExcellonBlock::X];
+                        const std::string& y = block[ExcellonBlock::Y];
+                        if ((x.empty() && y.empty()) || tools.empty() || !hasCurrent)
+                          return true;
+                        ++tools[current].HoleCount;
+                        coordinatesSeen = true;
+                        if (!x.empty())
+                          widen(coordinate(x), extents_.MinX, extents_.MaxX);
+                        if (!y.empty())
+                          widen(coordinate(y), extents_.MinY, extents_.MaxY);
+                        return true;
+                      });
 
   if (headerUnitSeen && toolSizeSeen && toolSeen && coordinatesSeen)
     return static_cast<int32_t>(ImportKind::ExcellonFormatTwo);
