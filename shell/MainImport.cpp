@@ -253,13 +253,15 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
                             std::move(link),
                             (*colours_)[colourslot::ClearColour].ColourNumber,
                             view_->DisplayUnit};
-  auto* window = new GBRVIEWER_IMPORT(std::move(owners), userStore_, this);
+  auto* window =
+      new GBRVIEWER_IMPORT(std::move(owners), userStore_, this, SelectInterfaceFont());
   window->setWindowFlag(Qt::Window);
   window->setAttribute(Qt::WA_DeleteOnClose);
   ImportWindowModel& model = window->model();
   model.stages().programTitle = windowTitle().toStdString();
   model.NoCenter = settings_.NoCenter;
   model.ImpDir = settings_.ImpDir;
+  model.apertureTableName = settings_.Aper;
   model.HoleMapping = holeMapping_;
   model.FormFill();
   importWindow_ = window;

@@ -2,8 +2,11 @@
 
 #include "import/readers/FileRequest.h"
 
+#include "common/GridHelpers.h"
 #include "import/readers/ImportPropertyGrid.h"
 #include "kernel/Palette.h"
+#include "platform/InterfaceFont.h"
+#include "platform/LocalizeForm.h"
 #include "platform/SystemServices.h"
 #include "platform/WindowPlace.h"
 
@@ -29,7 +32,8 @@ constexpr int PaletteColumns = 8;
 constexpr int SquareSize = 24;
 }  // namespace
 
-GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places, QWidget* parent)
+GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places, QWidget* parent,
+                                   const InterfaceFont& font)
     : QMainWindow(parent), places_(places) {
   setObjectName("GBRVIEWER_IMPORT");
   ImportWindowLink& link = owners.window;
@@ -72,17 +76,17 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   tabColor_->addTab(picSplitter_, QString());
   tabColor_->addTab(buildPalette(), QString());
 
-  const auto button = [](const char* name) {
-    auto* b = new QPushButton;
+  const auto button = [](const char* name, const char* caption, const char* tag) {
+    auto* b = new QPushButton(caption);
     b->setObjectName(name);
+    if (tag)
+      b->setProperty(TagProperty, tag);
     return b;
   };
-  cmdClose_ = button("cmdCmd1");
-  cmdFilters_ = button("cmdCmd3");
-  cmdClear_ = button("cmdCmd4");
-  cmdView_ = button("cmdView");
-  cmdClose_->setText(tr("Close"));
-  cmdClear_->setText(tr("Clear"));
+  cmdClose_ = button("cmdCmd1", "Close", "99422");
+  cmdFilters_ = button("cmdCmd3", "Details", nullptr);
+  cmdClear_ = button("cmdCmd4", "Clear", nullptr);
+  cmdView_ = button("cmdView", "View", "62311");
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(cmdView_);
   buttons->addStretch();
@@ -115,6 +119,7 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   m.stages().messageLineChanged = [this](const std::string& line) {
     MsgLine_->setText(QString::fromStdString(line));
   };
+  LocalizeForm(this, services, font);
   if (places_) {
     WindowPlace place;
     RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width, place.Height);
@@ -129,24 +134,26 @@ GBRVIEWER_IMPORT::~GBRVIEWER_IMPORT() {
     model_->changed = nullptr;
 }
 
+// Menus and actions carry their design captions and the message ids that LocalizeForm translates
+// them by; entries without an id keep their caption in every language.
 void GBRVIEWER_IMPORT::buildMenus() {
-  const SystemServices& services = model_->session().services;
-  QMenu* file = menuBar()->addMenu(tr("&File"));
+  QMenu* file = menuBar()->addMenu("&File");
   file->setObjectName("M_File");
-  QAction* select = file->addAction(tr("Open for Import"));
+  QAction* select = file->addAction("Open for Import");
   select->setObjectName("M_FileSelect");
   connect(select, &QAction::triggered, this, [this] { model_->M_FileSelect(); });
-  QAction* view = file->addAction(tr("Open for View"));
+  QAction* view = file->addAction("Open for View");
   view->setObjectName("M_FileView");
   connect(view, &QAction::triggered, this, [this] { model_->M_FileView(); });
 
-  QMenu* unit = menuBar()->addMenu(QString::fromStdString(services.LocalMessage("Unit", "62315")));
+  QMenu* unit = menuBar()->addMenu("Unit");
   unit->setObjectName("F_Unit");
+  unit->setProperty(TagProperty, "62315");
   auto* group = new QActionGroup(this);
   const char* names[][2] = {{"Inches", "62174"}, {"Millimeters", "62175"}};
   for (int index = 0; index < 2; ++index) {
-    QAction* entry = unit->addAction(
-        QString::fromStdString(services.LocalMessage(names[index][0], names[index][1])));
+    QAction* entry = unit->addAction(names[index][0]);
+    entry->setProperty(TagProperty, names[index][1]);
     entry->setObjectName(QString("F_InchMM%1").arg(index));
     entry->setCheckable(true);
     group->addAction(entry);
@@ -181,6 +188,7 @@ void GBRVIEWER_IMPORT::refresh() {
   tabColor_->setCurrentIndex(m.colourPageShown ? 1 : 0);
   egrdProp_->setRows(
       m.rows, [&m](int32_t which) -> const std::vector<std::string>& { return m.list(which); });
+  StyleGrid(*egrdProp_);
   if (m.currentRow >= 0 && m.currentRow < egrdProp_->rowCount())
     egrdProp_->setCurrentCell(m.currentRow, 1);
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "import/readers/ImportWindowModel.h"
+#include "platform/InterfaceFont.h"
 
 #include <QMainWindow>
 
@@ -28,9 +29,9 @@ class GBRVIEWER_IMPORT : public QMainWindow {
 
 public:
   // An empty file picker in the owners' link gets the window's own. With a store of places the
-  // window comes back where it was closed last time.
+  // window comes back where it was closed last time. Captions are translated in font.
   explicit GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places = nullptr,
-                            QWidget* parent = nullptr);
+                            QWidget* parent = nullptr, const InterfaceFont& font = {});
   ~GBRVIEWER_IMPORT() override;
 
   ImportWindowModel& model() { return *model_; }

@@ -1,5 +1,7 @@
 #include "import/readers/ImportPropertyGrid.h"
 
+#include "common/GridHelpers.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
@@ -8,6 +10,9 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
 
 namespace tvx {
 
@@ -157,7 +162,7 @@ void ImportPropertyGrid::addValueWidget(
 }
 
 int32_t ImportPropertyGrid::CellBackColor(int32_t row, int32_t col) const {
-  const QTableWidgetItem* cell = item(row, col);
+  const QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col);
   if (!cell || cell->background().style() == Qt::NoBrush)
     return importcolour::NoColour;
   const QColor c = cell->background().color();
@@ -165,12 +170,12 @@ int32_t ImportPropertyGrid::CellBackColor(int32_t row, int32_t col) const {
 }
 
 void ImportPropertyGrid::SetCellBackColor(int32_t row, int32_t col, int32_t colour) {
-  if (QTableWidgetItem* cell = item(row, col))
+  if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col))
     cell->setBackground(colourOf(colour));
 }
 
 void ImportPropertyGrid::SetCellFontBold(int32_t row, int32_t col, bool bold) {
-  if (QTableWidgetItem* cell = item(row, col)) {
+  if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col)) {
     QFont font = cell->font();
     font.setBold(bold);
     cell->setFont(font);
@@ -182,8 +187,18 @@ void ImportPropertyGrid::SetBackColorFixed(int32_t colour) {
       QString("QHeaderView::section { background-color: %1; }").arg(colourOf(colour).name()));
 }
 
-int32_t ImportPropertyGrid::TopRow() const { return verticalScrollBar()->value(); }
+// The first row below the heading that is shown.
+int32_t ImportPropertyGrid::TopRow() const { return verticalScrollBar()->value() + 1; }
 
-void ImportPropertyGrid::SetTopRow(int32_t row) { verticalScrollBar()->setValue(row); }
+void ImportPropertyGrid::SetTopRow(int32_t row) {
+  verticalScrollBar()->setValue(std::max(0, row - 1));
+}
+
+void ImportPropertyGrid::wheelEvent(QWheelEvent* event) {
+  const int rotation = event->angleDelta().y();
+  if (rotation != 0)
+    ScrollGrid(*this, rotation);
+  event->accept();
+}
 
 }  // namespace tvx

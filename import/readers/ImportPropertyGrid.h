@@ -30,8 +30,8 @@ public:
   // The row of a key, -1 when none.
   int rowOfKey(const QString& key) const;
 
-  // PropertyGridAccess
-  int32_t Rows() const override { return rowCount(); }
+  // PropertyGridAccess. Its row 0 is the heading row, so that grid row r is table row r - 1.
+  int32_t Rows() const override { return rowCount() + 1; }
   int32_t Cols() const override { return columnCount(); }
   int32_t CellBackColor(int32_t row, int32_t col) const override;
   void SetCellBackColor(int32_t row, int32_t col, int32_t colour) override;
@@ -43,6 +43,10 @@ public:
   bool canScroll() const override { return rowCount() > 0; }
 
   static QColor colourOf(int32_t bgr);
+
+protected:
+  // One row per wheel step, as every property grid of the viewer scrolls.
+  void wheelEvent(QWheelEvent* event) override;
 
 signals:
   // A list entry chosen, a box or button clicked, or a typed value left by focus, Tab or Enter.

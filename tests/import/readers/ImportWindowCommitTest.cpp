@@ -195,8 +195,10 @@ TEST_F(ImportWindowCommit, ClicksOnApertureAndToolRowsToggleTheHighlight) {
 }
 
 TEST_F(ImportWindowCommit, FormatChangesRerunIntoTheChosenLayer) {
+  world.model->apertureTableName = "PLOTTER1";
   world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
   EXPECT_FALSE(world.row("IMP_UNITG").ReadOnly) << "a plain file's format is the user's";
+  EXPECT_EQ(world.row("IMP_APT").Value, "PLOTTER1") << "the table the sizes come from";
   EXPECT_EQ(world.model->rows[2].ValueBack, 0xFFFF00);
   world.choose(world.layer(3).DisplayName);
   ASSERT_EQ(world.session->state.DialogLayer, 3);

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QWheelEvent>
 
 #include <fstream>
 
@@ -55,7 +56,9 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   EXPECT_EQ(grid.item(1, 1)->text(), "Artwork GERBER RS-274-X");
   const int apt = grid.rowOfKey("IMP_APT");
   ASSERT_GE(apt, 0);
-  EXPECT_EQ(grid.CellBackColor(apt, 1), 0xE6E6E6);
+  EXPECT_EQ(grid.item(apt, 1)->background().color(), QColor(0xE6, 0xE6, 0xE6)) << "read-only";
+  EXPECT_EQ(grid.CellBackColor(1 + grid.rowOfKey("IMP_FLET"), 0), 0xE6E6E6) << "styled caption";
+  EXPECT_TRUE(grid.horizontalHeaderItem(0)->font().bold());
   const int use = grid.rowOfKey("IMP_APTUSE");
   ASSERT_GE(use, 0);
   auto* useButton = qobject_cast<QPushButton*>(grid.cellWidget(use, 1));
@@ -125,6 +128,22 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   EXPECT_EQ(world.items(1).size(), 2u);
   EXPECT_FALSE(
       qobject_cast<QCheckBox*>(grid.cellWidget(grid.rowOfKey("AF_APF,1"), 1))->isChecked());
+
+  // The wheel moves the grid by one row per step, both ways.
+  grid.setFixedHeight(150);
+  settle();
+  const auto wheel = [&grid](int rotation) {
+    QWheelEvent step(QPointF(5, 5), grid.mapToGlobal(QPointF(5, 5)), QPoint(),
+                     QPoint(0, rotation), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(grid.viewport(), &step);
+  };
+  const int top = grid.TopRow();  // the current row is in sight, at the end
+  ASSERT_GE(top, 3);
+  wheel(120);
+  wheel(120);
+  EXPECT_EQ(grid.TopRow(), top - 2);
+  wheel(-120);
+  EXPECT_EQ(grid.TopRow(), top - 1);
 
   // The colour page: a square takes the colour and the grid comes back.
   const int colourRow = grid.rowOfKey("AF_ICL");
