@@ -148,7 +148,8 @@ void ImportPropertyGrid::addValueWidget(
     break;
   }
   case CellKind::Button: {
-    auto* button = new QPushButton(value);
+    // "&" in a value is a character of the text, not a mnemonic.
+    auto* button = new QPushButton(QString(value).replace('&', "&&"));
     button->setEnabled(data.Enabled);
     connect(button, &QPushButton::clicked, this, [this, row, value] { emitLater(row, value); });
     setCellWidget(row, 1, button);
