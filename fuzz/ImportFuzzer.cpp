@@ -1,18 +1,20 @@
-// Any bytes as a Gerber file through the whole windowless import: the text pass, the layer binding,
-// the drawing pass into the layer's symbol and the centring. No input may crash, hang, read out of
-// bounds or grow without end.
+// Any bytes as a file of any kind through the whole windowless import: recognition or the user's
+// choice of kind, the scan, the layer binding, the reader into the layer's symbol and the centring.
+// No input may crash, hang, read out of bounds or grow without end.
 #include "import/readers/WindowlessImport.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 #include "store/ColourSlots.h"
+#include "store/LayerCatalogue.h"
 #include "store/Layers.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -37,10 +39,11 @@ const std::filesystem::path& workFolder() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace tvx;
-  const std::string path = (workFolder() / "input.gbr").string();
+  const std::string path = (workFolder() / "input").string();
   {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(data), std::streamsize(size));
+    if (size > 1)
+      out.write(reinterpret_cast<const char*>(data + 1), std::streamsize(size - 1));
   }
   ScriptedPrompts prompts;
   SystemServices services(&prompts);
@@ -48,10 +51,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   run.session->state.Job.WorkDirectory = workFolder().string() + "/";
   ImportOwners owners = run.owners();
   WindowlessImportOptions options;
-  // The first byte picks RS-274-X or -D, so files that recognition would refuse are drawn too.
-  options.kind = size > 0 && (data[0] & 1) ? ImportKind::ArtworkRS274D : ImportKind::ArtworkRS274X;
-  options.layer = 3;
-  options.noCenter = size > 0 && (data[0] & 2);
+  // The first byte is not part of the file: it picks the kind as a user would (so files that
+  // recognition would refuse are read too) or leaves it to recognition, and the centring.
+  static constexpr ImportKind kinds[] = {
+      ImportKind::Unknown,           ImportKind::ArtworkRS274X,     ImportKind::ArtworkRS274D,
+      ImportKind::ExcellonFormatTwo, ImportKind::ExcellonFormatOne, ImportKind::DrillingRS274X,
+      ImportKind::DrillingRS274D,    ImportKind::Hpgl,              ImportKind::Dxf};
+  const uint8_t choice = size > 0 ? data[0] : 0;
+  options.kind = kinds[(choice >> 1) % std::size(kinds)];
+  options.layer = options.kind == ImportKind::DrillingRS274X ||
+                          options.kind == ImportKind::DrillingRS274D
+                      ? DrillLayer
+                      : 3;
+  options.noCenter = choice & 1;
   ImportWithoutWindow(owners, path, options);
   return 0;
 }
