@@ -68,8 +68,8 @@ struct ItemRecord {
   int32_t Width = 0;
   int32_t Height = 0;
   int32_t Sweep = 0;
-  std::string Text;  // types 6 and 8
-  std::string Face;  // type 8
+  std::string Text{};  // types 6 and 8 (braces: designated initialisers may leave it out)
+  std::string Face{};  // type 8
 
   bool operator==(const ItemRecord&) const = default;
 };
