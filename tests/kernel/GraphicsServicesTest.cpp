@@ -17,7 +17,8 @@ protected:
   void SetUp() override { test::guiTestApplication(); }
   int32_t open(QImage& image, int32_t scale) {
     int32_t dev = k.graphics.G_GetDC(&image);
-    EXPECT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{scale, image.width(), image.height(), 0, 0, 4}, 0), 1);
+    const ViewSetup setup{scale, image.width(), image.height(), 0, 0, 4};
+    EXPECT_EQ(k.graphics.G_OpenDC(dev, setup, 0), 1);
     k.graphics.G_CreateShadowBitmap(dev);
     return dev;
   }
@@ -46,9 +47,7 @@ TEST_F(GraphicsServicesTest, GridUsesACoarserStepWhenTheAskedOneIsTooFine) {
 TEST_F(GraphicsServicesTest, GeometryHelpers) {
   int32_t x = 0, y = 0, r = -500, start = 90000, sweep = -180000;
   Graphics::G_ArcNormalize(x, y, r, start, sweep);
-  EXPECT_EQ(r, 500);
-  EXPECT_EQ(start, 270000);
-  EXPECT_EQ(sweep, 180000);
+  EXPECT_EQ(std::tuple(r, start, sweep), std::tuple(500, 270000, 180000));
   EXPECT_EQ(Graphics::G_LinePointDeterminant(0, 0, 10, 10, 20, 20), 0);
   EXPECT_GT(Graphics::G_LinePointDeterminant(0, 0, 10, 0, 0, 10), 0);
   EXPECT_EQ(Graphics::G_LinePointDeterminant(-2000000000, 0, 2000000000, 1, 0, 2000000000),
@@ -58,8 +57,7 @@ TEST_F(GraphicsServicesTest, GeometryHelpers) {
   EXPECT_TRUE(Graphics::DB_CoverRectangle(5, 2, 0, 10, 0, 0, 5));
   int32_t w = 0, h = 0;
   Graphics::G_GetTextSize(200, 150, 4, w, h);
-  EXPECT_EQ(w, 600);
-  EXPECT_EQ(h, 200);
+  EXPECT_EQ(std::pair(w, h), std::pair(600, 200));
   int32_t tw = 0, th = 0;
   ASSERT_EQ(k.graphics.G_GetTrueTypeTextSize(0, 100000, "WIDE", "Sans", 0, tw, th), 1);
   int32_t nw = 0, nh = 0;
@@ -74,17 +72,11 @@ TEST_F(GraphicsServicesTest, PolygonRunsAndItemsAtAnOffset) {
   ArrayHandle items = k.store.S_SymbolItemArray(sym);
   int32_t dx[3] = {2000, -1000, -1000}, dy[3] = {0, 2000, -2000}, x = -1000, y = -1000;
   for (int i = 0; i < 3; ++i) {
-    ItemRecord side;
-    side.Type = ItemLine;
-    side.Attributes = attr::Shown | attr::PolygonSide | (i == 0 ? attr::PolygonFirst : 0) |
-                      (i == 2 ? attr::PolygonLast : 0);
-    side.X = x;
-    side.Y = y;
-    side.Width = dx[i];
-    side.Height = dy[i];
-    side.Style = StyleFilled;
-    side.Colour = 15;
-    k.store.OA_Add(items, k.store.I_MakeItem(side));
+    const int32_t bits = attr::Shown | attr::PolygonSide | (i == 0 ? attr::PolygonFirst : 0) |
+                         (i == 2 ? attr::PolygonLast : 0);
+    k.store.OA_Add(items, k.store.I_MakeItem({.Type = ItemLine, .Attributes = bits, .X = x, .Y = y,
+                                              .Colour = 15, .Style = StyleFilled,
+                                              .Width = dx[i], .Height = dy[i]}));
     x += dx[i];
     y += dy[i];
   }

@@ -19,7 +19,7 @@ protected:
     k.store.S_CreateSymbol(sym, "S");
   }
 
-  // Draws the symbol into an image of w x h pixels, scale store units per pixel, centred on (ox, oy).
+  // Draws the symbol on w x h pixels, scale store units per pixel, centred on (ox, oy).
   QImage render(int w, int h, int32_t scale, int32_t ox, int32_t oy, int32_t mode = 4) {
     QImage image(w, h, QImage::Format_RGB32);
     int32_t dev = k.graphics.G_GetDC(&image);
@@ -50,36 +50,24 @@ TEST_F(GraphicsTest, DeviceToStoreIsTheInverseOfTheView) {
   QImage image(200, 100, QImage::Format_RGB32);
   int32_t dev = k.graphics.G_GetDC(&image);
   ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 200, 100, 1000, 2000, 4}, 0), 1);
-  int32_t x = 100, y = 50;
-  k.graphics.G_DPtoLP(dev, x, y);
-  EXPECT_EQ(x, 1000);
-  EXPECT_EQ(y, 2000);
-  x = 0;
-  y = 0;
-  k.graphics.G_DPtoLP(dev, x, y);
-  EXPECT_EQ(x, 1000 - 10000);
-  EXPECT_EQ(y, 2000 + 5000) << "Y grows upwards";
+  const auto store = [&](int32_t x, int32_t y) {
+    k.graphics.G_DPtoLP(dev, x, y);
+    return std::pair(x, y);
+  };
+  EXPECT_EQ(store(100, 50), std::pair(1000, 2000));
+  EXPECT_EQ(store(0, 0), std::pair(1000 - 10000, 2000 + 5000)) << "Y grows upwards";
   k.graphics.G_CloseDC(dev, 0);
   // Mirrored view: X runs the other way.
   ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 200, 100, 0, 0, 4 | 1}, 0), 1);
-  x = 0;
-  y = 50;
-  k.graphics.G_DPtoLP(dev, x, y);
-  EXPECT_EQ(x, 10000);
+  EXPECT_EQ(store(0, 50).first, 10000);
   k.graphics.G_CloseDC(dev, 0);
   EXPECT_EQ(k.graphics.G_OpenDC(99, ViewSetup{}, 0), 0) << "no such device";
   EXPECT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{0, 200, 100, 0, 0, 4}, 0), 0) << "no scale";
 }
 
 TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
-  ItemRecord box;
-  box.Type = ItemRectangle;
-  box.X = -2000;
-  box.Y = -1000;
-  box.Width = 4000;
-  box.Height = 2000;
-  box.Style = StyleFilled;
-  box.Colour = 10;
+  ItemRecord box{.Type = ItemRectangle, .X = -2000, .Y = -1000, .Colour = 10,
+                 .Style = StyleFilled, .Width = 4000, .Height = 2000};
   add(box);
   ItemRecord hidden = box;
   hidden.X = 3000;
@@ -94,11 +82,8 @@ TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
 
 TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
   k.strings.E_SysTable(1)[60] = 14;
-  ItemRecord disc;
-  disc.Type = ItemCircle;
-  disc.Width = 2000;
-  disc.Style = StyleFilled;
-  disc.Colour = 64 + 28;  // the code of slot 60
+  ItemRecord disc{.Type = ItemCircle, .Colour = 64 + 28 /* slot 60 */, .Style = StyleFilled,
+                  .Width = 2000};
   add(disc);
   disc.X = 6000;
   disc.Colour = 10 | ColourMarkBit;  // drawn in the background colour
@@ -109,38 +94,24 @@ TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
 }
 
 TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
-  ItemRecord ln;
-  ln.Type = ItemLine;
-  ln.X = -4000;
-  ln.Width = 8000;
-  ln.Height = 3000;
-  ln.LineWidth = 500;
-  ln.Colour = 12;
-  add(ln);
+  add({.Type = ItemLine, .X = -4000, .Colour = 12, .LineWidth = 500, .Width = 8000,
+       .Height = 3000});
   QImage image(120, 80, QImage::Format_RGB32);
   image.fill(Qt::darkGreen);
   QImage before = image;
   int32_t dev = k.graphics.G_GetDC(&image);
-  ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 120, 80, 0, 0, 4}, 0), 1);
-  k.graphics.G_SetDrawMode(dev, 6);
-  k.graphics.S_DrawItem(dev, sym, 1);
-  k.graphics.G_CloseDC(dev, 0);
-  EXPECT_NE(image, before);
-  ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 120, 80, 0, 0, 4}, 0), 1);
-  k.graphics.G_SetDrawMode(dev, 6);
-  k.graphics.S_DrawItem(dev, sym, 1);
-  k.graphics.G_CloseDC(dev, 0);
-  EXPECT_EQ(image, before);
+  for (int pass = 0; pass < 2; ++pass) {
+    ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 120, 80, 0, 0, 4}, 0), 1);
+    k.graphics.G_SetDrawMode(dev, 6);
+    k.graphics.S_DrawItem(dev, sym, 1);
+    k.graphics.G_CloseDC(dev, 0);
+    EXPECT_EQ(image == before, pass == 1) << pass;
+  }
 }
 
 TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
-  ItemRecord ln;
-  ln.Type = ItemLine;
-  ln.X = -5000;
-  ln.Width = 10000;
-  ln.LineWidth = 2000;  // 20 pixels wide at 100 units per pixel
-  ln.Colour = 15;
-  add(ln);
+  add({.Type = ItemLine, .X = -5000, .Colour = 15, .LineWidth = 2000 /* 20 pixels */,
+       .Width = 10000});
   QImage img = render(200, 100, 100, 0, 0);
   EXPECT_EQ(img.pixel(100, 58), colourOf(15));
   EXPECT_EQ(img.pixel(100, 63), colourOf(0));
@@ -152,17 +123,8 @@ TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
 
 TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
   auto side = [&](int32_t x, int32_t y, int32_t dx, int32_t dy, int32_t bits, uint8_t style) {
-    ItemRecord r;
-    r.Type = ItemLine;
-    r.Attributes = attr::Shown | attr::PolygonSide | bits;
-    r.X = x;
-    r.Y = y;
-    r.Width = dx;
-    r.Height = dy;
-    r.LineWidth = 1;
-    r.Style = style;
-    r.Colour = 9;
-    add(r);
+    add({.Type = ItemLine, .Attributes = attr::Shown | attr::PolygonSide | bits, .X = x, .Y = y,
+         .Colour = 9, .Style = style, .LineWidth = 1, .Width = dx, .Height = dy});
   };
   side(-3000, -3000, 6000, 0, attr::PolygonFirst, StyleFilled);
   side(3000, -3000, 0, 6000, 0, StyleFilled);
@@ -182,14 +144,9 @@ TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
 
 TEST_F(GraphicsTest, EntriesDrawTheirPadStackTurned) {
   ObjectHandle pad = k.store.S_MakePadStack();
-  ItemRecord bar;
-  bar.Type = ItemRectangle;
-  bar.Y = -500;
-  bar.Width = 4000;
-  bar.Height = 1000;
-  bar.Style = StyleFilled;
-  bar.Colour = 14;
-  k.store.OA_Add(k.store.S_PadStackItemArray(pad), k.store.I_MakeItem(bar));
+  k.store.OA_Add(k.store.S_PadStackItemArray(pad),
+                 k.store.I_MakeItem({.Type = ItemRectangle, .Y = -500, .Colour = 14,
+                                     .Style = StyleFilled, .Width = 4000, .Height = 1000}));
   k.store.OM_Add(k.store.S_SymbolPadStackMap(sym), pad, 10);
   int32_t e = k.store.S_InsertEntry(sym, -1, 0, 0);
   k.store.S_ChangePadPadStack(sym, e, 10);

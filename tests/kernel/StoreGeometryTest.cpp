@@ -11,18 +11,8 @@ namespace {
 
 ItemRecord make(int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t pen = 0,
                 uint8_t style = StyleOpen, int32_t angle = 0, int32_t sweep = 0) {
-  ItemRecord r;
-  r.Type = type;
-  r.Attributes = attr::Shown;
-  r.X = x;
-  r.Y = y;
-  r.Width = w;
-  r.Height = h;
-  r.LineWidth = pen;
-  r.Style = style;
-  r.Angle = angle;
-  r.Sweep = sweep;
-  return r;
+  return {.Type = type, .Attributes = attr::Shown, .X = x, .Y = y, .Style = style,
+          .LineWidth = pen, .Angle = angle, .Width = w, .Height = h, .Sweep = sweep};
 }
 
 FrameRect frameOf(const ItemRecord& r) {
@@ -42,8 +32,7 @@ TEST(ItemFrames, EveryTypeIncludesItsPen) {
             (FrameRect{0, 0, 1000, 1000}));
   // An arc from 45 through 180 to 225 reaches the top and the left.
   FrameRect f = frameOf(make(ItemArc, 0, 0, 1000, 45000, 0, 0, 0, 180000));
-  EXPECT_EQ(f.MaxY, 1000);
-  EXPECT_EQ(f.MinX, -1000);
+  EXPECT_EQ(std::pair(f.MinX, f.MaxY), std::pair(-1000, 1000));
   EXPECT_NEAR(f.MinY, -707, 1);
   EXPECT_NEAR(f.MaxX, 707, 1);
   // A rectangle turned a quarter about its lower left corner lies left of it.
@@ -91,7 +80,8 @@ TEST(StoreCover, IndexedSearchAgreesWithFullWalkThroughChanges) {
   auto randomItem = [&] {
     switch (type(rng)) {
     case 0:
-      return make(ItemLine, pos(rng), pos(rng), size(rng) - 10000, size(rng) - 10000, size(rng) / 10);
+      return make(ItemLine, pos(rng), pos(rng), size(rng) - 10000, size(rng) - 10000,
+                  size(rng) / 10);
     case 1:
       return make(ItemCircle, pos(rng), pos(rng), size(rng), 0, 100, uint8_t(16 * (rng() & 1)));
     case 2:
@@ -285,8 +275,7 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   ASSERT_EQ(s.OA_GetCount(s.S_SymbolItemArray(-76551)), 1);
   ItemRecord r;
   s.I_ReadItem(s.S_SymbolItem(-76551, 1), r);
-  EXPECT_EQ(r.Text, "J1");
-  EXPECT_EQ(r.Link, 12);
+  EXPECT_EQ(std::pair(r.Text, r.Link), std::pair(std::string("J1"), 12));
   EXPECT_EQ(s.OM_Object(s.S_SymbolPadStackMap(-76551), 99), 0) << "old pad stacks are gone";
   ObjectHandle padCopy = s.OM_Object(s.S_SymbolPadStackMap(-76551), 11);
   PadStackRecord pr;
@@ -296,10 +285,8 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   EntryRecord er;
   ASSERT_EQ(s.OA_GetCount(s.S_SymbolEntryArray(-76551)), 1);
   ASSERT_NE(s.S_ReadEntry(-76551, 1, er), 0);
-  EXPECT_EQ(er.X, 300);
-  EXPECT_EQ(er.Rotation, 45000);
-  EXPECT_EQ(er.PadStack, 11);
-  EXPECT_EQ(er.Attributes, attr::Shown);
+  EXPECT_EQ(std::tuple(er.X, er.Rotation, er.PadStack, er.Attributes),
+            std::tuple(300, 45000, 11, attr::Shown));
 
   // The copy is independent of the source.
   s.OA_Delete(s.S_SymbolItemArray(-76501), 1);
@@ -315,25 +302,21 @@ TEST(StoreLocations, AbsoluteReadsAndTheirInverse) {
   ItemRecord r;
 
   s.S_SetCompLocation(1000, 2000, 90000, 0);
+  const auto local = [&](int32_t x, int32_t y) {
+    s.I_APtoLP(x, y);
+    return std::pair(x, y);
+  };
   s.I_ReadItemAbs(ln, r);
-  EXPECT_EQ(r.X, 1000);
-  EXPECT_EQ(r.Y, 2100);
-  EXPECT_EQ(r.Width, 0);
-  EXPECT_EQ(r.Height, 50);
-  int32_t x = 1000, y = 2100;
-  s.I_APtoLP(x, y);
-  EXPECT_EQ(x, 100);
-  EXPECT_EQ(y, 0);
+  EXPECT_EQ(std::tuple(r.X, r.Y, r.Width, r.Height), std::tuple(1000, 2100, 0, 50));
+  EXPECT_EQ(local(1000, 2100), std::pair(100, 0));
 
   // Mirror: X negated before the turn; a rectangle keeps its corner and flips its width,
   // an arc flips its sweep.
   s.S_SetCompLocation(0, 0, 0, 1);
   s.I_ReadItemAbs(rect, r);
-  EXPECT_EQ(r.X, -10);
-  EXPECT_EQ(r.Width, -20);
+  EXPECT_EQ(std::pair(r.X, r.Width), std::pair(-10, -20));
   s.I_ReadItemAbs(arc, r);
-  EXPECT_EQ(r.Height, 180000);
-  EXPECT_EQ(r.Sweep, -90000);
+  EXPECT_EQ(std::pair(r.Height, r.Sweep), std::pair(180000, -90000));
   FrameRect before, after;
   s.S_SetCompLocation(0, 0, 0, 0);
   s.I_FrameItem(arc, before);
@@ -347,22 +330,10 @@ TEST(StoreLocations, AbsoluteReadsAndTheirInverse) {
   s.S_SetCompLocation(0, 0, 0, 0);
   s.S_SetPadLocation(10, 20, 180000);
   s.I_ReadItemAbs(ln, r);
-  EXPECT_EQ(r.X, -90);
-  EXPECT_EQ(r.Y, 20);
-  EXPECT_EQ(r.Width, -50);
-  x = -90;
-  y = 20;
-  s.I_APtoLP(x, y);
-  EXPECT_EQ(x, 100);
-  EXPECT_EQ(y, 0);
+  EXPECT_EQ(std::tuple(r.X, r.Y, r.Width), std::tuple(-90, 20, -50));
+  EXPECT_EQ(local(-90, 20), std::pair(100, 0));
   s.S_SetPadLocation(0, 0, 0);
 }
-
-}  // namespace
-}  // namespace tvx
-
-namespace tvx {
-namespace {
 
 // A filled polygon is picked inside its area, at its first side; an open one only on its sides.
 TEST(StoreCover, FilledPolygonsArePickedInside) {

@@ -18,12 +18,8 @@ public:
     std::vector<int32_t> itemColours, padStackColours;
     bool locationsZero;
   };
-  RecordingGraphics(Store& store, KernelStrings& strings) : Graphics(store, strings), s(store) {
-    ItemRecord r;
-    r.Type = ItemLine;
-    r.X = 1000;
-    probe = s.I_MakeItem(r);
-  }
+  RecordingGraphics(Store& store, KernelStrings& strings)
+      : Graphics(store, strings), s(store), probe(s.I_MakeItem({.Type = ItemLine, .X = 1000})) {}
   int32_t G_SetDrawMode(int32_t, int32_t m) override {
     mode = m;
     return 1;

@@ -2,7 +2,6 @@
 // anew, and the colours stored in the settings.
 #include "store/LayerTestSupport.h"
 
-#include <bit>
 #include <set>
 
 namespace tvx {
@@ -35,7 +34,6 @@ TEST_F(LayerTablesTest, GroupsHoldTheirLayers) {
       if (tables.layer(n).Mask & mask)
         members.push_back(n);
     EXPECT_EQ(members, expected) << mask;
-    EXPECT_EQ(std::popcount(uint32_t(mask)), int(expected.size())) << mask;
   }
   int32_t all = 0;
   for (const LayerRecord& layer : tables.Layers) {
@@ -65,7 +63,6 @@ TEST_F(LayerTablesTest, FieldsFollowTheCatalogueAndTheLayersRole) {
   }
   EXPECT_EQ(*codes.begin(), 96);  // the artwork layers take the editor's codes 96 to 127
   EXPECT_EQ(*codes.rbegin(), 127);
-  EXPECT_EQ(tables.layer(29).KeyName, "lyInnerW");
   // Captions through the catalogue, the default where it has none, trailing blank and all.
   EXPECT_EQ(tables.layer(1).DisplayName, "Siebdruck oben");
   EXPECT_EQ(tables.layer(17).DisplayName, "Innenlage (K)");
@@ -111,9 +108,9 @@ TEST_F(LayerTablesTest, StoredColoursNeedTwoValues) {
   setSetting("GERBERVIEWERCOLORS", "$$GIS_CAT-76504", "14");
   setSetting("LAYERCOLORS", "$$GIS_CAT-76501", "5,123");  // not where start-up looks
   build();
-  EXPECT_EQ(std::pair(tables.layer(3).ColourNumber, tables.layer(3).ColourRgb),
-            std::pair(14, 2631935));
-  EXPECT_EQ(tables.layer(3).DefaultColourNumber, 10) << "the default stays the catalogue's";
+  EXPECT_EQ(std::tuple(tables.layer(3).ColourNumber, tables.layer(3).ColourRgb,
+                       tables.layer(3).DefaultColourNumber),
+            std::tuple(14, 2631935, 10)) << "the default stays the catalogue's";
   for (int32_t n : {1, 4})
     EXPECT_EQ(tables.layer(n).ColourRgb, tables.layer(n).DefaultColourRgb) << n;
 }

@@ -46,15 +46,9 @@ protected:
 
   // A filled circle of radius r (store units) at (x, y) in layer number.
   ObjectHandle addDisc(int32_t number, int32_t x, int32_t y, int32_t r, int32_t link = 0) {
-    ItemRecord disc;
-    disc.Type = ItemCircle;
-    disc.Attributes = attr::Shown;
-    disc.X = x;
-    disc.Y = y;
-    disc.Width = r;
-    disc.Style = StyleFilled;
-    disc.Colour = uint8_t(tables.layer(number).ColourNumber);
-    const ObjectHandle item = kernel.store.I_MakeItem(disc);
+    const ObjectHandle item = kernel.store.I_MakeItem(
+        {.Type = ItemCircle, .Attributes = attr::Shown, .X = x, .Y = y,
+         .Colour = uint8_t(tables.layer(number).ColourNumber), .Style = StyleFilled, .Width = r});
     kernel.store.I_ChangeItemLink(item, link);
     kernel.store.OA_Add(kernel.store.S_SymbolItemArray(tables.layer(number).SymbolHandle), item);
     return item;
@@ -88,36 +82,27 @@ protected:
 };
 
 TEST_F(RedrawTest, GuardsKeepAPaintFromRebuilding) {
+  // A paint while a paint runs returns at once, leaving the busy picture alone; one during a
+  // resize's layout clears that flag; one while a rebuild runs leaves it. None rebuilds.
   redraw.RedrawPending = true;
-  {
-    SCOPED_TRACE("a paint while a paint runs returns at once, leaving the busy picture alone");
-    redraw.PaintBusy = true;
+  struct Guard {
+    bool ViewRedraw::*flag;
+    bool after;
+  };
+  for (const Guard& g : {Guard{&ViewRedraw::PaintBusy, true}, Guard{&ViewRedraw::ResizeBusy, false},
+                         Guard{&ViewRedraw::RedrawBusy, true}}) {
+    const bool paintBusy = g.flag == &ViewRedraw::PaintBusy;
+    SCOPED_TRACE(busyShown.size());
+    redraw.*g.flag = true;
     redraw.ViewPicture_Paint();
-    EXPECT_EQ(redraw.rebuilds(), 0);
-    EXPECT_TRUE(busyShown.empty());
-    EXPECT_TRUE(redraw.PaintBusy);
-    redraw.PaintBusy = false;
-  }
-  {
-    SCOPED_TRACE("a paint during a resize's layout clears the flag and does nothing");
-    redraw.ResizeBusy = true;
-    redraw.ViewPicture_Paint();
-    EXPECT_FALSE(redraw.ResizeBusy);
-    EXPECT_FALSE(redraw.PaintBusy);
+    EXPECT_EQ(redraw.*g.flag, g.after);
+    EXPECT_EQ(redraw.PaintBusy, paintBusy);
+    EXPECT_EQ(busyShown, std::vector<bool>(paintBusy ? 0 : 1, true));
     EXPECT_TRUE(redraw.RedrawPending);
     EXPECT_EQ(redraw.rebuilds(), 0);
+    redraw.*g.flag = false;
+    busyShown.clear();
   }
-  {
-    SCOPED_TRACE("a paint while a rebuild runs does nothing and leaves the flag");
-    redraw.RedrawBusy = true;
-    redraw.ViewPicture_Paint();
-    EXPECT_TRUE(redraw.RedrawBusy);
-    EXPECT_FALSE(redraw.PaintBusy);
-    EXPECT_TRUE(redraw.RedrawPending);
-    EXPECT_EQ(redraw.rebuilds(), 0);
-    redraw.RedrawBusy = false;
-  }
-  busyShown.clear();
   redraw.ResizePending = true;
   redraw.ViewPicture_Paint();
   EXPECT_EQ(redraw.rebuilds(), 1);
@@ -127,39 +112,27 @@ TEST_F(RedrawTest, GuardsKeepAPaintFromRebuilding) {
   EXPECT_EQ(busyShown, (std::vector<bool>{true, false}));
 }
 
-TEST_F(RedrawTest, APlainRepaintOnlyShowsTheOldPicture) {
+TEST_F(RedrawTest, OnlyARebuildDrawsAndRowOneLiesOnTop) {
   redraw.RedrawScreen();
-  EXPECT_EQ(redraw.rebuilds(), 1);
-  EXPECT_EQ(pixelAt(0, 0), backgroundColour());
-
-  // New contents reach the picture only through a rebuild.
-  addDisc(3, 0, 0, 200000);
-  redraw.ViewPicture_Paint();
-  EXPECT_EQ(redraw.rebuilds(), 1);
-  EXPECT_EQ(pixelAt(0, 0), backgroundColour());
-  redraw.RedrawScreen();
-  EXPECT_EQ(redraw.rebuilds(), 2);
-  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(3).ColourNumber));
-}
-
-TEST_F(RedrawTest, RowOneLiesOnTopAndHiddenRowsAreNotDrawn) {
   addDisc(3, 0, 0, 200000);
   addDisc(4, 0, 0, 200000);
   ASSERT_NE(tables.layer(3).ColourNumber, tables.layer(4).ColourNumber);
+  redraw.ViewPicture_Paint();
+  EXPECT_EQ(redraw.rebuilds(), 1);
+  EXPECT_EQ(pixelAt(0, 0), backgroundColour()) << "a plain repaint shows the old picture";
+
   auto rowOf = [this](int32_t number) {
     for (int32_t row = 1; row <= LayerCount; ++row)
       if (tables.orderRow(row).LayerNumber == number)
         return row;
     return 0;
   };
-  std::swap(tables.orderRow(1), tables.orderRow(rowOf(4)));
-  redraw.RedrawScreen();
-  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(4).ColourNumber));
-
-  std::swap(tables.orderRow(1), tables.orderRow(rowOf(3)));
-  redraw.RedrawScreen();
-  EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(3).ColourNumber));
-
+  for (int32_t top : {4, 3}) {
+    std::swap(tables.orderRow(1), tables.orderRow(rowOf(top)));
+    redraw.RedrawScreen();
+    EXPECT_EQ(pixelAt(0, 0), paletteColour(tables.layer(top).ColourNumber)) << top;
+  }
+  EXPECT_EQ(redraw.rebuilds(), 3);
   tables.orderRow(rowOf(3)).Visible = false;
   tables.orderRow(rowOf(4)).Visible = false;
   redraw.RedrawScreen();
@@ -276,8 +249,7 @@ TEST_F(RedrawTest, FocusCentresOnThePointAndMarksIt) {
   redraw.RedrawScreen();
   const int32_t before = redraw.rebuilds();
   redraw.RedrawScreenFocus(500000, -200000);
-  EXPECT_EQ(view.ViewCenterX, 500000);
-  EXPECT_EQ(view.ViewCenterY, 200000);
+  EXPECT_EQ(std::pair(view.ViewCenterX, view.ViewCenterY), std::pair(500000, 200000));
   EXPECT_EQ(redraw.rebuilds(), before + 1);
   // The mark lies at the picture's centre, where the background was.
   ASSERT_NE(paletteColour(colours[colourslot::Highlight].ColourNumber), backgroundColour());

@@ -101,9 +101,7 @@ TEST_F(ViewCoordinatesTest, KeepingTheViewInTheWorld) {
     view.ViewCenterY = c.cy;
     view.PrecisionText.clear();
     const ViewChange change = view.keepInWorld();
-    EXPECT_EQ(view.m_Precision, c.expectedPrecision);
-    EXPECT_EQ(view.ViewCenterX, c.expectedX);
-    EXPECT_EQ(view.ViewCenterY, c.expectedY);
+    EXPECT_EQ(zoom(), (std::array{c.expectedPrecision, c.expectedX, c.expectedY}));
     EXPECT_EQ(change.Precision, !view.PrecisionText.empty());
     EXPECT_EQ(change.Precision, c.precision != c.expectedPrecision) << "a new precision is shown";
   }

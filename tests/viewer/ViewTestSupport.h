@@ -60,14 +60,8 @@ protected:
 
   // A shown, filled circle of radius 0 at (x, y), in palette colour 15.
   static ItemRecord dotRecord(int32_t x, int32_t y) {
-    ItemRecord r;
-    r.Type = ItemCircle;
-    r.Attributes = attr::Shown;
-    r.Style = StyleFilled;
-    r.Colour = 15;
-    r.X = x;
-    r.Y = y;
-    return r;
+    return {.Type = ItemCircle, .Attributes = attr::Shown, .X = x, .Y = y, .Colour = 15,
+            .Style = StyleFilled};
   }
   // A filled rectangle from (x0, y0) to (x1, y1) in layer (1 to 3).
   void addBox(int layer, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
@@ -85,6 +79,12 @@ protected:
     EXPECT_TRUE(view.pixelToWorld(px, py, w[0], w[1]));
     return w;
   }
+
+  // The precision and the stored centre (Y negated), and the centre alone.
+  std::array<int32_t, 3> zoom() const {
+    return {view.m_Precision, view.ViewCenterX, view.ViewCenterY};
+  }
+  std::array<int32_t, 2> centre() const { return {view.ViewCenterX, view.ViewCenterY}; }
 
   Kernel k;
   SystemServices services;

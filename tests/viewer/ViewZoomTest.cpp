@@ -9,6 +9,7 @@ namespace {
 
 using ViewZoomTest = test::ViewFixture;
 using Point = std::array<int32_t, 2>;
+using Zoom = std::array<int32_t, 3>;
 
 TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
   struct Case {
@@ -30,15 +31,12 @@ TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
     view.CursorX = 1000;
     view.CursorY = 2000;
     const ViewChange change = view.ZoomStep(c.mode);
-    EXPECT_EQ(view.m_Precision, c.expected);
-    EXPECT_EQ(view.ViewCenterX, 1000);
-    EXPECT_EQ(view.ViewCenterY, -2000);
+    EXPECT_EQ(zoom(), (Zoom{c.expected, 1000, -2000}));
     EXPECT_TRUE(change.Redraw && change.ScrollBars && change.Precision && change.RepeatPointerMove);
   }
   view.ViewCenterX = 5000;  // the tools zoom about the centre
   view.zoomAboutCentre(zoomstep::In);
-  EXPECT_EQ(view.ViewCenterX, 5000);
-  EXPECT_EQ(view.ViewCenterY, -2000);
+  EXPECT_EQ(centre(), (Point{5000, -2000}));
 }
 
 TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
@@ -84,19 +82,15 @@ TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
   view.ViewCenterY = 888;
   view.ZoomModeFlag = zoommode::ActualBoard;
   const ViewChange change = view.ATB_RedrawButtonClick(zoommode::Current);
-  EXPECT_EQ(view.m_Precision, 25400);
-  EXPECT_EQ(view.ViewCenterX, 777);
+  EXPECT_EQ(zoom(), (Zoom{25400, 777, 888}));
   EXPECT_TRUE(change.ScrollBars && change.Precision && change.Redraw && change.FocusView &&
               change.RepeatPointerMove);
   EXPECT_EQ(view.ZoomModeFlag, zoommode::ActualBoard) << "the mode is the tools' to set";
 
   view.ATB_RedrawButtonClick(zoommode::Board);  // an empty store: nothing to fit
-  EXPECT_EQ(view.m_Precision, 25400);
-  EXPECT_EQ(view.ViewCenterX, 777);
-  EXPECT_EQ(view.ViewCenterY, 888);
+  EXPECT_EQ(zoom(), (Zoom{25400, 777, 888}));
   view.ATB_RedrawButtonClick(zoommode::Center);
-  EXPECT_EQ(view.ViewCenterX, 0);
-  EXPECT_EQ(view.ViewCenterY, 0);
+  EXPECT_EQ(centre(), (Point{0, 0}));
 
   struct Case {
     const char* what;
@@ -117,23 +111,18 @@ TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
     SCOPED_TRACE(c.what);
     view.RulerOn = c.ruler;
     view.ATB_RedrawButtonClick(c.mode);
-    EXPECT_EQ(view.m_Precision, c.precision);
-    EXPECT_EQ(view.ViewCenterX, c.x);
-    EXPECT_EQ(view.ViewCenterY, -c.y);
+    EXPECT_EQ(zoom(), (Zoom{c.precision, c.x, -c.y}));
     EXPECT_EQ(view.PrecisionText, view.lengthText(c.precision));
   }
   view.setFitSource([] { return FrameRect{-1000000, -1000000, 3000000, 2000000}; });
   view.ATB_RedrawButtonClick(zoommode::Board);  // the import's board rectangle
-  EXPECT_EQ(view.m_Precision, 10635);
-  EXPECT_EQ(view.ViewCenterX, 1000000);
-  EXPECT_EQ(view.ViewCenterY, -500000);
+  EXPECT_EQ(zoom(), (Zoom{10635, 1000000, -500000}));
 }
 
 TEST_F(ViewZoomTest, DataSmallerThanAPixelFitsAtPrecisionOne) {
   addBox(2, 0, 0, 300, 200);
   view.ATB_RedrawButtonClick(zoommode::Board);
-  EXPECT_EQ(view.m_Precision, 1);
-  EXPECT_EQ(view.ViewCenterX, 150);
+  EXPECT_EQ(zoom(), (Zoom{1, 150, -100}));
   view.ATB_RedrawButtonClick(zoommode::ActualBoard);
   EXPECT_EQ(view.m_Precision, 1) << "actual size of a tiny cover";
   view.ATB_RedrawButtonClick(zoommode::Current);
@@ -146,9 +135,7 @@ TEST_F(ViewZoomTest, BoxZoomFramesTheBoxThroughTheShownPrecision) {
   // 1233881 / 400 pixels = 3084.7, truncated to 3084 units (0.03084 mm): the combo shows
   // "0.0308" and the redraw in mode 0 reads that back.
   EXPECT_EQ(view.PrecisionText, "0.0308");
-  EXPECT_EQ(view.m_Precision, 3080);
-  EXPECT_EQ(view.ViewCenterX, 616940) << "616940.5 to the even neighbour";
-  EXPECT_EQ(view.ViewCenterY, -500);
+  EXPECT_EQ(zoom(), (Zoom{3080, 616940, -500})) << "616940.5 to the even neighbour";
   EXPECT_EQ(view.ZoomModeFlag, zoommode::Current);
   EXPECT_TRUE(change.ModeTool && change.Redraw && change.ScrollBars && change.Precision);
   view.DisplayUnit = displayunit::Inch;
@@ -204,8 +191,7 @@ TEST_F(ViewZoomTest, PanningUnitSwitchAndTheRememberedView) {
   ASSERT_EQ(view.OpenView(1), 1);
   EXPECT_EQ(worldOf(Width / 2, Height / 2), target) << "the point is now in the middle";
   view.centreOn(300000000, -300000000);
-  EXPECT_EQ(view.ViewCenterX, WorldExtent);
-  EXPECT_EQ(view.ViewCenterY, WorldExtent) << "world Y -220000000, negated";
+  EXPECT_EQ(centre(), (Point{WorldExtent, WorldExtent})) << "world Y -220000000, negated";
 
   view.RulerOn = true;
   ViewChange change = view.M_Mm_Click();
@@ -227,11 +213,9 @@ TEST_F(ViewZoomTest, PanningUnitSwitchAndTheRememberedView) {
   view.m_Precision = 5000;
   view.ViewCenterX = 30;
   EXPECT_TRUE(view.exchangeViewHistory().Redraw);
-  EXPECT_EQ(view.m_Precision, 1000);
-  EXPECT_EQ(view.ViewCenterX, WorldExtent);
+  EXPECT_EQ(zoom(), (Zoom{1000, WorldExtent, WorldExtent}));
   view.exchangeViewHistory();
-  EXPECT_EQ(view.m_Precision, 5000);
-  EXPECT_EQ(view.ViewCenterX, 30);
+  EXPECT_EQ(zoom(), (Zoom{5000, 30, WorldExtent}));
 }
 
 }  // namespace
