@@ -66,8 +66,7 @@ TEST_F(ApertureExpansion, RoundAndSquarePadsIgnoreTheLineAndArcFilters) {
   EXPECT_EQ(all[0].Style, StyleFilled);
   EXPECT_EQ(all[0].Attributes, attr::Flashed + attr::Shown);
   EXPECT_EQ(all[1].Type, ItemRectangle);
-  EXPECT_EQ((std::array{all[1].X, all[1].Y, all[1].Width, all[1].Height}),
-            (std::array{800, 800, 400, 400}));
+  EXPECT_EQ(test::box(all[1]), (test::Box{800, 800, 400, 400}));
   EXPECT_EQ(all[1].Attributes, attr::Flashed + attr::Shown);
 }
 
@@ -95,10 +94,8 @@ TEST_F(ApertureExpansion, SpecialShapesWithTheirHoles) {
   flash(0, 0, rect, SpecialAperture, 13);
   all = items();
   ASSERT_EQ(all.size(), 2u);
-  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width, all[0].Height}),
-            (std::array{-400, -150, 800, 300}));
-  EXPECT_EQ((std::array{all[1].X, all[1].Y, all[1].Width, all[1].Height}),
-            (std::array{-100, -50, 200, 100}));
+  EXPECT_EQ(test::box(all[0]), (test::Box{-400, -150, 800, 300}));
+  EXPECT_EQ(test::box(all[1]), (test::Box{-100, -50, 200, 100}));
   EXPECT_EQ(all[1].Colour, ClearCode);
 
   clearLayer();
@@ -164,8 +161,7 @@ TEST_F(ApertureExpansion, MacroPrimitivesPunchThroughAndTurn) {
   // A line from (0, 0) to (1000, 0) of width 200: the box from (0, -100), 1000 by 200.
   EXPECT_EQ((std::array{all[3].X, all[3].Y, all[3].Width, all[3].Height, all[3].Angle}),
             (std::array{5000, 5900, 1000, 200, 0}));
-  EXPECT_EQ((std::array{all[4].X, all[4].Y, all[4].Width, all[4].Height}),
-            (std::array{5050, 6060, 300, 100}));
+  EXPECT_EQ(test::box(all[4]), (test::Box{5050, 6060, 300, 100}));
 
   // Mirrored: the corner's X and the width change sign, the angle runs the other way.
   clearLayer();
@@ -231,8 +227,7 @@ TEST_F(ApertureExpansion, MoireRingsAndCross) {
   }
   EXPECT_EQ((std::array{all[3].X, all[3].Y, all[3].Width, all[3].Height, all[3].LineWidth}),
             (std::array{-1100, 100, 2400, 0, 50}));
-  EXPECT_EQ((std::array{all[4].X, all[4].Y, all[4].Width, all[4].Height}),
-            (std::array{100, -1100, 0, 2400}));
+  EXPECT_EQ(test::box(all[4]), (test::Box{100, -1100, 0, 2400}));
 }
 
 }  // namespace

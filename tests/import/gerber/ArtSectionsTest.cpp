@@ -69,6 +69,16 @@ std::string writeArt(const test::TempDir& dir, const ApertureLists& lists, ArtHe
   return path;
 }
 
+// LoadArtHeader over the file at path into scan: its status, -1 when the file does not open.
+int32_t loadHeader(const std::string& path, GerberScan& scan, test::Reporting& reporting) {
+  ArtFile art;
+  if (!art.open(path))
+    return -1;
+  int32_t status = -1;
+  LoadArtHeader(status, art, false, scan, reporting.reporter);
+  return status;
+}
+
 TEST(ArtSections, LoadArtHeaderReadsWhatThePassWrote) {
   test::TempDir dir;
   test::Reporting reporting;
@@ -77,15 +87,9 @@ TEST(ArtSections, LoadArtHeaderReadsWhatThePassWrote) {
   header.MaxY = 7.5;
   header.FeatureFlags = featureflag::DarkLayer;
   header.UnitX = header.UnitY = 2540000;
-  const std::string path = writeArt(dir, sampleLists(), header);
-
-  ArtFile art;
-  ASSERT_TRUE(art.open(path));
   GerberScan scan;
   scan.Lists.DrawList = {{99, 1, 1}};  // emptied on reading
-  int32_t status = -1;
-  LoadArtHeader(status, art, false, scan, reporting.reporter);
-  ASSERT_EQ(status, 0);
+  ASSERT_EQ(loadHeader(writeArt(dir, sampleLists(), header), scan, reporting), 0);
   EXPECT_EQ(scan.Header, header);
   EXPECT_THAT(scan.Lists.DrawList, ElementsAre(ApertureUse{10, 2540, 3}, ApertureUse{12, -2, 1.5}));
   EXPECT_THAT(scan.Lists.RoundPadList, ElementsAre(ApertureUse{10, 2540, 4}));
@@ -120,9 +124,7 @@ TEST(ArtSections, WriteBackPutsEditedSizesIntoTheFile) {
   const std::string after = test::readBytes(path);
   ASSERT_EQ(after.size(), before.size());
   GerberScan again;
-  ArtFile art;
-  ASSERT_TRUE(art.open(path));
-  LoadArtHeader(status, art, false, again, reporting.reporter);
+  ASSERT_EQ(loadHeader(path, again, reporting), 0);
   EXPECT_EQ(again.Lists.RoundPadList[0].Size, 9999);
   EXPECT_EQ(again.Lists.PrimitiveList[1].Value, 1234);
   EXPECT_EQ(again.Lists.DrawList, scan.Lists.DrawList);
@@ -132,16 +134,9 @@ TEST(ArtSections, TooShortAFileIsReported) {
   test::TempDir dir;
   test::Reporting reporting;
   const std::string path = dir.file("TMP.ART");
-  {
-    std::ofstream out(path, std::ios::binary);
-    out << std::string(21 * 3, '\0');
-  }
-  ArtFile art;
-  ASSERT_TRUE(art.open(path));
+  std::ofstream(path, std::ios::binary) << std::string(21 * 3, '\0');
   GerberScan scan;
-  int32_t status = 0;
-  LoadArtHeader(status, art, false, scan, reporting.reporter);
-  EXPECT_EQ(status, 1);
+  EXPECT_EQ(loadHeader(path, scan, reporting), 1);
   ASSERT_EQ(reporting.prompts.shown.size(), 1u);
   EXPECT_EQ(reporting.prompts.shown[0].prompt, "Artwork File - Incorrect format");
 }
@@ -237,33 +232,27 @@ TEST(ApertureSummary, ShapesUsesAndUndefinedCodes) {
                      "D13*X5Y5D03*D77*X6Y6D03*M02*"),
             0);
   const std::vector<ApertureInfo> rows = describeApertures(pass.scan.Lists);
-  auto find = [&rows](int32_t code, ApertureRole role) -> const ApertureInfo* {
-    for (const ApertureInfo& row : rows)
-      if (row.DCode == code && row.Role == role)
-        return &row;
-    return nullptr;
+  // One row as "<role>/<shape> <size> x<uses>", with " undefined" for a code without definition.
+  const auto row = [&rows](int32_t code, ApertureRole role) -> std::string {
+    for (const ApertureInfo& r : rows)
+      if (r.DCode == code && r.Role == role)
+        return std::string(apertureRoleWord(r.Role)) + "/" + apertureShapeWord(r.Shape) + " " +
+               std::to_string(r.Size) + " x" + std::to_string(int(r.Uses)) +
+               (r.Defined ? "" : " undefined");
+    return "none";
   };
-  const ApertureInfo* draw10 = find(10, ApertureRole::Draw);
-  ASSERT_NE(draw10, nullptr);
-  EXPECT_EQ(draw10->Uses, 2);
-  EXPECT_EQ(draw10->Size, 25400);
-  EXPECT_EQ(draw10->Shape, ApertureShape::Round);
-  EXPECT_TRUE(draw10->Defined);
-  const ApertureInfo* draw11 = find(11, ApertureRole::Draw);
-  ASSERT_NE(draw11, nullptr);
-  EXPECT_EQ(draw11->Shape, ApertureShape::Square) << "a draw that links to a square pad";
-  const ApertureInfo* macro = find(12, ApertureRole::SpecialPad);
-  ASSERT_NE(macro, nullptr);
-  EXPECT_EQ(macro->Shape, ApertureShape::Macro);
+  EXPECT_EQ(row(10, ApertureRole::Draw), "draw/round 25400 x2");
+  EXPECT_EQ(row(11, ApertureRole::Draw), "draw/square 0 x1") << "a draw linked to a square pad";
+  EXPECT_EQ(row(12, ApertureRole::SpecialPad), "special/macro 0 x1");
+  EXPECT_EQ(row(13, ApertureRole::SpecialPad), "special/oval 0 x1");
+  EXPECT_EQ(row(77, ApertureRole::RoundPad), "round pad/round 0 x1 undefined");
+  const auto macro = std::find_if(rows.begin(), rows.end(), [](const ApertureInfo& r) {
+    return r.Shape == ApertureShape::Macro;
+  });
+  ASSERT_NE(macro, rows.end());
   EXPECT_EQ(macro->MacroName, "DOT");
   EXPECT_THAT(macro->Values, ElementsAre(1, 127000, 0, 0));
-  EXPECT_EQ(find(13, ApertureRole::SpecialPad)->Shape, ApertureShape::Oval);
-  const ApertureInfo* undefined = find(77, ApertureRole::RoundPad);
-  ASSERT_NE(undefined, nullptr);
-  EXPECT_FALSE(undefined->Defined);
-  EXPECT_EQ(undefined->Uses, 1);
   EXPECT_STREQ(apertureShapeWord(ApertureShape::RegularPolygon), "polygon");
-  EXPECT_STREQ(apertureRoleWord(ApertureRole::SquarePad), "square pad");
 }
 
 }  // namespace

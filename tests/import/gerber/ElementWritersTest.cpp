@@ -67,8 +67,7 @@ TEST_F(ElementWriters, ClearPolarityAndHolesTakeTheClearColour) {
   EXPECT_EQ(all[1].Width, 20);
   EXPECT_EQ(all[1].Colour, ClearCode);
   EXPECT_EQ(all[2].Type, ItemRectangle);
-  EXPECT_EQ((std::array{all[2].X, all[2].Y, all[2].Width, all[2].Height}),
-            (std::array{-20, -10, 40, 20}));
+  EXPECT_EQ(test::box(all[2]), (test::Box{-20, -10, 40, 20}));
   EXPECT_EQ(all[2].Style, StyleFilled);
   EXPECT_EQ(all[2].Attributes & flashword::Piece, flashword::Piece);
 }
@@ -87,8 +86,7 @@ TEST_F(ElementWriters, StrokesTakeTheirPenFromTheAperture) {
             (std::array{1000, 2000, 3000, 4000, 250}));
   EXPECT_EQ(all[1].Type, ItemRectangle);
   // a = 500 x 3/5 = 300, b = 500 x 4/5 = 400: the corner lies half a side behind and beside.
-  EXPECT_EQ((std::array{all[1].X, all[1].Y, all[1].Width, all[1].Height}),
-            (std::array{100, -700, 6000, 1000}));
+  EXPECT_EQ(test::box(all[1]), (test::Box{100, -700, 6000, 1000}));
   EXPECT_EQ(all[1].Angle, 53130);
   EXPECT_EQ(all[1].Style, StyleFilled);
   EXPECT_EQ((std::array{all[2].X, all[2].Y, all[2].Width, all[2].Height, all[2].Angle}),
@@ -158,8 +156,7 @@ TEST_F(ElementWriters, OutlinesNeedThePolygonFilterAndMarkTheirEnds) {
   writer().AddOutlinePolygon(square, 10001, 0);
   const auto all = items();
   ASSERT_EQ(all.size(), 4u);
-  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width, all[0].Height}),
-            (std::array{5000, -5000, 1000, 0}));
+  EXPECT_EQ(test::box(all[0]), (test::Box{5000, -5000, 1000, 0}));
   for (size_t i = 0; i < all.size(); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(all[i].Link, 10001);

@@ -28,28 +28,24 @@ void expectKinds(ImportKind (*test)(std::string_view), const std::vector<Case>& 
 
 std::string run(char c, std::size_t n) { return std::string(n, c); }
 
-TEST(IsGerberTest, DrawingCodesDecideWhetherTheTextIsLookedAt) {
-  expectKinds(IsGerber, {
-                            {"move and draw", "X1Y1D02*X2Y2D01*", 2},
-                            {"flashes only", "X1Y1D03*X5D03*", 2},
-                            {"short flash only", "X1Y1D3*", 2},
-                            {"draws without move or flash", "X1Y1D01*X2Y2D01*", 0},
-                            {"short move without short draw", "X1Y1D2*X3D2*", 0},
-                            {"short move and draw", "X1Y1D2*X2D1*", 2},
-                            {"long move with short draw", "X1Y1D02*X2D1*", 0},
-                            {"code without its star", "X1Y1D03\n", 0},
-                            {"lower case", "x1y1d03*", 0},
-                            {"empty", "", 0},
-                        });
-}
-
-TEST(IsGerberTest, ExtendedNeedsFormatAndApertureBlocks) {
-  expectKinds(IsGerber, {
-                            {"both", "%FSLAX24Y24*%\n%ADD10C,0.01*%\nX1Y1D03*\n", 1},
-                            {"%FS without %AD", "%FSLAX24Y24*%\nX1Y1D03*\n", 2},
-                            {"%AD without %FS", "%ADD10C,0.01*%\nX1Y1D03*\n", 2},
-                            {"lower case block", "%fsLAX24Y24*%%ADD10C*%D03*", 2},
-                        });
+TEST(IsGerberTest, DrawingCodesAndFormatBlocksDecideTheKind) {
+  expectKinds(IsGerber,
+              {
+                  {"move and draw", "X1Y1D02*X2Y2D01*", 2},
+                  {"flashes only", "X1Y1D03*X5D03*", 2},
+                  {"short flash only", "X1Y1D3*", 2},
+                  {"draws without move or flash", "X1Y1D01*X2Y2D01*", 0},
+                  {"short move without short draw", "X1Y1D2*X3D2*", 0},
+                  {"short move and draw", "X1Y1D2*X2D1*", 2},
+                  {"long move with short draw", "X1Y1D02*X2D1*", 0},
+                  {"code without its star", "X1Y1D03\n", 0},
+                  {"lower case", "x1y1d03*", 0},
+                  {"empty", "", 0},
+                  {"extended: %FS and %AD", "%FSLAX24Y24*%\n%ADD10C,0.01*%\nX1Y1D03*\n", 1},
+                  {"%FS without %AD", "%FSLAX24Y24*%\nX1Y1D03*\n", 2},
+                  {"%AD without %FS", "%ADD10C,0.01*%\nX1Y1D03*\n", 2},
+                  {"lower case block", "%fsLAX24Y24*%%ADD10C*%D03*", 2},
+              });
 }
 
 TEST(IsGerberTest, CharacterWalkRejectsControlsAndLongRunsOutsideTheSet) {

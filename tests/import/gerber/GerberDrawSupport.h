@@ -14,6 +14,7 @@
 #include <QImage>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -24,6 +25,10 @@ inline constexpr int32_t LayerColour = 10;
 inline constexpr int32_t ClearCode = slotCode(colourslot::ClearColour);
 // All filters on, outlines filled.
 inline constexpr int32_t AllFilters = 127 | filter::FilledOutlines;
+
+// An item's corner and extent, to compare in one line.
+using Box = std::array<int32_t, 4>;
+inline Box box(const ItemRecord& r) { return {r.X, r.Y, r.Width, r.Height}; }
 
 struct HoleCall {
   double x = 0;
@@ -70,12 +75,6 @@ protected:
       all.push_back(r);
     }
     return all;
-  }
-  std::vector<int32_t> typesOf(const std::vector<ItemRecord>& list) const {
-    std::vector<int32_t> types;
-    for (const ItemRecord& r : list)
-      types.push_back(r.Type);
-    return types;
   }
   void clearLayer() { EnsureLayerSymbol(k.store, layer, true); }
 

@@ -14,6 +14,7 @@ namespace {
 
 using test::ClearCode;
 using test::LayerColour;
+using test::typesOf;
 
 // Millimetres with three decimals: "X1000" is 1 mm, 100000 store units.
 constexpr const char* Head = "%FSLAX33Y33*%%MOMM*%%ADD10C,0.2*%%ADD11R,0.5X0.5*%";

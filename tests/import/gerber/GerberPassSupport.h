@@ -102,14 +102,6 @@ struct GerberPass {
   const std::vector<ScriptedPrompts::Shown>& shown() const { return reporting.prompts.shown; }
 };
 
-// Record types of the stream, for readable expectations.
-inline std::vector<int> typesOf(const std::vector<ArtRecord>& records) {
-  std::vector<int> types;
-  for (const ArtRecord& r : records)
-    types.push_back(r.Type);
-  return types;
-}
-
 inline const ApertureUse* findRow(const std::vector<ApertureUse>& list, int32_t dCode) {
   for (const ApertureUse& row : list)
     if (row.DCode == dCode)

@@ -21,13 +21,42 @@ using ::testing::ElementsAre;
 
 constexpr uint8_t Flash = 5, Start = 6, Point = 7, Centre = 8, End = 9;
 
-TEST(GerberTextPass, ReadsToTheEndOfATextWithoutStopCode) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*X100Y0D01*X100Y100D03*"), 0);
-  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Start, Point, Flash));
-  const auto all = pass.records();
-  EXPECT_EQ(all[5 + 3].Type, End);
-  EXPECT_TRUE(pass.shown().empty());
+// Small texts and the record types of the stream they leave, which always ends in its end record.
+TEST(GerberTextPass, StreamTypesOfSmallTexts) {
+  const std::string ad = "%ADD10C,0.01*%D10*";
+  const struct {
+    const char* name;
+    std::string text;
+    std::vector<int> types;
+  } cases[] = {
+      {"no stop code: to the end", ad + "X0Y0D02*X100Y0D01*X100Y100D03*", {Start, Point, Flash}},
+      {"M02 drops its block", ad + "X0Y0D03*X5Y5D03M02*X7Y7D03*", {Flash}},
+      {"M2", ad + "X0Y0D03*X5Y5D03M2*X7Y7D03*", {Flash}},
+      {"M00", ad + "X0Y0D03*X5Y5D03M00*X7Y7D03*", {Flash}},
+      {"M01 is no stop", ad + "X0Y0D03*X5Y5D03M01*M02*", {Flash, Flash}},
+      // A G code acts at its first digit, whatever follows.
+      {"G1", ad + "G75*G03X0Y0D02*G1X100Y0D01*M02*", {Start, Point}},
+      {"G12", ad + "G75*G03X0Y0D02*G12X100Y0D01*M02*", {Start, Point}},
+      {"G01", ad + "G75*G03X0Y0D02*G01X100Y0D01*M02*", {Start, Point}},
+      {"G30", ad + "G75*X0Y0D02*G30X100Y0I50J0D01*M02*", {Centre, Start, Point}},
+      {"a comment runs to its star",
+       "G04 X100 D03 %ADD*D10*G4 lower\r\n is fine*X0Y0D03*M02*",
+       {Flash}},
+      {"a first draw has no path start",
+       ad + "X1Y0D01*X2Y0D01*X3Y0D02*X4Y0D01*M02*",
+       {Point, Point, Start, Point}},
+      {"low D functions write nothing", ad + "X0Y0D03*X5Y5D07*X6Y6*X7Y7D03*M02*", {Flash, Flash}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    GerberPass pass;
+    ASSERT_EQ(pass.run(c.text), 0);
+    EXPECT_EQ(typesOf(pass.stream()), c.types);
+    const auto all = pass.records();
+    ASSERT_GT(all.size(), 5 + c.types.size());
+    EXPECT_EQ(all[5 + c.types.size()].Type, End);
+    EXPECT_TRUE(pass.shown().empty());
+  }
 }
 
 TEST(GerberTextPass, ApertureSelectKeepsItsCoordinatesAsTheCurrentPoint) {
@@ -37,24 +66,9 @@ TEST(GerberTextPass, ApertureSelectKeepsItsCoordinatesAsTheCurrentPoint) {
   // Nothing is written for the select; the draw ends at the new X with the selected Y.
   ASSERT_THAT(typesOf(s), ElementsAre(Start, Point));
   EXPECT_EQ(s[0].X, 0);
-  EXPECT_EQ(s[0].Y, 0);
   EXPECT_DOUBLE_EQ(s[1].X, inches(0.3));
   EXPECT_DOUBLE_EQ(s[1].Y, inches(0.2));
   EXPECT_EQ(s[1].N, 10);
-}
-
-TEST(GerberTextPass, StopCodeDropsTheCoordinatesOfItsBlockAndEverythingBehind) {
-  for (const char* stop : {"M02", "M2", "M00"}) {
-    SCOPED_TRACE(stop);
-    GerberPass pass;
-    const std::string text =
-        std::string("%ADD10C,0.01*%D10*X0Y0D03*X500Y500D03") + stop + "*X700Y700D03*";
-    ASSERT_EQ(pass.run(text), 0);
-    EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Flash));
-  }
-  GerberPass other;
-  ASSERT_EQ(other.run("%ADD10C,0.01*%D10*X0Y0D03*X500Y500D03M01*M02*"), 0);
-  EXPECT_THAT(typesOf(other.stream()), ElementsAre(Flash, Flash)) << "M01 is no stop";
 }
 
 TEST(GerberTextPass, CoordinateBlockRepeatsTheLastOperationButMovesAtFirst) {
@@ -70,24 +84,6 @@ TEST(GerberTextPass, CoordinateBlockRepeatsTheLastOperationButMovesAtFirst) {
   ASSERT_THAT(typesOf(s), ElementsAre(Start, Point, Point));
   EXPECT_DOUBLE_EQ(s[2].X, inches(0.1));
   EXPECT_EQ(findRow(after.scan.Lists.DrawList, 10)->Uses, 2);
-}
-
-TEST(GerberTextPass, GCodesActAsTheirDigitsCome) {
-  // "G1" sets linear mode at its first digit, whatever digit follows; so does "G12".
-  for (const char* block : {"G1X100Y0D01*", "G12X100Y0D01*", "G01X100Y0D01*"}) {
-    SCOPED_TRACE(block);
-    GerberPass pass;
-    ASSERT_EQ(pass.run(std::string("%ADD10C,0.01*%D10*G75*G03X0Y0D02*") + block + "M02*"), 0);
-    EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Start, Point));
-  }
-  // "G3" sets arc mode at its first digit even with a second one that means nothing.
-  GerberPass arc;
-  ASSERT_EQ(arc.run("%ADD10C,0.01*%D10*G75*X0Y0D02*G30X100Y0I50J0D01*M02*"), 0);
-  EXPECT_THAT(typesOf(arc.stream()), ElementsAre(Centre, Start, Point));
-  // A comment runs to its "*", whatever it holds.
-  GerberPass comment;
-  ASSERT_EQ(comment.run("G04 X100 D03 %ADD*D10*G4 lower case\r\n is fine*X0Y0D03*M02*"), 0);
-  EXPECT_THAT(typesOf(comment.stream()), ElementsAre(Flash));
 }
 
 TEST(GerberTextPass, ParseCoordinateByZeroMode) {
@@ -114,12 +110,6 @@ TEST(GerberTextPass, ParseCoordinateByZeroMode) {
   EXPECT_DOUBLE_EQ(parse("120000", AxisX), test::millimetres(12) / 2);
 }
 
-TEST(GerberTextPass, FirstDrawAheadOfAnyMoveHasNoPathStart) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X100Y0D01*X200Y0D01*X300Y0D02*X400Y0D01*M02*"), 0);
-  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Point, Point, Start, Point));
-}
-
 TEST(GerberTextPass, StepAndRepeatMultipliesUsesAndWidensExtents) {
   GerberPass pass;
   ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*%SRX3Y2I1.0J1.0*%X100Y200D03*%SR*%X0Y0D03*M02*"),
@@ -139,16 +129,6 @@ TEST(GerberTextPass, StepAndRepeatMultipliesUsesAndWidensExtents) {
   EXPECT_DOUBLE_EQ(h.MaxX, inches(0.1) + 2 * 2540000);
   EXPECT_DOUBLE_EQ(h.MaxY, inches(0.2) + 2540000);
   EXPECT_DOUBLE_EQ(h.MinX, 0);
-}
-
-TEST(GerberTextPass, ExtentsLeaveOutTheFirstOperation) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X9000Y9000D02*X100Y200D01*X300Y50D01*M02*"), 0);
-  const ArtHeader& h = pass.scan.Header;
-  EXPECT_DOUBLE_EQ(h.MinX, inches(0.1));
-  EXPECT_DOUBLE_EQ(h.MaxX, inches(0.3));
-  EXPECT_DOUBLE_EQ(h.MinY, inches(0.05));
-  EXPECT_DOUBLE_EQ(h.MaxY, inches(0.2));
 }
 
 TEST(GerberTextPass, UndefinedDCodesAreKeptWithSizeZero) {
@@ -180,30 +160,28 @@ TEST(GerberTextPass, DrawsWithSquareOrSpecialAperturesLinkToThem) {
   EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 0);
 }
 
-TEST(GerberTextPass, CachedApertureRowsFollowTheListsWhenDefinitionsClearThem) {
-  GerberPass pass;
-  pass.table = {{1000, 10, 20, 0}, {2000, 11, 0, 30}};
-  // D20 flashes from the table; the first AD then empties the table's lists and D20 is new.
-  ASSERT_EQ(pass.run("D20*X0Y0D03*X1Y1D03*%ADD20C,0.05*%X2Y2D03*D10*X3Y3D01*M02*"), 0);
-  const ApertureLists& lists = pass.scan.Lists;
-  ASSERT_EQ(lists.RoundPadList.size(), 1u);
-  EXPECT_EQ(lists.RoundPadList[0].Uses, 1);
-  EXPECT_EQ(lists.RoundPadList[0].Size, toInt32(inches(0.05)));
-  EXPECT_EQ(findRow(lists.DrawList, 10)->Size, 0) << "the table's D10 is gone";
-  EXPECT_FALSE(lists.DefinedDCodes.count(10));
-}
-
-TEST(GerberTextPass, ApertureTableGivesTheListsOfAFileWithoutDefinitions) {
-  GerberPass pass;
-  pass.table = {{1000, 10, 20, 0}, {2000, 11, 0, 30}};
-  ASSERT_EQ(pass.run("D10*X0Y0D02*X100Y0D01*D30*X5Y5D03*D20*X6Y6D03*M02*"), 0);
-  const ApertureLists& lists = pass.scan.Lists;
-  EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 1);
-  EXPECT_EQ(findRow(lists.DrawList, 10)->Size, 1000);
-  EXPECT_EQ(findRow(lists.SquarePadList, 30)->Uses, 1);
-  EXPECT_EQ(findRow(lists.SquarePadList, 30)->Size, 2000);
+TEST(GerberTextPass, ApertureTableGivesTheListsUntilTheFirstDefinition) {
+  const std::vector<ApertureTableRow> table = {{1000, 10, 20, 0}, {2000, 11, 0, 30}};
+  GerberPass plain;
+  plain.table = table;
+  ASSERT_EQ(plain.run("D10*X0Y0D02*X100Y0D01*D30*X5Y5D03*D20*X6Y6D03*M02*"), 0);
+  const ApertureLists& lists = plain.scan.Lists;
+  EXPECT_EQ(*findRow(lists.DrawList, 10), (ApertureUse{10, 1000, 1}));
+  EXPECT_EQ(*findRow(lists.SquarePadList, 30), (ApertureUse{30, 2000, 1}));
   EXPECT_EQ(findRow(lists.RoundPadList, 20)->Uses, 1);
   EXPECT_EQ(findRow(lists.DrawList, 11)->Uses, 0);
+
+  // D20 flashes from the table; the first AD then empties the table's lists and D20 is new, in
+  // another row than before: rows cached from the table must not be used.
+  GerberPass defined;
+  defined.table = table;
+  ASSERT_EQ(defined.run("D20*X0Y0D03*X1Y1D03*%ADD21C,0.02*%%ADD20C,0.05*%X2Y2D03*D10*X3Y3D01*M02*"),
+            0);
+  const ApertureLists& after = defined.scan.Lists;
+  EXPECT_THAT(after.RoundPadList, ElementsAre(ApertureUse{21, toInt32(inches(0.02)), 0},
+                                              ApertureUse{20, toInt32(inches(0.05)), 1}));
+  EXPECT_EQ(findRow(after.DrawList, 10)->Size, 0) << "the table's D10 is gone";
+  EXPECT_FALSE(after.DefinedDCodes.count(10));
 }
 
 TEST(GerberTextPass, ArcsGetACentreRecordAndStandAlone) {
@@ -316,13 +294,6 @@ TEST(GerberTextPass, IntermediateFileOfASmallFileByteForByte) {
   ASSERT_EQ(pass.run("%FSLAX33Y33*%\r\n%MOMM*%\r\n%ADD10C,0.1*%\r\nD10*\r\nX1000Y2000D02*\r\n"
                      "X3000Y2000D01*\r\nX5000Y5000D03*\r\nM02*\r\n"),
             0);
-  const std::string bytes = test::readBytes(pass.art);
-  ASSERT_EQ(bytes.size(), 15u * 21u);
-  // The flash, record 8, spelled out: type 5, N 10, X and Y 500000.0.
-  const std::string flash("\x05\x0a\x00\x00\x00\x00\x00\x00\x00\x80\x84\x1e\x41"
-                          "\x00\x00\x00\x00\x80\x84\x1e\x41",
-                          21);
-  EXPECT_EQ(bytes.substr(7 * 21, 21), flash);
   const ArtRecord expected[] = {
       {1, 0, 300000, 200000},      // extents minimum, without the first move
       {1, 0, 500000, 500000},      // extents maximum; no polarity blocks
@@ -345,7 +316,7 @@ TEST(GerberTextPass, IntermediateFileOfASmallFileByteForByte) {
     const ArtRecordBytes b = encodeArtRecord(r);
     want.append(reinterpret_cast<const char*>(b.data()), b.size());
   }
-  EXPECT_EQ(bytes, want);
+  EXPECT_EQ(test::readBytes(pass.art), want);
   EXPECT_EQ(pass.scan.StreamRecords, 4);
   EXPECT_EQ(pass.format.Unit, 1) << "the file's own MO stays in the format";
 }
@@ -367,56 +338,50 @@ TEST(GerberTextPass, ReadsTheSourceFromDiskInPieces) {
   EXPECT_EQ(pass.files.openCount(), 0);
 }
 
-// Every failure shows its message, removes TMP.ART and says "Cancelled" in the main window.
+// A failure shows its one message, removes TMP.ART and says "Cancelled" in the main window.
+void expectCancelled(const GerberPass& pass, const std::string& message) {
+  ASSERT_EQ(pass.shown().size(), 1u);
+  EXPECT_EQ(pass.shown()[0].prompt, message);
+  EXPECT_FALSE(pass.artExists());
+  EXPECT_THAT(pass.mainLines, ElementsAre("Cancelled"));
+}
+
 TEST(GerberTextPass, FailuresCancelThePass) {
-  struct Case {
+  const std::string ad = "%ADD10C,0.01*%D10*X0Y0D03*";
+  const std::string foreign = "board.gbr - import of files in this format is not supported";
+  const struct {
     const char* name;
     std::string text;
     std::string message;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"radius", "%ADD10C,0.01*%D10*G75*X0Y0D02*G02X1Y1I99999999J0D01*M02*",
        "Coordinates outside limits\r\nCheck parameters for GERBER file and import again."},
-      {"foreign characters", "%ADD10C,0.01*%D10*X0Y0D03*" + std::string(101, 'q') + "M02*",
-       "board.gbr - import of files in this format is not supported"},
-      {"tab", "%ADD10C,0.01*%D10*X0Y0D03*\tM02*",
-       "board.gbr - import of files in this format is not supported"},
-      {"character 255", "%ADD10C,0.01*%D10*X0Y0D03*\xffM02*",
-       "board.gbr - import of files in this format is not supported"},
+      {"foreign characters", ad + std::string(101, 'q') + "M02*", foreign},
+      {"tab", ad + "\tM02*", foreign},
+      {"character 255", ad + "\xffM02*", foreign},
       {"extents", "%ADD10C,0.01*%D10*X0Y0D02*X0Y0D03*X180000Y0D03*M02*",
        "Coordinates outside limits\r\nCheck parameters for board.gbr file and import again."},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     GerberPass pass;
     EXPECT_EQ(pass.run(c.text), 1);
-    ASSERT_EQ(pass.shown().size(), 1u);
-    EXPECT_EQ(pass.shown()[0].prompt, c.message);
-    EXPECT_FALSE(pass.artExists());
-    EXPECT_THAT(pass.mainLines, ElementsAre("Cancelled"));
+    expectCancelled(pass, c.message);
   }
-  // 100 foreign characters in a row are still tolerated, and characters of the set reset the
-  // count.
+  // 100 foreign characters in a row are tolerated; a character of the set resets the count.
   GerberPass lenient;
-  EXPECT_EQ(lenient.run("%ADD10C,0.01*%D10*X0Y0D03*" + std::string(100, 'q') + "X1Y1D03*" +
-                        std::string(100, 'q') + "M02*"),
-            0);
-}
+  const std::string hundred(100, 'q');
+  EXPECT_EQ(lenient.run(ad + hundred + "X1Y1D03*" + hundred + "M02*"), 0);
 
-TEST(GerberTextPass, UnreadableSourceOrIntermediateCancelsToo) {
-  GerberPass pass;
-  EXPECT_NE(pass.runFile(pass.dir.file("missing.gbr")), 0);
-  ASSERT_EQ(pass.shown().size(), 1u);
-  EXPECT_EQ(pass.shown()[0].prompt.rfind("Can't read file: ", 0), 0u);
-  EXPECT_FALSE(pass.artExists());
-  EXPECT_THAT(pass.mainLines, ElementsAre("Cancelled"));
+  GerberPass missing;
+  const std::string source = missing.dir.file("missing.gbr");
+  EXPECT_NE(missing.runFile(source), 0);
+  expectCancelled(missing, "Can't read file: " + source);
 
   GerberPass unwritable;
   unwritable.art = unwritable.dir.file("no/such/folder/TMP.ART");
-  EXPECT_EQ(unwritable.run("%ADD10C,0.01*%D10*X0Y0D03*M02*"), 1);
-  ASSERT_EQ(unwritable.shown().size(), 1u);
-  EXPECT_EQ(unwritable.shown()[0].prompt.rfind("Can't create/write to file: ", 0), 0u);
-  EXPECT_THAT(unwritable.mainLines, ElementsAre("Cancelled"));
+  EXPECT_EQ(unwritable.run(ad + "M02*"), 1);
+  expectCancelled(unwritable, "Can't create/write to file: " + unwritable.art);
 }
 
 TEST(GerberTextPass, AnEarlierIntermediateFileIsReplaced) {
@@ -429,12 +394,6 @@ TEST(GerberTextPass, AnEarlierIntermediateFileIsReplaced) {
   const auto all = pass.records();
   ASSERT_EQ(all.size(), 5u + 2u + 5u) << "header, flash and end, five section records";
   EXPECT_EQ(all[5].Type, Flash);
-}
-
-TEST(GerberTextPass, LowDFunctionsWriteNothing) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D03*X5Y5D07*X6Y6*X7Y7D03*M02*"), 0);
-  EXPECT_THAT(typesOf(pass.stream()), ElementsAre(Flash, Flash));
 }
 
 }  // namespace

@@ -1,18 +1,20 @@
 // What the import tests share: the 31 layer slots, a reporting set with scripted prompts, a
-// temporary folder, and elements made directly in the store.
+// temporary folder, the corpus manifest, and elements made directly in the store.
 #pragma once
 
-#include "store/LayerRecord.h"
 #include "import/gerber/ReportStatus.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
+#include "store/LayerRecord.h"
 
 #include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace tvx::test {
 
@@ -63,6 +65,34 @@ private:
 inline std::string readBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The rows of the corpus manifest in dir: each file's path and format, the header line left out.
+struct ManifestEntry {
+  std::string path;
+  std::string format;
+};
+
+inline std::vector<ManifestEntry> readManifest(const std::string& dir) {
+  std::vector<ManifestEntry> entries;
+  std::ifstream in(dir + "/MANIFEST.tsv");
+  std::string line;
+  std::getline(in, line);
+  while (std::getline(in, line)) {
+    std::istringstream fields(line);
+    ManifestEntry e;
+    if (std::getline(fields, e.path, '\t') && std::getline(fields, e.format, '\t'))
+      entries.push_back(e);
+  }
+  return entries;
+}
+
+// The Type of each record or item, for readable expectations.
+template <typename Record> std::vector<int32_t> typesOf(const std::vector<Record>& records) {
+  std::vector<int32_t> types;
+  for (const Record& r : records)
+    types.push_back(r.Type);
+  return types;
 }
 
 // An element of a symbol, made the way the store's callers do.

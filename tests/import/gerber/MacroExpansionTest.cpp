@@ -17,17 +17,17 @@ double assigned(const std::string& expression, std::string_view modifiers = "") 
   return variables.value(4);
 }
 
+// Each expression in a primitive field and, where it has no parentheses, in an assignment line.
 TEST(MacroArithmetic, FieldsBindTimesTighterAssignmentsGoLeftToRight) {
-  struct Case {
+  constexpr double Skip = -99;  // the assignment line is not tried
+  const struct {
     const char* expression;
     const char* modifiers;
-    double field;       // in a primitive field
-    double assignment;  // in an assignment line
-  };
-  const Case cases[] = {
+    double field;
+    double assignment;
+  } cases[] = {
       {"$1x2+1", "3", 7, 7},
       {"1+2x3", "", 7, 9},
-      {"($1+1)x2", "3", 8, 8},  // in an assignment the parentheses join the number's text
       {"10-2-3", "", 5, 5},
       {"8/2/2", "", 2, 2},
       {"2x3/4", "", 1.5, 1.5},
@@ -35,42 +35,33 @@ TEST(MacroArithmetic, FieldsBindTimesTighterAssignmentsGoLeftToRight) {
       {"-$1", "3", -3, -3},
       {"$1/0", "3", 0, 3},  // a division by zero: the right operand in a field, no step in a line
       {"3x-2", "", 1, 1},   // an operator behind an operator takes its place
+      // Parentheses innermost first; in a line they would join the number's text.
+      {"($1+1)x2", "3", 8, Skip},
+      {"(0.5+$1)", "0.25X2", 0.75, Skip},
+      {"(0.5+$1)x$2", "0.25X2", 1.5, Skip},
+      {"2x((1+$2)x(3-1))", "0.25X2", 12, Skip},
+      {"(10)-(4)", "", 6, Skip},
+      {"((2))", "", 2, Skip},
+      {"(-1)x3", "", -3, Skip},
+      {"1+(2", "", 3, Skip},  // an open range runs to the end
+      {"1)+2", "", 3, Skip},  // a lone ) counts 0
+      {" 1 . 5 ", "", 1.5, Skip},
+      // An undefined variable reads 1 in a product and 0 elsewhere in a field, 0 in a line.
+      {"$9", "1X2X3", 0, Skip},
+      {"2x$9", "1X2X3", 2, 0},
+      {"$9x2", "1X2X3", 2, Skip},
+      {"$9+5", "1X2X3", 5, 5},
+      {"$3", "1X2X3", 3, 3},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.expression);
-    const MacroVariables variables(c.modifiers);
-    EXPECT_DOUBLE_EQ(evaluateMacroField(c.expression, variables), c.field);
-    if (std::string_view(c.expression).find('(') == std::string_view::npos) {
+    EXPECT_DOUBLE_EQ(evaluateMacroField(c.expression, MacroVariables(c.modifiers)), c.field);
+    if (c.assignment != Skip) {
       EXPECT_DOUBLE_EQ(assigned(c.expression, c.modifiers), c.assignment);
     }
   }
-}
-
-TEST(MacroArithmetic, ParenthesesInnermostFirstAndANumberRightBehindOne) {
-  const MacroVariables variables("0.25X2");
-  EXPECT_DOUBLE_EQ(evaluateMacroField("(0.5+$1)", variables), 0.75);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("(0.5+$1)x$2", variables), 1.5);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("2x((1+$2)x(3-1))", variables), 12);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("(10)-(4)", variables), 6);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("((2))", variables), 2);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("(-1)x3", variables), -3);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("1+(2", variables), 3) << "an open range runs to the end";
-  EXPECT_DOUBLE_EQ(evaluateMacroField("1)+2", variables), 3) << "a lone ) counts 0";
-  EXPECT_DOUBLE_EQ(evaluateMacroField(" 1 . 5 ", variables), 1.5) << "blanks are passed over";
-}
-
-TEST(MacroArithmetic, UndefinedVariablesReadZeroOrOne) {
-  const MacroVariables three("1X2X3");
-  EXPECT_EQ(three.count(), 3);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("$9", three), 0);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("2x$9", three), 2);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("$9x2", three), 2);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("$9+2", three), 2);
-  EXPECT_DOUBLE_EQ(evaluateMacroField("$3", three), 3);
-  EXPECT_DOUBLE_EQ(assigned("$9+5", "1X2X3"), 5);
-  EXPECT_DOUBLE_EQ(assigned("2x$9", "1X2X3"), 0) << "an assignment reads every undefined one as 0";
-  const MacroVariables none("");
-  EXPECT_EQ(none.count(), 0);
+  EXPECT_EQ(MacroVariables("1X2X3").count(), 3);
+  EXPECT_EQ(MacroVariables("").count(), 0);
 }
 
 TEST(MacroArithmetic, AssignmentLinesGrowTheVariables) {
@@ -99,18 +90,36 @@ TEST(MacroArithmetic, AssignmentLinesGrowTheVariables) {
 }
 
 // A store with one macro of the given lines.
-MacroStore macro(const std::vector<std::string>& lines, const std::string& name = "M") {
+MacroStore macro(const std::vector<std::string>& lines) {
   MacroStore store;
-  store.define(name, lines);
+  store.define("M", lines);
   return store;
 }
 
 const LengthScale Millimetres{1, 100000};
 const LengthScale Inches{0, 100000};
 
+// The rows that macro "M" of lines gives D10, in store units; expansion succeeds exactly when
+// there are rows.
+std::vector<PrimitiveRow> expand(const std::vector<std::string>& lines,
+                                 std::string_view modifiers = "",
+                                 const LengthScale& scale = Millimetres) {
+  std::vector<PrimitiveRow> rows;
+  const bool expanded = ExpandMacro(macro(lines), 0, modifiers, 10, scale, rows);
+  EXPECT_EQ(expanded, !rows.empty());
+  return rows;
+}
+
+std::vector<double> valuesOf(const std::vector<PrimitiveRow>& rows) {
+  std::vector<double> values;
+  for (const PrimitiveRow& row : rows)
+    values.push_back(row.Value);
+  return values;
+}
+
 TEST(MacroExpansion, PrimitiveLinesBecomeRowsWithCodeAndCount) {
-  const MacroStore store = macro({"1,1,$1,0,0", "$2=$1x2", "21,1,$2,1,0,0,45"});
-  const auto rows = evaluateMacroLines(store, 0, "0.5", 12);
+  const std::vector<std::string> lines = {"1,1,$1,0,0", "$2=$1x2", "21,1,$2,1,0,0,45"};
+  const auto rows = evaluateMacroLines(macro(lines), 0, "0.5", 12);
   ASSERT_EQ(rows.size(), 10u);
   std::vector<int32_t> numbers;
   for (const PrimitiveRow& row : rows) {
@@ -119,33 +128,17 @@ TEST(MacroExpansion, PrimitiveLinesBecomeRowsWithCodeAndCount) {
     numbers.push_back(row.Number);
   }
   EXPECT_THAT(numbers, ElementsAre(1, 0, 0, -4, 21, 0, 0, 0, 0, -6));
-  EXPECT_DOUBLE_EQ(rows[1].Value, 0.5);
-  EXPECT_DOUBLE_EQ(rows[5].Value, 1.0);
-
-  std::vector<PrimitiveRow> primitives;
-  ASSERT_TRUE(ExpandMacro(store, 0, "0.5", 12, Millimetres, primitives));
-  ASSERT_EQ(primitives.size(), 10u);
-  EXPECT_EQ(primitives[0].Value, 1) << "exposure stays raw";
-  EXPECT_EQ(primitives[1].Value, 50000) << "diameter in store units";
-  EXPECT_EQ(primitives[5].Value, 100000);
-  EXPECT_EQ(primitives[9].Value, 45000) << "rotation in thousandths of a degree";
+  EXPECT_THAT(valuesOf(rows), ElementsAre(1, 0.5, 0, 0, 1, 1.0, 1, 0, 0, 45));
+  // Exposure stays raw, lengths in store units, the rotation in thousandths of a degree.
+  EXPECT_THAT(valuesOf(expand(lines, "0.5")),
+              ElementsAre(1, 50000, 0, 0, 1, 100000, 100000, 0, 0, 45000));
 }
 
-TEST(MacroExpansion, CircleWithoutModifiersHasDiameterZero) {
-  const MacroStore store = macro({"1,1,$1,0,0"});
-  std::vector<PrimitiveRow> primitives;
-  ASSERT_TRUE(ExpandMacro(store, 0, "", 10, Inches, primitives));
-  ASSERT_EQ(primitives.size(), 4u);
-  EXPECT_EQ(primitives[1].Value, 0);
-}
-
+// Each primitive line by itself, without modifiers, in millimetres; no values: dropped.
 TEST(MacroExpansion, EachPrimitiveIsCheckedAndConvertedByItsRowCount) {
-  struct Case {
-    const char* line;
-    std::vector<double> converted;  // empty: the line is dropped
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::vector<double>> cases[] = {
       {"1,1,1,2,3", {1, 100000, 200000, 300000}},
+      {"1,1,$1,0,0", {1, 0, 0, 0}},  // no modifiers: diameter 0
       {"2,1,0.1,0,0,1,1,30", {1, 10000, 0, 0, 100000, 100000, 30000}},
       {"20,0,0.1,0,0,1,1,0", {0, 10000, 0, 0, 100000, 100000, 0}},
       {"5,1,6,0,0,2,15", {1, 6, 0, 0, 200000, 15000}},
@@ -159,38 +152,26 @@ TEST(MacroExpansion, EachPrimitiveIsCheckedAndConvertedByItsRowCount) {
       {"3,1,1,1", {}},      // no such primitive
       {"7,0,0,2,1.5,0.2", {}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.line);
-    const MacroStore store = macro({c.line});
-    std::vector<PrimitiveRow> primitives;
-    EXPECT_EQ(ExpandMacro(store, 0, "", 10, Millimetres, primitives), !c.converted.empty());
-    std::vector<double> values;
-    for (const PrimitiveRow& row : primitives)
-      values.push_back(row.Value);
-    EXPECT_EQ(values, c.converted);
+  for (const auto& [line, converted] : cases) {
+    SCOPED_TRACE(line);
+    EXPECT_EQ(valuesOf(expand({line})), converted);
   }
 }
 
-TEST(MacroExpansion, BrokenLinesAreSkippedRowByRowBesideGoodOnes) {
-  const MacroStore store = macro({"1,1,1,2", "1,1,1,0,0", "5,1,6"});
-  std::vector<PrimitiveRow> primitives;
-  ASSERT_TRUE(ExpandMacro(store, 0, "", 10, Millimetres, primitives));
-  ASSERT_EQ(primitives.size(), 4u);
-  EXPECT_EQ(primitives[0].Number, 1);
-  EXPECT_EQ(primitives[3].Number, -4);
-  EXPECT_EQ(primitives[1].Value, 100000);
-}
-
-TEST(MacroExpansion, OutlineWithAWrongCountStaysInFileUnits) {
-  // Three points claimed, two given: the line is copied as it stands.
-  const MacroStore store = macro({"4,1,3,0,0,1,0,0,1,0", "1,1,1,0,0"});
-  std::vector<PrimitiveRow> primitives;
-  ASSERT_TRUE(ExpandMacro(store, 0, "", 10, Millimetres, primitives));
-  ASSERT_EQ(primitives.size(), 9u + 4u);
-  EXPECT_EQ(primitives[4].Value, 1) << "unconverted";
-  EXPECT_EQ(primitives[8].Number, -9);
-  EXPECT_EQ(primitives[9].Number, 1);
-  EXPECT_EQ(primitives[10].Value, 100000) << "the circle behind it is converted";
+TEST(MacroExpansion, BadLinesBesideGoodOnes) {
+  // A broken line is skipped; the good one keeps its code and count.
+  auto rows = expand({"1,1,1,2", "1,1,1,0,0", "5,1,6"});
+  ASSERT_EQ(rows.size(), 4u);
+  EXPECT_EQ(rows[0].Number, 1);
+  EXPECT_EQ(rows[3].Number, -4);
+  EXPECT_EQ(rows[1].Value, 100000);
+  // An outline that claims three points and gives two is copied as it stands, in file units.
+  rows = expand({"4,1,3,0,0,1,0,0,1,0", "1,1,1,0,0"});
+  ASSERT_EQ(rows.size(), 9u + 4u);
+  EXPECT_EQ(rows[4].Value, 1) << "unconverted";
+  EXPECT_EQ(rows[8].Number, -9);
+  EXPECT_EQ(rows[9].Number, 1);
+  EXPECT_EQ(rows[10].Value, 100000) << "the circle behind it is converted";
 }
 
 TEST(MacroExpansion, MacroStoreKeepsLinesAndSkipsComments) {
@@ -212,26 +193,16 @@ TEST(MacroExpansion, MacroStoreKeepsLinesAndSkipsComments) {
 
 TEST(MacroExpansion, ExpressionsOfRealFilesEvaluate) {
   // The precedence case of a known test file: an annulus of 2 outer and 1.9 inner diameter.
-  const MacroStore annulus = macro({"1,1,2,0,0", "1,0,1.8+1X0+0.1,0,0"});
-  std::vector<PrimitiveRow> primitives;
-  ASSERT_TRUE(ExpandMacro(annulus, 0, "", 10, Millimetres, primitives));
-  ASSERT_EQ(primitives.size(), 8u);
-  EXPECT_EQ(primitives[5].Value, 190000);
+  const auto annulus = expand({"1,1,2,0,0", "1,0,1.8+1X0+0.1,0,0"});
+  ASSERT_EQ(annulus.size(), 8u);
+  EXPECT_EQ(annulus[5].Value, 190000);
   // An octagon whose size comes from the modifier, and a negative product.
-  const MacroStore octagon = macro({"5,1,8,0,0,1.08239X$1,22.5", "1,1,0-$1x2,0,0"});
-  primitives.clear();
-  ASSERT_TRUE(ExpandMacro(octagon, 0, "0.0610", 10, Inches, primitives));
-  ASSERT_EQ(primitives.size(), 10u);
-  EXPECT_EQ(primitives[4].Value, wholeNumber(1.08239 * 0.061 * 2540000));
-  EXPECT_EQ(primitives[5].Value, 22500);
-  EXPECT_EQ(primitives[7].Value, wholeNumber(-0.122 * 2540000));
+  const auto octagon = expand({"5,1,8,0,0,1.08239X$1,22.5", "1,1,0-$1x2,0,0"}, "0.0610", Inches);
+  ASSERT_EQ(octagon.size(), 10u);
+  EXPECT_EQ(octagon[4].Value, wholeNumber(1.08239 * 0.061 * 2540000));
+  EXPECT_EQ(octagon[5].Value, 22500);
+  EXPECT_EQ(octagon[7].Value, wholeNumber(-0.122 * 2540000));
 }
-
-}  // namespace
-}  // namespace tvx
-
-namespace tvx {
-namespace {
 
 TEST(MacroExpansion, AMacroKeepsAtMostItsShareOfLines) {
   std::vector<std::string> lines(MacroStore::MostLinesPerMacro + 5, "1,1,1,0,0");

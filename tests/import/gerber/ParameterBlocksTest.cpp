@@ -54,11 +54,8 @@ TEST(ParameterBlocks, StandardShapesByNameAndModifiers) {
   b.block({"ADD14C,1X0.2"});
   b.block({"ADD15R,1X2X0.5"});
   b.block({"ADD16P,2X6X22.5"});
-  ASSERT_EQ(b.lists.SpecialList.size(), 4u);
-  EXPECT_EQ(b.lists.SpecialList[0], (ApertureUse{13, 1, 0}));
-  EXPECT_EQ(b.lists.SpecialList[1], (ApertureUse{14, 5, 0}));
-  EXPECT_EQ(b.lists.SpecialList[2], (ApertureUse{15, 8, 0}));
-  EXPECT_EQ(b.lists.SpecialList[3], (ApertureUse{16, 12, 0}));
+  EXPECT_THAT(b.lists.SpecialList, ElementsAre(ApertureUse{13, 1, 0}, ApertureUse{14, 5, 0},
+                                               ApertureUse{15, 8, 0}, ApertureUse{16, 12, 0}));
   EXPECT_THAT(valuesOf(b.lists.PrimitiveList),
               ElementsAre(50000, 30000, 0, 0,        // oval, no hole
                           100000, 20000, 0,          // circle with a round hole
@@ -177,23 +174,10 @@ TEST(ParameterBlocks, ScaleOffsetAndPolarities) {
 TEST(ParameterBlocks, NewerAndUnknownParametersHaveNoEffectButAttributesAreKept) {
   Blocks b;
   const GerberFormat before = b.format;
-  const std::vector<std::string> block = {"TF.FileFunction,Copper,L1,Top",
-                                          "TA.AperFunction,SMDPad",
-                                          "TO.C,R1",
-                                          "TD",
-                                          "LMXY",
-                                          "LR45",
-                                          "LS0.5",
-                                          "ABD10",
-                                          "INBOARD",
-                                          "LNTOP",
-                                          "ASAXBY",
-                                          "IR90",
-                                          "MIA1B1",
-                                          "ICAS",
-                                          "X",
-                                          ""};
-  EXPECT_EQ(b.block(block), 0);
+  EXPECT_EQ(b.block({"TF.FileFunction,Copper,L1,Top", "TA.AperFunction,SMDPad", "TO.C,R1", "TD"}),
+            0);
+  EXPECT_EQ(b.block({"LMXY", "LR45", "LS0.5", "ABD10", "INBOARD", "LNTOP", "ASAXBY", "IR90"}), 0);
+  EXPECT_EQ(b.block({"MIA1B1", "ICAS", "X", ""}), 0);
   EXPECT_EQ(b.block({"TO.C,R1", "TF.Part,Single"}), 0);
   EXPECT_EQ(b.format, before);
   EXPECT_TRUE(b.lists.DrawList.empty());
@@ -207,9 +191,7 @@ TEST(ParameterBlocks, MacrosAreEvaluatedAtTheirAperture) {
   b.block({"AMDONUT", "0 a ring", "$3=$1-$2", "1,1,$1,0,0", "1,0,$2,0,0"});
   b.block({"ADD20DONUT,0.5X0.25"});
   b.block({"ADD21DONUT,1.0X0.5"});  // the same macro again, with other modifiers
-  ASSERT_EQ(b.lists.SpecialList.size(), 2u);
-  EXPECT_EQ(b.lists.SpecialList[0], (ApertureUse{20, 1, 0}));
-  EXPECT_EQ(b.lists.SpecialList[1], (ApertureUse{21, 9, 0}));
+  EXPECT_THAT(b.lists.SpecialList, ElementsAre(ApertureUse{20, 1, 0}, ApertureUse{21, 9, 0}));
   ASSERT_EQ(b.lists.PrimitiveList.size(), 16u);
   EXPECT_EQ(b.lists.PrimitiveList[0].Text, "DONUT");
   EXPECT_EQ(b.lists.PrimitiveList[8].Text, "DONUT");

@@ -4,8 +4,7 @@
 #include "import/gerber/FileRecognition.h"
 
 #include "common/FileLayer.h"
-#include "platform/SystemServices.h"
-#include "platform/UserPrompts.h"
+#include "import/gerber/ImportTestSupport.h"
 
 #include "support/CorpusPath.h"
 
@@ -13,11 +12,9 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <set>
-#include <sstream>
 
 namespace tvx {
 namespace {
@@ -66,29 +63,10 @@ std::string replaceAll(std::string text, const std::string& from, const std::str
   return text;
 }
 
-struct Entry {
-  std::string path;
-  std::string format;
-};
-
-std::vector<Entry> readManifest() {
-  std::vector<Entry> entries;
-  std::ifstream in(CorpusDir + "/MANIFEST.tsv");
-  std::string line;
-  std::getline(in, line);  // column names
-  while (std::getline(in, line)) {
-    std::istringstream fields(line);
-    Entry e;
-    if (std::getline(fields, e.path, '\t') && std::getline(fields, e.format, '\t'))
-      entries.push_back(e);
-  }
-  return entries;
-}
-
 TEST(RecognitionCorpusTest, EveryFileIsTheKindItsFormatImplies) {
   if (CorpusDir.empty())
     GTEST_SKIP() << "no corpus found (set TVX_CORPUS_DIR)";
-  const std::vector<Entry> entries = readManifest();
+  const std::vector<test::ManifestEntry> entries = test::readManifest(CorpusDir);
   ASSERT_FALSE(entries.empty());
 
   ScriptedPrompts prompts;
@@ -96,7 +74,7 @@ TEST(RecognitionCorpusTest, EveryFileIsTheKindItsFormatImplies) {
   FileLayer files(services, &prompts);
   FileRecogniser recogniser(files, services);
   std::set<std::string> excepted;
-  for (const Entry& e : entries) {
+  for (const test::ManifestEntry& e : entries) {
     SCOPED_TRACE(e.path + " (" + e.format + ")");
     const int kind = static_cast<int>(recogniser.RecogniseFile(CorpusDir + "/" + e.path));
     const std::set<int> implied = impliedKinds(e.format);
@@ -109,8 +87,7 @@ TEST(RecognitionCorpusTest, EveryFileIsTheKindItsFormatImplies) {
     excepted.insert(e.path);
     SCOPED_TRACE(exception->reason);
     EXPECT_EQ(kind, exception->kind);
-    std::ifstream in(CorpusDir + "/" + e.path, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::string text = test::readBytes(CorpusDir + "/" + e.path);
     const std::string edited = replaceAll(text, exception->from, exception->to);
     ASSERT_NE(edited, text);
     YieldClock clock;
