@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <system_error>
 
 namespace tvx {
@@ -67,28 +68,26 @@ TEST_F(FileLayerTest, LinesWithEveryEndingAndTheEndOfTheFile) {
 TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
   int32_t status = 0;
   int16_t handle = 9;
-  const std::string missing = path("missing.gbr");
-  files_.OpenForInput(status, handle, missing);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(handle, 0);
-  ASSERT_EQ(prompts_.shown.size(), 1u);
-  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + missing);
+  const std::string missing = path("missing.gbr"), noFolder = path("no/folder/TMP.ART");
+  const std::string cantRead = "Can't read file: ", cantWrite = "Can't create/write to file: ";
+  const std::vector<std::pair<std::function<void()>, std::string>> opens = {
+      {[&] { files_.OpenForInput(status, handle, missing); }, cantRead + missing},
+      {[&] { files_.OpenForBinary(status, handle, missing); }, cantRead + missing},
+      {[&] { files_.OpenForOutput(status, handle, noFolder); }, cantWrite + noFolder},
+      {[&] { files_.CreateForRandom(status, handle, noFolder, 21); }, cantWrite + noFolder},
+      // A file of records must exist.
+      {[&] { files_.OpenForRandom(status, handle, missing, 21); }, cantWrite + missing}};
+  for (const auto& [open, message] : opens) {
+    SCOPED_TRACE(message);
+    status = 0;
+    handle = 9;
+    open();
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(handle, 0);
+    EXPECT_EQ(prompts_.shown.back().prompt, message);
+  }
+  ASSERT_EQ(prompts_.shown.size(), opens.size());
   EXPECT_EQ(prompts_.shown[0].title, std::generic_category().message(ENOENT));
-
-  files_.OpenForBinary(status, handle, missing);
-  EXPECT_EQ(status, 1);
-  const std::string noFolder = path("no/folder/TMP.ART");
-  files_.OpenForOutput(status, handle, noFolder);
-  EXPECT_EQ(status, 1);
-  files_.CreateForRandom(status, handle, noFolder, 21);
-  EXPECT_EQ(status, 1);
-  files_.OpenForRandom(status, handle, missing, 21);  // a file of records must exist
-  EXPECT_EQ(status, 1);
-  ASSERT_EQ(prompts_.shown.size(), 5u);
-  EXPECT_EQ(prompts_.shown[1].prompt, "Can't read file: " + missing);
-  EXPECT_EQ(prompts_.shown[2].prompt, "Can't create/write to file: " + noFolder);
-  EXPECT_EQ(prompts_.shown[3].prompt, "Can't create/write to file: " + noFolder);
-  EXPECT_EQ(prompts_.shown[4].prompt, "Can't create/write to file: " + missing);
   EXPECT_EQ(files_.openCount(), 0);
 
   // The messages come from the catalogue of the language in use.

@@ -1,7 +1,7 @@
 // Window places in the per-user store and the corrections that keep a window within reach.
 #include "platform/WindowPlace.h"
-#include "support/WidgetTestApplication.h"
 #include "platform/UserStore.h"
+#include "support/WidgetTestApplication.h"
 
 #include <gtest/gtest.h>
 
@@ -15,10 +15,13 @@ namespace {
 constexpr WorkArea Work{1280 * TwipsPerPixel, 800 * TwipsPerPixel};
 constexpr int32_t PresentWidth = 6000, PresentHeight = 4500;
 
+// Top, Left, Width, Height, to compare whole places.
+auto fields(const WindowPlace& p) { return std::make_tuple(p.Top, p.Left, p.Width, p.Height); }
+
 struct Case {
   const char *top, *left, *height, *width;
   bool usable;
-  WindowPlace expected;  // Top, Left, Width, Height
+  WindowPlace expected;
 };
 
 TEST(WindowPlaceTest, CorrectionsOfTheStoredPlace) {
@@ -47,10 +50,7 @@ TEST(WindowPlaceTest, CorrectionsOfTheStoredPlace) {
       store.SaveSetting("Tarvex", "TVNGBRVIEWER", std::string("W") + key, value);
     WindowPlace place;
     EXPECT_EQ(RestoreWindowPlace(store, "W", Work, PresentWidth, PresentHeight, place), c.usable);
-    EXPECT_EQ(place.Top, c.expected.Top);
-    EXPECT_EQ(place.Left, c.expected.Left);
-    EXPECT_EQ(place.Width, c.expected.Width);
-    EXPECT_EQ(place.Height, c.expected.Height);
+    EXPECT_EQ(fields(place), fields(c.expected));
   }
 }
 
@@ -60,19 +60,14 @@ TEST(WindowPlaceTest, NoSavedPlaceAndTheStoreFile) {
   QtUserStore store(dir.filePath("user.ini").toStdString());
   WindowPlace place{99, 99, 99, 99};
   EXPECT_FALSE(RestoreWindowPlace(store, "GBRVIEWER_MAIN", Work, 700, 500, place));
-  EXPECT_EQ(place.Top, 0);
-  EXPECT_EQ(place.Left, 0);
-  EXPECT_EQ(place.Width, 700);
-  EXPECT_EQ(place.Height, 500);
+  EXPECT_EQ(fields(place), fields({0, 0, 700, 500}));
 
   SaveWindowPlace(store, "GBRVIEWER_MAIN", {15, 30, 9000, 6000});
   QtUserStore again(dir.filePath("user.ini").toStdString());
   EXPECT_EQ(again.GetSetting("Tarvex", "TVNGBRVIEWER", "GBRVIEWER_MAIN_HEIGHT", ""), "6000");
   EXPECT_EQ(again.GetSetting("Tarvex", "OTHER", "GBRVIEWER_MAIN_TOP", "none"), "none");
   EXPECT_TRUE(RestoreWindowPlace(again, "GBRVIEWER_MAIN", Work, 700, 500, place));
-  EXPECT_EQ(place.Top, 15);
-  EXPECT_EQ(place.Left, 30);
-  EXPECT_EQ(place.Width, 9000);
+  EXPECT_EQ(fields(place), fields({15, 30, 9000, 6000}));
   EXPECT_FALSE(RestoreWindowPlace(again, "GBRVIEWER_IMPORT", Work, 700, 500, place))
       << "every window has keys of its own";
 }

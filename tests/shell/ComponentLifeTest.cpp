@@ -10,116 +10,70 @@ TEST_F(ComponentTest, LoadShowsTheWindowInTheRequestedState) {
   EXPECT_FALSE(window()->isLoaded());
   EXPECT_FALSE(window()->isVisible());
   kernel.strings.E_SetString(IniFileString, "/tmp/tarvex-test/tarvex.ini");
-
-  int16_t mode = windowstate::Maximised;
-  EXPECT_EQ(component->Load(mode), -1);
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_TRUE(window()->isVisible());
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
+  for (int16_t mode : {windowstate::Maximised, windowstate::Minimised, windowstate::Normal}) {
+    SCOPED_TRACE(mode);
+    int16_t iMode = mode;
+    EXPECT_EQ(component->Load(iMode), -1);
+    EXPECT_EQ(iMode, mode);
+    EXPECT_TRUE(window()->isLoaded());
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_EQ(window()->windowStateCode(), mode);
+  }
   EXPECT_EQ(kernelString(ComponentName), RunningMarker);
-  // The settings file named by the host reaches the services.
-  EXPECT_EQ(services.iniFile(), "/tmp/tarvex-test/tarvex.ini");
+  EXPECT_EQ(services.iniFile(), "/tmp/tarvex-test/tarvex.ini") << "the host's settings file";
   EXPECT_EQ(window()->currentFunction(), 1);
   EXPECT_TRUE(sent.empty());
 }
 
-TEST_F(ComponentTest, LoadMinimisedAndNormal) {
-  for (int16_t mode : {windowstate::Minimised, windowstate::Normal}) {
-    SCOPED_TRACE(mode);
-    int16_t iMode = mode;
-    EXPECT_EQ(component->Load(iMode), -1);
-    EXPECT_EQ(window()->windowStateCode(), mode);
-    EXPECT_EQ(iMode, mode);
-  }
-}
-
-TEST_F(ComponentTest, CloseIsRefusedWhileAToolRuns) {
-  load();
-  window()->setPointerToolActive(true);
-  component->NotifyMe("TARVEX", "All,EX");
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_TRUE(window()->isVisible());
-  EXPECT_FALSE(window()->close());
-  EXPECT_TRUE(window()->isVisible());
-  EXPECT_TRUE(sent.empty());
-  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
-
-  window()->setPointerToolActive(false);
-  component->NotifyMe("TARVEX", "All,EX");
-  EXPECT_EQ(sent, shutdownOnly());
-}
-
-TEST_F(ComponentTest, CloseOfAMinimisedWindowRestoresItFirst) {
+// A running tool refuses first (the window stays minimised), then a minimised window is restored
+// instead of closed, then the import dialog refuses without touching the state; "EX" and the
+// user's close take the same path.
+TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
   load(windowstate::Minimised);
-  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
-  EXPECT_TRUE(sent.empty());
-
-  // The second close goes through.
-  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
-  EXPECT_FALSE(window()->isLoaded());
-  EXPECT_EQ(sent, shutdownOnly());
-}
-
-TEST_F(ComponentTest, CloseIsRefusedWhileTheImportDialogShows) {
-  load(windowstate::Maximised);
+  window()->setPointerToolActive(true);
   window()->setImportDialogVisible(true);
   component->NotifyMe("TARVEX", "All,EX");
   EXPECT_FALSE(window()->close());
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Minimised);
+  EXPECT_TRUE(window()->isVisible());
+  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
+
+  window()->setPointerToolActive(false);
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
+
+  component->NotifyMe("TARVEX", "All,MX");
+  component->NotifyMe("TARVEX", "All,EX");
+  EXPECT_FALSE(window()->close());
   EXPECT_TRUE(window()->isLoaded());
-  // A refusal for the dialog leaves the window's state alone.
   EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
   EXPECT_TRUE(sent.empty());
 
   window()->setImportDialogVisible(false);
-  // The user's close takes the same path as "EX".
   EXPECT_TRUE(window()->close());
   EXPECT_FALSE(window()->isLoaded());
   EXPECT_EQ(sent, shutdownOnly());
+  // Siblings now see the viewer as not running.
+  ASSERT_NE(kernel.strings.E_GetString(ComponentName), nullptr);
   EXPECT_EQ(kernelString(ComponentName), "");
 }
 
-TEST_F(ComponentTest, QueryUnloadChecksInOrder) {
-  load(windowstate::Minimised);
-  window()->setPointerToolActive(true);
-  bool cancel = false;
-  // A running tool refuses before anything else: the window stays minimised.
-  window()->Form_QueryUnload(cancel, unloadmode::UserClose);
-  EXPECT_TRUE(cancel);
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Minimised);
-
-  window()->setPointerToolActive(false);
-  window()->setImportDialogVisible(true);
-  cancel = false;
-  window()->Form_QueryUnload(cancel, unloadmode::Code);
-  EXPECT_TRUE(cancel);
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
-
-  window()->setImportDialogVisible(false);
-  cancel = false;
-  window()->Form_QueryUnload(cancel, unloadmode::Code);
-  EXPECT_FALSE(cancel);
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_TRUE(sent.empty());
-}
-
-TEST_F(ComponentTest, EndOfTheClassUnloadsWithoutRefusal) {
-  load();
-  window()->setPointerToolActive(true);
-  window()->setImportDialogVisible(true);
-  component.reset();
-  EXPECT_EQ(clsTVNGBRVIEWER::mainWindow(), nullptr);
-  EXPECT_EQ(sent, shutdownOnly());
-  EXPECT_EQ(kernelString(ComponentName), "");
-}
-
-TEST_F(ComponentTest, EndOfTheClassAfterShutdownReportsNothingMore) {
-  load();
-  component->NotifyMe("TARVEX", "All,EX");
-  component.reset();
-  EXPECT_EQ(clsTVNGBRVIEWER::mainWindow(), nullptr);
-  EXPECT_EQ(sent, shutdownOnly());
+// The end of the class unloads despite a refusing dialog, and reports the shutdown only once.
+TEST_F(ComponentTest, EndOfTheClassUnloadsWithoutRefusalAndReportsOnce) {
+  for (bool exitFirst : {false, true}) {
+    SCOPED_TRACE(exitFirst);
+    sent.clear();
+    if (!component)
+      component = makeComponent(sent);
+    load();
+    window()->setImportDialogVisible(!exitFirst);
+    if (exitFirst)
+      component->NotifyMe("TARVEX", "All,EX");
+    component.reset();
+    EXPECT_EQ(clsTVNGBRVIEWER::mainWindow(), nullptr);
+    EXPECT_EQ(sent, shutdownOnly());
+    EXPECT_EQ(kernelString(ComponentName), "");
+  }
 }
 
 TEST_F(ComponentTest, ASecondInstanceSharesTheWindow) {
@@ -128,7 +82,6 @@ TEST_F(ComponentTest, ASecondInstanceSharesTheWindow) {
   Sent secondSent;
   std::unique_ptr<clsTVNGBRVIEWER> second = makeComponent(secondSent);
   EXPECT_EQ(window(), first);
-
   EXPECT_EQ(component->SeverPath(), "");
   second->setSeverPath("/srv/tarvex");
   EXPECT_EQ(component->SeverPath(), "/srv/tarvex");
@@ -158,12 +111,14 @@ TEST_F(ComponentTest, ASecondInstanceSharesTheWindow) {
 
 TEST_F(ComponentTest, WindowCanBeLoadedAgainAfterShutdown) {
   load();
-  component->NotifyMe("TARVEX", "All,EX");
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
   ASSERT_FALSE(window()->isLoaded());
+  EXPECT_FALSE(window()->isVisible());
+  component->NotifyMe("TARVEX", "All,EX");
+  EXPECT_EQ(sent, shutdownOnly()) << "an unloaded window has nothing more to report";
   window()->setPointerToolActive(true);
   load(windowstate::Maximised);
-  // Start-up set every member to its zero state.
-  EXPECT_FALSE(window()->pointerToolActive());
+  EXPECT_FALSE(window()->pointerToolActive()) << "start-up sets every member to its zero state";
   EXPECT_EQ(kernelString(ComponentName), RunningMarker);
   EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
 }

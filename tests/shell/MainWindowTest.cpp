@@ -11,15 +11,12 @@
 
 #include <QAction>
 #include <QDesktopServices>
-#include <QDir>
 #include <QFile>
 #include <QFileDialog>
-#include <QLabel>
 #include <QScreen>
-#include <QTextBrowser>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QToolButton>
-#include <QUrl>
 
 namespace tvx::test {
 
@@ -66,33 +63,28 @@ TEST_F(MainWindowTest, StartUpEndsIdleWithTheFileRequestOpen) {
   EXPECT_EQ(w.busyPicture(), IdlePicture);
   EXPECT_TRUE(w.viewPicture()->isEnabled());
   EXPECT_EQ(w.languagePath(), kernelString(LanguagePathString));
-  EXPECT_EQ(w.viewerTitle(), "Fabrication Graphics Viewer");
-  EXPECT_EQ(w.MinWidth(), 640);
-  EXPECT_NEAR(w.formatConstants().DegreeFactor * 180.0, w.formatConstants().Pi, 1e-12);
-
-  // The three keyed panels.
-  auto* esc = qobject_cast<QToolButton*>(w.statusPanel(EscPanel));
-  ASSERT_NE(esc, nullptr);
-  EXPECT_EQ(esc->text().toStdString(), "Esc");
-  EXPECT_EQ(esc->toolTip().toStdString(), "Click to cancel current operation");
   ASSERT_NE(w.statusPanel(BusyPanel), nullptr);
   ASSERT_NE(w.statusPanel(MessagePanel), nullptr);
 
   // The viewer's settings reached the view and its menu entries; mono never starts on.
   EXPECT_EQ(w.view().DisplayUnit, 1);
-  EXPECT_TRUE(w.menuEntry("M_Mm")->isChecked());
-  EXPECT_FALSE(w.menuEntry("M_Inches")->isChecked());
-  EXPECT_FALSE(w.menuEntry("M_TrueSize")->isChecked());
-  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
-  EXPECT_FALSE(w.menuEntry("M_Mono")->isChecked());
-  EXPECT_TRUE(w.menuEntry("M_Sbars")->isChecked());
+  for (const char* on : {"M_Mm", "M_Mirror", "M_Sbars"})
+    EXPECT_TRUE(w.menuEntry(on)->isChecked()) << on;
+  for (const char* off : {"M_Inches", "M_TrueSize", "M_Mono"})
+    EXPECT_FALSE(w.menuEntry(off)->isChecked()) << off;
   EXPECT_GE(w.redraw().rebuilds(), 1);
 
   // The first thing the user sees is the request for a file.
   ASSERT_NE(w.fileRequest(), nullptr);
   EXPECT_TRUE(w.fileRequest()->isVisible());
-  EXPECT_EQ(w.fileRequest()->windowTitle().toStdString(), "Select File for Import");
-  EXPECT_EQ(w.fileRequest()->nameFilters().size(), 11);
+
+  // The Esc panel has its caption and cancels a pointer tool.
+  auto* esc = qobject_cast<QToolButton*>(w.statusPanel(EscPanel));
+  ASSERT_NE(esc, nullptr);
+  EXPECT_EQ(esc->text().toStdString(), "Esc");
+  w.setPointerToolActive(true);
+  esc->click();
+  EXPECT_FALSE(w.pointerToolActive());
 }
 
 TEST_F(MainWindowTest, AMissingMenuFileEndsStartUp) {
@@ -124,16 +116,16 @@ TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
   EXPECT_EQ(place("_WIDTH"), std::to_string(window()->width() * 15));
   {
     SCOPED_TRACE("a saved left beyond the work area comes back on it");
-    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_LEFT",
-                       std::to_string(area.width() * 15 * 3));
-    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_TOP", "150");
-    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_WIDTH", "10500");
-    places.SaveSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN_HEIGHT", "9000");
+    for (const auto& [key, value] : {std::pair{"_TOP", std::string("150")},
+                                     {"_LEFT", std::to_string(area.width() * 15 * 3)},
+                                     {"_WIDTH", std::string("10500")},
+                                     {"_HEIGHT", std::string("9000")}})
+      places.SaveSetting(UserStoreApplication, UserStoreSection,
+                         std::string("GBRVIEWER_MAIN") + key, value);
     load();
     EXPECT_LT(window()->x(), area.width());
     EXPECT_EQ(window()->y(), 10);
-    EXPECT_EQ(window()->width(), 700);
-    EXPECT_EQ(window()->height(), 600);
+    EXPECT_EQ(window()->size(), QSize(700, 600));
   }
 }
 
@@ -144,51 +136,38 @@ TEST_F(MainWindowTest, TheWindowCannotBeMadeSmallerThanAtLoad) {
   EXPECT_GE(window()->height(), int(window()->MinHeight()));
 }
 
-TEST_F(MainWindowTest, UnloadWritesTheViewersSettings) {
-  load();
-  window()->M_Mm_Click();
-  window()->M_Mirror_Click();
-  window()->M_Mono_Click();
-  component->NotifyMe("TARVEX", "All,EX");
-  ASSERT_EQ(sent, shutdownOnly());
-  SystemServices reader;
-  reader.SetIniFile(ini);
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "UNIT", ""), "1");
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "VIEW", ""), "1,1,1,1,1,0,1");
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "GRID", ""), "1");
-  EXPECT_EQ(window()->CPDcId(), 0);
-}
-
-TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecks) {
+// The menu's display options keep their checks through "UP", and unload writes them.
+TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecksAndAreWritten) {
   load();
   GBRVIEWER_MAIN& w = *window();
   const int32_t rebuilds = w.redraw().rebuilds();
   w.menuEntry("M_Mirror")->trigger();
   EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
   EXPECT_EQ(w.view().ViewFlags & viewflag::Mirror, viewflag::Mirror);
-  w.menuEntry("M_Mono")->trigger();
-  EXPECT_TRUE(w.menuEntry("M_Mono")->isChecked());
-  EXPECT_TRUE(w.layerTables().orderRow(1).Mono);
-  w.menuEntry("M_Mono")->trigger();
-  EXPECT_FALSE(w.menuEntry("M_Mono")->isChecked());
-  EXPECT_FALSE(w.layerTables().orderRow(1).Mono);
-  EXPECT_EQ(w.redraw().rebuilds(), rebuilds + 3);
+  for (bool mono : {true, false, true}) {
+    w.menuEntry("M_Mono")->trigger();
+    EXPECT_EQ(w.menuEntry("M_Mono")->isChecked(), mono);
+    EXPECT_EQ(w.layerTables().orderRow(1).Mono, mono);
+  }
+  EXPECT_EQ(w.redraw().rebuilds(), rebuilds + 4);
 
-  // "UP" applies the settings again and gives back the remembered flags; the view keeps its
-  // place.
+  // "UP" applies the settings again and gives back the remembered flags; the view keeps its place.
   w.view().m_Precision = 4321;
   w.view().ViewCenterX = 1270000;
   component->NotifyMe("TARVEX", "All,UP");
   EXPECT_EQ(w.view().m_Precision, 4321);
   EXPECT_EQ(w.view().ViewCenterX, 1270000);
   EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
-}
 
-TEST_F(MainWindowTest, TheEscPanelCancelsAPointerTool) {
-  load();
-  window()->setPointerToolActive(true);
-  qobject_cast<QToolButton*>(window()->statusPanel(EscPanel))->click();
-  EXPECT_FALSE(window()->pointerToolActive());
+  w.M_Mm_Click();
+  component->NotifyMe("TARVEX", "All,EX");
+  ASSERT_EQ(sent, shutdownOnly());
+  EXPECT_EQ(w.CPDcId(), 0);
+  SystemServices reader;
+  reader.SetIniFile(ini);
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "UNIT", ""), "1");
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "VIEW", ""), "1,1,1,1,1,0,1");
+  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "GRID", ""), "1");
 }
 
 TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {

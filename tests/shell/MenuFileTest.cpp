@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 
 #include <fstream>
+#include <map>
 #include <set>
 
 namespace tvx {
@@ -39,27 +40,21 @@ TEST_F(MenuFileTest, OptionalTokensOfFsikeyFollowTheFieldCount) {
                    "FSIKEY,1,5,0,1,0,0,0,Short,one letter,Q,1,1,extra,fields\n"
                    "FSIKEY,1,6,0,1,0,0,0,Long,three letters,XYZ,0,0\n"
                    "ENDMENU\n"));
-  const KeyRecord& ten = key(1, 1);
-  EXPECT_EQ(ten.Value1, 11);
-  EXPECT_EQ(ten.Shown, 1);
-  EXPECT_EQ(ten.Checked, 1);
-  EXPECT_EQ(ten.FirstOptionPicture, 20);
-  EXPECT_EQ(ten.Value2, 22);
-  EXPECT_EQ(ten.Caption, "Ten");
-  EXPECT_EQ(ten.Description, "ten fields");
-  EXPECT_EQ(ten.Shortcut, "  ");
-  EXPECT_EQ(ten.Global, 0);
-  EXPECT_EQ(ten.Command, 0);
-
-  EXPECT_EQ(key(1, 2).Shortcut, "  ");  // the shortcut needs its Global field too
-  EXPECT_EQ(key(1, 3).Shortcut, "AB");
-  EXPECT_EQ(key(1, 3).Global, 1);
-  EXPECT_EQ(key(1, 3).Command, 0);
-  EXPECT_EQ(key(1, 4).Shortcut, "CD");
-  EXPECT_EQ(key(1, 4).Command, 1);
-  EXPECT_EQ(key(1, 5).Shortcut, "Q ");  // two characters, fixed width
-  EXPECT_EQ(key(1, 5).Command, 1);
-  EXPECT_EQ(key(1, 6).Shortcut, "XY");
+  EXPECT_EQ(key(1, 1), (KeyRecord{.Value1 = 11,
+                                  .Shown = 1,
+                                  .Checked = 1,
+                                  .FirstOptionPicture = 20,
+                                  .Value2 = 22,
+                                  .Caption = "Ten",
+                                  .Description = "ten fields"}));
+  // The shortcut needs its Global field too; it is two characters, fixed width.
+  const std::tuple<int, std::string, int, int> optional[] = {
+      {2, "  ", 0, 0}, {3, "AB", 1, 0}, {4, "CD", 0, 1}, {5, "Q ", 1, 1}, {6, "XY", 0, 0}};
+  for (const auto& [k, shortcut, global, command] : optional) {
+    SCOPED_TRACE(k);
+    EXPECT_EQ(std::tie(key(1, k).Shortcut, key(1, k).Global, key(1, k).Command),
+              std::tie(shortcut, global, command));
+  }
   EXPECT_TRUE(prompts_.shown.empty());
 }
 
@@ -119,38 +114,30 @@ TEST_F(MenuFileTest, EndmenuEndsTheReadingAndItsAbsenceReadsToTheEnd) {
   EXPECT_EQ(table_[1].Name, "Before");
   EXPECT_EQ(table_[2].Name, "");
 
+  // A second reading empties the table first.
   ASSERT_TRUE(read("\xEF\xBB\xBF"
-                   "FSI,1,1,0,First\r\n\r\nREM a remark\r\nUNKNOWN,1,2,3\r\n"
-                   "  fsikey ,1,0,0,1\r\nFSI,2,1,0,Last line without ending"));
-  EXPECT_EQ(table_[1].Name, "First");
-  EXPECT_EQ(key(1, 0).Shown, 1);
-  EXPECT_EQ(table_[2].Name, "Last line without ending");
+                   "FSI,2,1,0,First\r\n\r\nREM a remark\r\nUNKNOWN,1,2,3\r\n"
+                   "  fsikey ,2,0,0,1\r\nFSI,3,1,0,Last line without ending"));
+  EXPECT_EQ(table_[1], FunctionRecord{});
+  EXPECT_EQ(table_[2].Name, "First");
+  EXPECT_EQ(key(2, 0).Shown, 1);
+  EXPECT_EQ(table_[3].Name, "Last line without ending");
 }
 
-TEST_F(MenuFileTest, ReadingEmptiesTheTableFirst) {
-  ASSERT_TRUE(read("FSI,3,1,0,Old language\nFSIKEY,3,4,0,1,0,0,0,Old,old,OL,1,1\n"));
-  ASSERT_TRUE(read("FSI,1,1,0,New language\n"));
-  EXPECT_EQ(table_[3], FunctionRecord{});
-  EXPECT_EQ(table_[1].Name, "New language");
-}
-
-TEST_F(MenuFileTest, AMissingFileGivesFalseWithTheReadMessage) {
-  table_[1].Name = "kept";
-  const std::string missing = dir_.filePath("nothing/GBRVIEWER.MEN").toStdString();
-  EXPECT_FALSE(ReadMenuFile(table_, missing, services_));
-  EXPECT_EQ(table_[1].Name, "kept");
-  ASSERT_EQ(prompts_.shown.size(), 1u);
-  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + missing);
-}
-
-TEST_F(MenuFileTest, TheFileNameIsFoundCaseBlind) {
+TEST_F(MenuFileTest, TheFileNameIsFoundCaseBlindAndAMissingFileIsReported) {
   const std::string folder = dir_.path().toStdString();
   std::ofstream(folder + "/gbrviewer.men") << "FSI,1,1,0,Lower case name\n";
   const std::string found = menuFilePath(folder);
   EXPECT_EQ(found, folder + "/gbrviewer.men");
   ASSERT_TRUE(ReadMenuFile(table_, found, services_));
   EXPECT_EQ(table_[1].Name, "Lower case name");
-  EXPECT_EQ(menuFilePath(folder + "/none"), folder + "/none/GBRVIEWER.MEN");
+
+  const std::string missing = menuFilePath(folder + "/none");
+  EXPECT_EQ(missing, folder + "/none/GBRVIEWER.MEN");
+  EXPECT_FALSE(ReadMenuFile(table_, missing, services_));
+  EXPECT_EQ(table_[1].Name, "Lower case name") << "the table is kept";
+  ASSERT_EQ(prompts_.shown.size(), 1u);
+  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + missing);
 }
 
 // The menu files that ship: every record line has a field count the reader knows, the viewer's
@@ -160,17 +147,14 @@ FunctionTable shippedMenu(const std::string& language, ScriptedPrompts& prompts)
   std::ifstream in(folder + "/GBRVIEWER.MEN");
   std::string line;
   while (std::getline(in, line)) {
-    ParsedList f = ParseList(line);
+    const ParsedList f = ParseList(line);
     const std::string& word = f.token(1);
-    if (word == "FSI") {
-      EXPECT_EQ(f.count(), 6) << language << ": " << line;
-    } else if (word == "FSIKEY") {
-      EXPECT_TRUE(f.count() == 10 || f.count() == 13) << language << ": " << line;
-    } else if (word == "OSTKEY") {
-      EXPECT_TRUE(f.count() == 9 || f.count() == 10) << language << ": " << line;
-    } else {
-      EXPECT_TRUE(word.rfind("REM ", 0) == 0 || word == "ENDMENU") << language << ": " << line;
-    }
+    static const std::map<std::string, std::set<int>> fieldCounts = {
+        {"FSI", {6}}, {"FSIKEY", {10, 13}}, {"OSTKEY", {9, 10}}};
+    const auto known = fieldCounts.find(word);
+    EXPECT_TRUE(known != fieldCounts.end() ? known->second.count(f.count()) > 0
+                                           : word.rfind("REM ", 0) == 0 || word == "ENDMENU")
+        << language << ": " << line;
   }
   SystemServices services(&prompts);
   FunctionTable table{};
@@ -186,11 +170,8 @@ TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
   EXPECT_EQ(f1.Name, "Fabrication Editor");
   EXPECT_FALSE(f1.Prompt.empty());
   EXPECT_EQ(f1.Keys[0].Command, 1);  // layer properties run at once
-  for (int k : {0, 1, 7, 8}) {
-    SCOPED_TRACE(k);
-    EXPECT_NE(f1.Keys[size_t(k)].Shown, 0);
-    EXPECT_FALSE(f1.Keys[size_t(k)].Caption.empty());
-  }
+  for (int k : {0, 1, 7, 8})
+    EXPECT_TRUE(f1.Keys[size_t(k)].Shown && !f1.Keys[size_t(k)].Caption.empty()) << "key " << k;
   EXPECT_NE(f1.Keys[size_t(f1.CurrentKey)].Checked, 0);
   for (int r = 0; r <= 3; ++r)
     EXPECT_NE(f1.Keys[8].Options[size_t(r)].Shown, 0) << "align option " << r;
@@ -198,11 +179,9 @@ TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
     EXPECT_FALSE(f1.Keys[size_t(k)].Options[10].Caption.empty()) << "row 10 of key " << k;
   EXPECT_EQ(f1.Keys[7].Options[0].Command, 1);  // clear all elements
   std::set<std::string> shortcuts;
-  for (const KeyRecord& k : f1.Keys) {
-    if (k.Shown) {
-      EXPECT_TRUE(shortcuts.insert(k.Shortcut).second) << "shortcut twice: " << k.Shortcut;
-    }
-  }
+  for (const KeyRecord& k : f1.Keys)
+    EXPECT_TRUE(!k.Shown || shortcuts.insert(k.Shortcut).second)
+        << "shortcut twice: " << k.Shortcut;
 
   FunctionTable german = shippedMenu("German", prompts);
   EXPECT_EQ(german[1].Name, "Fertigungseditor");

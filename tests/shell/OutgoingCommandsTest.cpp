@@ -25,10 +25,7 @@ TEST_F(ComponentTest, SendToModuleReachesOnlyRunningSiblings) {
   // The module name is compared with case: a differently spelt name is another module.
   SendToModule("tvnlayps", "GIE");
   EXPECT_EQ(sent, expected);
-}
-
-TEST_F(ComponentTest, SendToModuleWithoutAWindowSendsNothing) {
-  kernel.strings.E_SetString("TVNLAYPS", "1");
+  // Without a window nothing is sent.
   component.reset();
   sent.clear();
   SendToModule("TVNLAYPS", "GIE");
