@@ -2,14 +2,8 @@
 // the file's name on stderr when the file cannot be read.
 #include "support/CliProcess.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -27,18 +21,17 @@ TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
   const test::ProcessRun text = info({path});
   EXPECT_EQ(text.exitCode, 0);
   EXPECT_EQ(text.err, "");
-  EXPECT_NE(text.out.find("file: " + path.toStdString() + "\n"), std::string::npos) << text.out;
-  EXPECT_NE(text.out.find("kind: 3 Drilling EXCELLON Format Two\n"), std::string::npos);
-  EXPECT_NE(text.out.find("  T1  0.50800 mm  0.020000 in  2 holes\n"), std::string::npos);
-  EXPECT_NE(text.out.find("extents mm: x 2.54000 .. 7.62000, y 2.54000 .. 2.54000\n"),
-            std::string::npos);
+  for (const std::string& line :
+       {"file: " + path.toStdString() + "\n",
+        std::string("  T1  0.50800 mm  0.020000 in  2 holes\n"),
+        std::string("extents mm: x 2.54000 .. 7.62000, y 2.54000 .. 2.54000\n")})
+    EXPECT_NE(text.out.find(line), std::string::npos) << line << "in\n" << text.out;
   EXPECT_EQ(info({path}).out, text.out);  // deterministic
 
   const test::ProcessRun json = info({"--json", path});
   EXPECT_EQ(json.exitCode, 0);
   const QJsonObject report = QJsonDocument::fromJson(QByteArray::fromStdString(json.out)).object();
   EXPECT_EQ(report["kind"].toInt(), 3);
-  EXPECT_EQ(report["excellon"].toObject()["holes"].toInt(), 2);
   EXPECT_EQ(report["excellon"].toObject()["import"].toObject()["pads"].toInt(), 2);
   EXPECT_EQ(info({path, "--json"}).out, json.out);
 }

@@ -31,37 +31,22 @@ protected:
 };
 
 TEST_F(ImportExcellonTest, HolesAreCentredMovedByTheOffsetsAndMirrored) {
-  const std::string text = "T1C1|X10.0Y20.0|X30.0Y60.0|";
+  // The pads of "X10.0Y20.0" and "X30.0Y60.0", millimetres.
   struct Case {
     const char* name;
-    bool original;
-    bool mirror;
-    int32_t offsetX;
-    int32_t offsetY;
-    std::vector<Pad> pads;
+    bool original, mirror;
+    int32_t offsetX, offsetY;
+    int32_t x1, y1, x2, y2;
   } cases[] = {
-      {"centred", false, false, 0, 0, {{-10 * Mm, -20 * Mm, 1}, {10 * Mm, 20 * Mm, 1}}},
+      {"centred", false, false, 0, 0, -10 * Mm, -20 * Mm, 10 * Mm, 20 * Mm},
       // The mirror axis of a centred file is its offset.
-      {"centred, moved, mirrored",
-       false,
-       true,
-       500,
-       700,
-       {{10 * Mm + 500, -20 * Mm + 700, 1}, {-10 * Mm + 500, 20 * Mm + 700, 1}}},
-      {"own coordinates", true, false, 0, 0, {{10 * Mm, 20 * Mm, 1}, {30 * Mm, 60 * Mm, 1}}},
+      {"centred, moved, mirrored", false, true, 500, 700, 10 * Mm + 500, -20 * Mm + 700,
+       -10 * Mm + 500, 20 * Mm + 700},
+      {"own coordinates", true, false, 0, 0, 10 * Mm, 20 * Mm, 30 * Mm, 60 * Mm},
       // With the file's own coordinates the axis is still half the width: x becomes 20 mm - x.
-      {"own coordinates, mirrored",
-       true,
-       true,
-       0,
-       0,
-       {{10 * Mm, 20 * Mm, 1}, {-10 * Mm, 60 * Mm, 1}}},
-      {"own coordinates, moved",
-       true,
-       false,
-       -3,
-       4,
-       {{10 * Mm - 3, 20 * Mm + 4, 1}, {30 * Mm - 3, 60 * Mm + 4, 1}}},
+      {"own coordinates, mirrored", true, true, 0, 0, 10 * Mm, 20 * Mm, -10 * Mm, 60 * Mm},
+      {"own coordinates, moved", true, false, -3, 4, 10 * Mm - 3, 20 * Mm + 4, 30 * Mm - 3,
+       60 * Mm + 4},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -71,8 +56,8 @@ TEST_F(ImportExcellonTest, HolesAreCentredMovedByTheOffsetsAndMirrored) {
     file.Mirror = c.mirror;
     file.OffsetX = c.offsetX;
     file.OffsetY = c.offsetY;
-    EXPECT_EQ(import(text, file, 1), 0);  // an inherited failure does not stay
-    EXPECT_EQ(padsOf(store, drill), c.pads);
+    EXPECT_EQ(import("T1C1|X10.0Y20.0|X30.0Y60.0|", file, 1), 0);  // an inherited failure goes
+    EXPECT_EQ(padsOf(store, drill), (std::vector<Pad>{{c.x1, c.y1, 1}, {c.x2, c.y2, 1}}));
     // Kept coordinates leave the minima at 0 for the ones that follow.
     EXPECT_EQ(extents.MinX, c.original ? 0.0 : 10.0 * Mm);
     EXPECT_EQ(extents.MinY, c.original ? 0.0 : 20.0 * Mm);

@@ -2,6 +2,7 @@
 // extents, the kind it returns; and the coordinate decoder.
 #include "ExcellonTestSupport.h"
 
+#include <array>
 #include <cmath>
 
 namespace tvx {
@@ -20,6 +21,7 @@ TEST_F(ScanTest, TheHeaderSetsTheFormat) {
     ExcellonFormat before;
     ExcellonFormat after;
     int32_t kind;
+    bool readHeader = true;
   } cases[] = {
       // "LZ" wins over "TZ" when the header has both.
       {"M48|INCH,LZ,TZ|T1C0.02|%|T1|X01Y01|", {1, 3, 3, 1}, {0, 2, 4, 0}, 3},
@@ -38,22 +40,16 @@ TEST_F(ScanTest, TheHeaderSetsTheFormat) {
       {"M48|INCH|T1C0.02|T1|X1Y1|", {1, 3, 3, 1}, {1, 3, 3, 1}, 4},
       // Tools without a size: not Format Two.
       {"M48|INCH|%|T1|X1Y1|", {1, 3, 3, 0}, {0, 2, 4, 0}, 4},
+      // Without reading the header the format stays and the kind is Format One.
+      {"M48|INCH,LZ|T1C0.02|%|M72|T1|X01Y01|", {1, 3, 3, 1}, {1, 3, 3, 1}, 4, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     format = c.before;
     std::vector<ToolEntry> tools;
-    EXPECT_EQ(reader.ScanExcellonText(c.text, tools, true, false), c.kind);
+    EXPECT_EQ(reader.ScanExcellonText(c.text, tools, c.readHeader, false), c.kind);
     EXPECT_EQ(format, c.after);
   }
-}
-
-TEST_F(ScanTest, WithoutReadingTheHeaderTheFormatStaysAndTheKindIsFormatOne) {
-  format = {1, 3, 3, 1};
-  std::vector<ToolEntry> tools;
-  EXPECT_EQ(reader.ScanExcellonText("M48|INCH,LZ|T1C0.02|%|M72|T1|X01Y01|", tools, false, false),
-            4);
-  EXPECT_EQ(format, (ExcellonFormat{1, 3, 3, 1}));
 }
 
 TEST_F(ScanTest, TextsWithoutToolsOrCoordinatesAreNoExcellon) {
@@ -99,16 +95,12 @@ TEST_F(ScanTest, ExtentsCoverEveryCoordinateAndStartAtTheWorldLimits) {
   std::vector<ToolEntry> tools;
   // A number with a point ignores the digit format: "X1.5" beside "X1500" (LZ, 3.3: 150 mm).
   reader.ScanExcellonText("T1C1|X1.5Y-2.0|X1500|Y-0.5|", tools, false, false);
-  EXPECT_DOUBLE_EQ(extents.MinX, 1.5 * Mm);
-  EXPECT_DOUBLE_EQ(extents.MaxX, 150 * Mm);
-  EXPECT_DOUBLE_EQ(extents.MinY, -2.0 * Mm);
-  EXPECT_DOUBLE_EQ(extents.MaxY, -0.5 * Mm);
-
+  const auto corners = [this] {
+    return std::array{extents.MinX, extents.MinY, extents.MaxX, extents.MaxY};
+  };
+  EXPECT_EQ(corners(), (std::array{1.5 * Mm, -2.0 * Mm, 150 * Mm, -0.5 * Mm}));
   reader.ScanExcellonText("T1C1|", tools, false, false);
-  EXPECT_EQ(extents.MinX, WorldLimit);
-  EXPECT_EQ(extents.MaxX, -WorldLimit);
-  EXPECT_EQ(extents.MinY, WorldLimit);
-  EXPECT_EQ(extents.MaxY, -WorldLimit);
+  EXPECT_EQ(corners(), (std::array{WorldLimit, WorldLimit, -WorldLimit, -WorldLimit}));
 }
 
 using DecodeTest = ExcellonTest;

@@ -1,5 +1,5 @@
-// The rows of the import window for each kind of file: keys, cells, lists, values and colours,
-// before and after a layer is chosen, with the filter, aperture and tool rows.
+// The rows of the import window for each kind of file: which rows, in which order, read-only or
+// editable, before and after a layer is chosen, with the filter, aperture and tool rows.
 #include "ImportWindowTestSupport.h"
 
 namespace tvx {
@@ -14,46 +14,36 @@ TEST(ImportWindowRows, AGerberFileWaitsForALayerThenShowsItsLayerAndFilterRows) 
   EXPECT_EQ(world.keys(), (Keys{"IMP_FLEN", "IMP_FLET", "(group)", "IMP_UNITG", "IMP_OZG",
                                 "IMP_SCFXG", "IMP_SCFYG", "IMP_PFXG", "IMP_PFYG", "IMP_APT",
                                 "IMP_APTUSE", "(group)", "IMP_LAYER"}));
-  const GridRow& name = world.row("IMP_FLEN");
-  EXPECT_EQ(name.Value, world.nextFile);
-  EXPECT_EQ(name.ValueFore, 255);
+  EXPECT_EQ(world.row("IMP_FLEN").Value, world.nextFile);
   EXPECT_EQ(world.row("IMP_FLET").Value, "Artwork GERBER RS-274-X");
-  EXPECT_EQ(world.row("IMP_FLET").Cell, CellKind::Text);
   // The file's own format, read-only and grey.
   EXPECT_EQ(world.row("IMP_UNITG").Value, "Inches");
   EXPECT_TRUE(world.row("IMP_UNITG").ReadOnly);
   EXPECT_EQ(world.row("IMP_UNITG").ValueBack, 0xE6E6E6);
   EXPECT_EQ(world.row("IMP_PFXG").Value, "2.4");
-  EXPECT_EQ(world.row("IMP_SCFXG").Value, "1.0");
   EXPECT_EQ(world.row("IMP_APT").Value, "Embedded");
   EXPECT_FALSE(world.row("IMP_APT").Enabled) << "the aperture windows are not there";
-  EXPECT_EQ(world.model->rows[2].Caption, "Format");
-  EXPECT_EQ(world.model->rows[2].Value, "Info");
-  EXPECT_EQ(world.row("IMP_LAYER").Value, "Click to select");
   EXPECT_EQ(world.row("IMP_LAYER").Cell, CellKind::List);
   EXPECT_EQ(world.model->list(importlist::Layers).size(), world.session->state.LayerChoices.size());
-  EXPECT_EQ(world.session->state.DialogLayer, 0);
   EXPECT_EQ(world.entries(1) + world.items(1).size(), 0u) << "nothing is imported yet";
 
   world.choose(world.layer(1).DisplayName);
   EXPECT_EQ(world.session->state.DialogLayer, 1);
   EXPECT_EQ(world.items(1).size(), 3u);
   EXPECT_EQ(world.row("IMP_LAYER").Value, world.layer(1).DisplayName);
-  EXPECT_EQ(world.row("AF_ICL").Value, "(Default)");
   EXPECT_EQ(world.row("AF_ICL").Swatch, world.layer(1).ColourRgb);
   EXPECT_EQ(world.row("AFS_XO").Value, "0.0000\"");
-  EXPECT_EQ(world.row("AFS_NOCENTER").Checked, true);
+  EXPECT_TRUE(world.row("AFS_NOCENTER").Checked);
   EXPECT_EQ(world.model->stages().messageLine, world.layer(1).DisplayName + " Import successful");
   EXPECT_TRUE(world.model->stages().filterButtonVisible);
   EXPECT_TRUE(world.model->stages().clearButtonVisible);
   EXPECT_EQ(world.model->rowOf("AF_ILN"), -1) << "filters are hidden until asked for";
 
   world.model->cmdFilters();
-  EXPECT_EQ(world.model->stages().filterButtonCaption, "Hide Filters");
   const Keys all = world.keys();
-  const Keys tail(all.end() - 11, all.end());
-  EXPECT_EQ(tail, (Keys{"(group)", "AF_ILN", "AF_IPD", "AF_IPA", "AF_IPL", "AF_IMC", "AF_IPP",
-                        "AF_IMP", "(group)", "AF_APF,1", "AF_APF,2"}));
+  EXPECT_EQ(Keys(all.end() - 11, all.end()),
+            (Keys{"(group)", "AF_ILN", "AF_IPD", "AF_IPA", "AF_IPL", "AF_IMC", "AF_IPP", "AF_IMP",
+                  "(group)", "AF_APF,1", "AF_APF,2"}));
   EXPECT_EQ(world.row("AF_APF,1").Caption, "D10* Line    0.0100\"");
   EXPECT_EQ(world.row("AF_APF,2").Caption, "D11* Sqr.Pad 0.0600\"");
   EXPECT_TRUE(world.row("AF_APF,2").Checked);
@@ -83,12 +73,9 @@ TEST(ImportWindowRows, ADrillFileIsImportedAtOnceWithItsToolsEditable) {
   EXPECT_EQ(world.keys(), (Keys{"IMP_FLEN", "IMP_FLET", "(group)", "(info)", "(info)", "(info)",
                                 "(group)", "IMP_LAYER", "AF_ICL", "AFS_XO", "AFS_YO",
                                 "AFS_NOCENTER", "(group)", "AF_APH,1", "AF_APH,2"}));
-  EXPECT_EQ(world.row("IMP_FLET").Cell, CellKind::List);
   EXPECT_EQ(world.model->list(importlist::FileType),
             (Keys{"Drilling EXCELLON Format Two", "Drilling EXCELLON Format One"}));
-  EXPECT_EQ(world.model->rows[3].Value, "Inches");
   EXPECT_TRUE(world.model->rows[3].ReadOnly);
-  EXPECT_EQ(world.row("IMP_LAYER").Value, "Drill Template");
   EXPECT_EQ(world.row("IMP_LAYER").Cell, CellKind::Text);
   EXPECT_EQ(world.row("AF_APH,1").Caption, "T1   (2)");
   EXPECT_EQ(world.row("AF_APH,2").Caption, "T2   (1)");
@@ -99,7 +86,6 @@ TEST(ImportWindowRows, ADrillFileIsImportedAtOnceWithItsToolsEditable) {
   world.model->CommitCell(world.model->rowOf("IMP_FLET"), "Drilling EXCELLON Format One");
   EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ExcellonFormatOne);
   EXPECT_EQ(world.model->rows[2].ValueBack, 0xFFFF00);
-  EXPECT_EQ(world.model->rows[2].Value, "Enter format paremeters below:");
   EXPECT_EQ(world.row("IMP_UNITD").Cell, CellKind::List);
   EXPECT_EQ(world.row("IMP_PRFXYD").Value, "2.4");
   EXPECT_EQ(world.row("IMP_OZD").Value, "Trailing");
@@ -123,19 +109,16 @@ TEST(ImportWindowRows, APlotterFileHasNoFormatRowsAndOnlyTheOutlineLayer) {
   world.open("outline.plt", "IN;PU0,0;PD400,0;\n");
   ASSERT_EQ(world.session->state.Job.Kind, ImportKind::Hpgl);
   EXPECT_EQ(imports, 1) << "imported at once";
-  EXPECT_EQ(world.keys(), (Keys{"IMP_FLEN", "IMP_FLET", "(group)", "IMP_LAYER", "AF_ICL", "AFS_XO",
-                                "AFS_YO", "AFS_NOCENTER"}));
-  EXPECT_EQ(world.row("IMP_FLET").Value, "HPGL Format file");
-  EXPECT_EQ(world.row("IMP_LAYER").Cell, CellKind::Text);
+  const Keys keys{"IMP_FLEN", "IMP_FLET", "(group)", "IMP_LAYER",
+                  "AF_ICL",   "AFS_XO",   "AFS_YO",  "AFS_NOCENTER"};
+  EXPECT_EQ(world.keys(), keys);
   EXPECT_EQ(world.model->list(importlist::Layers), Keys{"Board Outline/Cut-outs"});
-  // Filters have nothing to show for it.
   world.model->cmdFilters();
-  EXPECT_EQ(world.keys().size(), 8u);
+  EXPECT_EQ(world.keys(), keys) << "filters have nothing to show for it";
 }
 
 TEST(ImportWindowRows, ToolLabelsAreFiveCharacters) {
   EXPECT_EQ(ToolLabel(1), "T1   ");
-  EXPECT_EQ(ToolLabel(1234), "T1234");
   EXPECT_EQ(ToolLabel(123456), "T1234");
 }
 

@@ -1,17 +1,11 @@
-// What the import window tests share: a component's import state over real layer tables, the
-// window model wired to it, and small files of each kind in a temporary folder.
+// What the import window tests share: the window model wired to an import world, and small files
+// of each kind.
 #pragma once
 
 #include "import/readers/ImportWindowModel.h"
 
-#include "import/gerber/ImportTestSupport.h"
-#include "kernel/Kernel.h"
-#include "store/ColourSlots.h"
-#include "store/Layers.h"
+#include "ExcellonTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,16 +26,8 @@ inline constexpr const char* ThreeHoles =
     "M48\nINCH,TZ\nT1C0.0300\nT2C0.0400\n%\nT1\nX010000Y010000\nX020000Y010000\nT2\n"
     "X030000Y010000\nM30\n";
 
-struct ImportWindowWorld {
-  ImportWindowWorld() {
-    reporting.services.SetIniFile(folder.file("tarvex.ini"));
-    ColourSlots colours;
-    colours.build(kernel->strings);
-    BuildLayerTables(kernel->store, reporting.services, colours, false, *tables);
-    session = std::make_unique<ImportSession>(kernel->store, reporting.services, reporting.prompts);
-    session->state.Job.WorkDirectory = folder.path().string();
-    makeModel();
-  }
+struct ImportWindowWorld : ImportWorld {
+  ImportWindowWorld() { makeModel(); }
 
   // The model over the session; made again after a test changed the session's scans.
   void makeModel() {
@@ -77,8 +63,7 @@ struct ImportWindowWorld {
 
   // Writes a file and takes it as the kind given, as the user's choice of kind does.
   void openAs(const std::string& name, const std::string& content, ImportKind kind) {
-    nextFile = folder.file(name);
-    std::ofstream(nextFile, std::ios::binary) << content;
+    nextFile = write(name, content);
     session->state.Job.SourcePath = nextFile;
     session->state.Job.Kind = kind;
     model->ApplyFile();
@@ -87,8 +72,7 @@ struct ImportWindowWorld {
 
   // Writes a file and opens it for import as the file menu does.
   void open(const std::string& name, const std::string& content) {
-    nextFile = folder.file(name);
-    std::ofstream(nextFile, std::ios::binary) << content;
+    nextFile = write(name, content);
     model->M_FileSelect();
   }
 
@@ -108,29 +92,11 @@ struct ImportWindowWorld {
   void choose(const std::string& layerName) {
     model->CommitCell(model->rowOf("IMP_LAYER"), layerName);
   }
-  LayerRecord& layer(int32_t number) { return tables->layer(number); }
-  std::vector<ItemRecord> items(int32_t number) const {
-    std::vector<ItemRecord> all;
-    Store& store = kernel->store;
-    const ArrayHandle array = store.S_SymbolItemArray(tables->layer(number).SymbolHandle);
-    for (int32_t i = 1; i <= store.OA_GetCount(array); ++i) {
-      ItemRecord r;
-      store.I_ReadItem(store.OA_Object(array, i), r);
-      all.push_back(r);
-    }
-    return all;
-  }
   int32_t entries(int32_t number) const {
-    Store& store = kernel->store;
-    return store.OA_GetCount(store.S_SymbolEntryArray(tables->layer(number).SymbolHandle));
+    return kernel->store.OA_GetCount(kernel->store.S_SymbolEntryArray(layer(number).SymbolHandle));
   }
 
   static constexpr int32_t ClearColour = 8;
-  TempDir folder;
-  std::unique_ptr<Kernel> kernel = std::make_unique<Kernel>();
-  Reporting reporting;
-  std::unique_ptr<LayerTables> tables = std::make_unique<LayerTables>();
-  std::unique_ptr<ImportSession> session;
   HighlightValues highlights;
   std::unique_ptr<ImportWindowModel> model;
   std::string nextFile;

@@ -19,8 +19,6 @@
 #include <QTabWidget>
 #include <QWheelEvent>
 
-#include <fstream>
-
 namespace tvx {
 namespace {
 
@@ -39,38 +37,30 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   owners.window.showHelp = [&world] { world.events.push_back("help"); };
   GBRVIEWER_IMPORT window(std::move(owners), &places);
   window.show();
-  world.nextFile = world.folder.file("top.gbr");
-  std::ofstream(world.nextFile, std::ios::binary) << test::TwoPadsAndATrack;
+  world.nextFile = world.write("top.gbr", test::TwoPadsAndATrack);
   window.findChild<QAction*>("M_FileSelect")->trigger();
   settle();
 
   ImportPropertyGrid& grid = window.grid();
-  EXPECT_EQ(grid.horizontalHeaderItem(1)->text(), "Setting");
   QKeyEvent help(QEvent::KeyPress, Qt::Key_F1, Qt::ControlModifier);
   QCoreApplication::sendEvent(&window, &help);
   EXPECT_EQ(world.events.back(), "help");
   ASSERT_EQ(grid.rowCount(), static_cast<int>(window.model().rows.size()));
-  EXPECT_EQ(grid.item(0, 0)->text(), "Import file name");
   EXPECT_EQ(grid.item(0, 1)->text(), QString::fromStdString(world.nextFile));
   EXPECT_EQ(grid.item(0, 1)->foreground().color(), QColor(Qt::red));
-  EXPECT_EQ(grid.item(1, 1)->text(), "Artwork GERBER RS-274-X");
   const int apt = grid.rowOfKey("IMP_APT");
   ASSERT_GE(apt, 0);
   EXPECT_EQ(grid.item(apt, 1)->background().color(), QColor(0xE6, 0xE6, 0xE6)) << "read-only";
   EXPECT_EQ(grid.CellBackColor(1 + grid.rowOfKey("IMP_FLET"), 0), 0xE6E6E6) << "styled caption";
   EXPECT_TRUE(grid.horizontalHeaderItem(0)->font().bold());
-  const int use = grid.rowOfKey("IMP_APTUSE");
-  ASSERT_GE(use, 0);
-  auto* useButton = qobject_cast<QPushButton*>(grid.cellWidget(use, 1));
+  auto* useButton = qobject_cast<QPushButton*>(grid.cellWidget(grid.rowOfKey("IMP_APTUSE"), 1));
   ASSERT_NE(useButton, nullptr);
   EXPECT_FALSE(useButton->isEnabled());
   EXPECT_FALSE(window.findChild<QPushButton*>("cmdCmd4")->isVisible());
   EXPECT_TRUE(window.findChild<QPushButton*>("cmdView")->isVisible());
 
   // The layer list: the user picks the first layer.
-  const int layerRow = grid.rowOfKey("IMP_LAYER");
-  ASSERT_GE(layerRow, 0);
-  auto* layers = qobject_cast<QComboBox*>(grid.cellWidget(layerRow, 1));
+  auto* layers = qobject_cast<QComboBox*>(grid.cellWidget(grid.rowOfKey("IMP_LAYER"), 1));
   ASSERT_NE(layers, nullptr);
   EXPECT_EQ(layers->currentText(), "Click to select");
   const int first = layers->findText(QString::fromStdString(world.layer(1).DisplayName));
@@ -87,39 +77,30 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   // An offset typed into its cell and left with Enter: the layer is imported again, moved.
   window.findChild<QAction*>("F_InchMM1")->trigger();
   settle();
-  const int offsetRow = grid.rowOfKey("AFS_XO");
-  ASSERT_GE(offsetRow, 0);
-  EXPECT_EQ(grid.item(offsetRow, 1)->text(), "0.000mm");
-  grid.setCurrentCell(offsetRow, 1);
-  grid.editItem(grid.item(offsetRow, 1));
-  auto* editor = qobject_cast<QLineEdit*>(grid.indexWidget(grid.model()->index(offsetRow, 1)));
-  ASSERT_NE(editor, nullptr);
-  editor->setText("12.5");
-  QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-  QCoreApplication::sendEvent(editor, &enter);
-  settle();
+  const auto type = [&grid](const char* key, const QString& text, Qt::Key end) {
+    const int row = grid.rowOfKey(key);
+    grid.setCurrentCell(row, 1);
+    grid.editItem(grid.item(row, 1));
+    auto* editor = qobject_cast<QLineEdit*>(grid.indexWidget(grid.model()->index(row, 1)));
+    ASSERT_NE(editor, nullptr) << key;
+    editor->setText(text);
+    QKeyEvent press(QEvent::KeyPress, end, Qt::NoModifier);
+    QCoreApplication::sendEvent(editor, &press);
+    settle();
+  };
+  EXPECT_EQ(grid.item(grid.rowOfKey("AFS_XO"), 1)->text(), "0.000mm");
+  type("AFS_XO", "12.5", Qt::Key_Return);
   EXPECT_EQ(world.layer(1).OffsetX, 1250000);
   EXPECT_EQ(world.items(1).back().X, x + 1250000);
   EXPECT_EQ(grid.item(grid.rowOfKey("AFS_XO"), 1)->text(), "12.500mm");
 
-  // Tab commits as Enter does.
-  const int yRow = grid.rowOfKey("AFS_YO");
-  grid.setCurrentCell(yRow, 1);
-  grid.editItem(grid.item(yRow, 1));
-  editor = qobject_cast<QLineEdit*>(grid.indexWidget(grid.model()->index(yRow, 1)));
-  ASSERT_NE(editor, nullptr);
-  editor->setText("-3");
-  QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
-  QCoreApplication::sendEvent(editor, &tab);
-  settle();
+  type("AFS_YO", "-3", Qt::Key_Tab);  // Tab commits as Enter does
   EXPECT_EQ(world.layer(1).OffsetY, -300000);
 
   // An aperture's check box leaves its elements out.
   window.findChild<QPushButton*>("cmdCmd3")->click();
   settle();
-  const int track = grid.rowOfKey("AF_APF,1");
-  ASSERT_GE(track, 0);
-  auto* box = qobject_cast<QCheckBox*>(grid.cellWidget(track, 1));
+  auto* box = qobject_cast<QCheckBox*>(grid.cellWidget(grid.rowOfKey("AF_APF,1"), 1));
   ASSERT_NE(box, nullptr);
   EXPECT_TRUE(box->isChecked());
   box->click();
@@ -133,8 +114,8 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   grid.setFixedHeight(150);
   settle();
   const auto wheel = [&grid](int rotation) {
-    QWheelEvent step(QPointF(5, 5), grid.mapToGlobal(QPointF(5, 5)), QPoint(),
-                     QPoint(0, rotation), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QWheelEvent step(QPointF(5, 5), grid.mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, rotation),
+                     Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(grid.viewport(), &step);
   };
   const int top = grid.TopRow();  // the current row is in sight, at the end
@@ -146,8 +127,7 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   EXPECT_EQ(grid.TopRow(), top - 1);
 
   // The colour page: a square takes the colour and the grid comes back.
-  const int colourRow = grid.rowOfKey("AF_ICL");
-  auto* colours = qobject_cast<QComboBox*>(grid.cellWidget(colourRow, 1));
+  auto* colours = qobject_cast<QComboBox*>(grid.cellWidget(grid.rowOfKey("AF_ICL"), 1));
   ASSERT_NE(colours, nullptr);
   emit colours->activated(0);
   settle();

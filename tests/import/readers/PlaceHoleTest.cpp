@@ -22,6 +22,10 @@ protected:
     EXPECT_NE(store.S_ReadPadStack(padStack(layer, code), record), 0) << "tool " << code;
     return record;
   }
+  std::pair<int32_t, int32_t> holeOf(const LayerRecord& layer, int32_t code) const {
+    const PadStackRecord record = hole(layer, code);
+    return {record.HoleDiameter, record.HoleKind};
+  }
   std::vector<ItemRecord> markers(const LayerRecord& layer, int32_t code) const {
     std::vector<ItemRecord> items;
     const ArrayHandle array = store.S_PadStackItemArray(padStack(layer, code));
@@ -54,35 +58,16 @@ TEST_F(PlaceHoleTest, EachPadKindGetsItsMarkerAndHoleSize) {
   // An odd diameter loses or gains a unit: the hole is twice the radius rounded half to even.
   const LayerFileRecord file = drillFile({{1, 80001, 1, 0}, {2, 80003, 3, 0}});
   struct Case {
-    int32_t number;
-    int32_t padKind;
-    int32_t colour;
-    ItemRecord tool1;
-    ItemRecord tool2;
-    PadStackRecord hole1;
-    PadStackRecord hole2;
+    int32_t number, padKind, colour;
+    ItemRecord marker1, marker2;
+    int32_t hole1, holeKind1, hole2, holeKind2;
   } cases[] = {
-      {31,
-       6,
-       31,
-       marker(ItemCircle, 0, 40000, 0, StyleFilled, 31),
-       marker(ItemCircle, 0, 40002, 0, StyleFilled, 31),
-       {0, 80000, 1},
-       {0, 80004, 3}},
-      {3,
-       5,
-       10,
-       marker(ItemRectangle, -25400, 50800, 50800, StyleFilled, 138),
-       marker(ItemRectangle, -25400, 50800, 50800, StyleFilled, 138),
-       {0, 0, 0},
-       {0, 0, 0}},
-      {30,
-       0,
-       12,
-       marker(ItemRectangle, 0, 0, 0, StyleOpen, 140),
-       marker(ItemRectangle, 0, 0, 0, StyleOpen, 140),
-       {0, 0, 0},
-       {0, 0, 0}},
+      {31, 6, 31, marker(ItemCircle, 0, 40000, 0, StyleFilled, 31),
+       marker(ItemCircle, 0, 40002, 0, StyleFilled, 31), 80000, 1, 80004, 3},
+      {3, 5, 10, marker(ItemRectangle, -25400, 50800, 50800, StyleFilled, 138),
+       marker(ItemRectangle, -25400, 50800, 50800, StyleFilled, 138), 0, 0, 0, 0},
+      {30, 0, 12, marker(ItemRectangle, 0, 0, 0, StyleOpen, 140),
+       marker(ItemRectangle, 0, 0, 0, StyleOpen, 140), 0, 0, 0, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE("PadKind " + std::to_string(c.padKind));
@@ -90,12 +75,10 @@ TEST_F(PlaceHoleTest, EachPadKindGetsItsMarkerAndHoleSize) {
     EXPECT_EQ(PlaceHole(store, 1000, 2000, 1, layer, file), HolePlacement::Placed);
     EXPECT_EQ(PlaceHole(store, 201000, 2000, 2, layer, file), HolePlacement::Placed);
     EXPECT_EQ(PlaceHole(store, 401000, 2000, 1, layer, file), HolePlacement::Placed);
-    EXPECT_EQ(markers(layer, 1), std::vector<ItemRecord>{c.tool1});
-    EXPECT_EQ(markers(layer, 2), std::vector<ItemRecord>{c.tool2});
-    EXPECT_EQ(hole(layer, 1).HoleDiameter, c.hole1.HoleDiameter);
-    EXPECT_EQ(hole(layer, 1).HoleKind, c.hole1.HoleKind);
-    EXPECT_EQ(hole(layer, 2).HoleDiameter, c.hole2.HoleDiameter);
-    EXPECT_EQ(hole(layer, 2).HoleKind, c.hole2.HoleKind);
+    EXPECT_EQ(markers(layer, 1), std::vector<ItemRecord>{c.marker1});
+    EXPECT_EQ(markers(layer, 2), std::vector<ItemRecord>{c.marker2});
+    EXPECT_EQ(holeOf(layer, 1), (std::pair{c.hole1, c.holeKind1}));
+    EXPECT_EQ(holeOf(layer, 2), (std::pair{c.hole2, c.holeKind2}));
     EXPECT_EQ(padsOf(store, layer),
               (std::vector<Pad>{{1000, 2000, 1}, {201000, 2000, 2}, {401000, 2000, 1}}));
     // The pads are shown, unrotated.
@@ -131,8 +114,7 @@ TEST_F(PlaceHoleTest, TheDrillLayerDropsToolsWithoutASize) {
     EXPECT_EQ(PlaceHole(store, 0, 0, 7, drill, file, lookup), HolePlacement::WithoutSize);
     EXPECT_EQ(PlaceHole(store, 0, 0, 2, drill, file, lookup), HolePlacement::Placed);
     EXPECT_EQ(padsOf(store, drill), (std::vector<Pad>{{0, 0, 2}}));
-    EXPECT_EQ(hole(drill, 2).HoleDiameter, 3000);
-    EXPECT_EQ(hole(drill, 2).HoleKind, 4);
+    EXPECT_EQ(holeOf(drill, 2), (std::pair{3000, 4}));
     EXPECT_EQ(padStack(drill, 1), 0);
   }
   // Elsewhere every tool places its pads, with a hole of size 0.

@@ -1,20 +1,11 @@
 // A drill file from its path to the drill layer without a window: recognition, the stage-one scan
 // and binding, the import, and every way a file can fail on the way.
-#include "import/readers/WindowlessImport.h"
-
 #include "ExcellonTestSupport.h"
-#include "kernel/Kernel.h"
-#include "store/ColourSlots.h"
-#include "store/Layers.h"
-
-#include <fstream>
-#include <memory>
 
 namespace tvx {
 namespace {
 
 using test::Pad;
-using test::padsOf;
 
 constexpr int32_t DrillLayer = 31;
 
@@ -25,37 +16,9 @@ std::string repeated(const std::string& text, size_t times) {
   return out;
 }
 
-class WindowlessImportTest : public ::testing::Test {
-protected:
-  WindowlessImportTest() {
-    ColourSlots colours;
-    colours.build(kernel.strings);
-    BuildLayerTables(kernel.store, reporting.services, colours, false, tables);
-    session.state.Job.WorkDirectory = folder.path().string();
-  }
-  std::string write(const std::string& name, const std::string& text) {
-    const std::string path = folder.file(name);
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
-  }
-  WindowlessImportResult run(const std::string& path, WindowlessImportOptions options = {}) {
-    ImportOwners owners = session.owners(tables.Layers);
-    return ImportWithoutWindow(owners, path, options);
-  }
-  std::vector<std::string> boxes() const {
-    std::vector<std::string> texts;
-    for (const auto& shown : reporting.prompts.shown)
-      texts.push_back(shown.prompt);
-    return texts;
-  }
-  LayerRecord& drill() { return tables.layer(DrillLayer); }
-  std::vector<Pad> drillPads() { return padsOf(kernel.store, drill()); }
-
-  test::TempDir folder;
-  Kernel kernel;
-  test::Reporting reporting;
-  ImportSession session{kernel.store, reporting.services, reporting.prompts};
-  LayerTables tables;
+struct WindowlessImportTest : ::testing::Test, test::ImportWorld {
+  LayerRecord& drill() { return layer(DrillLayer); }
+  std::vector<Pad> drillPads() { return pads(DrillLayer); }
 };
 
 constexpr const char* FormatTwo = "M48\r\n; a comment\r\nINCH,TZ\r\nT1C0.02\r\nT2C0.04\r\n%\r\n"
@@ -78,7 +41,7 @@ TEST_F(WindowlessImportTest, AFormatTwoFileGoesIntoTheDrillLayer) {
   EXPECT_EQ(file.ReaderCode, ReaderExcellon);
   EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 50800, 1, 2}, {2, 101600, 1, 1}}));
   EXPECT_EQ(drill().LastFile, path);
-  EXPECT_EQ(session.excellonFormat, (ExcellonFormat{0, 2, 4, 1}));
+  EXPECT_EQ(session->excellonFormat, (ExcellonFormat{0, 2, 4, 1}));
 
   // Without NoCenter the holes are centred on the origin; the layer is cleared first.
   WindowlessImportOptions centred;
@@ -125,8 +88,8 @@ TEST_F(WindowlessImportTest, AFileThatCannotBeReadLeavesTheLayerAsItWas) {
                          "Can't read file: " + missing,
                          missing + " - import of files in this format is not supported"}));
   EXPECT_EQ(drillPads().size(), 3u);
-  EXPECT_EQ(session.state.Job.SourcePath, missing);
-  EXPECT_TRUE(session.state.Job.ExcellonText.empty());  // nothing of the last file's scan stays
+  EXPECT_EQ(session->state.Job.SourcePath, missing);
+  EXPECT_TRUE(session->state.Job.ExcellonText.empty());  // nothing of the last file's scan stays
 }
 
 TEST_F(WindowlessImportTest, ACoordinateBeyondTheWorldFailsTheImport) {
@@ -178,7 +141,7 @@ TEST_F(WindowlessImportTest, BadInputEndsWithAStatusNeverACrash) {
     const WindowlessImportResult result = run(write("bad.drl", c.text));
     EXPECT_EQ(result.status, c.status);
     EXPECT_EQ(drillPads().size(), c.pads);
-    EnsureLayerSymbol(kernel.store, drill(), true);
+    EnsureLayerSymbol(kernel->store, drill(), true);
   }
 }
 
