@@ -208,6 +208,7 @@ void ImportWindowModel::F_InchMM(int32_t index) {
     else if (k == ImportKind::DrillingRS274X || k == ImportKind::DrillingRS274D)
       buildToolRows();
   }
+  buildLists();
   FormUpdate();
 }
 
