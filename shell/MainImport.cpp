@@ -217,6 +217,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     else
       unsetCursor();
   };
+  main.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   main.redraw = [this] {
     view_->ZoomModeFlag = zoommode::Board;
     applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));

@@ -38,6 +38,8 @@ struct MainWindowLink {
   std::function<void(int32_t layer, bool checked)> checkActiveCategory;  // M_ActiveCategories
   std::function<void()> showHoles;  // the viewer's hole display flag on
   std::function<void()> redraw;     // ATB_RedrawButtonClick
+  // The main window's message line, where reading a whole file shows its progress.
+  std::function<void(const std::string&)> editMsgLine;
 };
 
 class ImportDialogModel {

@@ -71,6 +71,12 @@ void ImportWindowModel::FormUpdate() {
   notify();
 }
 
+FileRecogniser ImportWindowModel::fileReader() const {
+  FileRecogniser reader(session_.files, session_.services);
+  reader.editMsgLine = mainWindow_.editMsgLine;
+  return reader;
+}
+
 void ImportWindowModel::cmdClose() {
   highlights_.clear();
   if (link_.RedrawScreen)
@@ -115,7 +121,7 @@ void ImportWindowModel::cmdClear() {
 
 void ImportWindowModel::cmdView() {
   if (!ViewShown) {
-    FileRecogniser reader(session_.files, session_.services);
+    FileRecogniser reader = fileReader();
     std::string content;
     const std::string& path = session_.state.Job.SourcePath;
     if (!reader.LoadWholeFile(path, content))
@@ -137,7 +143,7 @@ void ImportWindowModel::M_FileView() {
   const std::string path = link_.SetInpFileN(filerequest::ForDisplay, ImpDir);
   if (path.empty())
     return;
-  FileRecogniser reader(session_.files, session_.services);
+  FileRecogniser reader = fileReader();
   std::string content;
   if (!reader.LoadWholeFile(path, content))
     return;
@@ -173,8 +179,7 @@ void ImportWindowModel::M_FileSelect() {
   stages_.viewButtonVisible = false;
   if (mainWindow_.setBusyPointer)
     mainWindow_.setBusyPointer(true);
-  FileRecogniser recogniser(session_.files, session_.services);
-  recogniser.editMsgLine = [this](const std::string& line) { stages_.EditMsgLine(line); };
+  FileRecogniser recogniser = fileReader();
   recogniser.gerberUnit = &session_.gerberFormat.Unit;
   const ImportKind found = recogniser.RecogniseFile(path);
   bool applied = false;

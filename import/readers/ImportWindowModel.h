@@ -4,6 +4,7 @@
 // user's actions. The two stages of an import are ImportDialogModel's.
 #pragma once
 
+#include "import/gerber/FileRecognition.h"
 #include "import/readers/ImportDialogModel.h"
 #include "import/readers/WindowlessImport.h"
 #include "store/LayerRecord.h"
@@ -213,6 +214,8 @@ private:
   std::string shortLengthText(double storeLength) const;
   void readArtSections();
   void notify();
+  // A reader of whole files that shows its progress in the main window's message line.
+  FileRecogniser fileReader() const;
 
   void commit(const std::string& key, const std::string& text);
   bool commitImport(const std::string& first, int32_t n, const std::string& text, double v,

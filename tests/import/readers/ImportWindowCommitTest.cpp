@@ -428,8 +428,11 @@ TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
   EXPECT_EQ(model().viewerBackground, 0xFFFFFF);
   model().cmdView();
   EXPECT_FALSE(model().ViewShown);
+  const size_t before = world.events.size();
   model().M_FileView();
-  EXPECT_EQ(world.events.back().rfind("picker 1 in ", 0), 0u) << "the request for display";
+  ASSERT_GT(world.events.size(), before + 1);
+  EXPECT_EQ(world.events[before].rfind("picker 1 in ", 0), 0u) << "the request for display";
+  EXPECT_EQ(world.events.back(), "main line " + world.nextFile + " Processing");
   EXPECT_EQ(model().viewerBackground, 0xFFFFC0);
   EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X) << "import state untouched";
 }

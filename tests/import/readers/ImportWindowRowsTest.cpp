@@ -2,6 +2,8 @@
 // editable, before and after a layer is chosen, with the filter, aperture and tool rows.
 #include "ImportWindowTestSupport.h"
 
+#include <algorithm>
+
 namespace tvx {
 namespace {
 
@@ -11,6 +13,11 @@ TEST(ImportWindowRows, AGerberFileWaitsForALayerThenShowsItsLayerAndFilterRows) 
   test::ImportWindowWorld world;
   world.open("top.gbr", test::TwoPadsAndATrack);
   ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  // Reading the whole file shows its progress in the main window's line, not in the window's.
+  EXPECT_EQ(std::count(world.events.begin(), world.events.end(),
+                       "main line " + world.nextFile + " Processing"),
+            1);
+  EXPECT_EQ(world.model->stages().messageLine.find("Processing"), std::string::npos);
   EXPECT_EQ(world.keys(), (Keys{"IMP_FLEN", "IMP_FLET", "(group)", "IMP_UNITG", "IMP_OZG",
                                 "IMP_SCFXG", "IMP_SCFYG", "IMP_PFXG", "IMP_PFYG", "IMP_APT",
                                 "IMP_APTUSE", "(group)", "IMP_LAYER"}));

@@ -45,6 +45,9 @@ struct ImportWindowWorld : ImportWorld {
     ImportWindowOwners owners{*session, tables->Layers, highlights, {}, {}, ClearColour, 0};
     owners.mainWindow.redraw = [this] { ++redraws; };
     owners.mainWindow.setDisplayFile = [this] { events.push_back("display file"); };
+    owners.mainWindow.editMsgLine = [this](const std::string& line) {
+      events.push_back("main line " + line);
+    };
     owners.window.SetInpFileN = [this](int mode, const std::string& start) {
       events.push_back("picker " + std::to_string(mode) + " in " + start);
       return nextFile;
