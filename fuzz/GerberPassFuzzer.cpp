@@ -1,5 +1,6 @@
 // Any bytes through the Gerber text pass into TMP.ART, and what it wrote back through the reading
 // of the header and sections. No input may crash, hang, read out of bounds or grow without end.
+#include "FuzzWorkFolder.h"
 #include "common/FileLayer.h"
 #include "import/gerber/ArtSections.h"
 #include "import/gerber/GerberTextPass.h"
@@ -10,24 +11,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
 
-// A folder of this process for the intermediate file; memory-backed when the system has one.
 const std::string& intermediatePath() {
-  static const std::string path = [] {
-    std::error_code ec;
-    const std::filesystem::path base = std::filesystem::is_directory("/dev/shm", ec)
-                                           ? "/dev/shm"
-                                           : std::filesystem::temp_directory_path();
-    const std::filesystem::path dir = base / ("tvx-fuzz-" + std::to_string(getpid()));
-    std::filesystem::create_directories(dir, ec);
-    return (dir / "TMP.ART").string();
-  }();
+  static const std::string path = (tvx::fuzz::workFolder() / "TMP.ART").string();
   return path;
 }
 

@@ -1,6 +1,7 @@
 // Any bytes as a file of any kind through the whole windowless import: recognition or the user's
 // choice of kind, the scan, the layer binding, the reader into the layer's symbol and the centring.
 // No input may crash, hang, read out of bounds or grow without end.
+#include "FuzzWorkFolder.h"
 #include "import/readers/WindowlessImport.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
@@ -17,29 +18,10 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <unistd.h>
-
-namespace {
-
-// A folder of this process for the input and the intermediate file; memory-backed when it can be.
-const std::filesystem::path& workFolder() {
-  static const std::filesystem::path dir = [] {
-    std::error_code ec;
-    const std::filesystem::path base = std::filesystem::is_directory("/dev/shm", ec)
-                                           ? "/dev/shm"
-                                           : std::filesystem::temp_directory_path();
-    const std::filesystem::path d = base / ("tvx-fuzz-import-" + std::to_string(getpid()));
-    std::filesystem::create_directories(d, ec);
-    return d;
-  }();
-  return dir;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace tvx;
-  const std::string path = (workFolder() / "input").string();
+  const std::string path = (fuzz::workFolder() / "input").string();
   {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (size > 1)
@@ -48,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ScriptedPrompts prompts;
   SystemServices services(&prompts);
   WindowlessLayers run(services, prompts);
-  run.session->state.Job.WorkDirectory = workFolder().string() + "/";
+  run.session->state.Job.WorkDirectory = fuzz::workFolder().string() + "/";
   ImportOwners owners = run.owners();
   WindowlessImportOptions options;
   // The first byte is not part of the file: it picks the kind as a user would (so files that

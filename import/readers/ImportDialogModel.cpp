@@ -20,6 +20,40 @@ std::string intermediatePathIn(const std::string& workDirectory) {
   return workDirectory + "/TMP.ART";
 }
 
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter) {
+  const bool drill = layer.Mask == DrillLayerMask;
+  if (drill && job.Kind == ImportKind::ArtworkRS274D)
+    job.Kind = ImportKind::DrillingRS274D;
+  else if (drill && job.Kind == ImportKind::ArtworkRS274X)
+    job.Kind = ImportKind::DrillingRS274X;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274D)
+    job.Kind = ImportKind::ArtworkRS274D;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274X)
+    job.Kind = ImportKind::ArtworkRS274X;
+
+  layer.Files.assign(1, LayerFileRecord{});
+  LayerFileRecord& file = layer.Files.front();
+  if (isGerberKind(job.Kind)) {
+    layer.OriginalCoordinates = noCenter;
+    file.FileName = job.IntermediatePath;
+    file.Tag.assign(1, ' ');
+    file.FilterMask = layer.FilterMask;
+    file.Mirror = layer.Mirror;
+    file.OriginalCoordinates = layer.OriginalCoordinates;
+    const bool drilling =
+        job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D;
+    file.ReaderCode = drilling ? ReaderGerberDrilling : ReaderGerberArtwork;
+  } else if (job.Kind == ImportKind::Dxf) {
+    file.FileName = job.SourcePath;
+    file.ReaderCode = ReaderDxf;
+  } else {
+    return file;
+  }
+  file.Colour = layer.ColourNumber;
+  file.OffsetX = file.OffsetY = 0;
+  return file;
+}
+
 ImportDialogModel::ImportDialogModel(Store& store, const SystemServices& services,
                                      const StatusReporter& reporter, ImportState& state,
                                      std::span<LayerRecord> layers, const ReaderSet& readers,

@@ -55,6 +55,8 @@ public:
   // Stage two into DialogLayer, when the job is prepared and a layer is bound.
   void ImportFile();
   void EditMsgLine(const std::string& text);
+  // The filter rows shown or not, with the filter button's caption.
+  void showFilters(bool shown);
 
   // Settings and tables that the dialog reads.
   std::string programTitle;
@@ -86,7 +88,6 @@ private:
   bool applyPlotterOrCad();
   void bind();
   void showViewButton();
-  void showFilters(bool shown);
   void busy(bool on) const;
   void notSupported() const;
   std::string text(const char* defaultText, const char* id) const;
@@ -103,5 +104,10 @@ private:
 
 // The intermediate file's path in a work directory.
 std::string intermediatePathIn(const std::string& workDirectory);
+
+// A layer chosen for a Gerber or DXF file: a Gerber file becomes drilling on the drill layer and
+// artwork on any other, and the layer gets one new file record for the kind's reader. A Gerber
+// layer keeps the file's own coordinates when noCenter is set. Other kinds get an empty record.
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter);
 
 }  // namespace tvx

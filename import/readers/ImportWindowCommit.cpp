@@ -216,8 +216,7 @@ bool ImportWindowModel::commitImport(const std::string& first, int32_t, const st
     if (link_.setTopmost)
       link_.setTopmost(false);
     restoreAfterApertures(true);
-    stages_.FiltersShown = false;
-    stages_.filterButtonCaption = text("Show Filters", "62316");
+    stages_.showFilters(false);
     stages_.filterButtonVisible = true;
   } else if (first == "IMP_APTUSE") {
     if (!link_.openApertureUse)
@@ -361,50 +360,21 @@ void ImportWindowModel::chooseLayer(int32_t index) {
   highlights_.clear();
 
   ImportJob& job = state.Job;
-  const bool drill = layer.Mask == DrillLayerMask;
-  if (drill && job.Kind == ImportKind::ArtworkRS274D)
-    job.Kind = ImportKind::DrillingRS274D;
-  else if (drill && job.Kind == ImportKind::ArtworkRS274X)
-    job.Kind = ImportKind::DrillingRS274X;
-  else if (!drill && job.Kind == ImportKind::DrillingRS274D)
-    job.Kind = ImportKind::ArtworkRS274D;
-  else if (!drill && job.Kind == ImportKind::DrillingRS274X)
-    job.Kind = ImportKind::ArtworkRS274X;
+  StartLayerFile(job, layer, NoCenter);
   stages_.kindText = importKindName(session_.services, job.Kind);
-
-  layer.Files.assign(1, LayerFileRecord{});
-  LayerFileRecord& file = layer.Files.front();
   layer.OffsetX = layer.OffsetY = 0;  // the first import into a layer has no offsets
   if (isGerberKind(job.Kind)) {
-    layer.OriginalCoordinates = NoCenter;
-    file.FileName = job.IntermediatePath;
-    file.Tag.assign(1, ' ');
-    file.Colour = layer.ColourNumber;
-    file.FilterMask = layer.FilterMask;
-    file.OffsetX = file.OffsetY = 0;
-    file.Mirror = layer.Mirror;
-    file.OriginalCoordinates = layer.OriginalCoordinates;
-    const bool drilling =
-        job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D;
-    if (drilling) {
+    if (job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D) {
       buildToolRows();
-      file.ReaderCode = ReaderGerberDrilling;
-      stages_.FiltersShown = true;
-      stages_.filterButtonCaption = text("Hide Filters", "62317");
+      stages_.showFilters(true);
     } else {
       buildApertureRows();
-      file.ReaderCode = ReaderGerberArtwork;
-      stages_.FiltersShown = false;
-      stages_.filterButtonCaption = text("Show Filters", "62316");
+      stages_.showFilters(false);
       stages_.filterButtonVisible = true;
     }
     // A drilling layer shows its filter button only once an import into it has succeeded.
     ImportFile();
   } else if (job.Kind == ImportKind::Dxf) {
-    file.ReaderCode = ReaderDxf;
-    file.FileName = job.SourcePath;
-    file.Colour = layer.ColourNumber;
-    file.OffsetX = file.OffsetY = 0;
     ImportFile();
   }
 }

@@ -60,8 +60,7 @@ void ImportWindowModel::FormFill() {
   buildLists();
   stages_.filterButtonVisible = false;
   stages_.clearButtonVisible = false;
-  stages_.FiltersShown = false;
-  stages_.filterButtonCaption = text("Show Filters", "62316");
+  stages_.showFilters(false);
   ViewShown = false;
   OffsetUnit = displayUnit_;
 }
@@ -75,6 +74,17 @@ FileRecogniser ImportWindowModel::fileReader() const {
   FileRecogniser reader(session_.files, session_.services);
   reader.editMsgLine = mainWindow_.editMsgLine;
   return reader;
+}
+
+bool ImportWindowModel::showFileText(const std::string& path, int32_t background) {
+  std::string content;
+  if (!fileReader().LoadWholeFile(path, content))
+    return false;
+  viewerText = path + ":" + "\r\n\r\n" + content;
+  viewerBackground = background;
+  ViewShown = true;
+  stages_.viewButtonCaption = text("Hide View", "62376");
+  return true;
 }
 
 void ImportWindowModel::cmdClose() {
@@ -98,9 +108,7 @@ void ImportWindowModel::Form_Unload() {
 }
 
 void ImportWindowModel::cmdFilters() {
-  stages_.FiltersShown = !stages_.FiltersShown;
-  stages_.filterButtonCaption =
-      stages_.FiltersShown ? text("Hide Filters", "62317") : text("Show Filters", "62316");
+  stages_.showFilters(!stages_.FiltersShown);
   FormUpdate();
 }
 
@@ -114,22 +122,14 @@ void ImportWindowModel::cmdClear() {
   }
   stages_.clearButtonVisible = false;
   stages_.filterButtonVisible = false;
-  stages_.FiltersShown = false;
-  stages_.filterButtonCaption = text("Show Filters", "62316");
+  stages_.showFilters(false);
   FormUpdate();
 }
 
 void ImportWindowModel::cmdView() {
   if (!ViewShown) {
-    FileRecogniser reader = fileReader();
-    std::string content;
-    const std::string& path = session_.state.Job.SourcePath;
-    if (!reader.LoadWholeFile(path, content))
+    if (!showFileText(session_.state.Job.SourcePath, importcolour::ViewerWhite))
       return;
-    viewerText = path + ":" + "\r\n\r\n" + content;
-    viewerBackground = importcolour::ViewerWhite;
-    ViewShown = true;
-    stages_.viewButtonCaption = text("Hide View", "62376");
   } else {
     ViewShown = false;
     stages_.viewButtonCaption = text("View", "62311");
@@ -143,15 +143,8 @@ void ImportWindowModel::M_FileView() {
   const std::string path = link_.SetInpFileN(filerequest::ForDisplay, ImpDir);
   if (path.empty())
     return;
-  FileRecogniser reader = fileReader();
-  std::string content;
-  if (!reader.LoadWholeFile(path, content))
-    return;
-  viewerText = path + ":" + "\r\n\r\n" + content;
-  viewerBackground = importcolour::ViewerOnly;
-  ViewShown = true;
-  stages_.viewButtonCaption = text("Hide View", "62376");
-  notify();
+  if (showFileText(path, importcolour::ViewerOnly))
+    notify();
 }
 
 void ImportWindowModel::M_FileSelect() {

@@ -216,6 +216,8 @@ private:
   void notify();
   // A reader of whole files that shows its progress in the main window's message line.
   FileRecogniser fileReader() const;
+  // F_Viewer shows the file's name and text on background; false when it cannot be read.
+  bool showFileText(const std::string& path, int32_t background);
 
   void commit(const std::string& key, const std::string& text);
   bool commitImport(const std::string& first, int32_t n, const std::string& text, double v,

@@ -88,33 +88,7 @@ void chooseLayer(ImportOwners& o, int32_t number, bool noCenter) {
   LayerRecord& layer = o.layers[size_t(number - 1)];
   state.DialogLayer = number;
   state.CurrentSymbol = layer.SymbolHandle;
-  const bool drill = layer.Mask == DrillLayerMask;
-  if (job.Kind == ImportKind::ArtworkRS274D && drill)
-    job.Kind = ImportKind::DrillingRS274D;
-  else if (job.Kind == ImportKind::ArtworkRS274X && drill)
-    job.Kind = ImportKind::DrillingRS274X;
-  else if (job.Kind == ImportKind::DrillingRS274D && !drill)
-    job.Kind = ImportKind::ArtworkRS274D;
-  else if (job.Kind == ImportKind::DrillingRS274X && !drill)
-    job.Kind = ImportKind::ArtworkRS274X;
-  layer.Files.assign(1, LayerFileRecord{});
-  LayerFileRecord& file = layer.Files.front();
-  file.Colour = layer.ColourNumber;
-  file.OffsetX = file.OffsetY = 0;
-  if (isGerberKind(job.Kind)) {
-    layer.OriginalCoordinates = noCenter;
-    file.FileName = job.IntermediatePath;
-    file.Tag.assign(1, ' ');
-    file.FilterMask = layer.FilterMask;
-    file.Mirror = layer.Mirror;
-    file.OriginalCoordinates = layer.OriginalCoordinates;
-    const bool drilling =
-        job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D;
-    file.ReaderCode = drilling ? ReaderGerberDrilling : ReaderGerberArtwork;
-  } else {
-    file.FileName = job.SourcePath;
-    file.ReaderCode = ReaderDxf;
-  }
+  StartLayerFile(job, layer, noCenter);
 }
 
 // For the kinds whose binding only offers layers: the requested layer, else the first offered.
