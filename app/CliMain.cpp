@@ -39,7 +39,6 @@ constexpr const char* Usage =
     "info    prints what a scan of FILE finds, as text or as JSON.\n"
     "Exit codes: 0 success, 1 a file failed, 2 bad arguments.\n";
 
-
 struct InfoArguments {
   std::string file;
   bool json = false;

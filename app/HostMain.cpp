@@ -11,8 +11,8 @@
 #include "platform/QtUserPrompts.h"
 #include "platform/SystemServices.h"
 #include "shell/ComponentContext.h"
-#include "shell/HostCommands.h"
 #include "shell/GBRVIEWER_MAIN.h"
+#include "shell/HostCommands.h"
 #include "shell/clsTVNGBRVIEWER.h"
 
 #include <QApplication>

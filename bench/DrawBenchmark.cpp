@@ -11,7 +11,7 @@ namespace tvx {
 namespace {
 
 using bench::Layer;
-constexpr int32_t Board = 30000000;        // 300 mm square: every point is covered ~10 times
+constexpr int32_t Board = 30000000;         // 300 mm square: every point is covered ~10 times
 constexpr int32_t SparseBoard = 100000000;  // 1 m square: about as much copper as board
 
 struct Scene {

@@ -35,16 +35,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   WindowlessImportOptions options;
   // The first byte is not part of the file: it picks the kind as a user would (so files that
   // recognition would refuse are read too) or leaves it to recognition, and the centring.
-  static constexpr ImportKind kinds[] = {
-      ImportKind::Unknown,           ImportKind::ArtworkRS274X,     ImportKind::ArtworkRS274D,
-      ImportKind::ExcellonFormatTwo, ImportKind::ExcellonFormatOne, ImportKind::DrillingRS274X,
-      ImportKind::DrillingRS274D,    ImportKind::Hpgl,              ImportKind::Dxf};
+  static constexpr ImportKind kinds[] = {ImportKind::Unknown,
+                                         ImportKind::ArtworkRS274X,
+                                         ImportKind::ArtworkRS274D,
+                                         ImportKind::ExcellonFormatTwo,
+                                         ImportKind::ExcellonFormatOne,
+                                         ImportKind::DrillingRS274X,
+                                         ImportKind::DrillingRS274D,
+                                         ImportKind::Hpgl,
+                                         ImportKind::Dxf};
   const uint8_t choice = size > 0 ? data[0] : 0;
   options.kind = kinds[(choice >> 1) % std::size(kinds)];
-  options.layer = options.kind == ImportKind::DrillingRS274X ||
-                          options.kind == ImportKind::DrillingRS274D
-                      ? DrillLayer
-                      : 3;
+  options.layer =
+      options.kind == ImportKind::DrillingRS274X || options.kind == ImportKind::DrillingRS274D
+          ? DrillLayer
+          : 3;
   options.noCenter = choice & 1;
   ImportWithoutWindow(owners, path, options);
   return 0;

@@ -10,8 +10,10 @@ namespace tvx {
 
 FrameRect Device::visibleFrame() const {
   double halfW = view.Width / 2.0 / scale, halfH = view.Height / 2.0 / scale;
-  return {clampToInt32(std::floor(view.OriginX - halfW)), clampToInt32(std::floor(view.OriginY - halfH)),
-          clampToInt32(std::ceil(view.OriginX + halfW)), clampToInt32(std::ceil(view.OriginY + halfH))};
+  return {clampToInt32(std::floor(view.OriginX - halfW)),
+          clampToInt32(std::floor(view.OriginY - halfH)),
+          clampToInt32(std::ceil(view.OriginX + halfW)),
+          clampToInt32(std::ceil(view.OriginY + halfH))};
 }
 
 Graphics::Graphics(Store& store, KernelStrings& strings)
@@ -70,7 +72,7 @@ int32_t Graphics::G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode) {
     return 0;
   }
   d->painter->setRenderHint(QPainter::Antialiasing, true);
-  d->rasterImage = d->usesShadow ? &d->shadow
+  d->rasterImage = d->usesShadow                              ? &d->shadow
                    : d->target->devType() == QInternal::Image ? static_cast<QImage*>(d->target)
                                                               : nullptr;
   if (d->rasterImage && (d->rasterImage->format() == QImage::Format_RGB32 ||

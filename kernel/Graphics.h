@@ -21,8 +21,8 @@ class KernelStrings;
 
 // The view of one drawing pass, as G_OpenDC takes it.
 struct ViewSetup {
-  int32_t Scale = 1;   // store units per device unit
-  int32_t Width = 0;   // picture size in device units
+  int32_t Scale = 1;  // store units per device unit
+  int32_t Width = 0;  // picture size in device units
   int32_t Height = 0;
   int32_t OriginX = 0;  // store coordinates at the centre of the picture
   int32_t OriginY = 0;
@@ -41,7 +41,7 @@ inline constexpr int32_t Marker = 128;
 // Bits of ViewSetup::Mode that change how elements are drawn.
 namespace viewflag {
 inline constexpr int32_t Mirror = 1;
-inline constexpr int32_t Outline = 32;    // skeleton lines, no fills
+inline constexpr int32_t Outline = 32;     // skeleton lines, no fills
 inline constexpr int32_t PadFrames = 128;  // pads drawn as their frames
 }  // namespace viewflag
 

@@ -66,7 +66,8 @@ QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
     return d.toDevice(f.X + dx * c - dy * s, f.Y + dx * s + dy * c);
   };
   if (f.Type == ItemTriangle)
-    return QPolygonF({d.toDevice(f.X, f.Y), d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height),
+    return QPolygonF({d.toDevice(f.X, f.Y),
+                      d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height),
                       d.toDevice(double(f.X) + f.Angle, double(f.Y) + f.Sweep)});
   double w = f.Width, h = f.Height;
   if (f.Type == ItemVectorText || f.Type == ItemTrueTypeText) {
@@ -89,8 +90,8 @@ bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
   double pen = skeleton ? 0.0 : std::max(0, f.LineWidth) * d.scale;
   switch (f.Type) {
   case ItemLine:
-    r.strokeSegment(d.toDevice(f.X, f.Y),
-                    d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height), pen);
+    r.strokeSegment(d.toDevice(f.X, f.Y), d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height),
+                    pen);
     return true;
   case ItemCircle: {
     double radius = std::abs(double(f.Width)) * d.scale;
@@ -271,8 +272,7 @@ void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first,
   }
   path.closeSubpath();
   bool filled = firstSide.Style == StyleFilled && !isOutlineView(d);
-  applyPen(d, firstSide.Colour, filled ? penstyle::Filled : penstyle::Outline,
-           firstSide.LineWidth);
+  applyPen(d, firstSide.Colour, filled ? penstyle::Filled : penstyle::Outline, firstSide.LineWidth);
   if (filled) {
     d.painter->setPen(Qt::NoPen);
     path.setFillRule(Qt::OddEvenFill);
@@ -383,8 +383,7 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
         __builtin_prefetch(inView[k + Ahead].fields);
       drawAt(inView[k].position, inView[k].fields);
     }
-  }
-  else
+  } else
     for (int32_t i = 1; i <= count; ++i)
       drawAt(i, nullptr);
 }
@@ -424,7 +423,8 @@ int32_t Graphics::G_Triangle(int32_t dev, int32_t x1, int32_t y1, int32_t x2, in
   if (!d)
     return 0;
   impl_->applyPen(*d, d->colour, d->style, d->width);
-  d->painter->drawPolygon(QPolygonF({d->toDevice(x1, y1), d->toDevice(x2, y2), d->toDevice(x3, y3)}));
+  d->painter->drawPolygon(
+      QPolygonF({d->toDevice(x1, y1), d->toDevice(x2, y2), d->toDevice(x3, y3)}));
   return 1;
 }
 

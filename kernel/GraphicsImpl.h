@@ -60,8 +60,8 @@ public:
 
   Store& store;
   KernelStrings& strings;
-  std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
-  std::vector<QPointF> points_;                  // scratch outline, reused between elements
+  std::vector<std::unique_ptr<Device>> devices;   // id n at index n - 1
+  std::vector<QPointF> points_;                   // scratch outline, reused between elements
   std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 
   Device* device(int32_t dev) {

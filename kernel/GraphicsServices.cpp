@@ -96,19 +96,18 @@ int32_t Graphics::G_DrawGrid(int32_t dev, const FrameRect& r, int32_t step, int3
   return int32_t(used);
 }
 
-void Graphics::G_ArcNormalize(int32_t&, int32_t&, int32_t& radius, int32_t& start,
-                              int32_t& sweep) {
+void Graphics::G_ArcNormalize(int32_t&, int32_t&, int32_t& radius, int32_t& start, int32_t& sweep) {
   radius = radius < 0 ? -radius : radius;
   normaliseArc(start, sweep);
 }
 
-int64_t Graphics::G_LinePointDeterminant(int32_t x1, int32_t y1, int32_t x2, int32_t y2,
-                                         int32_t x3, int32_t y3) {
+int64_t Graphics::G_LinePointDeterminant(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t x3,
+                                         int32_t y3) {
   return (int64_t(x2) - x1) * (int64_t(y3) - y1) - (int64_t(y2) - y1) * (int64_t(x3) - x1);
 }
 
-int32_t Graphics::DB_CoverRectangle(int32_t x, int32_t y, int32_t inclusive, int32_t x0,
-                                    int32_t y0, int32_t x1, int32_t y1) {
+int32_t Graphics::DB_CoverRectangle(int32_t x, int32_t y, int32_t inclusive, int32_t x0, int32_t y0,
+                                    int32_t x1, int32_t y1) {
   int32_t minX = std::min(x0, x1), maxX = std::max(x0, x1);
   int32_t minY = std::min(y0, y1), maxY = std::max(y0, y1);
   if (inclusive)
@@ -159,8 +158,8 @@ int32_t Graphics::G_CopyToClipBoard(int32_t dev) {
 
 int32_t Graphics::G_CopyScreen(int32_t dev, int32_t x, int32_t y, int32_t width, int32_t height) {
   const QImage* picture = pictureOf(impl_->device(dev));
-  QRect area = QRect(x, y, width, height).normalized().intersected(
-      picture ? picture->rect() : QRect());
+  QRect area =
+      QRect(x, y, width, height).normalized().intersected(picture ? picture->rect() : QRect());
   if (!picture || area.isEmpty() || !QGuiApplication::clipboard())
     return 0;
   QGuiApplication::clipboard()->setImage(picture->copy(area));
@@ -168,10 +167,9 @@ int32_t Graphics::G_CopyScreen(int32_t dev, int32_t x, int32_t y, int32_t width,
 }
 
 int32_t Graphics::G_SelectCur(int32_t number) {
-  static constexpr Qt::CursorShape Shapes[] = {Qt::ArrowCursor,       Qt::ArrowCursor,
-                                               Qt::CrossCursor,       Qt::OpenHandCursor,
-                                               Qt::SizeAllCursor,     Qt::PointingHandCursor,
-                                               Qt::WaitCursor};
+  static constexpr Qt::CursorShape Shapes[] = {
+      Qt::ArrowCursor,   Qt::ArrowCursor,        Qt::CrossCursor, Qt::OpenHandCursor,
+      Qt::SizeAllCursor, Qt::PointingHandCursor, Qt::WaitCursor};
   Qt::CursorShape shape = number >= 1 && number <= 6 ? Shapes[number] : Qt::ArrowCursor;
   impl_->cursors.push_back(std::make_unique<QCursor>(shape));
   return int32_t(impl_->cursors.size());

@@ -107,8 +107,9 @@ int cornersOf(const ItemFields& item, size_t textLength, Pt* out) {
 
 // Half the pen width where the pen adds to the shape: not on filled areas.
 double halfPen(const ItemFields& item) {
-  bool filledArea = item.Style == StyleFilled &&
-                    (item.Type == ItemTriangle || item.Type == ItemRectangle || item.Type == ItemCircle);
+  bool filledArea =
+      item.Style == StyleFilled &&
+      (item.Type == ItemTriangle || item.Type == ItemRectangle || item.Type == ItemCircle);
   return filledArea ? 0.0 : std::max(0, item.LineWidth) / 2.0;
 }
 
@@ -159,7 +160,8 @@ void normaliseArc(int32_t& startAngle, int32_t& sweep) {
 void textBoxSize(int32_t type, int32_t size1, int32_t size2, size_t length, int32_t& width,
                  int32_t& height) {
   double h = std::abs(double(size1));
-  double charWidth = size2 != 0 ? std::abs(double(size2)) : h * (type == ItemTrueTypeText ? 0.6 : 0.75);
+  double charWidth =
+      size2 != 0 ? std::abs(double(size2)) : h * (type == ItemTrueTypeText ? 0.6 : 0.75);
   width = clampToInt32(charWidth * double(length));
   height = clampToInt32(h);
 }
@@ -248,8 +250,8 @@ bool itemCovers(const ItemFields& item, size_t textLength, double x, double y, d
     int n = cornersOf(item, textLength, corners);
     bool inside = false;
     double d = outlineDistance(q, corners, n, inside);
-    bool area = item.Style == StyleFilled || item.Type == ItemVectorText ||
-                item.Type == ItemTrueTypeText;
+    bool area =
+        item.Style == StyleFilled || item.Type == ItemVectorText || item.Type == ItemTrueTypeText;
     return (area && inside) || d <= reach;
   }
   default:

@@ -10,7 +10,7 @@ struct TableSize {
   int32_t number;
   int32_t bytes;
 };
-constexpr TableSize TableSizes[] = {{1, 64},  {2, 32}, {5, 104}, {6, 104}, {7, 28},  {8, 20},
+constexpr TableSize TableSizes[] = {{1, 64},  {2, 32},  {5, 104}, {6, 104}, {7, 28}, {8, 20},
                                     {9, 192}, {10, 12}, {11, 4},  {17, 4},  {18, 4}, {21, 128}};
 }  // namespace
 

@@ -21,12 +21,12 @@ inline constexpr double WorldLimit = 220000000.0;
 
 // The first field of ItemRecord.
 enum ItemType : int32_t {
-  ItemLine = 1,          // X, Y start; Width, Height the vector to the end
-  ItemTriangle = 2,      // X, Y a corner; (Width, Height) and (Angle, Sweep) the other two as offsets
-  ItemRectangle = 3,     // X, Y lower left; Angle rotation about it; Width, Height the size
-  ItemCircle = 4,        // X, Y centre; Width radius
-  ItemArc = 5,           // X, Y centre; Width radius; Height start angle; Sweep swept angle
-  ItemVectorText = 6,    // X, Y; Angle; Width the text height, Height the character width; Text
+  ItemLine = 1,        // X, Y start; Width, Height the vector to the end
+  ItemTriangle = 2,    // X, Y a corner; (Width, Height) and (Angle, Sweep) the other two as offsets
+  ItemRectangle = 3,   // X, Y lower left; Angle rotation about it; Width, Height the size
+  ItemCircle = 4,      // X, Y centre; Width radius
+  ItemArc = 5,         // X, Y centre; Width radius; Height start angle; Sweep swept angle
+  ItemVectorText = 6,  // X, Y; Angle; Width the text height, Height the character width; Text
   ItemTrueTypeText = 8,  // as vector text, and Face
   ItemPadEntry = 22,     // never stored as an item: AddElement places an entry
 };
@@ -34,7 +34,8 @@ enum ItemType : int32_t {
 // Bits of an object's Attributes word.
 namespace attr {
 inline constexpr int32_t Shown = 0x1;
-inline constexpr int32_t MadeBySystem = 0x2;  // on a symbol: a layer or category symbol of this system
+inline constexpr int32_t MadeBySystem =
+    0x2;  // on a symbol: a layer or category symbol of this system
 inline constexpr int32_t PolygonSide = 0x8;
 inline constexpr int32_t PolygonFirst = 0x10;
 inline constexpr int32_t PolygonLast = 0x20;

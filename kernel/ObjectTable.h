@@ -1,10 +1,10 @@
 // Slot table behind the store's 32-bit handles.
 //
 // A handle is a slot number (low 25 bits) and a generation (next 6 bits), so it is always positive.
-// Each slot records the kind of object it holds and the object's index in that kind's pool. Deleting
-// an object frees its slot and advances the generation, so a stale handle no longer matches; freed
-// slots are reused oldest first, which keeps a generation from coming round again for a long time.
-// A handle is only ever accepted for the kind it was made for.
+// Each slot records the kind of object it holds and the object's index in that kind's pool.
+// Deleting an object frees its slot and advances the generation, so a stale handle no longer
+// matches; freed slots are reused oldest first, which keeps a generation from coming round again
+// for a long time. A handle is only ever accepted for the kind it was made for.
 #pragma once
 
 #include <cstddef>

@@ -35,7 +35,7 @@ const std::array<uint32_t, PaletteSize>& paletteRgb() {
       rgbValue(170, 80, 60),    // 28 rust
       rgbValue(102, 149, 149),  // 29 pale cyan
       rgbValue(182, 118, 199),  // 30 orchid
-      rgbValue(160, 139, 95),  // 31 sand
+      rgbValue(160, 139, 95),   // 31 sand
   };
   return colours;
 }

@@ -216,8 +216,8 @@ void Raster::strokeSegment(QPointF a, QPointF b, double width) {
     hairline(a, b);
     return;
   }
-  if (outside(std::min(a.x(), b.x()) - r, std::min(a.y(), b.y()) - r,
-              std::max(a.x(), b.x()) + r, std::max(a.y(), b.y()) + r))
+  if (outside(std::min(a.x(), b.x()) - r, std::min(a.y(), b.y()) - r, std::max(a.x(), b.x()) + r,
+              std::max(a.y(), b.y()) + r))
     return;
   double dx = b.x() - a.x(), dy = b.y() - a.y();
   double len = std::hypot(dx, dy);
@@ -228,8 +228,10 @@ void Raster::strokeSegment(QPointF a, QPointF b, double width) {
   // The body as a quad; the round ends as discs. Row by row the three pieces of this convex
   // shape are joined into one span, so no pixel is set twice.
   double nx = -dy / len * r, ny = dx / len * r;
-  QPointF quad[4] = {{a.x() + nx, a.y() + ny}, {b.x() + nx, b.y() + ny},
-                     {b.x() - nx, b.y() - ny}, {a.x() - nx, a.y() - ny}};
+  QPointF quad[4] = {{a.x() + nx, a.y() + ny},
+                     {b.x() + nx, b.y() + ny},
+                     {b.x() - nx, b.y() - ny},
+                     {a.x() - nx, a.y() - ny}};
   double minY = std::min(a.y(), b.y()) - r, maxY = std::max(a.y(), b.y()) + r;
   int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
   for (int y = y0; y <= y1; ++y) {

@@ -3,9 +3,9 @@
 // An object lives in the node whose cell holds its centre, at the depth where the cell is at least
 // as large as the object; a node's loose bounds are its cell grown by half a cell on every side, so
 // they always contain its objects. Nodes are made only where objects are, and a node is split only
-// when it holds more than a few objects, so sparse boards cost little. A query visits only the nodes
-// whose loose bounds meet the query box. The node of each object is kept by the caller (through
-// NodeSlot), so removal is a short search of one node.
+// when it holds more than a few objects, so sparse boards cost little. A query visits only the
+// nodes whose loose bounds meet the query box. The node of each object is kept by the caller
+// (through NodeSlot), so removal is a short search of one node.
 #pragma once
 
 #include <cstdint>

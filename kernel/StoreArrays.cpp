@@ -136,13 +136,13 @@ int32_t Store::Impl::filledRunHit(ArrayData& a, int32_t firstIndex, double x, do
     for (size_t i = 0; i < a.objects.size(); ++i) {
       const ItemData* d = item(a.objects[i]);
       int32_t bits = d->f.Attributes;
-      if (!(bits & attr::PolygonSide) || !(bits & attr::PolygonFirst) ||
-          d->f.Style != StyleFilled)
+      if (!(bits & attr::PolygonSide) || !(bits & attr::PolygonFirst) || d->f.Style != StyleFilled)
         continue;
       FilledRun run{int32_t(i + 1), 0, itemFrame(d->f, 0)};
       for (size_t j = i; j < a.objects.size(); ++j) {
         const ItemData* side = item(a.objects[j]);
-        if (!(side->f.Attributes & attr::PolygonSide) || (j > i && (side->f.Attributes & attr::PolygonFirst)))
+        if (!(side->f.Attributes & attr::PolygonSide) ||
+            (j > i && (side->f.Attributes & attr::PolygonFirst)))
           break;
         Box b = itemFrame(side->f, 0);
         run.frame = {std::min(run.frame.minX, b.minX), std::min(run.frame.minY, b.minY),

@@ -79,7 +79,7 @@ struct FilledRun {
 struct ArrayData {
   ObjectKind element = ObjectKind::Item;
   int32_t self = 0;
-  int32_t ownerSymbol = 0;    // symbol handle for a symbol's arrays
+  int32_t ownerSymbol = 0;     // symbol handle for a symbol's arrays
   bool padStackItems = false;  // the item array of a pad stack
   std::vector<int32_t> objects;
   uint64_t version = 0;

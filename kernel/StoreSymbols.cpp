@@ -12,7 +12,9 @@ Box unite(const Box& a, const Box& b) {
           std::max(a.maxY, b.maxY)};
 }
 
-bool matchesMask(int32_t attributes, int32_t mask) { return mask == -1 || (attributes & mask) != 0; }
+bool matchesMask(int32_t attributes, int32_t mask) {
+  return mask == -1 || (attributes & mask) != 0;
+}
 }  // namespace
 
 // ---- Pad stacks and entries ----
@@ -256,7 +258,9 @@ ArrayHandle textArray(Store::Impl& s, SymbolId id, int32_t SymbolData::*which) {
 }
 }  // namespace
 
-ArrayHandle Store::C_CompTextArray(SymbolId id) { return textArray(*impl_, id, &SymbolData::compText); }
+ArrayHandle Store::C_CompTextArray(SymbolId id) {
+  return textArray(*impl_, id, &SymbolData::compText);
+}
 ArrayHandle Store::L_CompTextArray(SymbolId id) {
   return textArray(*impl_, id, &SymbolData::layoutText);
 }

@@ -56,7 +56,9 @@ public:
   void DrawMarkGlyph(int32_t device, int32_t drawMode, const std::string& glyph, int32_t x,
                      int32_t y, int32_t colour, int32_t angle, int32_t size1, int32_t size2);
 
-  static std::string StringFromPointer(const char* text) { return text ? std::string(text) : std::string(); }
+  static std::string StringFromPointer(const char* text) {
+    return text ? std::string(text) : std::string();
+  }
   // Adds a trailing separator when the path has none; returns the text.
   static std::string EnsureBackslash(std::string& path);
 

@@ -14,7 +14,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QTextBrowser>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QGridLayout>
@@ -26,6 +25,7 @@
 #include <QPixmap>
 #include <QScrollBar>
 #include <QStatusBar>
+#include <QTextBrowser>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -171,9 +171,8 @@ void GBRVIEWER_MAIN::Form_KeyDown(int KeyCode, int Shift) {
 // --- Menu bar ----------------------------------------------------------------------------------
 
 void GBRVIEWER_MAIN::buildMenus() {
-  auto entry = [this](QMenu* menu, const char* name, const char* caption, void (GBRVIEWER_MAIN::*
-                                                                               handler)(),
-                      bool checkable = false) {
+  auto entry = [this](QMenu* menu, const char* name, const char* caption,
+                      void (GBRVIEWER_MAIN::*handler)(), bool checkable = false) {
     QAction* action = menu->addAction(QString::fromUtf8(caption));
     action->setObjectName(name);
     action->setCheckable(checkable);
@@ -355,7 +354,8 @@ bool GBRVIEWER_MAIN::eventFilter(QObject* watched, QEvent* event) {
   return QMainWindow::eventFilter(watched, event);
 }
 
-// --- Host commands ---------------------------------------------------------------------------------
+// --- Host commands
+// ---------------------------------------------------------------------------------
 
 void GBRVIEWER_MAIN::AP_ExeCmd(const std::string& Cmd) {
   if (Cmd.empty())

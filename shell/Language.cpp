@@ -3,8 +3,8 @@
 #include "common/ParseList.h"
 #include "common/ToNumber.h"
 #include "kernel/KernelStrings.h"
-#include "shell/HostCommands.h"
 #include "platform/SystemServices.h"
+#include "shell/HostCommands.h"
 
 #include <algorithm>
 #include <cmath>

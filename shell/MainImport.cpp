@@ -7,9 +7,9 @@
 #include "import/readers/RenderFiles.h"
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
+#include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
-#include "platform/InterfaceFont.h"
 #include "store/GBRVIEWER_GIESVC.h"
 #include "store/LayerCatalogue.h"
 
@@ -254,8 +254,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
                             std::move(link),
                             (*colours_)[colourslot::ClearColour].ColourNumber,
                             view_->DisplayUnit};
-  auto* window =
-      new GBRVIEWER_IMPORT(std::move(owners), userStore_, this, SelectInterfaceFont());
+  auto* window = new GBRVIEWER_IMPORT(std::move(owners), userStore_, this, SelectInterfaceFont());
   window->setWindowFlag(Qt::Window);
   window->setAttribute(Qt::WA_DeleteOnClose);
   ImportWindowModel& model = window->model();
@@ -277,9 +276,9 @@ void GBRVIEWER_MAIN::M_GIESelCatView_Click() {
     layerVisibility_->raise();
     return;
   }
-  auto* dialog = new GBRVIEWER_GIESVC(*tables_, context_.kernel.store, context_.services,
-                                      [this] { RedrawScreen(); }, this, userStore_,
-                                      SelectInterfaceFont());
+  auto* dialog = new GBRVIEWER_GIESVC(
+      *tables_, context_.kernel.store, context_.services, [this] { RedrawScreen(); }, this,
+      userStore_, SelectInterfaceFont());
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   // OK and Cancel leave the redraw to the main window.
   connect(dialog, &QDialog::finished, this, [this] { RedrawScreen(); });

@@ -11,10 +11,10 @@
 #include "viewer/ViewPicture.h"
 
 #include <QApplication>
-#include <QTextBrowser>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QScrollBar>
+#include <QTextBrowser>
 
 #include <algorithm>
 

@@ -13,10 +13,10 @@
 #include "shell/Language.h"
 #include "viewer/ViewPicture.h"
 
-#include <QGuiApplication>
 #include <QCoreApplication>
-#include <QTextBrowser>
+#include <QGuiApplication>
 #include <QScreen>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include <cmath>
@@ -83,7 +83,8 @@ void GBRVIEWER_MAIN::Form_Load() {
     appPath_ = QCoreApplication::applicationDirPath().toStdString();
   sysDir_ = appPath_ + "/SYS";
   services.SetIniFile(SystemServices::StringFromPointer(kernel.strings.E_GetString(IniFileString)));
-  readFolders(services, SystemServices::StringFromPointer(kernel.strings.E_GetString(ProductNameString)),
+  readFolders(services,
+              SystemServices::StringFromPointer(kernel.strings.E_GetString(ProductNameString)),
               settings_);
   languagePath_ = ApplyLanguage(appPath_, services, kernel.strings);
 

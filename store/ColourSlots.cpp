@@ -1,8 +1,8 @@
 #include "store/ColourSlots.h"
 
 #include "common/ParseList.h"
-#include "kernel/Graphics.h"
 #include "common/WholeNumber.h"
+#include "kernel/Graphics.h"
 
 #include <string_view>
 

@@ -1,8 +1,8 @@
 #include "store/Layers.h"
 
 #include "common/ParseList.h"
-#include "store/LayerSymbol.h"
 #include "common/WholeNumber.h"
+#include "store/LayerSymbol.h"
 
 #include <algorithm>
 

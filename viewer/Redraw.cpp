@@ -219,9 +219,8 @@ void ViewRedraw::highlightAperture(int32_t device) {
   const ArrayHandle items = store.S_SymbolItemArray(working);
   const int32_t count = store.OA_GetCount(items);
   // A clear element shows as background where clear and highlight share a palette colour.
-  const bool clearAsBackground =
-      !mono() && colours_[colourslot::ClearColour].ColourNumber ==
-                     colours_[colourslot::Highlight].ColourNumber;
+  const bool clearAsBackground = !mono() && colours_[colourslot::ClearColour].ColourNumber ==
+                                                colours_[colourslot::Highlight].ColourNumber;
   for (int32_t i = 1; i <= count; ++i) {
     const ObjectHandle item = store.OA_Object(items, i);
     const ItemFields* f = store.itemFields(item);

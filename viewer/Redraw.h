@@ -27,14 +27,14 @@ inline constexpr int32_t MonoBackgroundColour = 15;
 
 // What the model asks of the window around the picture. Every hook may be left empty.
 struct RedrawHooks {
-  std::function<void(bool busy)> showBusy;       // "BUSY" panel: "ST_BUSY" or "ST_NORMAL"
-  std::function<void(bool hourglass)> pointer;   // hourglass, or the default shape
+  std::function<void(bool busy)> showBusy;               // "BUSY" panel: "ST_BUSY" or "ST_NORMAL"
+  std::function<void(bool hourglass)> pointer;           // hourglass, or the default shape
   std::function<void(const std::string&)> messagePanel;  // the "MSG" panel's text
   std::function<void(int32_t step)> showRasterStep;      // the raster combo, in store units
-  std::function<void(int32_t device)> drawRuler;          // the ruler in mode 4
-  std::function<void(int32_t device)> drawDragMark;       // a running pan's mark at its start
+  std::function<void(int32_t device)> drawRuler;         // the ruler in mode 4
+  std::function<void(int32_t device)> drawDragMark;      // a running pan's mark at its start
   std::function<void(int32_t device)> drawReferencePoint;
-  std::function<uint32_t()> ticks;                        // milliseconds, for RedrawTime
+  std::function<uint32_t()> ticks;  // milliseconds, for RedrawTime
 };
 
 // The display options with a menu entry and a tool each.

@@ -5,8 +5,8 @@
 
 #include "import/gerber/ArtFile.h"
 #include "import/gerber/ImportJob.h"
-#include "store/LayerRecord.h"
 #include "kernel/KernelTypes.h"
+#include "store/LayerRecord.h"
 
 #include <cstdint>
 #include <functional>

@@ -7,9 +7,8 @@
 namespace tvx {
 
 std::string fileRequestTitle(const SystemServices& services, int mode) {
-  return mode == filerequest::ForDisplay
-             ? services.LocalMessage("Select File for Display", "62183")
-             : services.LocalMessage("Select File for Import", "62184");
+  return mode == filerequest::ForDisplay ? services.LocalMessage("Select File for Display", "62183")
+                                         : services.LocalMessage("Select File for Import", "62184");
 }
 
 QStringList importFileFilters() {
@@ -28,10 +27,10 @@ QStringList importFileFilters() {
 
 std::string askForFile(QWidget* parent, const SystemServices& services, int mode,
                        const std::string& startFolder) {
-  return QFileDialog::getOpenFileName(parent, QString::fromStdString(fileRequestTitle(services, mode)),
-                                      QString::fromStdString(startFolder),
-                                      importFileFilters().join(";;"), nullptr,
-                                      QFileDialog::ReadOnly)
+  return QFileDialog::getOpenFileName(
+             parent, QString::fromStdString(fileRequestTitle(services, mode)),
+             QString::fromStdString(startFolder), importFileFilters().join(";;"), nullptr,
+             QFileDialog::ReadOnly)
       .toStdString();
 }
 

@@ -154,7 +154,8 @@ void ImportWindowModel::M_FileSelect() {
   ImportJob& job = session_.state.Job;
   if (!job.SourcePath.empty())
     ImpDir = std::filesystem::path(job.SourcePath).parent_path().string();
-  const std::string path = link_.SetInpFileN ? link_.SetInpFileN(filerequest::ForImport, ImpDir) : std::string();
+  const std::string path =
+      link_.SetInpFileN ? link_.SetInpFileN(filerequest::ForImport, ImpDir) : std::string();
   if (link_.saveImpDir)
     link_.saveImpDir(ImpDir);
   if (path.empty())

@@ -138,9 +138,9 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
     QPdfWriter writer(path);
     writer.setResolution(std::max(1, int(std::lround(options.dpi))));
     const QSizeF pageMm(grid.width * 25.4 / options.dpi, grid.height * 25.4 / options.dpi);
-    writer.setPageLayout(QPageLayout(
-        QPageSize(pageMm, QPageSize::Millimeter, QString(), QPageSize::ExactMatch),
-        QPageLayout::Portrait, QMarginsF(0, 0, 0, 0), QPageLayout::Millimeter));
+    writer.setPageLayout(
+        QPageLayout(QPageSize(pageMm, QPageSize::Millimeter, QString(), QPageSize::ExactMatch),
+                    QPageLayout::Portrait, QMarginsF(0, 0, 0, 0), QPageLayout::Millimeter));
     if (!drawOn(writer, kernel, grid, background, context, order, layers))
       return cannotWrite;
     break;
@@ -314,8 +314,8 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   std::stable_partition(order.begin(), order.end(),
                         [](const LayerOrderRow& r) { return r.LayerNumber == DrillLayer; });
   for (LayerOrderRow& row : order) {
-    row.Visible = row.LayerNumber >= 1 && row.LayerNumber <= LayerCount &&
-                  taken[size_t(row.LayerNumber)];
+    row.Visible =
+        row.LayerNumber >= 1 && row.LayerNumber <= LayerCount && taken[size_t(row.LayerNumber)];
     row.Mono = options.mono;
     row.MonoColour = PaletteWhite;
   }
@@ -325,8 +325,8 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   LayerDrawContext context(kernel->graphics, kernel->store);
   context.clearColour = colours.ClearColour();
 
-  if (std::string error = writePicture(options, *grid, *kernel, background, context, order,
-                                       tables->Layers);
+  if (std::string error =
+          writePicture(options, *grid, *kernel, background, context, order, tables->Layers);
       !error.empty()) {
     outcome.exitCode = 1;
     outcome.messages.push_back(error);

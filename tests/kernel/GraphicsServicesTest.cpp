@@ -51,7 +51,8 @@ TEST_F(GraphicsServicesTest, GeometryHelpers) {
   EXPECT_EQ(Graphics::G_LinePointDeterminant(0, 0, 10, 10, 20, 20), 0);
   EXPECT_GT(Graphics::G_LinePointDeterminant(0, 0, 10, 0, 0, 10), 0);
   EXPECT_EQ(Graphics::G_LinePointDeterminant(-2000000000, 0, 2000000000, 1, 0, 2000000000),
-            int64_t(4000000000) * 2000000000 - int64_t(1) * 2000000000) << "no overflow";
+            int64_t(4000000000) * 2000000000 - int64_t(1) * 2000000000)
+      << "no overflow";
   EXPECT_TRUE(Graphics::DB_CoverRectangle(10, 5, 1, 10, 0, 0, 5)) << "corners in any order";
   EXPECT_FALSE(Graphics::DB_CoverRectangle(10, 5, 0, 10, 0, 0, 5)) << "edges only when inclusive";
   EXPECT_TRUE(Graphics::DB_CoverRectangle(5, 2, 0, 10, 0, 0, 5));
@@ -74,9 +75,14 @@ TEST_F(GraphicsServicesTest, PolygonRunsAndItemsAtAnOffset) {
   for (int i = 0; i < 3; ++i) {
     const int32_t bits = attr::Shown | attr::PolygonSide | (i == 0 ? attr::PolygonFirst : 0) |
                          (i == 2 ? attr::PolygonLast : 0);
-    k.store.OA_Add(items, k.store.I_MakeItem({.Type = ItemLine, .Attributes = bits, .X = x, .Y = y,
-                                              .Colour = 15, .Style = StyleFilled,
-                                              .Width = dx[i], .Height = dy[i]}));
+    k.store.OA_Add(items, k.store.I_MakeItem({.Type = ItemLine,
+                                              .Attributes = bits,
+                                              .X = x,
+                                              .Y = y,
+                                              .Colour = 15,
+                                              .Style = StyleFilled,
+                                              .Width = dx[i],
+                                              .Height = dy[i]}));
     x += dx[i];
     y += dy[i];
   }

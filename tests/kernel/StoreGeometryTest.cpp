@@ -11,8 +11,16 @@ namespace {
 
 ItemRecord make(int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t pen = 0,
                 uint8_t style = StyleOpen, int32_t angle = 0, int32_t sweep = 0) {
-  return {.Type = type, .Attributes = attr::Shown, .X = x, .Y = y, .Style = style,
-          .LineWidth = pen, .Angle = angle, .Width = w, .Height = h, .Sweep = sweep};
+  return {.Type = type,
+          .Attributes = attr::Shown,
+          .X = x,
+          .Y = y,
+          .Style = style,
+          .LineWidth = pen,
+          .Angle = angle,
+          .Width = w,
+          .Height = h,
+          .Sweep = sweep};
 }
 
 FrameRect frameOf(const ItemRecord& r) {
@@ -50,9 +58,9 @@ TEST(ItemCover, ShapesArePickedWithinTolerance) {
     return itemCovers(fieldsOf(r), r.Text.size(), x, y, tol);
   };
   ItemRecord ln = make(ItemLine, 0, 0, 1000, 0, 100);
-  EXPECT_TRUE(covers(ln, 500, 60, 10));   // pen half 50 + tolerance 10
+  EXPECT_TRUE(covers(ln, 500, 60, 10));  // pen half 50 + tolerance 10
   EXPECT_FALSE(covers(ln, 500, 61, 0));
-  EXPECT_TRUE(covers(ln, 1050, 0, 0));    // round end
+  EXPECT_TRUE(covers(ln, 1050, 0, 0));  // round end
   ItemRecord ring = make(ItemCircle, 0, 0, 1000, 0, 20, StyleOpen);
   EXPECT_FALSE(covers(ring, 0, 0, 5));
   EXPECT_TRUE(covers(ring, 1005, 0, 0));
@@ -166,8 +174,8 @@ TEST(StoreCover, EntriesAndFirstIndex) {
 
   // A pad stack with a rotated rectangle pad: the entry covers the pad's area, turned.
   ObjectHandle pad = s.S_MakePadStack();
-  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(make(ItemRectangle, 0, -100, 5000, 200, 0,
-                                                          StyleFilled)));
+  s.OA_Add(s.S_PadStackItemArray(pad),
+           s.I_MakeItem(make(ItemRectangle, 0, -100, 5000, 200, 0, StyleFilled)));
   ASSERT_EQ(s.OM_Add(s.S_SymbolPadStackMap(-76531), pad, 10), 10);
   s.S_ChangePadPadStack(-76531, 1, 10);
   s.S_ChangePadRotation(-76531, 1, 90000);

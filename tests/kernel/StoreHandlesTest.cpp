@@ -143,9 +143,18 @@ TEST(StoreArrays, IndicesInsertDeleteAndMasks) {
 
 TEST(StoreItems, RecordsRoundTripAndLinkGapAreSeparate) {
   Store s;
-  const ItemRecord in{.Type = ItemArc, .Attributes = attr::Shown | attr::Flashed, .Link = 17,
-                      .X = -100, .Y = 200, .Colour = 3, .Style = StyleOpen, .LineWidth = 20,
-                      .Gap = 5, .Width = 500, .Height = 45000, .Sweep = -90000};
+  const ItemRecord in{.Type = ItemArc,
+                      .Attributes = attr::Shown | attr::Flashed,
+                      .Link = 17,
+                      .X = -100,
+                      .Y = 200,
+                      .Colour = 3,
+                      .Style = StyleOpen,
+                      .LineWidth = 20,
+                      .Gap = 5,
+                      .Width = 500,
+                      .Height = 45000,
+                      .Sweep = -90000};
   ObjectHandle item = s.I_MakeItem(in);
   ItemRecord out;
   ASSERT_EQ(s.I_ReadItem(item, out), ItemArc);

@@ -6,8 +6,12 @@ namespace tvx {
 namespace {
 
 ItemRecord side(int32_t x, int32_t y, int32_t dx, int32_t dy, int32_t bits) {
-  return {.Type = ItemLine, .Attributes = attr::Shown | attr::PolygonSide | bits, .X = x, .Y = y,
-          .Width = dx, .Height = dy};
+  return {.Type = ItemLine,
+          .Attributes = attr::Shown | attr::PolygonSide | bits,
+          .X = x,
+          .Y = y,
+          .Width = dx,
+          .Height = dy};
 }
 
 class ElementRunsTest : public ::testing::Test {

@@ -113,8 +113,8 @@ TEST_F(LayerOrderDialogTest, OkKeepsTheRowsAndTheFrameSavesThePlace) {
   EXPECT_EQ(d->lstSearchSeq->item(6)->text().toStdString(), tables.layer(31).DisplayName);
   d->close();
   EXPECT_EQ(tables.LayerOrder, rows) << "closing by the frame leaves the rows";
-  EXPECT_NE(userStore_.GetSetting(UserStoreApplication, UserStoreSection,
-                                  "GBRVIEWER_GIESVC_WIDTH", "none"),
+  EXPECT_NE(userStore_.GetSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_GIESVC_WIDTH",
+                                  "none"),
             "none");
 }
 

@@ -110,7 +110,8 @@ TEST_F(LayerTablesTest, StoredColoursNeedTwoValues) {
   build();
   EXPECT_EQ(std::tuple(tables.layer(3).ColourNumber, tables.layer(3).ColourRgb,
                        tables.layer(3).DefaultColourNumber),
-            std::tuple(14, 2631935, 10)) << "the default stays the catalogue's";
+            std::tuple(14, 2631935, 10))
+      << "the default stays the catalogue's";
   for (int32_t n : {1, 4})
     EXPECT_EQ(tables.layer(n).ColourRgb, tables.layer(n).DefaultColourRgb) << n;
 }

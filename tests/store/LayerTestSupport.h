@@ -34,8 +34,13 @@ protected:
   // A shown item of type in layer, of colour and style, with a size of 1000 by 500.
   ObjectHandle addItem(int32_t layer, int32_t type, int32_t colour = 3, int32_t style = StyleOpen,
                        int32_t attributes = attr::Shown) {
-    return addItem(layer, {.Type = type, .Attributes = attributes, .Colour = uint8_t(colour),
-                           .Style = uint8_t(style), .Width = 1000, .Height = 500, .Text = "T"});
+    return addItem(layer, {.Type = type,
+                           .Attributes = attributes,
+                           .Colour = uint8_t(colour),
+                           .Style = uint8_t(style),
+                           .Width = 1000,
+                           .Height = 500,
+                           .Text = "T"});
   }
   ObjectHandle addItem(int32_t layer, const ItemRecord& r) {
     ObjectHandle item = k.store.I_MakeItem(r);

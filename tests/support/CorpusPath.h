@@ -1,6 +1,6 @@
-// Where the shared corpus of real input files lies: $TVX_CORPUS_DIR, else the folder "shared/corpus"
-// beside the source tree, else the workspace's shared folder. Empty when none exists; corpus tests
-// then skip.
+// Where the shared corpus of real input files lies: $TVX_CORPUS_DIR, else the folder
+// "shared/corpus" beside the source tree, else the workspace's shared folder. Empty when none
+// exists; corpus tests then skip.
 #pragma once
 
 #include <cstdlib>

@@ -60,7 +60,11 @@ protected:
 
   // A shown, filled circle of radius 0 at (x, y), in palette colour 15.
   static ItemRecord dotRecord(int32_t x, int32_t y) {
-    return {.Type = ItemCircle, .Attributes = attr::Shown, .X = x, .Y = y, .Colour = 15,
+    return {.Type = ItemCircle,
+            .Attributes = attr::Shown,
+            .X = x,
+            .Y = y,
+            .Colour = 15,
             .Style = StyleFilled};
   }
   // A filled rectangle from (x0, y0) to (x1, y1) in layer (1 to 3).
