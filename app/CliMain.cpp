@@ -3,8 +3,8 @@
 //   FILE... gbrview info FILE [--json]
 // Exit codes: 0 success, 1 a file failed, 2 bad arguments.
 
-#include "import/readers/FileInfo.h"
-#include "import/readers/RenderFiles.h"
+#include "app/cli/FileInfo.h"
+#include "app/cli/RenderFiles.h"
 
 #include <QGuiApplication>
 

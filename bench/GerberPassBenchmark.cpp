@@ -3,7 +3,7 @@
 // the process's peak memory during the pass, which must not follow the file's size.
 #include "common/FileLayer.h"
 #include "import/gerber/GerberTextPass.h"
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 

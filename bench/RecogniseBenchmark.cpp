@@ -1,7 +1,7 @@
 // File recognition on files of 100 MB: a whole Gerber file read from disk and classified, the
 // classification alone, and texts that go through all four tests (plotter text, random bytes).
 #include "common/FileLayer.h"
-#include "import/gerber/FileRecognition.h"
+#include "import/core/FileRecognition.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 

@@ -6,10 +6,6 @@ set(TVX_SUBSYSTEM_TARGETS "" CACHE INTERNAL "")
 function(tvx_subsystem name folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp)
   file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.h)
-  if(NOT sources)
-    # A folder without code yet still gives a target, so that dependents can name it.
-    set(sources ${CMAKE_SOURCE_DIR}/cmake/Empty.cpp)
-  endif()
   # The objects are compiled once: into the static library that tests link, and into the
   # component library.
   add_library(tvx_${name}_obj OBJECT ${sources} ${headers})
@@ -22,9 +18,9 @@ function(tvx_subsystem name folder)
 endfunction()
 
 # tvx_test(name folder libs...)
-# One GoogleTest executable per test folder, registered with CTest test by test.
+# One GoogleTest executable per test folder and its subfolders, registered with CTest test by test.
 function(tvx_test name folder)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
   if(NOT sources)
     return()
   endif()

@@ -4,7 +4,7 @@
 #include "common/FileLayer.h"
 #include "import/gerber/ArtSections.h"
 #include "import/gerber/GerberTextPass.h"
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 

@@ -4,13 +4,13 @@
 
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
-#include "platform/HelpWindow.h"
+#include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"
 #include "platform/TokenList.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
-#include "viewer/ViewPicture.h"
+#include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,16 +1,16 @@
 // The file-open command of the main window and the host's files, and the layer visibility window.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "import/gerber/FileRecognition.h"
-#include "import/readers/FileRequest.h"
-#include "import/readers/GBRVIEWER_IMPORT.h"
-#include "import/readers/RenderFiles.h"
+#include "import/core/FileRecognition.h"
+#include "import/readers/window/widgets/FileRequest.h"
+#include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
+#include "app/cli/RenderFiles.h"
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
-#include "store/GBRVIEWER_GIESVC.h"
+#include "store/widgets/GBRVIEWER_GIESVC.h"
 #include "store/LayerCatalogue.h"
 
 #include <QDesktopServices>

@@ -3,12 +3,12 @@
 
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
-#include "platform/HelpWindow.h"
+#include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"
 #include "platform/UserStore.h"
-#include "platform/WindowPlace.h"
+#include "platform/widgets/WindowPlace.h"
 #include "shell/HostCommands.h"
-#include "viewer/ViewPicture.h"
+#include "viewer/widgets/ViewPicture.h"
 
 #include <QApplication>
 #include <QCloseEvent>

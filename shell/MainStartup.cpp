@@ -3,15 +3,15 @@
 
 #include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
-#include "platform/HelpWindow.h"
+#include "platform/widgets/HelpWindow.h"
 #include "platform/InterfaceFont.h"
-#include "platform/LocalizeForm.h"
+#include "platform/widgets/LocalizeForm.h"
 #include "platform/SystemServices.h"
 #include "platform/UserStore.h"
-#include "platform/WindowPlace.h"
+#include "platform/widgets/WindowPlace.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
-#include "viewer/ViewPicture.h"
+#include "viewer/widgets/ViewPicture.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "import/gerber/ArtSections.h"
 
 #include "import/gerber/GerberFormat.h"
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 
 namespace tvx {
 

@@ -2,7 +2,7 @@
 
 #include "common/TextHelpers.h"
 #include "common/ToNumber.h"
-#include "import/gerber/FileRecognition.h"
+#include "import/core/FileRecognition.h"
 #include "import/gerber/ParameterBlocks.h"
 
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "import/gerber/ApertureExpansion.h"
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/GerberFormat.h"
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 #include "kernel/Store.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // lengths into store units.
 #pragma once
 
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 
 #include <array>
 #include <cmath>

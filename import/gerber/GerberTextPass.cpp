@@ -3,10 +3,10 @@
 #include "common/FileLayer.h"
 #include "import/gerber/ArtSections.h"
 #include "import/gerber/ArtStream.h"
-#include "import/gerber/FileRecognition.h"
+#include "import/core/FileRecognition.h"
 #include "import/gerber/GerberBlockReader.h"
 #include "import/gerber/ParameterBlocks.h"
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 #include "platform/SystemServices.h"
 
 #include <cmath>

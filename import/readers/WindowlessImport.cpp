@@ -1,9 +1,9 @@
 #include "import/readers/WindowlessImport.h"
 
 #include "import/gerber/ArtSections.h"
-#include "import/gerber/FileRecognition.h"
+#include "import/core/FileRecognition.h"
 #include "import/gerber/GerberDrawing.h"
-#include "import/readers/PlaceHole.h"
+#include "import/core/PlaceHole.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 
@@ -11,6 +11,46 @@
 #include <filesystem>
 
 namespace tvx {
+
+std::string intermediatePathIn(const std::string& workDirectory) {
+  if (workDirectory.empty() || workDirectory.back() == '/')
+    return workDirectory + "TMP.ART";
+  return workDirectory + "/TMP.ART";
+}
+
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter) {
+  const bool drill = layer.Mask == DrillLayerMask;
+  if (drill && job.Kind == ImportKind::ArtworkRS274D)
+    job.Kind = ImportKind::DrillingRS274D;
+  else if (drill && job.Kind == ImportKind::ArtworkRS274X)
+    job.Kind = ImportKind::DrillingRS274X;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274D)
+    job.Kind = ImportKind::ArtworkRS274D;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274X)
+    job.Kind = ImportKind::ArtworkRS274X;
+
+  layer.Files.assign(1, LayerFileRecord{});
+  LayerFileRecord& file = layer.Files.front();
+  if (isGerberKind(job.Kind)) {
+    layer.OriginalCoordinates = noCenter;
+    file.FileName = job.IntermediatePath;
+    file.Tag.assign(1, ' ');
+    file.FilterMask = layer.FilterMask;
+    file.Mirror = layer.Mirror;
+    file.OriginalCoordinates = layer.OriginalCoordinates;
+    const bool drilling =
+        job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D;
+    file.ReaderCode = drilling ? ReaderGerberDrilling : ReaderGerberArtwork;
+  } else if (job.Kind == ImportKind::Dxf) {
+    file.FileName = job.SourcePath;
+    file.ReaderCode = ReaderDxf;
+  } else {
+    return file;
+  }
+  file.Colour = layer.ColourNumber;
+  file.OffsetX = file.OffsetY = 0;
+  return file;
+}
 
 namespace {
 

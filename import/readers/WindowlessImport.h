@@ -6,11 +6,10 @@
 #include "common/FileLayer.h"
 #include "import/gerber/GerberScan.h"
 #include "import/gerber/GerberTextPass.h"
-#include "import/gerber/ImportDriver.h"
-#include "import/gerber/ImportJob.h"
-#include "import/gerber/ReportStatus.h"
-#include "import/readers/ExcellonReader.h"
-#include "import/readers/ImportDialogModel.h"
+#include "import/core/ImportDriver.h"
+#include "import/core/ImportJob.h"
+#include "import/core/ReportStatus.h"
+#include "import/readers/excellon/ExcellonReader.h"
 #include "import/readers/ImportSettings.h"
 #include "store/LayerRecord.h"
 
@@ -24,6 +23,14 @@ namespace tvx {
 class Store;
 class SystemServices;
 class UserPrompts;
+
+// The intermediate file's path in a work directory.
+std::string intermediatePathIn(const std::string& workDirectory);
+
+// A layer chosen for a Gerber or DXF file: a Gerber file becomes drilling on the drill layer and
+// artwork on any other, and the layer gets one new file record for the kind's reader. A Gerber
+// layer keeps the file's own coordinates when noCenter is set. Other kinds get an empty record.
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter);
 
 // What an import works with; all of it belongs to the caller.
 struct ImportOwners {

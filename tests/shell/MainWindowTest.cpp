@@ -2,12 +2,12 @@
 // and the menu's display options.
 #include "ComponentTestSupport.h"
 
-#include "import/readers/GBRVIEWER_IMPORT.h"
-#include "import/readers/ImportPropertyGrid.h"
+#include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
+#include "import/readers/window/widgets/ImportPropertyGrid.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "store/LayerCatalogue.h"
-#include "viewer/ViewPicture.h"
+#include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
 #include <QDesktopServices>

@@ -3,7 +3,7 @@
 #include "GerberPassSupport.h"
 
 #include "import/gerber/ArtSections.h"
-#include "import/gerber/ImportDriver.h"
+#include "import/core/ImportDriver.h"
 #include "kernel/Store.h"
 
 #include <gtest/gtest.h>

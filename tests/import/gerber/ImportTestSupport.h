@@ -2,7 +2,7 @@
 // temporary folder, the corpus manifest, and elements made directly in the store.
 #pragma once
 
-#include "import/gerber/ReportStatus.h"
+#include "import/core/ReportStatus.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"

@@ -1,6 +1,6 @@
 // A drill file from its path to the drill layer without a window: recognition, the stage-one scan
 // and binding, the import, and every way a file can fail on the way.
-#include "ExcellonTestSupport.h"
+#include "import/readers/excellon/ExcellonTestSupport.h"
 
 namespace tvx {
 namespace {

@@ -1,0 +1,57 @@
+// What the readers find in one file, for "gbrview info": its kind, and for a drill file the format,
+// the tool table, the extents and how the holes went into the drill layer.
+#pragma once
+
+#include "import/core/ImportJob.h"
+#include "import/readers/excellon/ExcellonReader.h"
+#include "import/readers/ImportSettings.h"
+#include "store/LayerRecord.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tvx {
+
+struct FileInfo {
+  std::string path;
+  bool readable = false;
+  int64_t bytes = 0;
+  ImportKind recognisedKind = ImportKind::Unknown;  // what the text of the file says
+  ImportKind kind = ImportKind::Unknown;            // after the scan
+  std::string kindName;
+
+  // Drill files.
+  bool excellon = false;
+  ExcellonFormat format;         // in force after the scan
+  std::vector<ToolEntry> tools;  // diameters in store units
+  int64_t holes = 0;             // the sum of the tools' hole counts
+  bool hasExtents = false;
+  FileExtents extents;  // store units, as stage one found them
+  int32_t importStatus = 0;
+  int32_t layer = 0;  // the layer the holes went into
+  std::string layerName;
+  int32_t pads = 0;     // pads in that layer after the import
+  HoleTally holeTally;  // how each hole went
+
+  // The messages shown while reading (file errors, status messages), in order.
+  std::vector<std::string> messages;
+
+  // True when the file could not be read or its import failed.
+  bool failed() const { return !readable || (excellon && importStatus != 0); }
+};
+
+// Reads and scans a file on its own store and layers, with the import settings' defaults, and
+// imports a drill file into the drill layer with the file's own coordinates kept.
+FileInfo gatherFileInfo(const std::string& path);
+
+// The report as lines of text or as one JSON object; both end with a line break and hold the same
+// facts. Lengths are in millimetres (5 decimals) and inches (6 decimals).
+std::string fileInfoText(const FileInfo& info);
+std::string fileInfoJson(const FileInfo& info);
+
+// "gbrview info FILE [--json]": the report on out, a message on err naming the file when it failed.
+// Returns the exit code: 0, or 1 when the file could not be read or its import failed.
+int runInfoCommand(const std::string& path, bool json, std::string& out, std::string& err);
+
+}  // namespace tvx

@@ -1,1 +1,0 @@
-// Placeholder translation unit for a source folder that has no code yet.

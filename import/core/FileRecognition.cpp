@@ -1,0 +1,331 @@
+#include "import/core/FileRecognition.h"
+
+#include "common/FileLayer.h"
+#include "platform/SystemServices.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+namespace tvx {
+
+using recognition::SearchChunk;
+using recognition::WalkChunk;
+
+YieldClock::YieldClock(std::function<void()> yield, std::chrono::milliseconds interval)
+    : yield_(std::move(yield)), interval_(interval), last_(std::chrono::steady_clock::now()) {}
+
+void YieldClock::pollClock() {
+  if (std::chrono::steady_clock::now() - last_ < interval_)
+    return;
+  yield_();
+  // The next turn of the loop comes after a full interval of work, however long this one took.
+  last_ = std::chrono::steady_clock::now();
+}
+
+namespace {
+
+constexpr std::size_t NotFound = std::string_view::npos;
+
+// First position of needle at or after from. The text is searched a chunk at a time, chunks
+// overlapping by the needle's length less one, so that the clock is looked at in between.
+std::size_t find(std::string_view text, std::string_view needle, YieldClock& clock,
+                 std::size_t from = 0) {
+  const std::size_t n = needle.size();
+  if (n == 0 || from > text.size() || text.size() - from < n)
+    return NotFound;
+  for (std::size_t start = from;; start += SearchChunk) {
+    const std::size_t left = text.size() - start;
+    const std::size_t length = std::min(left, SearchChunk + n - 1);
+    const void* hit = memmem(text.data() + start, length, needle.data(), n);
+    if (hit)
+      return static_cast<std::size_t>(static_cast<const char*>(hit) - text.data());
+    if (length == left)
+      break;
+    clock.poll();
+  }
+  return NotFound;
+}
+
+bool has(std::string_view text, std::string_view needle, YieldClock& clock) {
+  return find(text, needle, clock) != NotFound;
+}
+
+// A walk keeps a counter of characters outside its set: each character sets it to
+// (counter & keep) + add, and the text is rejected when it exceeds MaxOutside. A character that
+// rejects at once adds more than MaxOutside.
+struct WalkStep {
+  uint32_t keep = 0;
+  uint32_t add = 0;
+};
+using WalkTable = std::array<WalkStep, 256>;
+
+constexpr uint32_t MaxOutside = 100;
+constexpr WalkStep ResetStep{0, 0};
+constexpr WalkStep PassStep{~0u, 0};
+constexpr WalkStep CountStep{~0u, 1};
+constexpr WalkStep RejectStep{~0u, MaxOutside + 1};
+
+constexpr bool inSet(std::string_view set, int c) {
+  return set.find(static_cast<char>(c)) != NotFound;
+}
+
+// Outside the set, control characters other than those passed over reject, and so does 255.
+constexpr WalkStep outsideStep(int c) { return c < 32 || c > 254 ? RejectStep : CountStep; }
+
+// Gerber: a character of the set clears the counter; CR and LF leave it as it is.
+constexpr WalkTable makeGerberWalk() {
+  WalkTable table{};
+  for (int c = 0; c < 256; ++c) {
+    if (inSet(GerberCharacterSet, c))
+      table[c] = ResetStep;
+    else if (c == '\r' || c == '\n')
+      table[c] = PassStep;
+    else
+      table[c] = outsideStep(c);
+  }
+  return table;
+}
+
+// Excellon: the letters T, C, M, G, X, Y clear the counter. The set's other characters clear it
+// too but are then counted like any other character, so they leave it at 1. CR, LF and tab are
+// passed over.
+constexpr WalkTable makeExcellonWalk() {
+  WalkTable table{};
+  for (int c = 0; c < 256; ++c) {
+    if (inSet("TCMGXY", c))
+      table[c] = ResetStep;
+    else if (inSet(ExcellonCharacterSet, c))
+      table[c] = WalkStep{0, 1};
+    else if (c == '\r' || c == '\n' || c == '\t')
+      table[c] = PassStep;
+    else
+      table[c] = outsideStep(c);
+  }
+  return table;
+}
+
+constexpr WalkTable GerberWalk = makeGerberWalk();
+constexpr WalkTable ExcellonWalk = makeExcellonWalk();
+
+// True when the walk rejects the text.
+bool walkRejects(std::string_view text, const WalkTable& table, YieldClock& clock) {
+  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+  std::size_t left = text.size();
+  uint32_t counter = 0;
+  while (left > 0) {
+    const std::size_t n = std::min(left, WalkChunk);
+    for (std::size_t i = 0; i < n; ++i) {
+      const WalkStep step = table[p[i]];
+      counter = (counter & step.keep) + step.add;
+      if (counter > MaxOutside)
+        return true;
+    }
+    p += n;
+    left -= n;
+    clock.poll();
+  }
+  return false;
+}
+
+// Whether the text behind a plotter command continues it the way a command's arguments or a
+// following command would.
+bool followTest(std::string_view text, std::size_t from, YieldClock& clock) {
+  char window[2] = {0, 0};
+  int held = 0;
+  for (std::size_t chunk = from; chunk < text.size(); chunk += WalkChunk) {
+    const std::size_t end = std::min(text.size(), chunk + WalkChunk);
+    for (std::size_t i = chunk; i < end; ++i) {
+      const auto c = static_cast<unsigned char>(text[i]);
+      if (c < ' ')
+        continue;
+      if (c == ';')
+        return true;
+      if (c < '0')
+        continue;
+      if (c <= '9')
+        return true;
+      window[held++] = static_cast<char>(c);
+      if (held == 2)
+        return HpglCommandTable.find(std::string_view(window, 2)) != NotFound;
+    }
+    clock.poll();
+  }
+  return false;
+}
+
+// The plotter commands whose arguments are looked at; the positions of all other entries of the
+// table decide nothing, so they are not searched for.
+bool followTested(std::string_view command) {
+  return command == "IN" || command == "PU" || command == "PD" || command == "PA" ||
+         command == "PR";
+}
+
+}  // namespace
+
+ImportKind IsGerber(std::string_view text, YieldClock& clock) {
+  auto contains = [&](std::string_view s) { return has(text, s, clock); };
+  const bool drawingCodes = (contains("D02*") && contains("D01*")) || contains("D03*") ||
+                            (contains("D2*") && contains("D1*")) || contains("D3*");
+  if (!drawingCodes)
+    return ImportKind::Unknown;
+  const bool extended = contains("%FS") && contains("%AD");
+  if (walkRejects(text, GerberWalk, clock))
+    return ImportKind::Unknown;
+  return extended ? ImportKind::ArtworkRS274X : ImportKind::ArtworkRS274D;
+}
+
+ImportKind IsExcellon(std::string_view text, YieldClock& clock) {
+  auto contains = [&](std::string_view s) { return has(text, s, clock); };
+
+  // A walk that ends without rejection has passed every character, so its counts of T, C, X and
+  // Y are above zero exactly when the letters occur in the text.
+  const bool hasT = contains("T");
+  const bool hasXY = contains("X") && contains("Y");
+  const bool hasC = contains("C");
+  const bool toolCall = hasT && (contains("T001") || contains("T01") || contains("T1"));
+  // Without a tool call on coordinates both formats give Unknown, header or not.
+  if (!toolCall || !hasXY)
+    return ImportKind::Unknown;
+  const bool toolDefinition =
+      hasT && hasC && (contains("T001C") || contains("T01C") || contains("T1C"));
+
+  // The Format Two header runs from "M48" to three characters past the first "%" behind it
+  // (or, without one, the first "M95"), so that "M95" itself is inside.
+  bool hasHeader = false;
+  const std::size_t start = find(text, "M48", clock);
+  if (start != NotFound) {
+    std::size_t end = find(text, "%", clock, start);
+    if (end == NotFound)
+      end = find(text, "M95", clock, start);
+    if (end != NotFound) {
+      const std::string_view header = text.substr(start, end + 3 - start);
+      hasHeader = has(header, "INCH", clock) || has(header, "METRIC", clock);
+    }
+  }
+  if (!hasHeader)
+    hasHeader = contains("M72") || contains("M71");
+
+  if (walkRejects(text, ExcellonWalk, clock))
+    return ImportKind::Unknown;
+  return hasHeader && toolDefinition ? ImportKind::ExcellonFormatTwo
+                                     : ImportKind::ExcellonFormatOne;
+}
+
+ImportKind IsDxf(std::string_view text, YieldClock& clock) {
+  // Positions count from 1; 0 stands for a word that is absent.
+  auto position = [&](std::string_view s) -> std::size_t {
+    const std::size_t at = find(text, s, clock);
+    return at == NotFound ? 0 : at + 1;
+  };
+  const std::size_t entities = position("ENTITIES");
+  if (entities == 0)
+    return ImportKind::Unknown;
+  const std::size_t header = position("HEADER");
+  const std::size_t tables = position("TABLES");
+  return tables >= header ? ImportKind::Dxf : ImportKind::Unknown;
+}
+
+ImportKind IsHpgl(std::string_view text, YieldClock& clock) {
+  bool passed = false;
+  for (std::size_t entry = 0; entry + 2 <= HpglCommandTable.size(); entry += 3) {
+    const std::string_view command = HpglCommandTable.substr(entry, 2);
+    if (!followTested(command))
+      continue;
+    const std::size_t at = find(text, command, clock);
+    if (at == NotFound)
+      continue;
+    if (!followTest(text, at + 2, clock))
+      return ImportKind::Unknown;
+    passed = true;
+  }
+  return passed ? ImportKind::Hpgl : ImportKind::Unknown;
+}
+
+ImportKind IsGerber(std::string_view text) {
+  YieldClock clock;
+  return IsGerber(text, clock);
+}
+
+ImportKind IsExcellon(std::string_view text) {
+  YieldClock clock;
+  return IsExcellon(text, clock);
+}
+
+ImportKind IsDxf(std::string_view text) {
+  YieldClock clock;
+  return IsDxf(text, clock);
+}
+
+ImportKind IsHpgl(std::string_view text) {
+  YieldClock clock;
+  return IsHpgl(text, clock);
+}
+
+ImportKind recogniseText(std::string_view text, YieldClock& clock) {
+  using Test = ImportKind (*)(std::string_view, YieldClock&);
+  static constexpr Test Tests[] = {IsGerber, IsExcellon, IsDxf, IsHpgl};
+  for (Test test : Tests) {
+    const ImportKind kind = test(text, clock);
+    if (kind != ImportKind::Unknown)
+      return kind;
+  }
+  return ImportKind::Unknown;
+}
+
+bool FileRecogniser::LoadWholeFile(const std::string& path, std::string& text) {
+  text.clear();
+  if (editMsgLine)
+    editMsgLine(path + " " + services_.LocalMessage("Processing", "62441"));
+
+  // Only a plain file has a length to read: a folder, a device or a pipe is refused before it is
+  // opened, since opening or reading some of them never ends.
+  std::error_code error;
+  const auto type = std::filesystem::status(path, error).type();
+  if (type == std::filesystem::file_type::directory) {
+    files_.ReportReadError(path, EISDIR);
+    return false;
+  }
+  if (type != std::filesystem::file_type::regular &&
+      type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none) {
+    files_.ReportReadError(path, EINVAL);
+    return false;
+  }
+
+  int32_t status = 0;
+  int16_t handle = 0;
+  files_.OpenForBinary(status, handle, path);
+  if (status != 0)
+    return false;
+  const std::uintmax_t length = std::filesystem::file_size(path, error);
+  if (error || length > static_cast<std::uintmax_t>(INT32_MAX)) {
+    files_.ReportReadError(path, error ? error.value() : EFBIG);
+    files_.CloseFile(false, handle, path);
+    return false;
+  }
+  if (length > 0)
+    files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
+  files_.CloseFile(false, handle, path);
+  if (status != 0) {
+    text.clear();
+    return false;
+  }
+  return true;
+}
+
+ImportKind FileRecogniser::RecogniseFile(const std::string& path) {
+  std::string text;
+  if (!LoadWholeFile(path, text))
+    return ImportKind::Unknown;
+  YieldClock clock(yield);
+  const ImportKind kind = recogniseText(text, clock);
+  if (kind == ImportKind::ArtworkRS274X && gerberUnit)
+    *gerberUnit = 0;
+  return kind;
+}
+
+}  // namespace tvx

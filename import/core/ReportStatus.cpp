@@ -1,0 +1,118 @@
+#include "import/core/ReportStatus.h"
+
+#include "platform/SystemServices.h"
+#include "platform/UserPrompts.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace tvx {
+
+namespace {
+
+// One piece of a message: a catalogue text, the name argument, a line break, a fixed text that is
+// never translated, or the digits of the format.
+struct Piece {
+  enum Kind { Catalogue, Name, LineBreak, Literal, Digits } kind;
+  std::string_view id;
+  std::string_view text;
+};
+
+constexpr Piece cat(std::string_view id, std::string_view text) {
+  return {Piece::Catalogue, id, text};
+}
+constexpr Piece name{Piece::Name, {}, {}};
+constexpr Piece crlf{Piece::LineBreak, {}, {}};
+constexpr Piece lit(std::string_view text) { return {Piece::Literal, {}, text}; }
+constexpr Piece digits{Piece::Digits, {}, {}};
+
+constexpr int none = 0;
+constexpr int exclamation = msgbox::Exclamation;
+constexpr int critical = msgbox::Critical;
+
+struct StatusEntry {
+  int32_t status;
+  int icon;
+  std::array<Piece, 7> pieces;
+  int count;  // pieces in use
+};
+
+template <typename... P> constexpr StatusEntry entry(int32_t status, int icon, P... p) {
+  return {status, icon, {p...}, static_cast<int>(sizeof...(P))};
+}
+
+constexpr Piece outsideLimits = cat("62385", "Coordinates outside limits");
+
+constexpr std::array<StatusEntry, 21> StatusTable = {{
+    entry(1, critical, cat("62379", "Range Error - format:"), digits),
+    entry(8, exclamation, cat("62380", "Artwork File - Incorrect format")),
+    entry(22, exclamation, cat("62381", "Can't load local vector font, default assumed."), name),
+    entry(85, exclamation, cat("62382", "Can't load "), name),
+    entry(86, exclamation, cat("62383", "Save of "), name, cat("62384", " failed")),
+    entry(88, none, outsideLimits, crlf,
+          cat("62386", "Check parameters for GERBER file and import again.")),
+    entry(90, none, name, cat("62387", " aperture not found in the list during import."), crlf,
+          cat("62388", "Select proper Aperture Table and import again.")),
+    entry(92, none, outsideLimits, crlf, cat("62389", "Check parameters for "), name, lit(" "),
+          cat("62390", "file and import again.")),
+    entry(93, exclamation, name, lit(" - "),
+          cat("62391", "import of files in this format is not supported")),
+    entry(94, exclamation, name, lit(" - "), cat("62392", "this is not Format 2 File."), crlf,
+          cat("62393",
+              "Format parameters and/or tools sizes might need adjustment for correct import")),
+    entry(104, exclamation, cat("62395", "Polygon to complex "), name),
+    entry(105, exclamation, cat("62396", "This path is not a closed shape"), name),
+    entry(200, exclamation, name, lit(" "), cat("62397", "No available layers")),
+    entry(201, exclamation, cat("62398", "No data to output")),
+    entry(300, none, name, lit(" "), cat("62399", "Completed")),
+    entry(400, exclamation, name, lit(" "), cat("4953", "No aperture defined for selected item")),
+    entry(414, exclamation, cat("loc", "Drawing extents are out of range."), crlf, name, crlf,
+          cat("loc", "Import may be truncated into supported range.")),
+    entry(2000, exclamation, cat("62400", "Incorrect stepping parameters"), name),
+    entry(2001, exclamation, cat("62401", "Set Point(s) to define rotation.")),
+    entry(2002, exclamation, cat("62402", "Out of Range"), name),
+    entry(3000, exclamation, cat("151219", "Nothing to import"), name),
+}};
+
+constexpr StatusEntry UnknownStatus = entry(0, critical, cat("62403", "Unknown Error"));
+
+}  // namespace
+
+StatusMessage statusMessage(const SystemServices& services, int32_t status, const std::string& text,
+                            const FormatDigits& format) {
+  const auto* found = std::find_if(StatusTable.begin(), StatusTable.end(),
+                                   [&](const StatusEntry& e) { return e.status == status; });
+  const StatusEntry& e = found != StatusTable.end() ? *found : UnknownStatus;
+  StatusMessage message;
+  message.icon = e.icon;
+  for (int i = 0; i < e.count; ++i) {
+    const Piece& p = e.pieces[i];
+    switch (p.kind) {
+    case Piece::Catalogue:
+      message.text += services.LocalMessage(std::string(p.text), std::string(p.id));
+      break;
+    case Piece::Name:
+      message.text += text;
+      break;
+    case Piece::LineBreak:
+      message.text += "\r\n";
+      break;
+    case Piece::Literal:
+      message.text += p.text;
+      break;
+    case Piece::Digits:
+      message.text +=
+          std::to_string(format.IntegerDigits) + "." + std::to_string(format.DecimalDigits);
+      break;
+    }
+  }
+  return message;
+}
+
+void StatusReporter::ReportStatus(int32_t status, const std::string& text) const {
+  StatusMessage m = statusMessage(services_, status, text, format_);
+  prompts_.messageBox(m.text, m.icon | msgbox::SystemModal, titles_.boxTitle());
+}
+
+}  // namespace tvx

@@ -1,0 +1,108 @@
+// The Excellon reader: the file as one string of blocks, the scan that finds the format, the tool
+// table and the extents, the coordinate decoder, and the import that places one pad per hole.
+#pragma once
+
+#include "import/core/ImportJob.h"
+#include "import/readers/ImportSettings.h"
+#include "import/core/PlaceHole.h"
+#include "store/LayerRecord.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tvx {
+
+class FileLayer;
+class Store;
+class StatusReporter;
+class SystemServices;
+struct ReaderSet;
+struct ScanSet;
+
+// Status code of a coordinate beyond the world.
+inline constexpr int32_t StatusOutsideLimits = 88;
+
+// Reads the file line by line into text: each line upper-cased and trimmed of blanks, cut at its
+// first ";", and, when anything is left, closed by "|". Empty lines and comment lines leave no
+// block. Tells editMsgLine the file's name and "Processing" first. False, with the file layer's
+// message, when the file cannot be opened or read.
+bool ReadExcellonText(FileLayer& files, const SystemServices& services, const std::string& fileName,
+                      std::string& text,
+                      const std::function<void(const std::string&)>& editMsgLine = {});
+
+// How the holes of the last import went.
+struct HoleTally {
+  int32_t Placed = 0;
+  int32_t Covered = 0;       // a pad already lay on the point
+  int32_t WithoutSize = 0;   // drill layer: the tool has no diameter or is not in the table
+  int32_t StoreRefused = 0;  // also clear polarity, which this reader never sets
+
+  int32_t total() const { return Placed + Covered + WithoutSize + StoreRefused; }
+  bool operator==(const HoleTally&) const = default;
+};
+
+// The reader's state for the life of the component: the format (shared with the settings and the
+// import dialog), the extents (shared with the import job) and the two coordinate registers. The
+// registers are modal from block to block and are not reset when a file starts.
+class ExcellonReader {
+public:
+  ExcellonReader(Store& store, const SystemServices& services, const StatusReporter& reporter,
+                 ExcellonFormat& format, FileExtents& extents);
+
+  // Updates the format (with readHeader), the tool table, the hole counts and the extents.
+  // keepTools keeps the table and its diameters, adding only codes it lacks; without it the table
+  // starts empty and the "C" values set the diameters. Returns 3 (a header unit, tool sizes, tools
+  // and coordinates were seen), 4 (tools and coordinates) or 0 (no Excellon text).
+  int32_t ScanExcellonText(const std::string& text, std::vector<ToolEntry>& tools, bool readHeader,
+                           bool keepTools);
+
+  // A number without a decimal point in store units under the format. Cuts the sign and what
+  // stands before it off digits. More digits than the format keep all of them, the point staying
+  // XYFormA digits from the right end. Not rounded.
+  double DecodeExcellonNumber(std::string& digits) const;
+
+  // Places the holes of text into the layer's symbol with the file record's tool table, offsets,
+  // mirror and OriginalCoordinates. Status 0 on success; a coordinate beyond the world is reported
+  // (88), stops the import with status 1 and keeps what was placed.
+  void ImportExcellon(int32_t& status, const std::string& text, LayerRecord& layer,
+                      LayerFileRecord& file);
+
+  // Sets the Excellon entries of a reader set (the import and the scan) to this reader, and the
+  // loader of a scan set to ReadExcellonText through files.
+  void install(ReaderSet& readers);
+  void install(ScanSet& scans, FileLayer& files);
+
+  const ExcellonFormat& format() const { return format_; }
+  const FileExtents& extents() const { return extents_; }
+
+  double RegisterX = 0.0;
+  double RegisterY = 0.0;
+  HoleTally LastImport;  // how the holes of the last import went
+
+  // Hands control to the event loop now and then during long walks; none in tests.
+  std::function<void()> yield;
+  // The message line of the window in charge, for the loader installed in a scan set.
+  std::function<void(const std::string&)> editMsgLine;
+
+private:
+  // Blocks walked between two looks at the clock.
+  static constexpr size_t YieldBlocks = 4096;
+
+  // A length in the format's unit, in store units, not rounded.
+  double fileLength(const std::string& field) const;
+  // A coordinate field in store units: with a point by its value in the format's unit, without
+  // by the decoder.
+  double coordinate(const std::string& field) const;
+  // The header between "M48" and its end; true when it names the unit.
+  bool readHeader(const std::string& text);
+
+  Store& store_;
+  const SystemServices& services_;
+  const StatusReporter& reporter_;
+  ExcellonFormat& format_;
+  FileExtents& extents_;
+};
+
+}  // namespace tvx

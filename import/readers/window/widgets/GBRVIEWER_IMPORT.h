@@ -1,0 +1,68 @@
+// The import window: the parameter grid and the text viewer behind a splitter, the button row,
+// the message line, the colour page and the menus. It shows ImportWindowModel and hands the
+// user's actions to it.
+#pragma once
+
+#include "import/readers/window/ImportWindowModel.h"
+#include "platform/InterfaceFont.h"
+
+#include <QMainWindow>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class QAction;
+class QLabel;
+class QPlainTextEdit;
+class QPushButton;
+class QSplitter;
+class QTabWidget;
+
+namespace tvx {
+
+class ImportPropertyGrid;
+class UserStore;
+
+class GBRVIEWER_IMPORT : public QMainWindow {
+  Q_OBJECT
+
+public:
+  // An empty file picker in the owners' link gets the window's own. With a store of places the
+  // window comes back where it was closed last time. Captions are translated in font.
+  explicit GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places = nullptr,
+                            QWidget* parent = nullptr, const InterfaceFont& font = {});
+  ~GBRVIEWER_IMPORT() override;
+
+  ImportWindowModel& model() { return *model_; }
+  ImportPropertyGrid& grid() { return *egrdProp_; }
+  // Shows the model's state: rows, buttons, texts, the viewer and the page.
+  void refresh();
+  // SizeControls: the grid's share of the splitter, in pixels.
+  void SizeControls(int splitterPosition);
+
+protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+private:
+  void buildMenus();
+  QWidget* buildPalette();
+
+  std::unique_ptr<ImportWindowModel> model_;
+  std::function<void()> showHelp_;
+  ImportPropertyGrid* egrdProp_ = nullptr;
+  QPlainTextEdit* F_Viewer_ = nullptr;
+  QSplitter* picSplitter_ = nullptr;
+  QTabWidget* tabColor_ = nullptr;
+  QPushButton* cmdClose_ = nullptr;
+  QPushButton* cmdFilters_ = nullptr;
+  QPushButton* cmdClear_ = nullptr;
+  QPushButton* cmdView_ = nullptr;
+  QLabel* MsgLine_ = nullptr;
+  std::array<QAction*, 2> F_InchMM_{};
+  UserStore* places_ = nullptr;
+  bool unloaded_ = false;
+};
+
+}  // namespace tvx

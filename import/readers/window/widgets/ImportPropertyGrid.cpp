@@ -1,0 +1,205 @@
+#include "import/readers/window/widgets/ImportPropertyGrid.h"
+
+#include "common/GridHelpers.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace tvx {
+
+namespace {
+constexpr int KeyRole = Qt::UserRole + 1;
+}  // namespace
+
+QColor ImportPropertyGrid::colourOf(int32_t bgr) {
+  return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
+}
+
+ImportPropertyGrid::ImportPropertyGrid(QWidget* parent) : QTableWidget(parent) {
+  setObjectName("egrdProp");
+  setColumnCount(2);
+  horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+  verticalHeader()->hide();
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::AllEditTriggers);
+  setTabKeyNavigation(false);
+  setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+
+  // A typed value arrives here when the editor closes: on focus leaving, Tab or Enter.
+  connect(this, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
+    if (filling_ || item->column() != 1)
+      return;
+    emit cellEdited();
+    emitLater(item->row(), item->text());
+  });
+  // Told after the click has been handled, for a receiver that rebuilds the rows.
+  connect(this, &QTableWidget::cellClicked, this, [this](int row, int column) {
+    QTimer::singleShot(0, this, [this, row, column] { emit rowClicked(row, column == 1); });
+  });
+}
+
+void ImportPropertyGrid::emitLater(int row, const QString& text) {
+  QTimer::singleShot(0, this, [this, row, text] { emit cellCommitted(row, text); });
+}
+
+QString ImportPropertyGrid::keyOf(int row) const {
+  const QTableWidgetItem* caption = item(row, 0);
+  return caption ? caption->data(KeyRole).toString() : QString();
+}
+
+int ImportPropertyGrid::rowOfKey(const QString& key) const {
+  for (int row = 0; row < rowCount(); ++row)
+    if (keyOf(row) == key)
+      return row;
+  return -1;
+}
+
+void ImportPropertyGrid::setRows(
+    const std::vector<GridRow>& rows,
+    const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
+  filling_ = true;
+  const int current = currentRow();
+  const int top = TopRow();
+  clearSpans();
+  setRowCount(0);
+  setRowCount(static_cast<int>(rows.size()));
+  for (int row = 0; row < static_cast<int>(rows.size()); ++row) {
+    const GridRow& data = rows[size_t(row)];
+    auto* caption = new QTableWidgetItem(QString::fromStdString(data.Caption));
+    caption->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    caption->setData(KeyRole, QString::fromStdString(data.Key));
+    setItem(row, 0, caption);
+    auto* value = new QTableWidgetItem(QString::fromStdString(data.Value));
+    const bool typed = data.Cell == CellKind::Number && !data.ReadOnly;
+    value->setFlags(typed ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable
+                          : Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    setItem(row, 1, value);
+    if (data.Cell == CellKind::Group) {
+      QFont bold = caption->font();
+      bold.setBold(true);
+      caption->setFont(bold);
+      value->setFont(bold);
+    }
+    if (data.CaptionBack != importcolour::NoColour)
+      caption->setBackground(colourOf(data.CaptionBack));
+    if (data.ValueBack != importcolour::NoColour)
+      value->setBackground(colourOf(data.ValueBack));
+    if (data.ValueFore != importcolour::NoColour)
+      value->setForeground(colourOf(data.ValueFore));
+    if (data.Swatch != importcolour::NoColour) {
+      QPixmap square(16, 16);
+      square.fill(colourOf(data.Swatch));
+      value->setIcon(QIcon(square));
+    }
+    if (!data.ReadOnly)
+      addValueWidget(row, data, listOf);
+  }
+  if (current >= 0 && current < rowCount())
+    setCurrentCell(current, 1);
+  SetTopRow(top);
+  filling_ = false;
+}
+
+void ImportPropertyGrid::addValueWidget(
+    int row, const GridRow& data,
+    const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
+  const QString value = QString::fromStdString(data.Value);
+  switch (data.Cell) {
+  case CellKind::List: {
+    auto* box = new QComboBox;
+    for (const std::string& entry : listOf(data.List))
+      box->addItem(QString::fromStdString(entry));
+    const int index = box->findText(value);
+    if (index >= 0) {
+      box->setCurrentIndex(index);
+    } else {
+      // A value that is no entry ("Click to select", "(Default)") stands as the shown text.
+      box->setEditable(true);
+      box->lineEdit()->setReadOnly(true);
+      box->setCurrentIndex(-1);
+      box->setEditText(value);
+    }
+    if (data.Swatch != importcolour::NoColour) {
+      QPixmap square(16, 16);
+      square.fill(colourOf(data.Swatch));
+      box->setItemIcon(0, QIcon(square));
+    }
+    connect(box, &QComboBox::activated, this,
+            [this, row, box](int chosen) { emitLater(row, box->itemText(chosen)); });
+    setCellWidget(row, 1, box);
+    break;
+  }
+  case CellKind::Check: {
+    auto* check = new QCheckBox;
+    check->setChecked(data.Checked);
+    connect(check, &QCheckBox::clicked, this,
+            [this, row](bool on) { emitLater(row, on ? "1" : "0"); });
+    setCellWidget(row, 1, check);
+    break;
+  }
+  case CellKind::Button: {
+    // "&" in a value is a character of the text, not a mnemonic.
+    auto* button = new QPushButton(QString(value).replace('&', "&&"));
+    button->setEnabled(data.Enabled);
+    connect(button, &QPushButton::clicked, this, [this, row, value] { emitLater(row, value); });
+    setCellWidget(row, 1, button);
+    break;
+  }
+  case CellKind::Group:
+  case CellKind::Text:
+  case CellKind::Number:
+    break;
+  }
+}
+
+int32_t ImportPropertyGrid::CellBackColor(int32_t row, int32_t col) const {
+  const QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col);
+  if (!cell || cell->background().style() == Qt::NoBrush)
+    return importcolour::NoColour;
+  const QColor c = cell->background().color();
+  return c.red() | (c.green() << 8) | (c.blue() << 16);
+}
+
+void ImportPropertyGrid::SetCellBackColor(int32_t row, int32_t col, int32_t colour) {
+  if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col))
+    cell->setBackground(colourOf(colour));
+}
+
+void ImportPropertyGrid::SetCellFontBold(int32_t row, int32_t col, bool bold) {
+  if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col)) {
+    QFont font = cell->font();
+    font.setBold(bold);
+    cell->setFont(font);
+  }
+}
+
+void ImportPropertyGrid::SetBackColorFixed(int32_t colour) {
+  horizontalHeader()->setStyleSheet(
+      QString("QHeaderView::section { background-color: %1; }").arg(colourOf(colour).name()));
+}
+
+// The first row below the heading that is shown.
+int32_t ImportPropertyGrid::TopRow() const { return verticalScrollBar()->value() + 1; }
+
+void ImportPropertyGrid::SetTopRow(int32_t row) {
+  verticalScrollBar()->setValue(std::max(0, row - 1));
+}
+
+void ImportPropertyGrid::wheelEvent(QWheelEvent* event) {
+  const int rotation = event->angleDelta().y();
+  if (rotation != 0)
+    ScrollGrid(*this, rotation);
+  event->accept();
+}
+
+}  // namespace tvx

@@ -1,0 +1,66 @@
+// The property grid of the import window: a caption cell and a value cell per row, and the row's
+// key hidden in the caption cell. Value cells are read-only texts, lists, typed numbers, check
+// boxes and buttons; group rows span both cells. Every change the user makes comes out as one
+// signal, cellCommitted, delivered after the event that caused it so that the receiver may
+// rebuild the rows.
+#pragma once
+
+#include "common/PropertyGridAccess.h"
+#include "import/readers/window/ImportWindowModel.h"
+
+#include <QTableWidget>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tvx {
+
+class ImportPropertyGrid : public QTableWidget, public PropertyGridAccess {
+  Q_OBJECT
+
+public:
+  explicit ImportPropertyGrid(QWidget* parent = nullptr);
+
+  // Shows rows; listOf gives the entries of a fixed list. The current row is kept.
+  void setRows(const std::vector<GridRow>& rows,
+               const std::function<const std::vector<std::string>&(int32_t)>& listOf);
+  // The hidden key of a row.
+  QString keyOf(int row) const;
+  // The row of a key, -1 when none.
+  int rowOfKey(const QString& key) const;
+
+  // PropertyGridAccess. Its row 0 is the heading row, so that grid row r is table row r - 1.
+  int32_t Rows() const override { return rowCount() + 1; }
+  int32_t Cols() const override { return columnCount(); }
+  int32_t CellBackColor(int32_t row, int32_t col) const override;
+  void SetCellBackColor(int32_t row, int32_t col, int32_t colour) override;
+  void SetCellFontBold(int32_t row, int32_t col, bool bold) override;
+  void SetBackColorFixed(int32_t colour) override;
+  void SetGridLinesFixed(int32_t) override {}
+  int32_t TopRow() const override;
+  void SetTopRow(int32_t row) override;
+  bool canScroll() const override { return rowCount() > 0; }
+
+  static QColor colourOf(int32_t bgr);
+
+protected:
+  // One row per wheel step, as every property grid of the viewer scrolls.
+  void wheelEvent(QWheelEvent* event) override;
+
+signals:
+  // A list entry chosen, a box or button clicked, or a typed value left by focus, Tab or Enter.
+  void cellCommitted(int row, const QString& text);
+  // A click on a row; valueCell tells which of its two cells.
+  void rowClicked(int row, bool valueCell);
+  // The user typed into a value cell.
+  void cellEdited();
+
+private:
+  void addValueWidget(int row, const GridRow& data,
+                      const std::function<const std::vector<std::string>&(int32_t)>& listOf);
+  void emitLater(int row, const QString& text);
+  bool filling_ = false;
+};
+
+}  // namespace tvx

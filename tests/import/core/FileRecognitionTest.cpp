@@ -1,0 +1,387 @@
+// File kinds told by their text: the four tests, their order, whole-file reading and its
+// messages, and random input checked against a character-by-character reading of the rules.
+#include "import/core/FileRecognition.h"
+
+#include "common/FileLayer.h"
+#include "import/gerber/ImportTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace tvx {
+namespace {
+
+struct Case {
+  const char* name;
+  std::string text;
+  int kind;
+};
+
+void expectKinds(ImportKind (*test)(std::string_view), const std::vector<Case>& cases) {
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(static_cast<int>(test(c.text)), c.kind);
+  }
+}
+
+std::string run(char c, std::size_t n) { return std::string(n, c); }
+
+TEST(IsGerberTest, DrawingCodesAndFormatBlocksDecideTheKind) {
+  expectKinds(IsGerber,
+              {
+                  {"move and draw", "X1Y1D02*X2Y2D01*", 2},
+                  {"flashes only", "X1Y1D03*X5D03*", 2},
+                  {"short flash only", "X1Y1D3*", 2},
+                  {"draws without move or flash", "X1Y1D01*X2Y2D01*", 0},
+                  {"short move without short draw", "X1Y1D2*X3D2*", 0},
+                  {"short move and draw", "X1Y1D2*X2D1*", 2},
+                  {"long move with short draw", "X1Y1D02*X2D1*", 0},
+                  {"code without its star", "X1Y1D03\n", 0},
+                  {"lower case", "x1y1d03*", 0},
+                  {"empty", "", 0},
+                  {"extended: %FS and %AD", "%FSLAX24Y24*%\n%ADD10C,0.01*%\nX1Y1D03*\n", 1},
+                  {"%FS without %AD", "%FSLAX24Y24*%\nX1Y1D03*\n", 2},
+                  {"%AD without %FS", "%ADD10C,0.01*%\nX1Y1D03*\n", 2},
+                  {"lower case block", "%fsLAX24Y24*%%ADD10C*%D03*", 2},
+              });
+}
+
+TEST(IsGerberTest, CharacterWalkRejectsControlsAndLongRunsOutsideTheSet) {
+  const std::string flash = "X1Y1D03*\r\n";
+  expectKinds(IsGerber,
+              {
+                  {"tab in a comment", "G04 a\tcomment*\n" + flash, 0},
+                  {"NUL", flash + std::string(1, '\0'), 0},
+                  {"end-of-file mark", flash + "\x1A", 0},
+                  {"code 255", flash + "\xFF", 0},
+                  {"codes 128 and 254", flash + "\x80\xFE", 2},
+                  {"100 outside the set", run('c', 100) + flash, 2},
+                  {"101 outside the set", run('c', 101) + flash, 0},
+                  {"a set character clears", run('c', 100) + "*" + run('c', 100) + flash, 2},
+                  {"line ends do not clear", run('c', 60) + "\r\n" + run('c', 41) + flash, 0},
+                  {"line ends do not count", run('c', 60) + "\r\n" + run('c', 40) + flash, 2},
+              });
+}
+
+TEST(IsExcellonTest, HeaderToolsAndCoordinatesDecideTheFormat) {
+  expectKinds(IsExcellon,
+              {
+                  {"format two", "M48\nINCH,LZ\nT1C0.032\n%\nT1\nX1000Y2000\nM30\n", 3},
+                  {"metric header", "M48\nMETRIC\nT1C0.8\n%\nT1\nX10Y20\n", 3},
+                  {"header closed by M95", "M48\nINCH\nT1C0.03\nM95\nT1\nX1Y2\n", 3},
+                  {"unit behind the closing mark", "M48\nT1C0.03\n%\nINCH\nT1\nX1Y2\n", 4},
+                  {"percent ahead of M48 closes nothing", "%\nM48\nINCH\nT1C0.03\nT1\nX1Y2\n", 4},
+                  {"M71 stands for a header", "M71\nT1C0.8\nT1\nX1Y2\n", 3},
+                  {"M72 with T01", "M72\nT01C0.03\nT01\nX1Y2\n", 3},
+                  {"T001", "M48\nINCH\nT001C0.03\n%\nT001\nX1Y2\n", 3},
+                  {"header without definition", "M48\nINCH\n%\nT1\nX1Y2\n", 4},
+                  {"T10 calls but does not define T1", "M48\nINCH\nT10C0.03\n%\nT10\nX1Y2\n", 4},
+                  {"no header", "T1C0.03\nT1\nX1Y2\n", 4},
+                  {"header and definition, no X", "M48\nINCH\nT1C0.03\n%\nT1\nY2\nY3\n", 0},
+                  {"header and definition, no Y", "M48\nINCH\nT1C0.03\n%\nT1\nX2\n", 0},
+                  {"no header, no Y", "T1C0.03\nT1\nX2\n", 0},
+                  {"no tool one", "M48\nINCH\nT2C0.03\n%\nT2\nX1Y2\n", 0},
+                  {"lower case", "m48\ninch\nt1c0.03\n%\nt1\nx1y2\n", 0},
+                  {"empty", "", 0},
+              });
+}
+
+TEST(IsExcellonTest, CharacterWalkPassesTabsAndCountsDigitsOnce) {
+  const std::string drill = "M48\nINCH\nT1C0.03\n%\nT1\nX1Y2\n";
+  expectKinds(IsExcellon,
+              {
+                  {"tab", "M48\tINCH\nT1C0.03\n%\nT1\tX1Y2\n", 3},
+                  {"NUL", drill + std::string(1, '\0'), 0},
+                  {"code 255", drill + "\xFF", 0},
+                  {"100 outside the set", run('c', 100) + drill, 3},
+                  {"101 outside the set", run('c', 101) + drill, 0},
+                  {"a letter clears", run('c', 100) + "X" + run('c', 100) + drill, 3},
+                  {"a digit leaves one", run('c', 100) + "5" + run('c', 100) + drill, 0},
+                  {"a digit then 99", run('c', 100) + "5" + run('c', 99) + drill, 3},
+              });
+}
+
+TEST(IsDxfTest, EntitiesWithTablesNotAheadOfHeader) {
+  const std::string header = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n";
+  const std::string tables = "0\nSECTION\n2\nTABLES\n0\nENDSEC\n";
+  const std::string entities = "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+  expectKinds(IsDxf, {
+                         {"all three in order", header + tables + entities, 8},
+                         {"entities only", entities, 8},
+                         {"entities first in the text", "ENTITIES\n0\nEOF\n", 8},
+                         {"tables without header", tables + entities, 8},
+                         {"entities ahead of both", entities + header + tables, 8},
+                         {"tables ahead of header", tables + header + entities, 0},
+                         {"header without tables", header + entities, 0},
+                         {"header first in the text, no tables", "HEADER\n" + entities, 0},
+                         {"no entities", header + tables + "0\nEOF\n", 0},
+                         {"lower case", "entities\n", 0},
+                     });
+}
+
+TEST(IsHpglTest, FirstOccurrenceOfEachPenCommandMustBeFollowedSoundly) {
+  expectKinds(IsHpgl, {
+                          {"plain plot", "IN;SP1;PU0,0;PD100,0,100,100;PU;", 7},
+                          {"PUZZ fails all", "IN;SP1;PUZZ;PU0,0;PD100,100;", 0},
+                          {"later PUZZ is not looked at", "IN;PU0,0;PD1,1;PUZZ;", 7},
+                          {"a command follows", "INSP1PA10,10", 7},
+                          {"blanks and line ends passed over", "IN \r\n ;", 7},
+                          {"a pair with a bar of the table", "PUF|", 7},
+                          {"a letter then a digit", "PUa1", 7},
+                          {"a pair that is no command", "PUab", 0},
+                          {"command at the end", "SP1;PU", 0},
+                          {"only blanks to the end", "PU   \r\n", 0},
+                          {"relative pen", "PR10,10;", 7},
+                          {"no pen command", "SP1;LT;VS10;", 0},
+                          {"lower case", "in;pu;", 0},
+                          {"characters above 127", "PU\xC4\xD6", 0},
+                      });
+}
+
+TEST(RecogniseTextTest, FirstTestInTheFixedOrderWins) {
+  struct Ordered {
+    const char* name;
+    std::string text;
+    int gerber, excellon, dxf, hpgl, result;
+  };
+  const Ordered cases[] = {
+      {"gerber before excellon", "T1C0.8\nT1\nX1Y1D03*\n", 2, 4, 0, 0, 2},
+      {"tab sends gerber text on", "T1C0.8\tT1\nX1Y1D03*\n", 0, 4, 0, 0, 4},
+      {"tab in a plain gerber comment", "G04 a\tb*\nX1Y1D03*\n", 0, 0, 0, 0, 0},
+      {"dxf before hpgl", "IN;PU0,0;\nENTITIES\n", 0, 0, 8, 7, 8},
+      {"hpgl last", "IN;PU0,0;PD5,5;\n", 0, 0, 0, 7, 7},
+      {"empty", "", 0, 0, 0, 0, 0},
+  };
+  for (const Ordered& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(static_cast<int>(IsGerber(c.text)), c.gerber);
+    EXPECT_EQ(static_cast<int>(IsExcellon(c.text)), c.excellon);
+    EXPECT_EQ(static_cast<int>(IsDxf(c.text)), c.dxf);
+    EXPECT_EQ(static_cast<int>(IsHpgl(c.text)), c.hpgl);
+    YieldClock clock;
+    EXPECT_EQ(static_cast<int>(recogniseText(c.text, clock)), c.result);
+  }
+}
+
+TEST(RecogniseTextTest, YieldsBetweenChunksWithoutChangingTheResult) {
+  std::string text = "%FSLAX24Y24*%\n%ADD10C,0.01*%\n";
+  while (text.size() < 20 * recognition::WalkChunk)
+    text += "X123456Y654321D02*\r\nX654321D01*\r\n";
+  int yields = 0;
+  YieldClock everyChunk([&] { ++yields; }, std::chrono::milliseconds(0));
+  EXPECT_EQ(recogniseText(text, everyChunk), ImportKind::ArtworkRS274X);
+  EXPECT_GE(yields, 20);
+  // The same text with a tab at its end: the walk runs to the last chunk before it rejects.
+  text += "\t";
+  yields = 0;
+  EXPECT_EQ(IsGerber(text, everyChunk), ImportKind::Unknown);
+  EXPECT_GE(yields, 20);
+}
+
+TEST(RecogniseTextTest, MatchesAcrossChunkBoundaries) {
+  const std::size_t boundary = recognition::SearchChunk;
+  // Searches: a code that straddles the end of the first chunk of a search is found.
+  for (std::size_t shift = 1; shift < 4; ++shift) {
+    SCOPED_TRACE(shift);
+    std::string text = run('0', boundary - shift) + "D03*" + run('0', 100);
+    EXPECT_EQ(IsGerber(text), ImportKind::ArtworkRS274D);
+    text = run('0', boundary - shift) + "ENTITIES";
+    EXPECT_EQ(IsDxf(text), ImportKind::Dxf);
+  }
+  // Walks: a run outside the set that straddles a chunk boundary still counts as one run.
+  const std::size_t walk = recognition::WalkChunk;
+  EXPECT_EQ(IsGerber("D03*" + run('0', walk - 54) + run('c', 101)), ImportKind::Unknown);
+  EXPECT_EQ(IsGerber("D03*" + run('0', walk - 54) + run('c', 100) + "*"),
+            ImportKind::ArtworkRS274D);
+}
+
+class FileRecogniserTest : public ::testing::Test {
+protected:
+  std::string write(const std::string& name, const std::string& bytes) {
+    const std::string path = dir_.file(name);
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+  }
+
+  test::TempDir dir_;
+  ScriptedPrompts prompts_;
+  SystemServices services_{&prompts_};
+  FileLayer files_{services_, &prompts_};
+  FileRecogniser recogniser_{files_, services_};
+};
+
+TEST_F(FileRecogniserTest, LoadWholeFileKeepsEveryByteAndNamesTheFile) {
+  const std::string bytes("G04 x*\r\nX1\0\0Y2D03*\n\xFF\x01 end", 23);
+  const std::string path = write("bytes.gbr", bytes);
+  std::vector<std::string> lines;
+  recogniser_.editMsgLine = [&](const std::string& line) { lines.push_back(line); };
+  std::string text = "stale";
+  ASSERT_TRUE(recogniser_.LoadWholeFile(path, text));
+  EXPECT_EQ(text, bytes);
+  EXPECT_EQ(lines, std::vector<std::string>{path + " Processing"});
+  EXPECT_TRUE(prompts_.shown.empty());
+  EXPECT_EQ(files_.openCount(), 0);
+
+  // The word comes from the catalogue.
+  std::ofstream(dir_.file("GBRVIEWER.MSG")) << "62441\tVerarbeitung\n";
+  services_.loadCatalogue(dir_.path().string());
+  ASSERT_TRUE(recogniser_.LoadWholeFile(path, text));
+  EXPECT_EQ(lines.back(), path + " Verarbeitung");
+}
+
+TEST_F(FileRecogniserTest, UnreadableFilesGiveUnknownAndTheReadMessage) {
+  const std::string missing = dir_.file("missing.gbr");
+  const std::string folder = dir_.file("folder.gbr");
+  std::filesystem::create_directory(folder);
+  for (const std::string& path : {missing, folder}) {
+    SCOPED_TRACE(path);
+    prompts_.shown.clear();
+    std::string text = "stale";
+    EXPECT_FALSE(recogniser_.LoadWholeFile(path, text));
+    EXPECT_EQ(text, "");
+    EXPECT_EQ(recogniser_.RecogniseFile(path), ImportKind::Unknown);
+    ASSERT_EQ(prompts_.shown.size(), 2u);
+    EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + path);
+    EXPECT_EQ(prompts_.shown[0].flags & msgbox::IconMask, msgbox::Exclamation);
+    EXPECT_FALSE(prompts_.shown[0].title.empty());
+    EXPECT_EQ(files_.openCount(), 0);
+  }
+}
+
+TEST_F(FileRecogniserTest, KindsOfFilesWithEmptyAndBinaryContents) {
+  int32_t unit = 1;
+  recogniser_.gerberUnit = &unit;
+  const std::string nul(3, '\0');
+  struct FileCase {
+    const char* name;
+    std::string bytes;
+    ImportKind kind;
+    int32_t unit;
+  };
+  const FileCase cases[] = {
+      {"empty", "", ImportKind::Unknown, 1},
+      {"rs274d", "X1Y1D02*X2D01*M02*\n", ImportKind::ArtworkRS274D, 1},
+      {"nul padding after gerber", "X1Y1D03*M02*" + nul, ImportKind::Unknown, 1},
+      {"entities behind nuls", "0\nSECTION" + nul + "2\nENTITIES\n0\nEOF\n", ImportKind::Dxf, 1},
+      {"rs274x", "%FSLAX24Y24*%%ADD10C,0.01*%D10*X1Y1D03*M02*\n", ImportKind::ArtworkRS274X, 0},
+  };
+  for (const FileCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(recogniser_.RecogniseFile(write(c.name, c.bytes)), c.kind);
+    EXPECT_EQ(unit, c.unit);
+  }
+  EXPECT_TRUE(prompts_.shown.empty());
+}
+
+// The Gerber and Excellon tests read character by character, as the rules are worded.
+int literalGerber(const std::string& t) {
+  auto has = [&](const char* s) { return t.find(s) != std::string::npos; };
+  if (!((has("D02*") && has("D01*")) || has("D03*") || (has("D2*") && has("D1*")) || has("D3*")))
+    return 0;
+  const bool extended = has("%FS") && has("%AD");
+  int counter = 0;
+  for (unsigned char c : t) {
+    if (GerberCharacterSet.find(static_cast<char>(c)) != std::string_view::npos) {
+      counter = 0;
+      continue;
+    }
+    if (c == 13 || c == 10)
+      continue;
+    if (++counter > 100 || c < 32 || c > 254)
+      return 0;
+  }
+  return extended ? 1 : 2;
+}
+
+int literalExcellon(const std::string& t) {
+  auto has = [&](const char* s) { return t.find(s) != std::string::npos; };
+  bool header = false;
+  const std::size_t p = t.find("M48");
+  if (p != std::string::npos) {
+    std::size_t q = t.find("%", p);
+    if (q == std::string::npos)
+      q = t.find("M95", p);
+    if (q != std::string::npos) {
+      const std::size_t inch = t.find("INCH", p), metric = t.find("METRIC", p);
+      header = (inch != std::string::npos && inch + 4 <= q + 3) ||
+               (metric != std::string::npos && metric + 6 <= q + 3);
+    }
+  }
+  header = header || has("M72") || has("M71");
+  int counter = 0, countT = 0, countC = 0, countX = 0, countY = 0;
+  for (unsigned char c : t) {
+    if (ExcellonCharacterSet.find(static_cast<char>(c)) != std::string_view::npos) {
+      counter = 0;
+      countT += c == 'T', countC += c == 'C', countX += c == 'X', countY += c == 'Y';
+      if (std::string_view("TCMGXY").find(static_cast<char>(c)) != std::string_view::npos)
+        continue;
+    } else if (c == 13 || c == 10 || c == 9) {
+      continue;
+    }
+    if (++counter > 100 || c < 32 || c > 254)
+      return 0;
+  }
+  const bool call = countT > 0 && (has("T001") || has("T01") || has("T1"));
+  const bool definition = countT > 0 && countC > 0 && (has("T001C") || has("T01C") || has("T1C"));
+  const bool xy = countX > 0 && countY > 0;
+  if (header && definition)
+    return call && xy ? 3 : 0;
+  return call && xy ? 4 : 0;
+}
+
+TEST(RecognitionRobustnessTest, RandomAndMutatedTextsAgreeWithTheLiteralReading) {
+  const std::vector<std::string> pieces = {"D01*",     "D02*",       "D03*",
+                                           "D1*",      "D2*",        "D3*",
+                                           "%FS",      "%AD",        "X12",
+                                           "Y34",      "T1",         "T01",
+                                           "T1C",      "C0.8",       "M48",
+                                           "INCH",     "METRIC",     "%",
+                                           "M95",      "M71",        "M72",
+                                           "\r\n",     "\t",         "cc",
+                                           "ENTITIES", "HEADER",     "TABLES",
+                                           "IN;",      "PU",         "PD1",
+                                           "ZZ",       run('c', 50), std::string(1, '\0'),
+                                           "\xFF",     "5",          ";",
+                                           " "};
+  std::mt19937 rng(4);
+  auto below = [&](std::size_t n) {
+    return std::uniform_int_distribution<std::size_t>(0, n - 1)(rng);
+  };
+  for (int i = 0; i < 4000; ++i) {
+    std::string text;
+    if (i % 4 == 0) {  // raw bytes
+      text.resize(below(300));
+      for (char& c : text)
+        c = static_cast<char>(below(256));
+    } else {  // pieces of the formats, then a few bytes changed, dropped or inserted
+      for (std::size_t n = below(40); n > 0; --n)
+        text += pieces[below(pieces.size())];
+      for (std::size_t m = below(4); m > 0 && !text.empty(); --m) {
+        const std::size_t at = below(text.size());
+        switch (below(3)) {
+        case 0:
+          text[at] = static_cast<char>(below(256));
+          break;
+        case 1:
+          text.erase(at, 1);
+          break;
+        default:
+          text.insert(at, 1, static_cast<char>(below(256)));
+          break;
+        }
+      }
+    }
+    SCOPED_TRACE(::testing::PrintToString(text));
+    ASSERT_EQ(static_cast<int>(IsGerber(text)), literalGerber(text));
+    ASSERT_EQ(static_cast<int>(IsExcellon(text)), literalExcellon(text));
+    YieldClock clock;
+    const int kind = static_cast<int>(recogniseText(text, clock));
+    ASSERT_TRUE(kind == 0 || kind == 1 || kind == 2 || kind == 3 || kind == 4 || kind == 7 ||
+                kind == 8);
+  }
+}
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,134 @@
+#include "import/core/ReportStatus.h"
+
+#include "import/core/ImportJob.h"
+#include "import/gerber/ImportTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
+
+namespace tvx {
+namespace {
+
+constexpr int Ex = msgbox::Exclamation;
+constexpr int Cr = msgbox::Critical;
+
+struct StatusCase {
+  int32_t status;
+  int icon;
+  const char* defaults;  // the text with an empty catalogue
+  const char* byId;      // the text when every id's entry reads "<id>"
+};
+
+// Name is "F.GBR" and the format 3.4 throughout.
+const StatusCase Cases[] = {
+    {1, Cr, "Range Error - format:3.4", "<62379>3.4"},
+    {8, Ex, "Artwork File - Incorrect format", "<62380>"},
+    {22, Ex, "Can't load local vector font, default assumed.F.GBR", "<62381>F.GBR"},
+    {85, Ex, "Can't load F.GBR", "<62382>F.GBR"},
+    {86, Ex, "Save of F.GBR failed", "<62383>F.GBR<62384>"},
+    {88, 0, "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.",
+     "<62385>\r\n<62386>"},
+    {90, 0,
+     "F.GBR aperture not found in the list during import.\r\nSelect proper Aperture Table and "
+     "import again.",
+     "F.GBR<62387>\r\n<62388>"},
+    {92, 0, "Coordinates outside limits\r\nCheck parameters for F.GBR file and import again.",
+     "<62385>\r\n<62389>F.GBR <62390>"},
+    {93, Ex, "F.GBR - import of files in this format is not supported", "F.GBR - <62391>"},
+    {94, Ex,
+     "F.GBR - this is not Format 2 File.\r\nFormat parameters and/or tools sizes might need "
+     "adjustment for correct import",
+     "F.GBR - <62392>\r\n<62393>"},
+    {104, Ex, "Polygon to complex F.GBR", "<62395>F.GBR"},
+    {105, Ex, "This path is not a closed shapeF.GBR", "<62396>F.GBR"},
+    {200, Ex, "F.GBR No available layers", "F.GBR <62397>"},
+    {201, Ex, "No data to output", "<62398>"},
+    {300, 0, "F.GBR Completed", "F.GBR <62399>"},
+    {400, Ex, "F.GBR No aperture defined for selected item", "F.GBR <4953>"},
+    // Both texts of 414 stand under the id "loc", which no catalogue holds.
+    {414, Ex,
+     "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range.",
+     "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range."},
+    {2000, Ex, "Incorrect stepping parametersF.GBR", "<62400>F.GBR"},
+    {2001, Ex, "Set Point(s) to define rotation.", "<62401>"},
+    {2002, Ex, "Out of RangeF.GBR", "<62402>F.GBR"},
+    {3000, Ex, "Nothing to importF.GBR", "<151219>F.GBR"},
+    {0, Cr, "Unknown Error", "<62403>"},
+    {95, Cr, "Unknown Error", "<62403>"},
+    {-1, Cr, "Unknown Error", "<62403>"},
+};
+
+// A catalogue in which every id used by the status table reads as itself in angle brackets.
+void writeMarkerCatalogue(const std::string& folder) {
+  std::ofstream out(folder + "/GBRVIEWER.MSG");
+  std::regex idPattern("<([0-9]+)>");
+  for (const StatusCase& c : Cases) {
+    std::string text = c.byId;
+    for (std::sregex_iterator it(text.begin(), text.end(), idPattern), end; it != end; ++it)
+      out << (*it)[1] << "\t<" << (*it)[1] << ">\n";
+  }
+}
+
+TEST(ReportStatusTest, EveryCodeHasItsTextAndIcon) {
+  test::Reporting r;
+  r.digits = {3, 4};
+  for (const StatusCase& c : Cases) {
+    SCOPED_TRACE(c.status);
+    StatusMessage m = statusMessage(r.services, c.status, "F.GBR", r.digits);
+    EXPECT_EQ(m.text, c.defaults);
+    EXPECT_EQ(m.icon, c.icon);
+  }
+  test::TempDir dir;
+  writeMarkerCatalogue(dir.path().string());
+  r.services.loadCatalogue(dir.path().string());
+  for (const StatusCase& c : Cases) {
+    SCOPED_TRACE(c.status);
+    EXPECT_EQ(statusMessage(r.services, c.status, "F.GBR", r.digits).text, c.byId);
+  }
+}
+
+TEST(ReportStatusTest, BoxIsSystemModalWithBothTitles) {
+  test::Reporting r;
+  r.titles.dialogTitle = "Import Parameters";
+  r.digits = {2, 5};
+  r.reporter.ReportStatus(1, "");
+  r.titles.dialogTitle.clear();
+  r.reporter.ReportStatus(300, "Layer 3");
+  r.reporter.ReportStatus(8, "");
+  ASSERT_EQ(r.prompts.shown.size(), 3u);
+  EXPECT_EQ(r.prompts.shown[0].prompt, "Range Error - format:2.5");
+  EXPECT_EQ(r.prompts.shown[0].flags, msgbox::Critical | msgbox::SystemModal);
+  EXPECT_EQ(r.prompts.shown[0].title, "Tarvex Viewer (Import Parameters)");
+  EXPECT_EQ(r.prompts.shown[1].flags, msgbox::SystemModal);
+  EXPECT_EQ(r.prompts.shown[1].title, "Tarvex Viewer");
+  EXPECT_EQ(r.prompts.shown[2].flags, msgbox::Exclamation | msgbox::SystemModal);
+}
+
+TEST(ImportKindTest, EveryKindHasItsOwnCatalogueTextAndOthersAreUnknown) {
+  std::set<std::string_view> ids, texts;
+  for (int32_t k = 1; k <= 8; ++k) {
+    const CatalogueText t = importKindText(static_cast<ImportKind>(k));
+    EXPECT_FALSE(t.id.empty()) << k;
+    EXPECT_TRUE(ids.insert(t.id).second && texts.insert(t.text).second) << k;
+  }
+  EXPECT_EQ(importKindText(ImportKind::Hpgl).id, "62375");
+  EXPECT_EQ(importKindText(ImportKind::Hpgl).text, "HPGL Format file");
+  for (int32_t k : {0, 9}) {
+    EXPECT_EQ(importKindText(static_cast<ImportKind>(k)).id, "");
+    EXPECT_EQ(importKindText(static_cast<ImportKind>(k)).text, "unknown file");
+  }
+  // The filter bits are distinct single bits that the layers' default mask 16511 holds.
+  int32_t all = 0;
+  for (const FilterBitInfo& f : FilterBits) {
+    EXPECT_EQ(f.bit & (f.bit - 1), 0) << f.key;
+    EXPECT_EQ(all & f.bit, 0) << f.key;
+    all |= f.bit;
+  }
+  EXPECT_EQ(all | filter::FilledOutlines, 16511);
+}
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,149 @@
+// What the reader tests share: a reader over its own store, single layers of each PadKind, the
+// pads and items of a layer read back from the store, and a whole import world over a folder.
+#pragma once
+
+#include "import/readers/excellon/ExcellonReader.h"
+#include "import/readers/WindowlessImport.h"
+#include "kernel/Kernel.h"
+#include "store/ColourSlots.h"
+#include "store/LayerSymbol.h"
+#include "store/Layers.h"
+
+#include "import/gerber/ImportTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tvx::test {
+
+// A layer slot of the given number and PadKind with its symbol made.
+inline LayerRecord makeLayer(Store& store, int32_t number, int32_t padKind, int32_t colour = 31) {
+  LayerRecord layer;
+  layer.Mask = static_cast<int32_t>(1u << (number - 1));
+  layer.SymbolHandle = LayerSymbolBase - number;
+  layer.SymbolName = "$$GIS_CAT" + std::to_string(layer.SymbolHandle);
+  layer.Listed = true;
+  layer.ColourNumber = colour;
+  layer.PadKind = padKind;
+  layer.FilterMask = 50;
+  EnsureLayerSymbol(store, layer, true);
+  return layer;
+}
+
+// A file record for the drill reader with a tool table.
+inline LayerFileRecord drillFile(std::vector<ToolEntry> tools = {}) {
+  LayerFileRecord file;
+  file.FileName = "holes.drl";
+  file.ReaderCode = ReaderExcellon;
+  file.OriginalCoordinates = true;
+  file.Tools = std::move(tools);
+  return file;
+}
+
+// One pad of a layer as the store holds it.
+struct Pad {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t padStack = 0;
+  bool operator==(const Pad&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Pad& p) {
+  return out << "(" << p.x << ", " << p.y << " T" << p.padStack << ")";
+}
+
+inline std::vector<Pad> padsOf(const Store& store, const LayerRecord& layer) {
+  std::vector<Pad> pads;
+  const int32_t count = store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle));
+  for (int32_t i = 1; i <= count; ++i) {
+    EntryRecord entry;
+    if (store.S_ReadEntry(layer.SymbolHandle, i, entry))
+      pads.push_back({entry.X, entry.Y, entry.PadStack});
+  }
+  return pads;
+}
+
+inline std::vector<ItemRecord> itemsOf(const Store& store, const LayerRecord& layer) {
+  std::vector<ItemRecord> all;
+  const ArrayHandle array = store.S_SymbolItemArray(layer.SymbolHandle);
+  for (int32_t i = 1; i <= store.OA_GetCount(array); ++i) {
+    ItemRecord r;
+    store.I_ReadItem(store.OA_Object(array, i), r);
+    all.push_back(r);
+  }
+  return all;
+}
+
+inline std::vector<std::string> boxesOf(const ScriptedPrompts& prompts) {
+  std::vector<std::string> texts;
+  for (const auto& shown : prompts.shown)
+    texts.push_back(shown.prompt);
+  return texts;
+}
+
+// A component's import state over real layer tables, its settings and files in a folder of its own.
+struct ImportWorld {
+  ImportWorld() {
+    reporting.services.SetIniFile(folder.file("tarvex.ini"));
+    ColourSlots colours;
+    colours.build(kernel->strings);
+    BuildLayerTables(kernel->store, reporting.services, colours, false, *tables);
+    session = std::make_unique<ImportSession>(kernel->store, reporting.services, reporting.prompts);
+    session->state.Job.WorkDirectory = folder.path().string();
+  }
+  std::string write(const std::string& name, const std::string& text) const {
+    const std::string path = folder.file(name);
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+  }
+  WindowlessImportResult run(const std::string& path, const WindowlessImportOptions& options = {}) {
+    ImportOwners owners = session->owners(tables->Layers);
+    return ImportWithoutWindow(owners, path, options);
+  }
+  LayerRecord& layer(int32_t number) const { return tables->layer(number); }
+  std::vector<ItemRecord> items(int32_t number) const {
+    return itemsOf(kernel->store, layer(number));
+  }
+  std::vector<Pad> pads(int32_t number) const { return padsOf(kernel->store, layer(number)); }
+  std::vector<std::string> boxes() const { return boxesOf(reporting.prompts); }
+
+  TempDir folder;
+  std::unique_ptr<Kernel> kernel = std::make_unique<Kernel>();
+  Reporting reporting;
+  std::unique_ptr<LayerTables> tables = std::make_unique<LayerTables>();
+  std::unique_ptr<ImportSession> session;
+};
+
+// The files of the corpus manifest whose format begins with prefix: path and format.
+inline std::vector<std::pair<std::string, std::string>> manifestFiles(const std::string& corpus,
+                                                                      const std::string& prefix) {
+  std::vector<std::pair<std::string, std::string>> files;
+  std::ifstream in(corpus + "/MANIFEST.tsv");
+  std::string line;
+  std::getline(in, line);  // column names
+  while (std::getline(in, line)) {
+    const size_t tab = line.find('\t');
+    const std::string format = line.substr(tab + 1, line.find('\t', tab + 1) - tab - 1);
+    if (tab != std::string::npos && format.rfind(prefix, 0) == 0)
+      files.emplace_back(line.substr(0, tab), format);
+  }
+  return files;
+}
+
+// The reader with its own format, extents and store, reporting into scripted prompts.
+class ExcellonTest : public ::testing::Test {
+protected:
+  std::vector<std::string> boxes() const { return boxesOf(reporting.prompts); }
+
+  Store store;
+  Reporting reporting;
+  ExcellonFormat format;
+  FileExtents extents;
+  ExcellonReader reader{store, reporting.services, reporting.reporter, format, extents};
+};
+
+}  // namespace tvx::test

@@ -1,0 +1,116 @@
+// Gerber files from their path into an artwork layer without a window: the text pass in stage one,
+// the layer chosen among those offered, the drawing into its symbol with hole positions, and every
+// Gerber file of the shared corpus.
+#include "import/readers/window/ImportWindowTestSupport.h"
+#include "support/CorpusPath.h"
+
+#include <filesystem>
+
+namespace tvx {
+namespace {
+
+using test::ImportWorld;
+
+TEST(GerberImport, AnArtworkFileGoesIntoTheLayerChosenWithItsPadPositions) {
+  ImportWorld world;
+  const std::string path = world.write("top.gbr", test::TwoPadsAndATrack);
+  WindowlessImportResult result = world.run(path);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.kind, ImportKind::ArtworkRS274X);
+  const int32_t first = result.layer;
+  ASSERT_GE(first, 1);
+  EXPECT_NE(first, 31) << "artwork never goes to the drill layer by itself";
+  EXPECT_TRUE(world.reporting.prompts.shown.empty());
+  EXPECT_EQ(result.scanned.MaxX - result.scanned.MinX, 2540000);
+
+  const auto all = world.items(first);
+  ASSERT_EQ(all.size(), 3u);
+  // Own coordinates are kept: the track runs from 0 to 1 inch, 2540000 units.
+  EXPECT_EQ(all[0].Type, ItemRectangle);
+  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width}), (std::array{-76200, -76200, 152400}));
+  EXPECT_EQ(all[2].Type, ItemLine);
+  EXPECT_EQ((std::array{all[2].X, all[2].Width, all[2].LineWidth}),
+            (std::array{0, 2540000, 25400}));
+  EXPECT_EQ(world.pads(first), (std::vector<test::Pad>{{0, 0, 11}, {2540000, 0, 11}}));
+  EXPECT_EQ(world.layer(first).Files.at(0).FileName, world.session->state.Job.IntermediatePath);
+  EXPECT_EQ(world.layer(first).LastFile, path);
+
+  // Another layer by choice; centred without NoCenter.
+  WindowlessImportOptions options;
+  options.layer = 3;
+  options.noCenter = false;
+  result = world.run(path, options);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.layer, 3);
+  const auto centred = world.items(3);
+  ASSERT_EQ(centred.size(), 3u);
+  EXPECT_EQ((std::array{centred[2].X, centred[2].Width}), (std::array{-1270000, 2540000}));
+}
+
+TEST(GerberImport, WithoutAWorkDirectoryTheScanGoesToTheTemporaryFolder) {
+  ImportWorld world;
+  const std::string path =
+      world.write("pad.gbr", "%FSLAX24Y24*%%MOIN*%%ADD10C,0.01*%D10*X0Y0D03*M02*");
+  world.session->state.Job.WorkDirectory.clear();
+  EXPECT_EQ(world.run(path).status, 0);
+  const std::filesystem::path art = world.session->state.Job.IntermediatePath;
+  EXPECT_EQ(art.parent_path(), std::filesystem::temp_directory_path());
+  EXPECT_EQ(art.filename(), "TMP.ART");
+  std::error_code ec;
+  std::filesystem::remove(art, ec);
+}
+
+TEST(GerberImport, EveryCorpusGerberFileImportsWithAPlausibleFrame) {
+  const std::string dir = test::corpusDir();
+  if (dir.empty())
+    GTEST_SKIP() << "no corpus found (set TVX_CORPUS_DIR)";
+  const auto files = test::manifestFiles(dir, "gerber");
+  ASSERT_GE(files.size(), 10u);
+  for (const auto& [path, format] : files) {
+    SCOPED_TRACE(path);
+    ImportWorld world;
+    WindowlessImportResult result = world.run(dir + "/" + path);
+    if (result.kind == ImportKind::Unknown && format == "gerber-d") {
+      // A plain RS-274-D file need not show what it is: the user chooses its kind. Its coordinates
+      // read in the settings' format lie beyond the world when kept in place, so it is centred.
+      EXPECT_EQ(world.reporting.prompts.shown.size(), 1u);
+      world.reporting.prompts.shown.clear();
+      WindowlessImportOptions chosen;
+      chosen.kind = ImportKind::ArtworkRS274D;
+      chosen.noCenter = false;
+      result = world.run(dir + "/" + path, chosen);
+    }
+    for (const auto& shown : world.reporting.prompts.shown)
+      ADD_FAILURE() << "message: " << shown.prompt;
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(isGerberKind(result.kind)) << int(result.kind);
+    if (result.layer < 1) {
+      ADD_FAILURE() << "no layer bound";
+      continue;
+    }
+    EXPECT_FALSE(world.items(result.layer).empty());
+    FrameRect frame;
+    ASSERT_NE(
+        world.kernel->store.S_FrameSymbolItems(world.layer(result.layer).SymbolHandle, -1, frame),
+        0);
+    // The frame meets the scanned extents (centred when the file was) and reaches beyond them by
+    // no more than the largest flash of these files, a 2 inch circle.
+    FileExtents e = result.scanned;
+    if (!world.layer(result.layer).Files.at(0).OriginalCoordinates) {
+      const double halfX = (e.MaxX - e.MinX) / 2, halfY = (e.MaxY - e.MinY) / 2;
+      e = {-halfX, -halfY, halfX, halfY};
+    }
+    constexpr double Reach = 30 * StoreUnitsPerMm;
+    EXPECT_LT(frame.MinX, e.MaxX);
+    EXPECT_GT(frame.MaxX, e.MinX);
+    EXPECT_LT(frame.MinY, e.MaxY);
+    EXPECT_GT(frame.MaxY, e.MinY);
+    EXPECT_GE(frame.MinX, e.MinX - Reach);
+    EXPECT_LE(frame.MaxX, e.MaxX + Reach);
+    EXPECT_GE(frame.MinY, e.MinY - Reach);
+    EXPECT_LE(frame.MaxY, e.MaxY + Reach);
+  }
+}
+
+}  // namespace
+}  // namespace tvx

@@ -1,0 +1,441 @@
+// The commit step of the import window: range edges refused in silence with the old value shown
+// again, the re-run that keeps the chosen layer, the drill layer switch, the aperture check boxes
+// and their Tag, the highlights, the colour page, Clear, Close and the DXF rebinding.
+#include "import/readers/window/ImportWindowTestSupport.h"
+
+#include "import/readers/ImportSettings.h"
+#include "store/LayerSymbol.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace tvx {
+namespace {
+
+class ImportWindowCommit : public ::testing::Test {
+protected:
+  void openArtwork(int32_t layer = 1) {
+    world.open("top.gbr", test::TwoPadsAndATrack);
+    ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+    world.choose(world.layer(layer).DisplayName);
+    ASSERT_EQ(world.session->state.DialogLayer, layer);
+  }
+  // X of the track, the last item of the layer.
+  int32_t trackX(int32_t layer = 1) {
+    const auto all = world.items(layer);
+    return all.empty() ? -1 : all.back().X;
+  }
+  GerberFormat storedGerber() {
+    GerberFormat stored;
+    LoadGerberSettings(world.reporting.services, stored);
+    return stored;
+  }
+  const std::string& messageLine() { return model().stages().messageLine; }
+  ImportWindowModel& model() { return *world.model; }
+
+  test::ImportWindowWorld world;
+};
+
+TEST_F(ImportWindowCommit, ScaleFactorsAreTakenOnlyBetweenZeroAndTen) {
+  openArtwork();
+  const int32_t width = world.items(1).back().Width;
+  for (const char* refused : {"0", "10", "-1", "12.5"}) {
+    SCOPED_TRACE(refused);
+    model().CommitKey("IMP_SCFXG", refused);
+    EXPECT_EQ(world.session->gerberFormat.Scale[AxisX], 1.0);
+    EXPECT_EQ(world.row("IMP_SCFXG").Value, "1.0") << "the old value is shown again";
+  }
+  EXPECT_TRUE(world.reporting.prompts.shown.empty()) << "refused in silence";
+
+  model().CommitKey("IMP_SCFXG", "9.999");
+  EXPECT_EQ(world.session->state.DialogLayer, 1);
+  EXPECT_NEAR(world.items(1).back().Width, width / 9.999, 1.0) << "re-run into the same layer";
+  EXPECT_EQ(storedGerber().Scale[AxisX], 9.999);
+
+  world.session->state.Job.Kind = ImportKind::Dxf;  // only the format is looked at
+  model().CommitKey("IMP_SCFDXF", "10");
+  EXPECT_EQ(world.session->dxfFormat.DxfScale, 1.0);
+}
+
+TEST_F(ImportWindowCommit, OffsetsReachTheEdgeOfTheWorldAndNoFurther) {
+  openArtwork();
+  model().F_InchMM(1);
+  const int32_t x = trackX();
+  model().CommitKey("AFS_XO", "10");
+  EXPECT_EQ(world.layer(1).Files.at(0).OffsetX, 1000000);
+  EXPECT_EQ(trackX(), x + 1000000) << "the layer was imported again, moved";
+
+  model().CommitKey("AFS_YO", "-2200");
+  EXPECT_EQ(world.layer(1).OffsetY, -220000000) << "exactly the edge is taken";
+  model().CommitKey("AFS_XO", "2200");
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000);
+  model().CommitKey("AFS_XO", "2200.00001");  // one store unit more
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000);
+  EXPECT_EQ(world.row("AFS_XO").Value, "2200.000mm");
+  model().CommitKey("AFS_XO", "");
+  EXPECT_EQ(world.layer(1).OffsetX, 220000000) << "an empty text changes nothing";
+  model().F_InchMM(0);
+  model().CommitKey("AFS_XO", "1");
+  EXPECT_EQ(world.layer(1).OffsetX, 2540000) << "inches in the inch unit";
+  EXPECT_EQ(world.row("AFS_XO").Value, "1.0000\"");
+}
+
+TEST_F(ImportWindowCommit, OriginalCoordinatesAreSavedAsTheSetting) {
+  openArtwork();
+  const int32_t kept = trackX();
+  model().CommitCell(model().rowOf("AFS_NOCENTER"), "0");
+  EXPECT_FALSE(world.layer(1).OriginalCoordinates);
+  EXPECT_FALSE(model().NoCenter);
+  EXPECT_EQ(world.events.back(), "NoCenter 0");
+  EXPECT_EQ(trackX(), kept - 1270000) << "centred on the origin";
+}
+
+TEST_F(ImportWindowCommit, HoleDiametersFromZeroToBelowAHundredMillimetres) {
+  world.open("holes.drl", test::ThreeHoles);
+  ASSERT_EQ(world.session->state.DialogLayer, 31);
+  model().F_InchMM(1);
+  std::vector<ToolEntry>& tools = world.layer(31).Files.at(0).Tools;
+  ASSERT_EQ(tools.size(), 2u);
+  const int32_t before = tools[0].Diameter;
+  model().CommitCell(model().rowOf("AF_APH,1"), "100");
+  EXPECT_EQ(tools[0].Diameter, before);
+  EXPECT_EQ(world.row("AF_APH,1").Value, "0.8mm");
+  EXPECT_EQ(world.highlights.HLPadstack, 0);
+
+  model().CommitCell(model().rowOf("AF_APH,1"), "0");
+  EXPECT_EQ(tools[0].Diameter, 0);
+  model().CommitCell(model().rowOf("AF_APH,2"), "99.99");
+  EXPECT_EQ(tools[1].Diameter, 9999000);
+  EXPECT_EQ(world.row("AF_APH,2").Value, "100.0mm");  // the short form has one decimal
+  // Typing a diameter highlights the tool, and again does not take it away.
+  EXPECT_EQ(world.highlights.HLPadstackText, "Tool No. " + ToolLabel(tools[1].Code));
+  model().CommitCell(model().rowOf("AF_APH,2"), "1");
+  EXPECT_EQ(world.highlights.HLPadstack, tools[1].Code);
+}
+
+TEST_F(ImportWindowCommit, TheDrillLayerTurnsArtworkIntoDrillingAndBack) {
+  openArtwork();
+  world.choose("Drill Template");
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274X);
+  EXPECT_EQ(world.row("IMP_FLET").Value, "Drilling GERBER RS-274-X");
+  EXPECT_TRUE(model().stages().FiltersShown);
+  const LayerFileRecord& file = world.layer(31).Files.at(0);
+  EXPECT_EQ(file.ReaderCode, ReaderGerberDrilling);
+  // Only the flashed aperture gives a tool: half its size (76200), cut to 0.1 mm.
+  ASSERT_EQ(file.Tools.size(), 1u);
+  EXPECT_EQ(file.Tools[0].Code, 11);
+  EXPECT_EQ(file.Tools[0].Diameter, 70000);
+  EXPECT_GT(world.entries(31), 0) << "the pads became holes";
+  model().CommitCell(model().rowOf("AF_MAPHOLES"), "explicit apeture size");
+  EXPECT_EQ(world.layer(31).Files.at(0).Tools.at(0).Diameter, 150000);
+
+  world.choose(world.layer(2).DisplayName);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  EXPECT_EQ(world.layer(2).Files.at(0).ReaderCode, ReaderGerberArtwork);
+  EXPECT_FALSE(model().stages().FiltersShown);
+  EXPECT_EQ(world.items(2).size(), 3u);
+}
+
+TEST_F(ImportWindowCommit, ApertureCheckBoxesBuildTheTagAndTheHighlight) {
+  openArtwork();
+  model().cmdFilters();
+  const LayerFileRecord& file = world.layer(1).Files.at(0);
+  const auto check = [this](const char* key, const char* on) {
+    model().CommitCell(model().rowOf(key), on);
+  };
+  check("AF_APF,1", "0");
+  EXPECT_EQ(file.Tag, "|D10*|");
+  EXPECT_EQ(world.items(1).size(), 2u) << "the track is left out";
+  EXPECT_FALSE(world.row("AF_APF,1").Checked) << "the row stays";
+  EXPECT_EQ(world.highlights.HLDCode, 0);
+  check("AF_APF,2", "0");
+  EXPECT_EQ(file.Tag, "|D10*|D11*|");
+  check("AF_APF,1", "1");
+  EXPECT_EQ(file.Tag, "|D11*|");
+  EXPECT_EQ(world.highlights.HLDCode, 10);
+  EXPECT_EQ(world.highlights.HLDCodeText, "Dcode: D10* Line    0.0100\"");
+  check("AF_APF,2", "1");
+  EXPECT_EQ(file.Tag, " ");
+  EXPECT_EQ(world.items(1).size(), 3u);
+
+  check("AF_IPD", "0");
+  EXPECT_EQ(file.FilterMask & filter::AF_IPD, 0);
+  check("AF_IPD", "1");
+  EXPECT_NE(file.FilterMask & filter::AF_IPD, 0);
+
+  // Unselected rows are found again when the layer's aperture rows are rebuilt.
+  check("AF_APF,2", "0");
+  model().F_InchMM(1);
+  EXPECT_FALSE(model().ApertureRows.at(1).Selected);
+  EXPECT_TRUE(model().ApertureRows.at(0).Selected);
+}
+
+TEST_F(ImportWindowCommit, ClicksOnApertureAndToolRowsToggleTheHighlight) {
+  openArtwork();
+  model().cmdFilters();
+  const int redraws = world.redraws;
+  const auto click = [this](const char* key) { model().ClickRow(model().rowOf(key), false); };
+  click("AF_APF,2");
+  EXPECT_EQ(world.highlights.HLDCode, 11);
+  click("AF_APF,1");
+  EXPECT_EQ(world.highlights.HLDCode, 10);
+  click("AF_APF,1");
+  EXPECT_EQ(world.highlights, HighlightValues{});
+  EXPECT_EQ(world.redraws, redraws + 3);
+
+  world.choose("Drill Template");
+  EXPECT_EQ(world.highlights, HighlightValues{}) << "a new layer clears the highlights";
+  click("AF_APH,1");
+  EXPECT_EQ(world.highlights.HLPadstack, 11);
+  EXPECT_EQ(world.highlights.HLPadstackText, "Dcode: D11* Sqr.Pad 0.0600\"");
+  click("AF_APH,1");
+  EXPECT_EQ(world.highlights.HLPadstack, 0);
+
+  // Close takes every highlight away and lets the main window select the layer.
+  click("AF_APH,1");
+  model().cmdClose();
+  EXPECT_EQ(world.highlights, HighlightValues{});
+  EXPECT_EQ(world.events.back(), "activate 31");
+}
+
+TEST_F(ImportWindowCommit, FormatChangesRerunIntoTheChosenLayer) {
+  world.model->apertureTableName = "PLOTTER1";
+  world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
+  EXPECT_FALSE(world.row("IMP_UNITG").ReadOnly) << "a plain file's format is the user's";
+  EXPECT_EQ(world.row("IMP_APT").Value, "PLOTTER1") << "the table the sizes come from";
+  EXPECT_EQ(world.model->rows[2].ValueBack, 0xFFFF00);
+  world.choose(world.layer(3).DisplayName);
+  ASSERT_EQ(world.session->state.DialogLayer, 3);
+  const int32_t inchLength = world.items(3).back().Width;
+  ASSERT_GT(inchLength, 100000);
+  model().cmdFilters();
+  model().CommitCell(model().rowOf("AF_APF,1"), "0");
+  model().CommitCell(model().rowOf("AF_APF,1"), "1");
+  model().CommitCell(model().rowOf("IMP_UNITG"), "Metric");
+  EXPECT_EQ(world.session->state.DialogLayer, 3) << "the layer stays chosen";
+  EXPECT_EQ(world.row("IMP_LAYER").Value, world.layer(3).DisplayName);
+  EXPECT_EQ(world.highlights.HLDCode, 10) << "the file record and its state are kept";
+  EXPECT_NEAR(world.items(3).back().Width, inchLength / 25.4, 1.0);
+  EXPECT_EQ(storedGerber().Unit, 1);
+
+  model().CommitCell(model().rowOf("IMP_PFYG"), "3.3");
+  EXPECT_EQ(world.session->gerberFormat.IntegerDigits[AxisY], 3);
+  EXPECT_EQ(world.session->gerberFormat.DecimalDigits[AxisY], 3);
+
+  // A list text that is no entry of its list changes nothing.
+  const int32_t zeroes = world.session->gerberFormat.OmittedZeros;
+  model().CommitCell(model().rowOf("IMP_OZG"), "Sideways");
+  EXPECT_EQ(world.session->gerberFormat.OmittedZeros, zeroes);
+  model().CommitCell(model().rowOf("IMP_OZG"), zeroes == 0 ? "Leading" : "Trailing");
+  EXPECT_EQ(world.session->gerberFormat.OmittedZeros, 1 - zeroes);
+}
+
+// The two aperture windows, as stand-ins through the window's link: raised above all while they
+// show, then the file is scanned again or not by what they report, and imported into its layer.
+TEST_F(ImportWindowCommit, TheApertureWindowsReimportIntoTheChosenLayer) {
+  std::vector<std::string> shown;
+  int32_t useFlags = 0;
+  ImportWindowOwners owners = world.makeOwners();
+  owners.window.openApertureTable = [&shown] {
+    shown.push_back("table");
+    return true;
+  };
+  owners.window.openApertureUse = [&shown, &useFlags] {
+    shown.push_back("use");
+    return useFlags;
+  };
+  owners.window.setTopmost = [&shown](bool on) { shown.push_back(on ? "top" : "normal"); };
+  world.model = std::make_unique<ImportWindowModel>(std::move(owners));
+  world.model->FormFill();
+  world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
+  world.choose(world.layer(3).DisplayName);
+  ASSERT_FALSE(world.items(3).empty());
+  const auto emptied = [this] {
+    EnsureLayerSymbol(world.kernel->store, world.layer(3), true);
+    return world.items(3).empty();
+  };
+
+  ASSERT_TRUE(emptied());
+  model().cmdFilters();
+  model().CommitCell(model().rowOf("IMP_APT"), "NONE");
+  EXPECT_EQ(shown, (std::vector<std::string>{"top", "table", "normal"}));
+  EXPECT_EQ(world.session->state.DialogLayer, 3);
+  EXPECT_FALSE(world.items(3).empty()) << "imported again";
+  EXPECT_FALSE(world.model->stages().FiltersShown);
+  EXPECT_TRUE(world.model->stages().filterButtonVisible);
+
+  // The apertures display: nothing reported, nothing imported; either flag imports again.
+  for (int32_t flags : {0, ArtworkUpdated, ApertureFileCreated}) {
+    SCOPED_TRACE(flags);
+    useFlags = flags;
+    ASSERT_TRUE(emptied());
+    model().CommitCell(model().rowOf("IMP_APTUSE"), "Click for info & setup");
+    EXPECT_EQ(shown.back(), "normal");
+    EXPECT_EQ(world.items(3).empty(), flags == 0);
+    EXPECT_EQ(world.session->state.DialogLayer, 3);
+    EXPECT_EQ(world.model->ApertureRows.size(), 1u);
+  }
+}
+
+TEST_F(ImportWindowCommit, TheColourPageRefusesTheClearColourOnCopper) {
+  constexpr int32_t Clear = test::ImportWindowWorld::ClearColour;
+  openArtwork();
+  model().CommitCell(model().rowOf("AF_ICL"), "Selected from palette");
+  EXPECT_TRUE(model().colourPageShown);
+  const int32_t before = world.layer(1).ColourNumber;
+  model().PaletteClick(Clear);
+  EXPECT_FALSE(model().colourPageShown);
+  EXPECT_EQ(world.layer(1).ColourNumber, before);
+
+  model().PaletteClick(13);
+  EXPECT_EQ(world.layer(1).ColourRgb, static_cast<int32_t>(paletteRgb()[13]));
+  EXPECT_EQ(world.layer(1).Files.at(0).Colour, 13);
+  EXPECT_EQ(world.row("AF_ICL").Value, "(Palette)");
+  EXPECT_EQ(world.items(1).back().Colour, 13);
+
+  model().CommitCell(model().rowOf("AF_ICL"), "Use default layer color");
+  EXPECT_EQ(world.layer(1).ColourNumber, world.layer(1).DefaultColourNumber);
+  EXPECT_EQ(world.row("AF_ICL").Value, "(Default)");
+
+  world.choose("Board Outline/Cut-outs");  // not copper: takes it
+  model().PaletteClick(Clear);
+  EXPECT_EQ(world.layer(30).ColourNumber, Clear);
+}
+
+TEST_F(ImportWindowCommit, ClearEmptiesTheLayerAndForgetsItUnlessItIsTheDrillLayer) {
+  openArtwork();
+  model().cmdClear();
+  EXPECT_TRUE(world.items(1).empty());
+  EXPECT_EQ(world.session->state.DialogLayer, 0);
+  EXPECT_EQ(world.row("IMP_LAYER").Value, "Click to select");
+  EXPECT_FALSE(model().stages().clearButtonVisible);
+  EXPECT_FALSE(model().stages().filterButtonVisible);
+  EXPECT_EQ(model().rowOf("AFS_XO"), -1);
+  model().cmdClose();
+  EXPECT_EQ(world.events.back(), "activate 4") << "closed without a layer: the current one";
+
+  world.choose("Drill Template");
+  model().cmdClear();
+  EXPECT_EQ(world.session->state.DialogLayer, 31);
+  EXPECT_EQ(world.entries(31), 0);
+}
+
+TEST_F(ImportWindowCommit, ADxfFileBoundToTheOutlineCanBeMovedToAnotherLayer) {
+  std::vector<int32_t> readInto;
+  world.session->scans.readDxfFile = [](const std::string&, std::vector<std::string>& lines) {
+    lines = {"0", "EOF"};
+    return true;
+  };
+  world.session->readers.importDxf = [&](int32_t&, const std::vector<std::string>&,
+                                         LayerRecord& layer, LayerFileRecord& file) {
+    readInto.push_back(layer.Mask);
+    EXPECT_EQ(file.ReaderCode, ReaderDxf);
+  };
+  world.makeModel();
+  ImportState& state = world.session->state;
+  state.Job.SourcePath = world.folder.file("board.dxf");
+  state.Job.Kind = ImportKind::Dxf;
+  ASSERT_TRUE(model().ApplyFile());
+  model().ImportFile();
+  model().FormUpdate();
+  EXPECT_EQ(state.DialogLayer, 30);
+  EXPECT_EQ(readInto, std::vector<int32_t>{BoardOutlineMask});
+  EXPECT_EQ(world.row("IMP_LAYER").Cell, CellKind::List);
+  EXPECT_GE(model().rowOf("AFS_DXFTRUESIZE"), 0);
+
+  const auto expectOnLayer2 = [&] {
+    EXPECT_EQ(state.DialogLayer, 2);
+    EXPECT_EQ(state.CurrentSymbol, world.layer(2).SymbolHandle);
+    EXPECT_EQ(readInto.back(), world.layer(2).Mask);
+  };
+  world.choose(world.layer(2).DisplayName);
+  expectOnLayer2();
+  EXPECT_EQ(world.layer(2).Files.at(0).FileName, state.Job.SourcePath);
+  EXPECT_EQ(world.layer(2).Files.at(0).Colour, world.layer(2).ColourNumber);
+
+  // True line sizes, then a new scale: the re-run stays on the chosen layer.
+  model().CommitKey("AFS_DXFTRUESIZE", "1");
+  EXPECT_TRUE(world.layer(2).Files.at(0).TrueLineSize);
+  model().CommitKey("IMP_SCFDXF", "2.5");
+  EXPECT_EQ(world.session->dxfFormat.DxfScale, 2.5);
+  expectOnLayer2();
+}
+
+TEST_F(ImportWindowCommit, AnUnreadableFileShowsItselfAsTextAndCloses) {
+  world.open("notes.txt", "just some words\n");
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::Unknown);
+  for (const char* event : {"display file", "unload"})
+    EXPECT_NE(std::find(world.events.begin(), world.events.end(), event), world.events.end());
+
+  // A click on the file name's value opens the picker; cancelled, it changes nothing.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  world.nextFile.clear();
+  model().ClickRow(model().rowOf("IMP_FLEN"), true);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  EXPECT_EQ(world.events.back(), "picker 2 in " + world.folder.path().string());
+}
+
+TEST_F(ImportWindowCommit, AScanThatVanishedFailsTheImportButNotTheWindow) {
+  // Artwork: the window stays, the filter button shows even though the import failed.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  ASSERT_FALSE(model().stages().filterButtonVisible);
+  std::filesystem::remove(world.session->state.Job.IntermediatePath);
+  world.choose(world.layer(1).DisplayName);
+  EXPECT_EQ(messageLine(), world.layer(1).DisplayName + " Import failed");
+  ASSERT_FALSE(world.reporting.prompts.shown.empty());
+  EXPECT_NE(world.reporting.prompts.shown.front().prompt.find("TMP.ART"), std::string::npos);
+  EXPECT_TRUE(model().stages().clearButtonVisible);
+  EXPECT_TRUE(model().stages().filterButtonVisible);
+  EXPECT_EQ(std::count(world.events.begin(), world.events.end(), "unload"), 0);
+  model().CommitKey("IMP_SCFYG", "1");  // scans again and imports
+  EXPECT_EQ(world.items(1).size(), 3u);
+  EXPECT_EQ(messageLine(), world.layer(1).DisplayName + " Import successful");
+
+  // Drilling: a failed import leaves the filter button hidden, a successful one shows it.
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  std::filesystem::remove(world.session->state.Job.IntermediatePath);
+  world.choose("Drill Template");
+  ASSERT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274X);
+  ASSERT_EQ(messageLine(), world.layer(31).DisplayName + " Import failed");
+  EXPECT_FALSE(model().stages().filterButtonVisible);
+  EXPECT_TRUE(model().stages().FiltersShown) << "the tool rows are shown all the same";
+  model().CommitKey("IMP_SCFYG", "1");
+  ASSERT_EQ(messageLine(), world.layer(31).DisplayName + " Import successful");
+  EXPECT_TRUE(model().stages().filterButtonVisible);
+}
+
+TEST_F(ImportWindowCommit, ALayerKeepsItsRowsWhenARescanFindsNoFile) {
+  openArtwork();
+  model().CommitKey("AFS_XO", "0.5");
+  const int32_t offset = world.layer(1).OffsetX;
+  ASSERT_NE(offset, 0);
+  std::filesystem::remove(world.session->state.Job.SourcePath);
+  model().CommitKey("IMP_SCFYG", "2");
+  ASSERT_FALSE(world.session->state.Job.Prepared) << "the scan found nothing to import";
+  ASSERT_EQ(world.session->state.DialogLayer, 1);
+  EXPECT_LT(model().rowOf("IMP_LAYER"), 0) << "the layer choice needs a scan";
+  for (const char* key : {"AF_ICL", "AFS_XO", "AFS_YO", "AFS_NOCENTER"})
+    EXPECT_GE(model().rowOf(key), 0) << key;
+  EXPECT_EQ(world.row("AFS_XO").Value, "0.5000\"");
+  EXPECT_EQ(world.layer(1).OffsetX, offset);
+}
+
+TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
+  world.open("top.gbr", test::TwoPadsAndATrack);
+  model().cmdView();
+  EXPECT_TRUE(model().ViewShown);
+  EXPECT_EQ(model().viewerText, world.nextFile + ":\r\n\r\n" + test::TwoPadsAndATrack);
+  EXPECT_EQ(model().viewerBackground, 0xFFFFFF);
+  model().cmdView();
+  EXPECT_FALSE(model().ViewShown);
+  const size_t before = world.events.size();
+  model().M_FileView();
+  ASSERT_GT(world.events.size(), before + 1);
+  EXPECT_EQ(world.events[before].rfind("picker 1 in ", 0), 0u) << "the request for display";
+  EXPECT_EQ(world.events.back(), "main line " + world.nextFile + " Processing");
+  EXPECT_EQ(model().viewerBackground, 0xFFFFC0);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X) << "import state untouched";
+}
+
+}  // namespace
+}  // namespace tvx

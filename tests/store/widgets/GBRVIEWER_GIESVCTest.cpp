@@ -1,0 +1,122 @@
+// The layer order dialog on the offscreen platform: its controls drive the model and show it.
+#include "store/widgets/GBRVIEWER_GIESVC.h"
+
+#include "WidgetTestApplication.h"
+#include "platform/UserStore.h"
+#include "store/LayerTestSupport.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QTabWidget>
+
+namespace tvx {
+namespace {
+
+class LayerOrderDialogTest : public test::LayerTablesFixture {
+protected:
+  void SetUp() override {
+    test::widgetTestApplication();
+    LayerTablesFixture::SetUp();
+    build();
+  }
+  std::vector<bool> listSelection(const GBRVIEWER_GIESVC& d) const {
+    std::vector<bool> s;
+    for (int i = 0; i < d.lstSearchSeq->count(); ++i)
+      s.push_back(d.lstSearchSeq->item(i)->isSelected());
+    return s;
+  }
+  std::unique_ptr<GBRVIEWER_GIESVC> open() {
+    auto d = std::make_unique<GBRVIEWER_GIESVC>(
+        tables, k.store, services, [this] { ++redraws_; }, nullptr, &userStore_);
+    d->show();
+    QCoreApplication::processEvents();
+    return d;
+  }
+  int redraws_ = 0;
+  MemoryUserStore userStore_;
+};
+
+TEST_F(LayerOrderDialogTest, ButtonsListAndMenuDriveTheModel) {
+  tables.layer(1).Active = true;
+  const auto before = tables.LayerOrder;
+  const auto dialog = open();
+  GBRVIEWER_GIESVC& d = *dialog;
+
+  EXPECT_EQ(d.windowTitle().toStdString(), d.model().title());
+  ASSERT_EQ(d.lstSearchSeq->count(), 8);
+  EXPECT_EQ(d.lstSearchSeq->item(6)->text().toStdString(), tables.layer(30).DisplayName);
+  EXPECT_EQ(listSelection(d), std::vector<bool>(8, true));
+  EXPECT_FALSE(d.cmdUp->isEnabled());
+  EXPECT_TRUE(d.cmdDown->isEnabled());
+  EXPECT_EQ(d.mnuOptions->actions().size(), 3);
+  EXPECT_EQ(redraws_, 0) << "opening draws nothing";
+
+  // A click in the list: the line's selection becomes its row's visibility, and Up follows.
+  d.lstSearchSeq->setCurrentRow(2, QItemSelectionModel::Toggle);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(d.model().listIndex(), 2);
+  EXPECT_FALSE(tables.orderRow(3).Visible);
+  EXPECT_TRUE(d.cmdUp->isEnabled());
+  EXPECT_EQ(redraws_, 1);
+
+  d.cmdUp->click();
+  EXPECT_EQ(tables.orderRow(2).LayerNumber, 3);
+  EXPECT_EQ(d.lstSearchSeq->item(1)->text().toStdString(), tables.layer(3).DisplayName);
+  EXPECT_FALSE(d.lstSearchSeq->item(1)->isSelected());
+  EXPECT_TRUE(d.lstSearchSeq->item(2)->isSelected());
+  EXPECT_EQ(d.lstSearchSeq->currentRow(), 1);
+  EXPECT_EQ(redraws_, 2);
+
+  d.cmdDown->click();
+  EXPECT_EQ(tables.orderRow(3).LayerNumber, 3);
+  EXPECT_EQ(d.lstSearchSeq->currentRow(), 2);
+
+  // The active layer's line cannot be unselected from the list.
+  d.lstSearchSeq->item(0)->setSelected(false);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(d.lstSearchSeq->item(0)->isSelected());
+  EXPECT_TRUE(tables.orderRow(1).Visible);
+
+  // The menu's tools.
+  d.ATB_UnSelectAll->trigger();
+  EXPECT_EQ(listSelection(d),
+            (std::vector<bool>{true, false, false, false, false, false, false, false}));
+  const int before2 = redraws_;
+  d.ATB_SelectAll->trigger();
+  EXPECT_EQ(listSelection(d), std::vector<bool>(8, true));
+  EXPECT_EQ(redraws_, before2 + 1);
+
+  // Cancel puts the rows back and closes.
+  d.cmdCancel->click();
+  EXPECT_EQ(tables.LayerOrder, before);
+  EXPECT_FALSE(d.isVisible());
+  EXPECT_EQ(d.result(), QDialog::Rejected);
+  EXPECT_TRUE(userStore_.values.empty()) << "only the frame saves the place";
+}
+
+TEST_F(LayerOrderDialogTest, OkKeepsTheRowsAndTheFrameSavesThePlace) {
+  auto d = open();
+  d->lstSearchSeq->setCurrentRow(7, QItemSelectionModel::NoUpdate);
+  QCoreApplication::processEvents();
+  d->cmdUp->click();
+  const auto working = d->model().workingOrder();
+  d->cmdOK->click();
+  EXPECT_EQ(tables.LayerOrder, working);
+  EXPECT_EQ(tables.orderRow(30).LayerNumber, 31);
+  EXPECT_EQ(d->result(), QDialog::Accepted);
+
+  const auto rows = tables.LayerOrder;
+  d = open();
+  EXPECT_EQ(d->lstSearchSeq->item(6)->text().toStdString(), tables.layer(31).DisplayName);
+  d->close();
+  EXPECT_EQ(tables.LayerOrder, rows) << "closing by the frame leaves the rows";
+  EXPECT_NE(userStore_.GetSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_GIESVC_WIDTH",
+                                  "none"),
+            "none");
+}
+
+}  // namespace
+}  // namespace tvx
