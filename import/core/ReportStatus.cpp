@@ -1,4 +1,5 @@
 #include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
 
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -45,34 +46,38 @@ template <typename... P> constexpr StatusEntry entry(int32_t status, int icon, P
 constexpr Piece outsideLimits = cat("62385", "Coordinates outside limits");
 
 constexpr std::array<StatusEntry, 21> StatusTable = {{
-    entry(1, critical, cat("62379", "Range Error - format:"), digits),
-    entry(8, exclamation, cat("62380", "Artwork File - Incorrect format")),
-    entry(22, exclamation, cat("62381", "Can't load local vector font, default assumed."), name),
-    entry(85, exclamation, cat("62382", "Can't load "), name),
-    entry(86, exclamation, cat("62383", "Save of "), name, cat("62384", " failed")),
-    entry(88, none, outsideLimits, crlf,
+    entry(StatusReported, critical, cat("62379", "Range Error - format:"), digits),
+    entry(StatusIncorrectFormat, exclamation, cat("62380", "Artwork File - Incorrect format")),
+    entry(StatusNoVectorFont, exclamation,
+          cat("62381", "Can't load local vector font, default assumed."), name),
+    entry(StatusCannotLoad, exclamation, cat("62382", "Can't load "), name),
+    entry(StatusSaveFailed, exclamation, cat("62383", "Save of "), name, cat("62384", " failed")),
+    entry(StatusOutsideLimits, none, outsideLimits, crlf,
           cat("62386", "Check parameters for GERBER file and import again.")),
-    entry(90, none, name, cat("62387", " aperture not found in the list during import."), crlf,
+    entry(StatusApertureMissing, none, name,
+          cat("62387", " aperture not found in the list during import."), crlf,
           cat("62388", "Select proper Aperture Table and import again.")),
-    entry(92, none, outsideLimits, crlf, cat("62389", "Check parameters for "), name, lit(" "),
-          cat("62390", "file and import again.")),
-    entry(93, exclamation, name, lit(" - "),
+    entry(StatusExtents, none, outsideLimits, crlf, cat("62389", "Check parameters for "), name,
+          lit(" "), cat("62390", "file and import again.")),
+    entry(StatusNotSupported, exclamation, name, lit(" - "),
           cat("62391", "import of files in this format is not supported")),
-    entry(94, exclamation, name, lit(" - "), cat("62392", "this is not Format 2 File."), crlf,
+    entry(StatusNotFormatTwo, exclamation, name, lit(" - "),
+          cat("62392", "this is not Format 2 File."), crlf,
           cat("62393",
               "Format parameters and/or tools sizes might need adjustment for correct import")),
-    entry(104, exclamation, cat("62395", "Polygon to complex "), name),
-    entry(105, exclamation, cat("62396", "This path is not a closed shape"), name),
-    entry(200, exclamation, name, lit(" "), cat("62397", "No available layers")),
-    entry(201, exclamation, cat("62398", "No data to output")),
-    entry(300, none, name, lit(" "), cat("62399", "Completed")),
-    entry(400, exclamation, name, lit(" "), cat("4953", "No aperture defined for selected item")),
-    entry(414, exclamation, cat("loc", "Drawing extents are out of range."), crlf, name, crlf,
-          cat("loc", "Import may be truncated into supported range.")),
-    entry(2000, exclamation, cat("62400", "Incorrect stepping parameters"), name),
-    entry(2001, exclamation, cat("62401", "Set Point(s) to define rotation.")),
-    entry(2002, exclamation, cat("62402", "Out of Range"), name),
-    entry(3000, exclamation, cat("151219", "Nothing to import"), name),
+    entry(StatusPolygonTooComplex, exclamation, cat("62395", "Polygon to complex "), name),
+    entry(StatusPathNotClosed, exclamation, cat("62396", "This path is not a closed shape"), name),
+    entry(StatusNoLayers, exclamation, name, lit(" "), cat("62397", "No available layers")),
+    entry(StatusNoData, exclamation, cat("62398", "No data to output")),
+    entry(StatusCompleted, none, name, lit(" "), cat("62399", "Completed")),
+    entry(StatusNoAperture, exclamation, name, lit(" "),
+          cat("4953", "No aperture defined for selected item")),
+    entry(StatusExtentsTruncated, exclamation, cat("loc", "Drawing extents are out of range."),
+          crlf, name, crlf, cat("loc", "Import may be truncated into supported range.")),
+    entry(StatusBadStepping, exclamation, cat("62400", "Incorrect stepping parameters"), name),
+    entry(StatusNoRotationPoints, exclamation, cat("62401", "Set Point(s) to define rotation.")),
+    entry(StatusOutOfRange, exclamation, cat("62402", "Out of Range"), name),
+    entry(StatusNothingToImport, exclamation, cat("151219", "Nothing to import"), name),
 }};
 
 constexpr StatusEntry UnknownStatus = entry(0, critical, cat("62403", "Unknown Error"));
