@@ -8,8 +8,8 @@
 // picture as PNG and answers "TARVEX<TAB>SAVEVIEW,OK" or "TARVEX<TAB>SAVEVIEW,FAILED".
 
 #include "kernel/Kernel.h"
-#include "platform/widgets/QtUserPrompts.h"
 #include "platform/SystemServices.h"
+#include "platform/widgets/QtUserPrompts.h"
 #include "shell/ComponentContext.h"
 #include "shell/GBRVIEWER_MAIN.h"
 #include "shell/HostCommands.h"

@@ -2,8 +2,8 @@
 // apertures, and a file of regions. Reports the throughput, the records written and the growth of
 // the process's peak memory during the pass, which must not follow the file's size.
 #include "common/FileLayer.h"
-#include "import/gerber/GerberTextPass.h"
 #include "import/core/ReportStatus.h"
+#include "import/gerber/GerberTextPass.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 

@@ -2,9 +2,9 @@
 // of the header and sections. No input may crash, hang, read out of bounds or grow without end.
 #include "FuzzWorkFolder.h"
 #include "common/FileLayer.h"
+#include "import/core/ReportStatus.h"
 #include "import/gerber/ArtSections.h"
 #include "import/gerber/GerberTextPass.h"
-#include "import/core/ReportStatus.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 

@@ -2,8 +2,8 @@
 // the scan writes TMP.ART, the driver opens it and the loader restores the apertures from it.
 #include "GerberPassSupport.h"
 
-#include "import/gerber/ArtSections.h"
 #include "import/core/ImportDriver.h"
+#include "import/gerber/ArtSections.h"
 #include "kernel/Store.h"
 
 #include <gtest/gtest.h>
