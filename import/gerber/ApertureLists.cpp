@@ -80,7 +80,7 @@ void NoteApertureUse(ApertureLists& lists, int32_t dCode, int mode, ApertureList
         lists.SpecialList[special].Uses = 1;
     }
     if (listKind != DrawOrRoundList)
-      row.Size = -static_cast<int32_t>(listKind);
+      row.Size = listKind == SquareList ? LinkToSquarePad : LinkToSpecial;
     lists.DrawList.push_back(row);
     return;
   }

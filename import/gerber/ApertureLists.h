@@ -10,9 +10,12 @@
 
 namespace tvx {
 
-// One aperture of a list. In DrawList a negative Size is a link: -2 the aperture is a square pad,
-// -3 a special one, and the drawing pass takes the size from that list. In SpecialList Size is the
-// number (from 1) of the aperture's first row in PrimitiveList.
+// The Size of a DrawList row whose D-code draws with the shape of a flash: the drawing pass takes
+// the size from that list.
+enum DrawListLink : int32_t { LinkToSquarePad = -2, LinkToSpecial = -3 };
+
+// One aperture of a list. In DrawList a Size of DrawListLink is a link to another list. In
+// SpecialList Size is the number (from 1) of the aperture's first row in PrimitiveList.
 struct ApertureUse {
   int32_t DCode = 0;
   int32_t Size = 0;  // store units

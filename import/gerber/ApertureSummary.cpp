@@ -36,8 +36,9 @@ std::vector<ApertureInfo> describeApertures(const ApertureLists& lists) {
   };
   for (const ApertureUse& use : lists.DrawList) {
     ApertureInfo info = base(use, ApertureRole::Draw);
-    if (use.Size == -2 || use.Size == -3) {
-      info.Shape = use.Size == -2 ? ApertureShape::Square : ApertureShape::LinkedSpecial;
+    if (use.Size == LinkToSquarePad || use.Size == LinkToSpecial) {
+      info.Shape =
+          use.Size == LinkToSquarePad ? ApertureShape::Square : ApertureShape::LinkedSpecial;
       info.Size = 0;
     }
     rows.push_back(std::move(info));

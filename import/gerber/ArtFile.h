@@ -25,14 +25,31 @@ using ArtRecordBytes = std::array<uint8_t, ArtRecordLength>;
 ArtRecordBytes encodeArtRecord(const ArtRecord& record);
 ArtRecord decodeArtRecord(const ArtRecordBytes& bytes);
 
-// Record types of the file's fixed parts.
+// Record types. Records 1 to 5 are the header; the drawing stream follows up to its end record,
+// then the four aperture sections, each closed by its end record.
 namespace artrecord {
-inline constexpr uint8_t Header = 1;  // records 1 to 5
-inline constexpr uint8_t EndOfStream = 9;
-inline constexpr uint8_t DrawSection = 10, DrawSectionEnd = 19;
-inline constexpr uint8_t RoundPadSection = 20, RoundPadSectionEnd = 29;
-inline constexpr uint8_t SquarePadSection = 30, SquarePadSectionEnd = 39;
-inline constexpr uint8_t SpecialSection = 40, SpecialSectionEnd = 49;
+enum Type : uint8_t {
+  Header = 1,
+  Flash = 5,                  // N the D-code, at the point
+  PathStart = 6,              // N the interpolation mode, from the point
+  PathPoint = 7,              // N the D-code, a draw to the point
+  ArcCentreOrPolygonEnd = 8,  // N the radius at the centre; N -1 closes the polygon
+  EndOfStream = 9,
+  DrawSection = 10,
+  DrawSectionEnd = 19,
+  RoundPadSection = 20,
+  RoundPadSectionEnd = 29,
+  SquarePadSection = 30,
+  SquarePadSectionEnd = 39,
+  SpecialSection = 40,
+  MacroNameCharacter = 41,  // in section 40: X the position, Y the character
+  SpecialSectionEnd = 49,
+  StepRepeat = 50,       // N 1: the counts in X and Y; N 2: the steps
+  ImagePolarity = 51,    // N 0 positive, 1 negative
+  LayerPolarity = 52,    // N 0 dark, 1 clear
+  PolygonArcStart = 60,  // PathStart of an arc side of a polygon
+  PolygonArcPoint = 70,  // PathPoint of an arc side of a polygon
+};
 inline constexpr int32_t HeaderRecords = 5;
 }  // namespace artrecord
 

@@ -1,17 +1,23 @@
 #include "import/gerber/ArtSections.h"
 
-#include "import/gerber/GerberFormat.h"
 #include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
+#include "import/gerber/GerberFormat.h"
 
 namespace tvx {
 
 namespace {
 
-constexpr int32_t StatusIncorrectFormat = 8;
-constexpr int32_t StatusSaveFailed = 86;
-constexpr uint8_t MacroNameCharacter = 41;
-
-uint8_t sectionBase(int which) { return static_cast<uint8_t>(10 * (which + 1)); }
+// The record types of each section's rows and of its end, by list.
+struct SectionTypes {
+  artrecord::Type row, end;
+};
+constexpr SectionTypes Sections[4] = {
+    {artrecord::DrawSection, artrecord::DrawSectionEnd},
+    {artrecord::RoundPadSection, artrecord::RoundPadSectionEnd},
+    {artrecord::SquarePadSection, artrecord::SquarePadSectionEnd},
+    {artrecord::SpecialSection, artrecord::SpecialSectionEnd},
+};
 
 template <typename Lists> auto& sectionList(Lists& lists, int which) {
   switch (which) {
@@ -55,27 +61,27 @@ ArtHeader headerFromRecords(const std::array<ArtRecord, artrecord::HeaderRecords
 }
 
 std::vector<ArtRecord> sectionRecords(const ApertureLists& lists, int which) {
-  const uint8_t base = sectionBase(which);
+  const SectionTypes types = Sections[which];
   const std::vector<ApertureUse>& list = sectionList(lists, which);
   std::vector<ArtRecord> records;
   for (const ApertureUse& row : list) {
     if (!(row.Uses > 0))
       continue;
-    records.push_back({base, row.DCode, double(row.Size), row.Uses});
+    records.push_back({types.row, row.DCode, double(row.Size), row.Uses});
     if (which != 3 || row.Size < 1 || size_t(row.Size) > lists.PrimitiveList.size())
       continue;
     size_t k = size_t(row.Size) - 1;
     const PrimitiveRow& first = lists.PrimitiveList[k];
     if (first.Kind == primitive::Macro && !first.Text.empty())
       for (size_t i = 0; i < first.Text.size(); ++i)
-        records.push_back({MacroNameCharacter, row.DCode, double(i + 1),
+        records.push_back({artrecord::MacroNameCharacter, row.DCode, double(i + 1),
                            double(static_cast<unsigned char>(first.Text[i]))});
     for (; k < lists.PrimitiveList.size() && lists.PrimitiveList[k].DCode == row.DCode; ++k) {
       const PrimitiveRow& p = lists.PrimitiveList[k];
       records.push_back({static_cast<uint8_t>(p.Kind), p.DCode, double(p.Number), p.Value});
     }
   }
-  records.push_back({static_cast<uint8_t>(base + 9), 0, 0, 0});
+  records.push_back({types.end, 0, 0, 0});
   return records;
 }
 
@@ -88,7 +94,7 @@ void WriteSections(int32_t& status, int which, ArtWriter& out, const ApertureLis
 }
 
 void ReadSections(int32_t& status, ArtFile& art, int which, int32_t first, ApertureLists& lists) {
-  const uint8_t base = sectionBase(which);
+  const artrecord::Type base = Sections[which].row;
   std::vector<ApertureUse>& list = sectionList(lists, which);
   int32_t n = first;
   ArtRecord record;
@@ -105,7 +111,7 @@ void ReadSections(int32_t& status, ArtFile& art, int which, int32_t first, Apert
       std::string name;
       while ((more = art.read(++n, record)) && record.Type != base &&
              record.Type != artrecord::SpecialSectionEnd) {
-        if (record.Type == MacroNameCharacter)
+        if (record.Type == artrecord::MacroNameCharacter)
           name += static_cast<char>(static_cast<unsigned char>(toInt32(record.Y)));
         else
           lists.PrimitiveList.push_back(

@@ -1,9 +1,10 @@
 #include "import/gerber/GerberDrawing.h"
 
+#include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
 #include "import/gerber/ApertureExpansion.h"
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/GerberFormat.h"
-#include "import/core/ReportStatus.h"
 #include "kernel/Store.h"
 
 #include <algorithm>
@@ -14,17 +15,8 @@ namespace tvx {
 
 namespace {
 
-constexpr int32_t StatusIncorrectFormat = 8;
-constexpr int32_t StatusOutsideLimits = 88;
-constexpr int32_t StatusApertureMissing = 90;
 constexpr int32_t FirstPolygonId = 10000;
 constexpr double Radians = std::numbers::pi / 180.0;
-
-// Record types of the drawing stream.
-namespace rec {
-constexpr uint8_t Flash = 5, PathStart = 6, PolygonArcStart = 60, Draw = 7, PolygonArc = 70;
-constexpr uint8_t ArcCentre = 8, End = 9, StepRepeat = 50, ImagePolarity = 51, LayerPolarity = 52;
-}  // namespace rec
 
 // Modes of the pen.
 namespace mode {
@@ -99,9 +91,9 @@ bool DrawingPass::lookUp(int32_t dCode, bool flash) {
   if (!flash) {
     if (const int32_t row = findAperture(lists_.DrawList, dCode); row >= 0)
       size = lists_.DrawList[size_t(row)].Size;
-    if (size == -3 || size == -2) {
-      kind = size == -3 ? SpecialAperture : SquareAperture;
-      const auto& list = size == -3 ? lists_.SpecialList : lists_.SquarePadList;
+    if (size == LinkToSpecial || size == LinkToSquarePad) {
+      kind = size == LinkToSpecial ? SpecialAperture : SquareAperture;
+      const auto& list = size == LinkToSpecial ? lists_.SpecialList : lists_.SquarePadList;
       const int32_t row = findAperture(list, dCode);
       size = row >= 0 ? list[size_t(row)].Size : -1;
     }
@@ -253,22 +245,22 @@ void DrawingPass::run(int32_t& status) {
       break;
     }
     switch (record.Type) {
-    case rec::End:
+    case artrecord::EndOfStream:
       status = 0;
       file_.ClearPolarity = false;
       return;
-    case rec::Flash:
+    case artrecord::Flash:
       flash(record.N);
       break;
-    case rec::PathStart:
-    case rec::PolygonArcStart:
+    case artrecord::PathStart:
+    case artrecord::PolygonArcStart:
       prevX_ = curX_;
       prevY_ = curY_;
       mode_ = record.N;
-      if (record.Type == rec::PathStart ? record.N == mode::Polygon : points_.empty())
+      if (record.Type == artrecord::PathStart ? record.N == mode::Polygon : points_.empty())
         openPolygon();
       break;
-    case rec::Draw:
+    case artrecord::PathPoint:
       if (mode_ == mode::Polygon)
         points_.push_back({outlinepoint::Straight, curX_, curY_});
       else
@@ -276,10 +268,10 @@ void DrawingPass::run(int32_t& status) {
       prevX_ = curX_;
       prevY_ = curY_;
       break;
-    case rec::PolygonArc:
+    case artrecord::PolygonArcPoint:
       polygonArc();
       break;
-    case rec::ArcCentre:
+    case artrecord::ArcCentreOrPolygonEnd:
       if (record.N >= 0) {
         centreX_ = curX_;
         centreY_ = curY_;
@@ -289,7 +281,7 @@ void DrawingPass::run(int32_t& status) {
         polygonEnd();
       }
       break;
-    case rec::StepRepeat:
+    case artrecord::StepRepeat:
       if (record.N == 1) {
         stepX_ = record.X;
         stepY_ = record.Y;
@@ -298,8 +290,8 @@ void DrawingPass::run(int32_t& status) {
         stepJ_ = record.Y;
       }
       break;
-    case rec::ImagePolarity:
-    case rec::LayerPolarity:
+    case artrecord::ImagePolarity:
+    case artrecord::LayerPolarity:
       if (record.N == 0) {
         skip_ = false;
         file_.ClearPolarity = false;

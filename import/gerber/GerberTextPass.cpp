@@ -1,12 +1,13 @@
 #include "import/gerber/GerberTextPass.h"
 
 #include "common/FileLayer.h"
+#include "import/core/FileRecognition.h"
+#include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
 #include "import/gerber/ArtSections.h"
 #include "import/gerber/ArtStream.h"
-#include "import/core/FileRecognition.h"
 #include "import/gerber/GerberBlockReader.h"
 #include "import/gerber/ParameterBlocks.h"
-#include "import/core/ReportStatus.h"
 #include "platform/SystemServices.h"
 
 #include <cmath>
@@ -17,23 +18,10 @@ namespace tvx {
 
 namespace {
 
-constexpr int32_t StatusRadius = 88;
-constexpr int32_t StatusExtents = 92;
-constexpr int32_t StatusNotGerber = 93;
 // The widest extent the store can hold on one axis.
 constexpr double MostExtent = 2 * WorldLimit;
 // Bytes read from the source at a time.
 constexpr int32_t ChunkBytes = 1 << 16;
-
-namespace type {
-constexpr uint8_t Flash = 5;
-constexpr uint8_t PathStart = 6;
-constexpr uint8_t PathPoint = 7;
-constexpr uint8_t ArcCentreOrPolygonEnd = 8;
-constexpr uint8_t StepRepeat = 50;
-constexpr uint8_t ImagePolarity = 51;
-constexpr uint8_t LayerPolarity = 52;
-}  // namespace type
 
 // Where an aperture's rows stand, found once per D-code and kept until a definition changes the
 // lists.
@@ -114,8 +102,8 @@ bool TextPass::createIntermediate(int32_t& status) {
     return false;
   }
   // The header is known only at the end; five placeholders keep its place.
-  for (uint8_t t = 1; t <= artrecord::HeaderRecords; ++t)
-    put({t, 0, 0, 0});
+  for (int32_t n = 1; n <= artrecord::HeaderRecords; ++n)
+    put({artrecord::Header, 0, 0, 0});
   if (out_.failed()) {
     writeFailed(status);
     return false;
@@ -209,7 +197,7 @@ bool TextPass::writeOperation(int32_t& status) {
   if (reader_.PolygonEnd) {
     reader_.InPolygon = false;
     reader_.PolygonEnd = false;
-    if (!put({type::ArcCentreOrPolygonEnd, -1, 0, 0}))
+    if (!put({artrecord::ArcCentreOrPolygonEnd, -1, 0, 0}))
       return writeFailed(status), false;
     // G36 again behind the G37: the next polygon starts at once.
     if (reader_.InterpolationMode == 36)
@@ -232,25 +220,25 @@ bool TextPass::writeOperation(int32_t& status) {
     break;
   case WriteStepRepeat: {
     const StepRepeat& s = parameters_.Step;
-    if (!put({type::StepRepeat, 1, s.StepX, s.StepY}) ||
-        !put({type::StepRepeat, 2, s.StepI, s.StepJ}))
+    if (!put({artrecord::StepRepeat, 1, s.StepX, s.StepY}) ||
+        !put({artrecord::StepRepeat, 2, s.StepI, s.StepJ}))
       return writeFailed(status), false;
     break;
   }
   case WriteImagePolarity:
-    if (!put({type::ImagePolarity, parameters_.ImagePolarity, 0, 0}))
+    if (!put({artrecord::ImagePolarity, parameters_.ImagePolarity, 0, 0}))
       return writeFailed(status), false;
     header_.FeatureFlags |=
         parameters_.ImagePolarity == 0 ? featureflag::PositiveImage : featureflag::NegativeImage;
     break;
   case WriteLayerPolarity:
-    if (!put({type::LayerPolarity, parameters_.LayerPolarity, 0, 0}))
+    if (!put({artrecord::LayerPolarity, parameters_.LayerPolarity, 0, 0}))
       return writeFailed(status), false;
     header_.FeatureFlags |=
         parameters_.LayerPolarity == 0 ? featureflag::DarkLayer : featureflag::ClearLayer;
     break;
   case operation::Garbage:
-    fail(status, StatusNotGerber, sourceName_);
+    fail(status, StatusNotSupported, sourceName_);
     return false;
   default:
     // D04 to D09 and the stop: nothing to write.
@@ -262,34 +250,33 @@ bool TextPass::writeOperation(int32_t& status) {
 bool TextPass::draw(int32_t& status) {
   GerberBlockReader& r = reader_;
   const int32_t row = drawRow();
-  uint8_t multiplier = 1;
+  // Arc sides of a polygon have record types of their own.
+  const bool polygonArc = r.ArcMode && r.InPolygon;
   if (r.ArcMode) {
     const double radius = std::sqrt(r.I * r.I + r.J * r.J);
     if (radius > WorldLimit) {
-      fail(status, StatusRadius, std::string());
+      fail(status, StatusOutsideLimits, std::string());
       return false;
     }
     double cx = 0, cy = 0;
     if (arcCentre(r.QuadrantMode, r.InterpolationMode, prevX_, prevY_, r.X, r.Y, r.I, r.J, cx,
                   cy) &&
-        !put({type::ArcCentreOrPolygonEnd, toInt32(radius), cx, cy}))
+        !put({artrecord::ArcCentreOrPolygonEnd, toInt32(radius), cx, cy}))
       return writeFailed(status), false;
     r.I = r.J = 0;
     needStart_ = true;
-    // Arc sides of a polygon have record types of their own.
-    if (r.InPolygon)
-      multiplier = 10;
   }
   if (r.PolygonStart) {
     r.PolygonStart = false;
     needStart_ = true;
   }
   if (needStart_) {
-    if (!put({uint8_t(type::PathStart * multiplier), toInt32(r.InterpolationMode), prevX_, prevY_}))
+    if (!put({polygonArc ? artrecord::PolygonArcStart : artrecord::PathStart,
+              toInt32(r.InterpolationMode), prevX_, prevY_}))
       return writeFailed(status), false;
     needStart_ = false;
   }
-  if (!put({uint8_t(type::PathPoint * multiplier), r.CurrentD, r.X, r.Y}))
+  if (!put({polygonArc ? artrecord::PolygonArcPoint : artrecord::PathPoint, r.CurrentD, r.X, r.Y}))
     return writeFailed(status), false;
   if (r.InterpolationMode > 0 && r.InterpolationMode < 5 && !r.InPolygon)
     lists_.DrawList[size_t(row)].Uses += parameters_.Step.StepX * parameters_.Step.StepY;
@@ -303,7 +290,7 @@ bool TextPass::draw(int32_t& status) {
 
 bool TextPass::flash() {
   const auto [kind, row] = flashRow();
-  if (!put({type::Flash, reader_.CurrentD, reader_.X, reader_.Y}))
+  if (!put({artrecord::Flash, reader_.CurrentD, reader_.X, reader_.Y}))
     return false;
   lists_.flashList(kind)[size_t(row)].Uses += parameters_.Step.StepX * parameters_.Step.StepY;
   needStart_ = true;

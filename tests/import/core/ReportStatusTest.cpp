@@ -1,6 +1,7 @@
 #include "import/core/ReportStatus.h"
 
 #include "import/core/ImportJob.h"
+#include "import/core/StatusCodes.h"
 #include "import/gerber/ImportTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -24,39 +25,42 @@ struct StatusCase {
 
 // Name is "F.GBR" and the format 3.4 throughout.
 const StatusCase Cases[] = {
-    {1, Cr, "Range Error - format:3.4", "<62379>3.4"},
-    {8, Ex, "Artwork File - Incorrect format", "<62380>"},
-    {22, Ex, "Can't load local vector font, default assumed.F.GBR", "<62381>F.GBR"},
-    {85, Ex, "Can't load F.GBR", "<62382>F.GBR"},
-    {86, Ex, "Save of F.GBR failed", "<62383>F.GBR<62384>"},
-    {88, 0, "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.",
+    {StatusReported, Cr, "Range Error - format:3.4", "<62379>3.4"},
+    {StatusIncorrectFormat, Ex, "Artwork File - Incorrect format", "<62380>"},
+    {StatusNoVectorFont, Ex, "Can't load local vector font, default assumed.F.GBR", "<62381>F.GBR"},
+    {StatusCannotLoad, Ex, "Can't load F.GBR", "<62382>F.GBR"},
+    {StatusSaveFailed, Ex, "Save of F.GBR failed", "<62383>F.GBR<62384>"},
+    {StatusOutsideLimits, 0,
+     "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.",
      "<62385>\r\n<62386>"},
-    {90, 0,
+    {StatusApertureMissing, 0,
      "F.GBR aperture not found in the list during import.\r\nSelect proper Aperture Table and "
      "import again.",
      "F.GBR<62387>\r\n<62388>"},
-    {92, 0, "Coordinates outside limits\r\nCheck parameters for F.GBR file and import again.",
+    {StatusExtents, 0,
+     "Coordinates outside limits\r\nCheck parameters for F.GBR file and import again.",
      "<62385>\r\n<62389>F.GBR <62390>"},
-    {93, Ex, "F.GBR - import of files in this format is not supported", "F.GBR - <62391>"},
-    {94, Ex,
+    {StatusNotSupported, Ex, "F.GBR - import of files in this format is not supported",
+     "F.GBR - <62391>"},
+    {StatusNotFormatTwo, Ex,
      "F.GBR - this is not Format 2 File.\r\nFormat parameters and/or tools sizes might need "
      "adjustment for correct import",
      "F.GBR - <62392>\r\n<62393>"},
-    {104, Ex, "Polygon to complex F.GBR", "<62395>F.GBR"},
-    {105, Ex, "This path is not a closed shapeF.GBR", "<62396>F.GBR"},
-    {200, Ex, "F.GBR No available layers", "F.GBR <62397>"},
-    {201, Ex, "No data to output", "<62398>"},
-    {300, 0, "F.GBR Completed", "F.GBR <62399>"},
-    {400, Ex, "F.GBR No aperture defined for selected item", "F.GBR <4953>"},
-    // Both texts of 414 stand under the id "loc", which no catalogue holds.
-    {414, Ex,
+    {StatusPolygonTooComplex, Ex, "Polygon to complex F.GBR", "<62395>F.GBR"},
+    {StatusPathNotClosed, Ex, "This path is not a closed shapeF.GBR", "<62396>F.GBR"},
+    {StatusNoLayers, Ex, "F.GBR No available layers", "F.GBR <62397>"},
+    {StatusNoData, Ex, "No data to output", "<62398>"},
+    {StatusCompleted, 0, "F.GBR Completed", "F.GBR <62399>"},
+    {StatusNoAperture, Ex, "F.GBR No aperture defined for selected item", "F.GBR <4953>"},
+    // Both texts of StatusExtentsTruncated stand under the id "loc", which no catalogue holds.
+    {StatusExtentsTruncated, Ex,
      "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range.",
      "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range."},
-    {2000, Ex, "Incorrect stepping parametersF.GBR", "<62400>F.GBR"},
-    {2001, Ex, "Set Point(s) to define rotation.", "<62401>"},
-    {2002, Ex, "Out of RangeF.GBR", "<62402>F.GBR"},
-    {3000, Ex, "Nothing to importF.GBR", "<151219>F.GBR"},
-    {0, Cr, "Unknown Error", "<62403>"},
+    {StatusBadStepping, Ex, "Incorrect stepping parametersF.GBR", "<62400>F.GBR"},
+    {StatusNoRotationPoints, Ex, "Set Point(s) to define rotation.", "<62401>"},
+    {StatusOutOfRange, Ex, "Out of RangeF.GBR", "<62402>F.GBR"},
+    {StatusNothingToImport, Ex, "Nothing to importF.GBR", "<151219>F.GBR"},
+    {StatusOk, Cr, "Unknown Error", "<62403>"},
     {95, Cr, "Unknown Error", "<62403>"},
     {-1, Cr, "Unknown Error", "<62403>"},
 };
@@ -94,10 +98,10 @@ TEST(ReportStatusTest, BoxIsSystemModalWithBothTitles) {
   test::Reporting r;
   r.titles.dialogTitle = "Import Parameters";
   r.digits = {2, 5};
-  r.reporter.ReportStatus(1, "");
+  r.reporter.ReportStatus(StatusReported, "");
   r.titles.dialogTitle.clear();
-  r.reporter.ReportStatus(300, "Layer 3");
-  r.reporter.ReportStatus(8, "");
+  r.reporter.ReportStatus(StatusCompleted, "Layer 3");
+  r.reporter.ReportStatus(StatusIncorrectFormat, "");
   ASSERT_EQ(r.prompts.shown.size(), 3u);
   EXPECT_EQ(r.prompts.shown[0].prompt, "Range Error - format:2.5");
   EXPECT_EQ(r.prompts.shown[0].flags, msgbox::Critical | msgbox::SystemModal);

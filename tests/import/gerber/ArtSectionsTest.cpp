@@ -20,7 +20,7 @@ using ::testing::ElementsAre;
 
 ApertureLists sampleLists() {
   ApertureLists lists;
-  lists.DrawList = {{10, 2540, 3}, {11, 0, 0}, {12, -2, 1.5}};
+  lists.DrawList = {{10, 2540, 3}, {11, 0, 0}, {12, LinkToSquarePad, 1.5}};
   lists.RoundPadList = {{10, 2540, 4}};
   lists.SquarePadList = {{12, 5080, 1}, {13, 5080, 0}};
   lists.SpecialList = {{20, 1, 2}, {21, 4, 0}, {22, 6, 5}};
@@ -35,17 +35,21 @@ ApertureLists sampleLists() {
 
 TEST(ArtSections, OnlyUsedAperturesAreWrittenWithTheirPrimitivesAndMacroName) {
   const ApertureLists lists = sampleLists();
-  EXPECT_THAT(
-      sectionRecords(lists, 0),
-      ElementsAre(ArtRecord{10, 10, 2540, 3}, ArtRecord{10, 12, -2, 1.5}, ArtRecord{19, 0, 0, 0}));
-  EXPECT_THAT(sectionRecords(lists, 2),
-              ElementsAre(ArtRecord{30, 12, 5080, 1}, ArtRecord{39, 0, 0, 0}));
+  using namespace artrecord;
+  constexpr uint8_t Macro = primitive::Macro, Polygon = primitive::RegularPolygon;
+  EXPECT_THAT(sectionRecords(lists, 0),
+              ElementsAre(ArtRecord{DrawSection, 10, 2540, 3},
+                          ArtRecord{DrawSection, 12, LinkToSquarePad, 1.5},
+                          ArtRecord{DrawSectionEnd, 0, 0, 0}));
+  EXPECT_THAT(sectionRecords(lists, 2), ElementsAre(ArtRecord{SquarePadSection, 12, 5080, 1},
+                                                    ArtRecord{SquarePadSectionEnd, 0, 0, 0}));
   EXPECT_THAT(sectionRecords(lists, 3),
-              ElementsAre(ArtRecord{40, 20, 1, 2}, ArtRecord{41, 20, 1, 'A'},
-                          ArtRecord{41, 20, 2, 'B'}, ArtRecord{10, 20, 1, 1},
-                          ArtRecord{10, 20, 0, 900}, ArtRecord{10, 20, -3, 0},
-                          ArtRecord{40, 22, 6, 5}, ArtRecord{4, 22, 0, 3000},
-                          ArtRecord{4, 22, 0, 6}, ArtRecord{49, 0, 0, 0}));
+              ElementsAre(ArtRecord{SpecialSection, 20, 1, 2},
+                          ArtRecord{MacroNameCharacter, 20, 1, 'A'},
+                          ArtRecord{MacroNameCharacter, 20, 2, 'B'}, ArtRecord{Macro, 20, 1, 1},
+                          ArtRecord{Macro, 20, 0, 900}, ArtRecord{Macro, 20, -3, 0},
+                          ArtRecord{SpecialSection, 22, 6, 5}, ArtRecord{Polygon, 22, 0, 3000},
+                          ArtRecord{Polygon, 22, 0, 6}, ArtRecord{SpecialSectionEnd, 0, 0, 0}));
 }
 
 // Writes the four sections behind a minimal header and stream, the way the pass does.
@@ -53,17 +57,17 @@ std::string writeArt(const test::TempDir& dir, const ApertureLists& lists, ArtHe
   const std::string path = dir.file("TMP.ART");
   ArtWriter out;
   EXPECT_TRUE(out.create(path));
-  for (uint8_t t = 1; t <= 5; ++t)
-    out.append({t, 0, 0, 0});
-  out.append({5, 10, 1, 2});
-  out.append({9, 0, 0, 0});
+  for (int32_t n = 1; n <= artrecord::HeaderRecords; ++n)
+    out.append({artrecord::Header, 0, 0, 0});
+  out.append({artrecord::Flash, 10, 1, 2});
+  out.append({artrecord::EndOfStream, 0, 0, 0});
   for (int which = 0; which < 4; ++which) {
     header.SectionRecords[size_t(which)] = out.recordCount() + 1;
     for (const ArtRecord& r : sectionRecords(lists, which))
       out.append(r);
   }
   const auto records = headerRecords(header);
-  for (int n = 1; n <= 5; ++n)
+  for (int32_t n = 1; n <= artrecord::HeaderRecords; ++n)
     out.writeAt(n, records[size_t(n - 1)]);
   EXPECT_TRUE(out.close());
   return path;
@@ -91,14 +95,16 @@ TEST(ArtSections, LoadArtHeaderReadsWhatThePassWrote) {
   scan.Lists.DrawList = {{99, 1, 1}};  // emptied on reading
   ASSERT_EQ(loadHeader(writeArt(dir, sampleLists(), header), scan, reporting), 0);
   EXPECT_EQ(scan.Header, header);
-  EXPECT_THAT(scan.Lists.DrawList, ElementsAre(ApertureUse{10, 2540, 3}, ApertureUse{12, -2, 1.5}));
+  EXPECT_THAT(scan.Lists.DrawList,
+              ElementsAre(ApertureUse{10, 2540, 3}, ApertureUse{12, LinkToSquarePad, 1.5}));
   EXPECT_THAT(scan.Lists.RoundPadList, ElementsAre(ApertureUse{10, 2540, 4}));
   EXPECT_THAT(scan.Lists.SquarePadList, ElementsAre(ApertureUse{12, 5080, 1}));
   // The special rows point at their primitive rows anew.
   EXPECT_THAT(scan.Lists.SpecialList, ElementsAre(ApertureUse{20, 1, 2}, ApertureUse{22, 4, 5}));
   ASSERT_EQ(scan.Lists.PrimitiveList.size(), 5u);
-  EXPECT_EQ(scan.Lists.PrimitiveList[0], (PrimitiveRow{10, 20, 1, 1, "AB"}));
-  EXPECT_EQ(scan.Lists.PrimitiveList[3], (PrimitiveRow{4, 22, 0, 3000, ""}));
+  EXPECT_EQ(scan.Lists.PrimitiveList[0], (PrimitiveRow{primitive::Macro, 20, 1, 1, "AB"}));
+  EXPECT_EQ(scan.Lists.PrimitiveList[3],
+            (PrimitiveRow{primitive::RegularPolygon, 22, 0, 3000, ""}));
   EXPECT_TRUE(reporting.prompts.shown.empty());
 }
 

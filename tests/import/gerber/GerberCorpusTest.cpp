@@ -79,9 +79,9 @@ TEST(GerberCorpus, EveryGerberFilePassesWithPlausibleApertures) {
     double flashes = 0;
     bool repeats = false, polygons = false;
     for (const ArtRecord& r : stream) {
-      flashes += r.Type == 5;
-      repeats = repeats || r.Type == 50;
-      polygons = polygons || (r.Type == 8 && r.N == -1);
+      flashes += r.Type == artrecord::Flash;
+      repeats = repeats || r.Type == artrecord::StepRepeat;
+      polygons = polygons || (r.Type == artrecord::ArcCentreOrPolygonEnd && r.N == -1);
     }
     if (!polygons) {
       EXPECT_GT(uses, 0) << "a file that draws or flashes nothing";

@@ -93,7 +93,8 @@ struct GerberPass {
   std::vector<ArtRecord> stream() const {
     std::vector<ArtRecord> all = records();
     std::vector<ArtRecord> out;
-    for (size_t i = artrecord::HeaderRecords; i < all.size() && all[i].Type != 9; ++i)
+    for (size_t i = artrecord::HeaderRecords;
+         i < all.size() && all[i].Type != artrecord::EndOfStream; ++i)
       out.push_back(all[i]);
     return out;
   }

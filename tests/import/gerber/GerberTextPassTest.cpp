@@ -19,7 +19,9 @@ using test::inches;
 using test::typesOf;
 using ::testing::ElementsAre;
 
-constexpr uint8_t Flash = 5, Start = 6, Point = 7, Centre = 8, End = 9;
+constexpr uint8_t Flash = artrecord::Flash, Start = artrecord::PathStart,
+                  Point = artrecord::PathPoint, Centre = artrecord::ArcCentreOrPolygonEnd,
+                  End = artrecord::EndOfStream;
 
 // Small texts and the record types of the stream they leave, which always ends in its end record.
 TEST(GerberTextPass, StreamTypesOfSmallTexts) {
@@ -115,7 +117,8 @@ TEST(GerberTextPass, StepAndRepeatMultipliesUsesAndWidensExtents) {
   ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*%SRX3Y2I1.0J1.0*%X100Y200D03*%SR*%X0Y0D03*M02*"),
             0);
   const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(50, 50, Flash, 50, 50, Flash));
+  ASSERT_THAT(typesOf(s), ElementsAre(artrecord::StepRepeat, artrecord::StepRepeat, Flash,
+                                      artrecord::StepRepeat, artrecord::StepRepeat, Flash));
   EXPECT_EQ(s[0].N, 1);
   EXPECT_EQ(s[0].X, 3);
   EXPECT_EQ(s[0].Y, 2);
@@ -153,8 +156,8 @@ TEST(GerberTextPass, DrawsWithSquareOrSpecialAperturesLinkToThem) {
                      "D11*X0Y0D02*X100Y0D01*D13*X200Y0D01*M02*"),
             0);
   const ApertureLists& lists = pass.scan.Lists;
-  EXPECT_EQ(findRow(lists.DrawList, 11)->Size, -2);
-  EXPECT_EQ(findRow(lists.DrawList, 13)->Size, -3);
+  EXPECT_EQ(findRow(lists.DrawList, 11)->Size, LinkToSquarePad);
+  EXPECT_EQ(findRow(lists.DrawList, 13)->Size, LinkToSpecial);
   EXPECT_EQ(findRow(lists.SquarePadList, 11)->Uses, 1) << "so that its size reaches the file";
   EXPECT_EQ(findRow(lists.SpecialList, 13)->Uses, 1);
   EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 0);
@@ -256,8 +259,9 @@ TEST(GerberTextPass, PolygonsMarkTheirEndAndTheirArcSides) {
                      "G01X0Y0D01*G37*G36*X500Y500D02*X600Y500D01*X500Y500D01*G37*M02*"),
             0);
   const auto s = pass.stream();
-  EXPECT_THAT(typesOf(s), ElementsAre(Start, Point, Centre, 60, 70, Point, Centre, Start, Point,
-                                      Point, Centre));
+  EXPECT_THAT(typesOf(s),
+              ElementsAre(Start, Point, Centre, artrecord::PolygonArcStart,
+                          artrecord::PolygonArcPoint, Point, Centre, Start, Point, Point, Centre));
   EXPECT_EQ(s[0].N, 36);
   EXPECT_EQ(s[10].N, -1);
   EXPECT_EQ(s[6].N, -1) << "the first polygon's end mark, with the next polygon started at once";
@@ -268,7 +272,8 @@ TEST(GerberTextPass, PolaritiesWriteRecordsAndFeatureFlags) {
   GerberPass pass;
   ASSERT_EQ(pass.run("%IPNEG*%%LPD*%%ADD10C,0.01*%D10*X0Y0D03*%LPC*%X1Y1D03*M02*"), 0);
   const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(51, 52, Flash, 52, Flash));
+  ASSERT_THAT(typesOf(s), ElementsAre(artrecord::ImagePolarity, artrecord::LayerPolarity, Flash,
+                                      artrecord::LayerPolarity, Flash));
   EXPECT_EQ(s[0].N, 1);
   EXPECT_EQ(s[1].N, 0);
   EXPECT_EQ(s[3].N, 1);
