@@ -56,7 +56,8 @@ struct Device {
 
 class Graphics::Impl {
 public:
-  Impl(Store& store, KernelStrings& strings) : store(store), strings(strings) {}
+  Impl(Store& kernelStore, KernelStrings& kernelStrings)
+      : store(kernelStore), strings(kernelStrings) {}
 
   Store& store;
   KernelStrings& strings;

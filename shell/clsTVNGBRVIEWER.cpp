@@ -61,7 +61,7 @@ int16_t clsTVNGBRVIEWER::Load(int16_t& iMode) {
   return result;
 }
 
-void clsTVNGBRVIEWER::NotifyMe(const std::string& Aname, const std::string& sCommand) {
+void clsTVNGBRVIEWER::NotifyMe(const std::string& /*Aname*/, const std::string& sCommand) {
   if (sCommand.empty() || !mw_GBRVIEWER_MAIN)
     return;
   mw_GBRVIEWER_MAIN->AP_ExeCmd(sCommand);

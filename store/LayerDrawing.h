@@ -16,7 +16,8 @@ namespace tvx {
 // What a drawing pass of the layers uses besides its device and mode. One per drawing window; the
 // scratch of the one-colour view is kept so that later passes allocate nothing.
 struct LayerDrawContext {
-  LayerDrawContext(Graphics& graphics, Store& store) : graphics(graphics), store(store) {}
+  LayerDrawContext(Graphics& drawGraphics, Store& drawStore)
+      : graphics(drawGraphics), store(drawStore) {}
 
   Graphics& graphics;
   Store& store;

@@ -319,8 +319,8 @@ TEST_P(CorpusAccuracyTest, RendersCloseToItsReference) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Corpus, CorpusAccuracyTest, ::testing::ValuesIn(referenceRows()),
-                         [](const ::testing::TestParamInfo<ReferenceRow>& info) {
-                           return info.param.testName;
+                         [](const ::testing::TestParamInfo<ReferenceRow>& testInfo) {
+                           return testInfo.param.testName;
                          });
 
 }  // namespace
