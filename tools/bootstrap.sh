@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the viewer and the tests need, and only those missing.
 # Quiet and quick when everything is present; safe to run any number of times.
+#   tools/bootstrap.sh [EXTRA-PACKAGE...]   also the given packages (CI adds clang-format)
 set -euo pipefail
 
 packages=(
@@ -8,6 +9,7 @@ packages=(
   qt6-base-dev qt6-svg-dev libqt6svg6-dev libgl-dev
   libgtest-dev googletest libgmock-dev libbenchmark-dev
   xvfb xauth
+  "$@"
 )
 
 missing=()
