@@ -163,7 +163,7 @@ void GBRVIEWER_MAIN::UpdateStatusBusy() {
   setBusyPicture(BusyPicture);
 }
 
-void GBRVIEWER_MAIN::Form_KeyDown(int KeyCode, int Shift) {
+void GBRVIEWER_MAIN::Form_KeyDown(int KeyCode, int /*Shift*/) {
   if (KeyCode == KeyEscape)
     pointerToolActive_ = false;
 }

@@ -20,7 +20,7 @@
 
 namespace tvx {
 
-void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t UnloadMode) {
+void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t /*UnloadMode*/) {
   if (pointerToolActive_) {
     Cancel = true;
     return;
@@ -38,7 +38,7 @@ void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t UnloadMode) {
 }
 
 // Unload, in the order of its steps. While start-up has not got the view ready it only reports.
-void GBRVIEWER_MAIN::Form_Unload(bool& Cancel) {
+void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
   Kernel& kernel = context_.kernel;
   viewPicture_->removeEventFilter(this);
   if (!exitAnyWay_) {
