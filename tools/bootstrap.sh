@@ -4,9 +4,11 @@
 #   tools/bootstrap.sh [EXTRA-PACKAGE...]   also the given packages (CI adds clang-format)
 set -euo pipefail
 
+# Real package names only: dpkg never reports a virtual one as installed, so it would be asked for
+# on every run.
 packages=(
   cmake ninja-build g++ make pkg-config
-  qt6-base-dev qt6-svg-dev libqt6svg6-dev libgl-dev
+  qt6-base-dev qt6-svg-dev libgl-dev
   libgtest-dev googletest libgmock-dev libbenchmark-dev
   xvfb xauth
   "$@"
