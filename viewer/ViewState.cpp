@@ -9,6 +9,7 @@
 #include "platform/SystemServices.h"
 #include "store/Layers.h"
 #include "viewer/DisplayUnits.h"
+#include "viewer/Redraw.h"
 #include "viewer/ViewArithmetic.h"
 
 #include <algorithm>
@@ -95,7 +96,7 @@ std::string ViewState::viewSettingText() const {
   const auto bit = [](bool on) { return on ? std::string("1") : std::string("0"); };
   return bit(RulerOn) + "," + bit((ViewFlags & viewflag::Outline) == 0) + "," +
          bit((ViewFlags & viewflag::PadFrames) != 0) + "," +
-         bit((ViewFlags & viewflag::Mirror) != 0) + "," + bit((MonoFlags & 8) != 0) + "," +
+         bit((ViewFlags & viewflag::Mirror) != 0) + "," + bit((MonoFlags & MonoFlag) != 0) + "," +
          bit(ScrollBarsOn) + "," + bit(PadPositions != 0);
 }
 

@@ -5,6 +5,7 @@
 #include "kernel/Kernel.h"
 #include "platform/IniFile.h"
 #include "platform/SystemServices.h"
+#include "viewer/Redraw.h"
 #include "viewer/ViewState.h"
 #include "viewer/ViewTables.h"
 
@@ -174,7 +175,7 @@ TEST_F(ViewerSettingsTest, MonochromeSavedOnStillStartsInColour) {
 
   ViewState view(k_.graphics, *services_);
   applyToView(s, view);
-  EXPECT_EQ(view.MonoFlags & 8, 0);
+  EXPECT_EQ(view.MonoFlags & MonoFlag, 0);
   EXPECT_EQ(view.ViewFlags,
             viewflag::ScreenView | viewflag::Outline | viewflag::PadFrames | viewflag::Mirror);
   EXPECT_EQ(std::tie(view.RulerOn, view.ScrollBarsOn, view.PadPositions, view.DisplayUnit),
@@ -185,7 +186,7 @@ TEST_F(ViewerSettingsTest, MonochromeSavedOnStillStartsInColour) {
   ViewerSettings back = s;
   takeFromView(view, back);
   EXPECT_FALSE(back.VIEW.Monochrome);
-  view.MonoFlags |= 8;
+  view.MonoFlags |= MonoFlag;
   takeFromView(view, back);
   EXPECT_EQ(viewOptionsText(back.VIEW), "0,0,1,1,1,1,0");
   EXPECT_EQ(viewOptionsText(back.VIEW), view.viewSettingText()) << "the view writes VIEW alike";

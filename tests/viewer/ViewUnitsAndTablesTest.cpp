@@ -1,6 +1,8 @@
 // Display units and their pictures, the view's settings, and the kernel's tables read back.
 #include "ViewTestSupport.h"
 
+#include "viewer/Redraw.h"
+
 namespace tvx {
 namespace {
 
@@ -73,7 +75,7 @@ TEST_F(ViewSettingsTest, ViewZoomAndUnitSettings) {
   view.applyViewSetting("-1,1,0,0,1,-1,-1");  // monochrome is not applied; booleans go out as 1
   EXPECT_EQ(view.MonoFlags, 0);
   EXPECT_TRUE(view.ScrollBarsOn);
-  view.MonoFlags = 8;
+  view.MonoFlags = MonoFlag;
   EXPECT_EQ(view.viewSettingText(), "1,1,0,0,1,1,1");
 
   for (auto [text, factor] : {std::pair{"1.05", 2.0}, {"1,5", 1.5}, {"none", 2.0}}) {
