@@ -11,13 +11,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <string>
-#include <string_view>
 
 namespace {
 
 const std::string& intermediatePath() {
   static const std::string path = (tvx::fuzz::workFolder() / "TMP.ART").string();
+  return path;
+}
+
+const std::string& sourcePath() {
+  static const std::string path = (tvx::fuzz::workFolder() / "fuzz.gbr").string();
   return path;
 }
 
@@ -40,9 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   GerberScan scan;
   const std::vector<ApertureTableRow> table = {{2540, 10, 20, 30}, {5080, 11, 21, 31}};
   GerberPassContext context{services, reporter, files, format, scan, table, {}, {}, {}};
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  std::ofstream(sourcePath(), std::ios::binary | std::ios::trunc)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   int32_t status = 0;
-  RunGerberTextPassOnText(status, text, "fuzz.gbr", intermediatePath(), context);
+  RunGerberTextPass(status, sourcePath(), intermediatePath(), context);
   if (status == 0) {
     ArtFile art;
     if (art.open(intermediatePath())) {

@@ -1,17 +1,16 @@
 // Shapes and store elements drawn on an open device.
 #include "kernel/GraphicsImpl.h"
 
+#include "kernel/PlaneGeometry.h"
+
 #include <QPainterPath>
 #include <QPolygonF>
 
 #include <cmath>
-#include <numbers>
 
 namespace tvx {
 
 namespace {
-
-constexpr double DegToRad = std::numbers::pi / 180.0;
 
 // Appends an arc (centre, radius, start, sweep in thousandths of a degree) to a path in device
 // coordinates, from the end nearer to the path's current point when join is set.
@@ -19,7 +18,7 @@ void appendArc(const Device& d, QPainterPath& path, const ItemFields& f, bool jo
   double r = std::abs(double(f.Width));
   double start = f.Height / 1000.0, sweep = f.Sweep / 1000.0;
   auto pointAt = [&](double degrees) {
-    double a = degrees * DegToRad;
+    double a = degrees * RadiansPerDegree;
     return d.toDevice(f.X + r * std::cos(a), f.Y + r * std::sin(a));
   };
   QPointF from = pointAt(start), to = pointAt(start + sweep);
@@ -47,10 +46,11 @@ void flattenArc(const Device& d, const ItemFields& f, std::vector<QPointF>& out)
   double r = std::abs(double(f.Width));
   double radiusPx = r * d.scale;
   double sweep = f.Sweep / 1000.0;
-  double step = radiusPx > 0.5 ? 2 * std::acos(std::max(-1.0, 1 - 0.25 / radiusPx)) / DegToRad : 90;
+  double step =
+      radiusPx > 0.5 ? 2 * std::acos(std::max(-1.0, 1 - 0.25 / radiusPx)) / RadiansPerDegree : 90;
   int steps = std::clamp(int(std::ceil(std::abs(sweep) / std::max(step, 0.5))), 1, 720);
   for (int i = 0; i <= steps; ++i) {
-    double a = (f.Height / 1000.0 + sweep * i / steps) * DegToRad;
+    double a = (f.Height / 1000.0 + sweep * i / steps) * RadiansPerDegree;
     out.push_back(d.toDevice(f.X + r * std::cos(a), f.Y + r * std::sin(a)));
   }
 }
@@ -58,7 +58,7 @@ void flattenArc(const Device& d, const ItemFields& f, std::vector<QPointF>& out)
 QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
   double c = 1, s = 0;
   if (f.Angle % 360000 != 0) {
-    double a = f.Angle / 1000.0 * DegToRad;
+    double a = f.Angle / 1000.0 * RadiansPerDegree;
     c = std::cos(a);
     s = std::sin(a);
   }

@@ -2,41 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace tvx {
 
 namespace {
 
 constexpr double Milli = 1000.0;
-constexpr double DegToRad = std::numbers::pi / 180.0;
-
-struct Pt {
-  double x, y;
-};
-
-// Rotates a vector by an angle in thousandths of a degree; quarter turns are exact.
-Pt rotate(Pt v, int32_t angle) {
-  switch (normalisedAngle(angle)) {
-  case 0:
-    return v;
-  case 90000:
-    return {-v.y, v.x};
-  case 180000:
-    return {-v.x, -v.y};
-  case 270000:
-    return {v.y, -v.x};
-  default: {
-    double a = angle / Milli * DegToRad;
-    double c = std::cos(a), s = std::sin(a);
-    return {v.x * c - v.y * s, v.x * s + v.y * c};
-  }
-  }
-}
 
 struct Bounds {
   double minX = HUGE_VAL, minY = HUGE_VAL, maxX = -HUGE_VAL, maxY = -HUGE_VAL;
-  void add(Pt p) {
+  void add(Point p) {
     minX = std::min(minX, p.x);
     minY = std::min(minY, p.y);
     maxX = std::max(maxX, p.x);
@@ -48,7 +23,7 @@ struct Bounds {
   }
 };
 
-double segmentDistance(Pt q, Pt a, Pt b) {
+double segmentDistance(Point q, Point a, Point b) {
   double dx = b.x - a.x, dy = b.y - a.y;
   double len2 = dx * dx + dy * dy;
   double t = len2 > 0 ? ((q.x - a.x) * dx + (q.y - a.y) * dy) / len2 : 0.0;
@@ -57,7 +32,7 @@ double segmentDistance(Pt q, Pt a, Pt b) {
 }
 
 // Distance from q to a closed polygon's outline, and whether q lies inside it.
-double outlineDistance(Pt q, const Pt* corners, int n, bool& inside) {
+double outlineDistance(Point q, const Point* corners, int n, bool& inside) {
   double best = HUGE_VAL;
   inside = false;
   for (int i = 0, j = n - 1; i < n; j = i++) {
@@ -72,11 +47,11 @@ double outlineDistance(Pt q, const Pt* corners, int n, bool& inside) {
   return best;
 }
 
-int cornersOf(const ItemFields& item, size_t textLength, Pt* out) {
-  Pt origin{double(item.X), double(item.Y)};
+int cornersOf(const ItemFields& item, size_t textLength, Point* out) {
+  Point origin{double(item.X), double(item.Y)};
   auto at = [&](double dx, double dy) {
-    Pt v = rotate({dx, dy}, item.Angle);
-    return Pt{origin.x + v.x, origin.y + v.y};
+    Point v = rotated({dx, dy}, item.Angle);
+    return Point{origin.x + v.x, origin.y + v.y};
   };
   switch (item.Type) {
   case ItemTriangle:
@@ -141,11 +116,6 @@ void copyFields(const ItemFields& f, ItemRecord& r) {
   r.Sweep = f.Sweep;
 }
 
-int32_t normalisedAngle(int64_t angle) {
-  int64_t a = angle % 360000;
-  return int32_t(a < 0 ? a + 360000 : a);
-}
-
 void normaliseArc(int32_t& startAngle, int32_t& sweep) {
   int64_t start = startAngle;
   int64_t sw = sweep;
@@ -185,7 +155,7 @@ Box itemFrame(const ItemFields& item, size_t textLength) {
     normaliseArc(start, sweep);
     double r = std::abs(double(item.Width));
     auto onArc = [&](double angle) {
-      double a = angle / Milli * DegToRad;
+      double a = angle / Milli * RadiansPerDegree;
       // Rounded so that exact quarter points stay exact.
       b.add({std::round(item.X + r * std::cos(a)), std::round(item.Y + r * std::sin(a))});
     };
@@ -200,7 +170,7 @@ Box itemFrame(const ItemFields& item, size_t textLength) {
   case ItemRectangle:
   case ItemVectorText:
   case ItemTrueTypeText: {
-    Pt corners[4];
+    Point corners[4];
     int n = cornersOf(item, textLength, corners);
     for (int i = 0; i < n; ++i)
       b.add(corners[i]);
@@ -214,7 +184,7 @@ Box itemFrame(const ItemFields& item, size_t textLength) {
 }
 
 bool itemCovers(const ItemFields& item, size_t textLength, double x, double y, double tolerance) {
-  Pt q{x, y};
+  Point q{x, y};
   double reach = tolerance + halfPen(item);
   switch (item.Type) {
   case ItemLine:
@@ -231,12 +201,12 @@ bool itemCovers(const ItemFields& item, size_t textLength, double x, double y, d
     double r = std::abs(double(item.Width));
     double d = std::hypot(x - item.X, y - item.Y);
     if (d > 0) {
-      double angle = std::atan2(y - item.Y, x - item.X) / DegToRad * Milli;
+      double angle = std::atan2(y - item.Y, x - item.X) / RadiansPerDegree * Milli;
       if (angleInSweep(angle, start, sweep))
         return std::abs(d - r) <= reach;
     }
     for (double a : {double(start), double(start) + sweep}) {
-      double rad = a / Milli * DegToRad;
+      double rad = a / Milli * RadiansPerDegree;
       if (std::hypot(x - (item.X + r * std::cos(rad)), y - (item.Y + r * std::sin(rad))) <= reach)
         return true;
     }
@@ -246,7 +216,7 @@ bool itemCovers(const ItemFields& item, size_t textLength, double x, double y, d
   case ItemRectangle:
   case ItemVectorText:
   case ItemTrueTypeText: {
-    Pt corners[4];
+    Point corners[4];
     int n = cornersOf(item, textLength, corners);
     bool inside = false;
     double d = outlineDistance(q, corners, n, inside);
@@ -262,15 +232,15 @@ bool itemCovers(const ItemFields& item, size_t textLength, double x, double y, d
 void placePoint(int32_t& x, int32_t& y, const Placement& p) {
   if (p.isIdentity())
     return;
-  Pt v = rotate({p.Mirror ? -double(x) : double(x), double(y)}, p.Angle);
-  x = clampToInt32(v.x + p.X);
-  y = clampToInt32(v.y + p.Y);
+  const Point v = p.placed({double(x), double(y)});
+  x = clampToInt32(v.x);
+  y = clampToInt32(v.y);
 }
 
 void unplacePoint(int32_t& x, int32_t& y, const Placement& p) {
   if (p.isIdentity())
     return;
-  Pt v = rotate({double(x) - p.X, double(y) - p.Y}, -p.Angle);
+  Point v = rotated({double(x) - p.X, double(y) - p.Y}, -p.Angle);
   x = clampToInt32(p.Mirror ? -v.x : v.x);
   y = clampToInt32(v.y);
 }
@@ -279,7 +249,7 @@ void placeItem(ItemFields& item, const Placement& p) {
   if (p.isIdentity())
     return;
   auto placeVector = [&](int32_t& dx, int32_t& dy) {
-    Pt v = rotate({p.Mirror ? -double(dx) : double(dx), double(dy)}, p.Angle);
+    const Point v = p.turned({double(dx), double(dy)});
     dx = clampToInt32(v.x);
     dy = clampToInt32(v.y);
   };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "kernel/KernelTypes.h"
+#include "kernel/PlaneGeometry.h"
 #include "kernel/SpatialIndex.h"
 
 #include <cstdint>
@@ -29,18 +30,6 @@ struct ItemFields {
 ItemFields fieldsOf(const ItemRecord& record);
 void copyFields(const ItemFields& fields, ItemRecord& record);  // leaves Text and Face alone
 
-// A rigid placement: mirror in X first (x becomes -x), then rotation, then translation.
-struct Placement {
-  int32_t X = 0;
-  int32_t Y = 0;
-  int32_t Angle = 0;  // thousandths of a degree
-  bool Mirror = false;
-
-  bool isIdentity() const { return X == 0 && Y == 0 && Angle == 0 && !Mirror; }
-};
-
-// Angle brought into 0 to 359999 thousandths of a degree.
-int32_t normalisedAngle(int64_t angle);
 // Arc with a positive sweep of at most 360000 and a start angle in 0..359999.
 void normaliseArc(int32_t& startAngle, int32_t& sweep);
 

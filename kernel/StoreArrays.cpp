@@ -1,6 +1,8 @@
 // Object arrays and maps: counting, walking, adding, deleting, masks and cover searches.
 #include "kernel/StoreImpl.h"
 
+#include "kernel/PlaneGeometry.h"
+
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -106,7 +108,7 @@ void appendSide(const ItemFields& f, std::vector<std::pair<double, double>>& rin
     int steps = std::max(2, sweep / 10000);
     for (int i = 0; i <= steps; ++i) {
       double t = clockwise ? double(steps - i) / steps : double(i) / steps;
-      double a = (start + t * sweep) / 1000.0 * 3.14159265358979323846 / 180.0;
+      double a = (start + t * sweep) / 1000.0 * RadiansPerDegree;
       ring.emplace_back(f.X + f.Width * std::cos(a), f.Y + f.Width * std::sin(a));
     }
     return;

@@ -1,9 +1,9 @@
 #include "platform/MarkGlyphs.h"
 
 #include "kernel/Graphics.h"
+#include "kernel/PlaneGeometry.h"
 
 #include <cmath>
-#include <numbers>
 #include <utility>
 #include <vector>
 
@@ -43,7 +43,7 @@ bool drawMarkGlyph(Graphics& g, int32_t dev, int32_t drawMode, int32_t glyph, in
     return false;
   }
   double hw = (width > 0 ? width : height) / 2.0, hh = (height > 0 ? height : width) / 2.0;
-  double a = angle / 1000.0 * std::numbers::pi / 180.0, c = std::cos(a), s = std::sin(a);
+  double a = angle / 1000.0 * RadiansPerDegree, c = std::cos(a), s = std::sin(a);
   auto place = [&](double u, double v) {
     double px = u * hw, py = v * hh;
     return std::pair<int32_t, int32_t>{int32_t(std::lround(x + px * c - py * s)),

@@ -1,15 +1,13 @@
 #include "import/gerber/ApertureExpansion.h"
 
 #include "import/gerber/GerberFormat.h"
+#include "kernel/PlaneGeometry.h"
 
 #include <cmath>
-#include <numbers>
 
 namespace tvx {
 
 namespace {
-
-constexpr double Radians = std::numbers::pi / 180.0;
 
 // Rows each shape of a special aperture needs.
 int32_t rowsNeeded(int32_t kind) {
@@ -35,8 +33,8 @@ OutlinePoints regularPolygonPoints(double cx, double cy, double radius, double v
   double angle = firstAngle;
   const auto count = static_cast<int64_t>(vertices);
   for (int64_t i = 0; i <= count; ++i) {
-    points.push_back({outlinepoint::Straight, cx + radius * std::cos(angle * Radians),
-                      cy + radius * std::sin(angle * Radians)});
+    points.push_back({outlinepoint::Straight, cx + radius * std::cos(angle * RadiansPerDegree),
+                      cy + radius * std::sin(angle * RadiansPerDegree)});
     angle += step;
     if (angle > 360.0)
       angle -= 360.0;

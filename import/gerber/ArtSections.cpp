@@ -165,11 +165,4 @@ void LoadArtHeader(int32_t& status, ArtFile& art, bool writeBack, GerberScan& sc
   }
 }
 
-std::function<void(int32_t&, ArtFile&)> loadArtSectionsCallable(GerberScan& scan,
-                                                                const StatusReporter& reporter) {
-  return [&scan, &reporter](int32_t& status, ArtFile& art) {
-    LoadArtHeader(status, art, false, scan, reporter);
-  };
-}
-
 }  // namespace tvx

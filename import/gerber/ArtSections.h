@@ -8,7 +8,6 @@
 #include "import/gerber/GerberScan.h"
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace tvx {
@@ -35,9 +34,5 @@ void ReadSections(int32_t& status, ArtFile& art, int which, int32_t first, Apert
 // are reported here (the file's format, or its write) and leave status 1.
 void LoadArtHeader(int32_t& status, ArtFile& art, bool writeBack, GerberScan& scan,
                    const StatusReporter& reporter);
-
-// The read mode of LoadArtHeader as the import driver's readers call it, filling scan.
-std::function<void(int32_t&, ArtFile&)> loadArtSectionsCallable(GerberScan& scan,
-                                                                const StatusReporter& reporter);
 
 }  // namespace tvx

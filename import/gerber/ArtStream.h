@@ -1,5 +1,5 @@
-// Sequential access to TMP.ART with large buffers: the text pass appends its drawing stream record
-// by record and the drawing pass replays it, neither touching the disk per record.
+// Appending to TMP.ART through a large buffer: the text pass writes its drawing stream record by
+// record without touching the disk per record. The drawing pass reads the file with ArtFile.
 #pragma once
 
 #include "import/gerber/ArtFile.h"
@@ -47,40 +47,6 @@ private:
   int32_t count_ = 0;
   bool failed_ = false;
   int error_ = 0;
-};
-
-// Reads the records of a file one after the other, from any record on.
-class ArtReader {
-public:
-  static constexpr size_t BufferRecords = 3120;
-
-  ArtReader() = default;
-  ~ArtReader() { close(); }
-  ArtReader(const ArtReader&) = delete;
-  ArtReader& operator=(const ArtReader&) = delete;
-
-  bool open(const std::string& path);
-  void close();
-  bool isOpen() const { return file_ != nullptr; }
-
-  // Whole records of the file; bytes of a cut-off last record are not counted.
-  int32_t recordCount() const { return count_; }
-  // The next read gives record n (from 1).
-  bool seek(int32_t n);
-  // The next record; false at the end of the whole records or on a read failure.
-  bool next(ArtRecord& record);
-  // Number of the record that next() gives.
-  int32_t position() const { return next_; }
-
-private:
-  bool fill();
-
-  std::FILE* file_ = nullptr;
-  std::vector<uint8_t> buffer_;
-  size_t used_ = 0;    // bytes in buffer_
-  size_t offset_ = 0;  // read position in buffer_
-  int32_t count_ = 0;
-  int32_t next_ = 1;  // record number of the next record
 };
 
 }  // namespace tvx

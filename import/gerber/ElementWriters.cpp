@@ -183,22 +183,21 @@ void ElementWriter::AddStroke(double x1, double y1, double x2, double y2, int32_
   write(item, dCode, attributes);
 }
 
-void ElementWriter::AddArc(double centreX, double centreY, int32_t radius, double startX,
-                           double startY, double endX, double endY, int32_t size, int32_t dCode,
-                           int32_t force) {
+void ElementWriter::AddArc(Point centre, int32_t radius, Point start, Point end, int32_t size,
+                           int32_t dCode, int32_t force) {
   if (!passes(filter::AF_IPA, force) || excluded(dCode))
     return;
-  const double start = AngleOf(startX - centreX, startY - centreY);
-  const double end = AngleOf(endX - centreX, endY - centreY);
-  double sweep = end - start;
+  const double startAngle = AngleOf(start.x - centre.x, start.y - centre.y);
+  const double endAngle = AngleOf(end.x - centre.x, end.y - centre.y);
+  double sweep = endAngle - startAngle;
   if (sweep < 0)
     sweep += 360.0;
   ItemRecord item;
   item.Type = ItemArc;
-  item.X = toInt32(centreX);
-  item.Y = toInt32(centreY);
+  item.X = toInt32(centre.x);
+  item.Y = toInt32(centre.y);
   item.Width = radius;
-  item.Height = toInt32(start * 1000);
+  item.Height = toInt32(startAngle * 1000);
   item.Sweep = toInt32(sweep * 1000);
   item.LineWidth = size;
   item.Style = StyleOpen;

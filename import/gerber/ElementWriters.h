@@ -6,6 +6,7 @@
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/ApertureLists.h"
 #include "import/gerber/OutlineArcs.h"
+#include "kernel/PlaneGeometry.h"
 #include "store/ColourSlots.h"
 #include "store/LayerRecord.h"
 
@@ -17,7 +18,7 @@ namespace tvx {
 
 class Store;
 
-// Places a hole or pad position at (x, y) under the tool code (the Excellon reader's PlaceHole).
+// Places a hole or pad position at (x, y) under the tool code (PlaceHole in an import).
 using HolePlacer = std::function<void(double x, double y, int32_t toolCode,
                                       const LayerRecord& layer, const LayerFileRecord& file)>;
 
@@ -70,9 +71,10 @@ public:
   // that covers the stroke with square ends.
   void AddStroke(double x1, double y1, double x2, double y2, int32_t size, int32_t listKind,
                  int32_t dCode, int32_t force, int32_t attributes);
-  // A counter-clockwise arc from start to end about the centre.
-  void AddArc(double centreX, double centreY, int32_t radius, double startX, double startY,
-              double endX, double endY, int32_t size, int32_t dCode, int32_t force);
+  // A counter-clockwise arc of radius about the centre from the direction of start to that of end,
+  // drawn with a pen of width size.
+  void AddArc(Point centre, int32_t radius, Point start, Point end, int32_t size, int32_t dCode,
+              int32_t force);
   // A closed outline (points from 1, offset in point 0) as a run of polygon sides.
   void AddOutlinePolygon(const OutlinePoints& points, int32_t link, int32_t attributes);
   // The hole or pad position of a flash.

@@ -5,18 +5,17 @@
 #include "import/gerber/ApertureExpansion.h"
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/GerberFormat.h"
+#include "kernel/PlaneGeometry.h"
 #include "kernel/Store.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace tvx {
 
 namespace {
 
 constexpr int32_t FirstPolygonId = 10000;
-constexpr double Radians = std::numbers::pi / 180.0;
 
 // Modes of the pen.
 namespace mode {
@@ -138,22 +137,22 @@ void DrawingPass::draw(int32_t dCode) {
   mode_ = mirrored(mode_, file_.Mirror);
   if (!skip_) {
     forEachRepeat([&](double dI, double dJ) {
+      const Point centre{centreX_ + dI, centreY_ + dJ};
+      const Point from{prevX_ + dI, prevY_ + dJ}, to{curX_ + dI, curY_ + dJ};
       switch (mode_) {
       case mode::Line:
-        writer_.AddStroke(prevX_ + dI, prevY_ + dJ, curX_ + dI, curY_ + dJ, size_, listKind_, dCode,
-                          force::None, flashword::Drawn);
+        writer_.AddStroke(from.x, from.y, to.x, to.y, size_, listKind_, dCode, force::None,
+                          flashword::Drawn);
         break;
       case mode::Clockwise:
         // Clockwise from Prev to Cur is counter-clockwise from Cur to Prev.
-        writer_.AddArc(centreX_ + dI, centreY_ + dJ, radius_, curX_ + dI, curY_ + dJ, prevX_ + dI,
-                       prevY_ + dJ, size_, dCode, force::None);
+        writer_.AddArc(centre, radius_, to, from, size_, dCode, force::None);
         break;
       case mode::CounterClockwise:
-        writer_.AddArc(centreX_ + dI, centreY_ + dJ, radius_, prevX_ + dI, prevY_ + dJ, curX_ + dI,
-                       curY_ + dJ, size_, dCode, force::None);
+        writer_.AddArc(centre, radius_, from, to, size_, dCode, force::None);
         break;
       case mode::Circle:
-        writer_.AddDisc(centreX_ + dI, centreY_ + dJ, radius_, size_, StyleOpen, force::None,
+        writer_.AddDisc(centre.x, centre.y, radius_, size_, StyleOpen, force::None,
                         flashword::Drawn, dCode);
         break;
       default:
@@ -174,7 +173,7 @@ void DrawingPass::polygonArc() {
   double sweep = AngleOf(toX - centreX_, toY - centreY_) - start;
   if (sweep < 0)
     sweep += 360.0;
-  const double middle = (start + sweep / 2) * Radians;
+  const double middle = (start + sweep / 2) * RadiansPerDegree;
   points_.back().Kind = outlinepoint::NoStretch;
   OutlinePoint arc{outlinepoint::ArcMiddle, centreX_ + radius_ * std::cos(middle),
                    centreY_ + radius_ * std::sin(middle)};
@@ -327,13 +326,6 @@ void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFi
   context.store.reserveItems(2 * size_t(std::max(0, art.recordCount())));
   DrawingPass pass(art, layer, file, context);
   pass.run(status);
-}
-
-std::function<void(int32_t&, ArtFile&, LayerRecord&, LayerFileRecord&)>
-drawGerberStreamCallable(const GerberDrawContext& context) {
-  return [context](int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file) {
-    DrawGerberStream(status, art, layer, file, context);
-  };
 }
 
 }  // namespace tvx

@@ -10,7 +10,6 @@
 #include "store/LayerRecord.h"
 
 #include <cstdint>
-#include <functional>
 
 namespace tvx {
 
@@ -33,9 +32,5 @@ struct GerberDrawContext {
 // stops before its end record. What was written stays.
 void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
                       const GerberDrawContext& context);
-
-// The pass as the import driver's readers call it. The context's references must outlive it.
-std::function<void(int32_t&, ArtFile&, LayerRecord&, LayerFileRecord&)>
-drawGerberStreamCallable(const GerberDrawContext& context);
 
 }  // namespace tvx

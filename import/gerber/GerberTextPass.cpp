@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <string_view>
 #include <unordered_map>
 
 namespace tvx {
@@ -381,14 +382,6 @@ void TextPass::cancel(const std::function<void()>& closeSource) {
 
 }  // namespace
 
-std::function<void(int32_t&, const std::string&, const std::string&)>
-gerberTextPassCallable(const GerberPassContext& context) {
-  return [context](int32_t& status, const std::string& source, const std::string& intermediate) {
-    GerberPassContext c = context;
-    RunGerberTextPass(status, source, intermediate, c);
-  };
-}
-
 double storeUnitsPerFileUnit(int32_t unit, int32_t unitsPerMm) {
   return wholeNumber(unitsPerMm / unitTableValue(unit));
 }
@@ -461,25 +454,6 @@ void RunGerberTextPass(int32_t& status, const std::string& source, const std::st
   };
   pass.run(status, refill, static_cast<int64_t>(ec ? 0 : size),
            [&context, handle, &source] { context.files.CloseFile(false, handle, source); });
-}
-
-void RunGerberTextPassOnText(int32_t& status, std::string_view text, const std::string& sourceName,
-                             const std::string& intermediate, GerberPassContext& context) {
-  TextPass pass(context, sourceName, intermediate);
-  status = 0;
-  if (!pass.createIntermediate(status)) {
-    pass.cancelUnread();
-    return;
-  }
-  bool given = false;
-  auto refill = [text, &given](int32_t&, std::string_view& piece) {
-    if (given)
-      return false;
-    given = true;
-    piece = text;
-    return true;
-  };
-  pass.run(status, refill, static_cast<int64_t>(text.size()), {});
 }
 
 }  // namespace tvx

@@ -12,7 +12,6 @@
 #include <functional>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace tvx {
 
@@ -42,15 +41,6 @@ struct GerberPassContext {
 // line, and leaves status 1 (or the file helper's status when the source cannot be read).
 void RunGerberTextPass(int32_t& status, const std::string& source, const std::string& intermediate,
                        GerberPassContext& context);
-
-// The same pass over text that is already in memory; sourceName names it in messages.
-void RunGerberTextPassOnText(int32_t& status, std::string_view text, const std::string& sourceName,
-                             const std::string& intermediate, GerberPassContext& context);
-
-// The pass as the import dialog's scan set calls it: status, source file, intermediate file. The
-// context's references must outlive the callable.
-std::function<void(int32_t&, const std::string&, const std::string&)>
-gerberTextPassCallable(const GerberPassContext& context);
 
 // Store units of one file unit, as record 3 holds them.
 double storeUnitsPerFileUnit(int32_t unit, int32_t unitsPerMm);

@@ -3,6 +3,7 @@
 
 #include "import/gerber/GerberFormat.h"
 #include "kernel/Graphics.h"
+#include "kernel/PlaneGeometry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,18 +13,11 @@ namespace tvx {
 
 namespace {
 
-constexpr double Radians = std::numbers::pi / 180.0;
-
-struct Vec {
-  double x = 0;
-  double y = 0;
-};
-
 // A point taken round the origin by rotation (thousandths of a degree); its distance is made whole.
-Vec rotated(Vec p, double rotation) {
+Point turnedOnWholeRadius(Point p, double rotation) {
   if (rotation == 0)
     return p;
-  const double angle = (AngleOf(p.x, p.y) + rotation / 1000) * Radians;
+  const double angle = (AngleOf(p.x, p.y) + rotation / 1000) * RadiansPerDegree;
   const double distance = wholeNumber(std::hypot(p.x, p.y));
   return {distance * std::cos(angle), distance * std::sin(angle)};
 }
@@ -52,7 +46,7 @@ public:
 
 private:
   // A box with its corner relative to the flash point, turned by rotation about that point.
-  void rotatedBox(Vec corner, double width, double height, double angle, double rotation);
+  void rotatedBox(Point corner, double width, double height, double angle, double rotation);
   void line(const Primitive& p);
   void outline(const Primitive& p);
   void moire(const Primitive& p);
@@ -85,9 +79,9 @@ size_t rowsOf(int32_t code) {
   }
 }
 
-void MacroFlasher::rotatedBox(Vec corner, double width, double height, double angle,
+void MacroFlasher::rotatedBox(Point corner, double width, double height, double angle,
                               double rotation) {
-  corner = rotated(corner, rotation);
+  corner = turnedOnWholeRadius(corner, rotation);
   if (angle > 360)
     angle -= 360;
   else if (angle < -360)
@@ -129,7 +123,7 @@ void MacroFlasher::outline(const Primitive& p) {
   OutlinePoints points(1);
   points.reserve(pairs + 1);
   for (size_t i = 0; i < pairs; ++i) {
-    const Vec point = rotated({sign * p.v(3 + 2 * i), p.v(4 + 2 * i)}, rotation);
+    const Point point = turnedOnWholeRadius({sign * p.v(3 + 2 * i), p.v(4 + 2 * i)}, rotation);
     points.push_back({outlinepoint::Straight, x_ + point.x, y_ + point.y});
   }
   w_.AddOutlinePolygon(points, d_, flashword::Piece);
@@ -145,8 +139,8 @@ void MacroFlasher::moire(const Primitive& p) {
     radius = wholeNumber(radius - thickness - gap);
   }
   const double half = wholeNumber(p.v(8) / 2);
-  const double angle = p.v(9) / 1000 * Radians;
-  const Vec along{half * std::cos(angle), half * std::sin(angle)};
+  const double angle = p.v(9) / 1000 * RadiansPerDegree;
+  const Point along{half * std::cos(angle), half * std::sin(angle)};
   const int32_t width = toInt32(p.v(7));
   w_.AddStroke(cx - along.x, cy - along.y, cx + along.x, cy + along.y, width, RoundAperture, d_,
                force::Stroke, flashword::Piece);
@@ -166,8 +160,8 @@ bool MacroFlasher::thermal(const Primitive& p) {
     return true;
   const double outerRadius = radius + width / 2, innerRadius = radius - width / 2;
   const auto at = [&](double r, double degrees, int32_t kind) {
-    OutlinePoint point{kind, cx + r * std::cos(degrees * Radians),
-                       cy + r * std::sin(degrees * Radians)};
+    OutlinePoint point{kind, cx + r * std::cos(degrees * RadiansPerDegree),
+                       cy + r * std::sin(degrees * RadiansPerDegree)};
     if (kind == outlinepoint::ArcMiddle) {
       point.CentreX = toInt32(cx);
       point.CentreY = toInt32(cy);

@@ -46,7 +46,7 @@ TEST_F(ElementWriters, DiscsPassTheArcFilterOnlyWithTheBitOrForce) {
   file.Tag = "|D10*|";
   writer().AddDisc(0, 0, 10, 0, StyleFilled, force::Disc, flashword::Single, 10);
   writer().AddStroke(0, 0, 10, 0, 5, RoundAperture, 10, force::Stroke, flashword::Drawn);
-  writer().AddArc(0, 0, 10, 10, 0, 0, 10, 5, 10, force::Disc);
+  writer().AddArc({0, 0}, 10, {10, 0}, {0, 10}, 5, 10, force::Disc);
   EXPECT_EQ(items().size(), 1u) << "an excluded aperture writes nothing";
 }
 
@@ -135,9 +135,9 @@ TEST_F(ElementWriters, SpecialAperturesDrawWithPensOfTheirShape) {
 
 TEST_F(ElementWriters, ArcsRunCounterClockwiseFromStartToEnd) {
   // From straight down (270) to straight right (0/360): a sweep of 90 over the wrap.
-  writer().AddArc(100, 100, 50, 100, 50, 150, 100, 12, 14, force::None);
+  writer().AddArc({100, 100}, 50, {100, 50}, {150, 100}, 12, 14, force::None);
   file.FilterMask = filter::AF_ILN;
-  writer().AddArc(100, 100, 50, 100, 50, 150, 100, 12, 14, force::None);
+  writer().AddArc({100, 100}, 50, {100, 50}, {150, 100}, 12, 14, force::None);
   ASSERT_EQ(items().size(), 1u);
   const ItemRecord arc = items()[0];
   EXPECT_EQ(arc.Type, ItemArc);

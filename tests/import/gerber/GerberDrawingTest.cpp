@@ -29,7 +29,7 @@ protected:
     ArtFile art;
     EXPECT_TRUE(art.open(pass.art));
     int32_t status = 0;
-    loadArtSectionsCallable(scan, pass.reporting.reporter)(status, art);
+    LoadArtHeader(status, art, false, scan, pass.reporting.reporter);
     EXPECT_EQ(status, 0);
     if (edit)
       edit(scan);

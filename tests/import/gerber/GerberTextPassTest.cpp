@@ -353,7 +353,8 @@ void expectCancelled(const GerberPass& pass, const std::string& message) {
 
 TEST(GerberTextPass, FailuresCancelThePass) {
   const std::string ad = "%ADD10C,0.01*%D10*X0Y0D03*";
-  const std::string foreign = "board.gbr - import of files in this format is not supported";
+  // "SOURCE" stands for the source file's path.
+  const std::string foreign = "SOURCE - import of files in this format is not supported";
   const struct {
     const char* name;
     std::string text;
@@ -365,13 +366,16 @@ TEST(GerberTextPass, FailuresCancelThePass) {
       {"tab", ad + "\tM02*", foreign},
       {"character 255", ad + "\xffM02*", foreign},
       {"extents", "%ADD10C,0.01*%D10*X0Y0D02*X0Y0D03*X180000Y0D03*M02*",
-       "Coordinates outside limits\r\nCheck parameters for board.gbr file and import again."},
+       "Coordinates outside limits\r\nCheck parameters for SOURCE file and import again."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     GerberPass pass;
     EXPECT_EQ(pass.run(c.text), 1);
-    expectCancelled(pass, c.message);
+    std::string message = c.message;
+    if (const size_t at = message.find("SOURCE"); at != std::string::npos)
+      message.replace(at, 6, pass.source);
+    expectCancelled(pass, message);
   }
   // 100 foreign characters in a row are tolerated; a character of the set resets the count.
   GerberPass lenient;
