@@ -1,6 +1,6 @@
 // A drill file of 100,000 holes over 20 tools: reading it into blocks, the scan, the import of the
 // holes into the drill layer, and the whole road from the path to the layer without a window.
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -103,15 +103,13 @@ void BM_ScanExcellonText(benchmark::State& state) {
 // The import stage alone: the drill layer cleared, the import's scan, 100,000 pads placed.
 void BM_ImportIntoDrillLayer(benchmark::State& state) {
   Fixture& f = fixture();
-  ImportOwners owners = f.session.owners(f.tables.Layers);
-  if (ImportWithoutWindow(owners, f.path).status != 0)
+  if (f.session.importFile(f.tables.Layers, f.path).status != 0)
     state.SkipWithError("the drill file did not import");
   LayerRecord& drill = f.tables.layer(31);
-  ImportContext context{f.kernel.store,  f.services,        f.session.reporter,
-                        f.session.state, f.session.readers, {}};
+  ImportSession& s = f.session;
   for (auto _ : state) {
     int32_t status = 0;
-    ImportIntoLayer(status, drill, context);
+    ImportIntoLayer(status, drill, s.state, s.readers, s.store, s.reporter);
     benchmark::DoNotOptimize(status);
   }
   if (f.session.excellon.LastImport.Placed != Holes)
@@ -122,9 +120,8 @@ void BM_ImportIntoDrillLayer(benchmark::State& state) {
 // What the user waits for: recognition, reading, both scans, binding and the import.
 void BM_ImportWithoutWindow(benchmark::State& state) {
   Fixture& f = fixture();
-  ImportOwners owners = f.session.owners(f.tables.Layers);
   for (auto _ : state) {
-    const WindowlessImportResult result = ImportWithoutWindow(owners, f.path);
+    const ImportResult result = f.session.importFile(f.tables.Layers, f.path);
     if (result.status != 0)
       state.SkipWithError("the drill file did not import");
   }

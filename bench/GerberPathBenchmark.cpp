@@ -1,10 +1,10 @@
 // The whole road of a large RS-274-X copper layer: recognition, text pass and drawing pass (all in
-// ImportWithoutWindow), then one redraw of the layer at fit on a 1920 x 1080 offscreen picture.
-// The file is generated once per size into a temporary folder: a grid of tiles, each with pads of
-// several apertures (round, square, oval, polygon, two macros), tracks, arcs, and a small pour
-// with clear cut-outs. Sizes: 20 MB, and 100 MB, which runs only when asked for by name
+// ImportSession::importFile), then one redraw of the layer at fit on a 1920 x 1080 offscreen
+// picture. The file is generated once per size into a temporary folder: a grid of tiles, each with
+// pads of several apertures (round, square, oval, polygon, two macros), tracks, arcs, and a small
+// pour with clear cut-outs. Sizes: 20 MB, and 100 MB, which runs only when asked for by name
 // (--benchmark_filter=100MB).
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -176,12 +176,11 @@ void runGerberPath(benchmark::State& state, int megabytes) {
     WindowlessLayers run(services, prompts);
     Kernel* kernel = run.kernel.get();
     LayerTables* tables = run.tables.get();
-    ImportOwners owners = run.owners();
 
     const auto start = std::chrono::steady_clock::now();
-    WindowlessImportOptions options;
+    ImportOptions options;
     options.layer = CopperLayer;
-    const WindowlessImportResult result = ImportWithoutWindow(owners, path, options);
+    const ImportResult result = run.session->importFile(run.layers(), path, options);
     const auto imported = std::chrono::steady_clock::now();
     if (result.status != 0) {
       state.SkipWithError("the import failed");

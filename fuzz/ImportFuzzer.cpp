@@ -2,7 +2,7 @@
 // choice of kind, the scan, the layer binding, the reader into the layer's symbol and the centring.
 // No input may crash, hang, read out of bounds or grow without end.
 #include "FuzzWorkFolder.h"
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -31,8 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   SystemServices services(&prompts);
   WindowlessLayers run(services, prompts);
   run.session->state.Job.WorkDirectory = fuzz::workFolder().string() + "/";
-  ImportOwners owners = run.owners();
-  WindowlessImportOptions options;
+  ImportOptions options;
   // The first byte is not part of the file: it picks the kind as a user would (so files that
   // recognition would refuse are read too) or leaves it to recognition, and the centring.
   static constexpr ImportKind kinds[] = {ImportKind::Unknown,
@@ -51,6 +50,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
           ? DrillLayer
           : 3;
   options.noCenter = choice & 1;
-  ImportWithoutWindow(owners, path, options);
+  run.session->importFile(run.layers(), path, options);
   return 0;
 }

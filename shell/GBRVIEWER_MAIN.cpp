@@ -2,7 +2,7 @@
 // commands behind it, and the link between the view picture and the redraw.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"

@@ -242,11 +242,6 @@ private:
   void setImportControlsEnabled(bool enabled);
   // Makes layer number the current one: active, visible and on top.
   void makeLayerCurrent(int32_t number);
-  // The layer a file of this kind takes when no dialog asks: the first free Gerber layer, the
-  // outline for DXF, 0 (the binding decides) for the others; -1 when no Gerber layer is free.
-  int32_t layerForKind(int32_t kind, const std::vector<bool>& taken) const;
-  // Imports one file without the dialog; the layer it went to, 0 when it failed.
-  int32_t importOne(const std::string& path, int32_t layer);
   void askToDisplayFile(const std::string& path);
   // Loads the import window for the job's file, wired to this window; the one that is loaded
   // already is used again.

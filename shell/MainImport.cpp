@@ -1,17 +1,16 @@
 // The file-open command of the main window and the host's files, and the layer visibility window.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "import/core/FileRecognition.h"
+#include "import/core/StatusCodes.h"
+#include "import/readers/ImportSession.h"
 #include "import/readers/window/widgets/FileRequest.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
-#include "app/cli/RenderFiles.h"
-#include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
-#include "store/widgets/GBRVIEWER_GIESVC.h"
 #include "store/LayerCatalogue.h"
+#include "store/widgets/GBRVIEWER_GIESVC.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -25,18 +24,11 @@ namespace tvx {
 
 namespace {
 
-constexpr int32_t StatusNotSupported = 93;
 constexpr const char* DisplayFileId = "151217";
 constexpr const char* DisplayFileText = "Display file?";
 constexpr const char* UnrecognisedId = "151218";
 constexpr const char* UnrecognisedText = "Unrecognized  format";
 constexpr int KeyEscape = 27;
-
-bool layerIsEmpty(const Store& store, const LayerRecord& layer) {
-  return store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle)) +
-             store.OA_GetCount(store.S_SymbolItemArray(layer.SymbolHandle)) ==
-         0;
-}
 
 }  // namespace
 
@@ -44,9 +36,7 @@ void GBRVIEWER_MAIN::M_FSIimport_Click() {
   if (!import_)
     return;
   Form_KeyDown(KeyEscape, 0);
-  const std::string workDirectory = import_->state.Job.WorkDirectory;
-  import_->state.Job = ImportJob{};
-  import_->state.Job.WorkDirectory = workDirectory;
+  import_->startJob({}, ImportKind::Unknown);
   if (fileRequest_) {
     fileRequest_->raise();
     return;
@@ -90,29 +80,6 @@ void GBRVIEWER_MAIN::makeLayerCurrent(int32_t number) {
     }
 }
 
-int32_t GBRVIEWER_MAIN::layerForKind(int32_t kind, const std::vector<bool>& taken) const {
-  const auto k = static_cast<ImportKind>(kind);
-  if (isGerberKind(k)) {
-    for (const int32_t number : gerberLayerOrder())
-      if (!taken[size_t(number)] && layerIsEmpty(context_.kernel.store, tables_->layer(number)))
-        return number;
-    return -1;
-  }
-  if (k == ImportKind::Dxf)
-    return BoardOutlineLayer;
-  return 0;
-}
-
-int32_t GBRVIEWER_MAIN::importOne(const std::string& path, int32_t layer) {
-  ImportOwners owners = import_->owners(tables_->Layers);
-  WindowlessImportOptions options;
-  options.layer = layer;
-  options.noCenter = settings_.NoCenter;
-  options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
-  const WindowlessImportResult result = ImportWithoutWindow(owners, path, options);
-  return result.status == 0 ? result.layer : 0;
-}
-
 void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path) {
   import_->reporter.ReportStatus(StatusNotSupported, path);
   const SystemServices& services = context_.services;
@@ -125,8 +92,7 @@ void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path) {
 void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   if (!import_ || importRunning_)
     return;
-  ImportJob& job = import_->state.Job;
-  job.SourcePath = path;
+  import_->startJob(path, ImportKind::Unknown);
   const std::string folder = QFileInfo(QString::fromStdString(path)).absolutePath().toStdString();
   int32_t status = 0;
   writeImpDir(status, context_.services, folder);
@@ -134,26 +100,21 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
 
   setImportControlsEnabled(false);
   setCursor(Qt::WaitCursor);
-  ImportKind kind;
-  {
-    FileRecogniser recogniser(import_->files, context_.services);
-    recogniser.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
-    kind = recogniser.RecogniseFile(path);
-  }
+  const ImportKind kind =
+      import_->recognise(path, [this](const std::string& text) { EditMsgLine(text); });
   unsetCursor();
   const bool displayFile = kind == ImportKind::Unknown;
   if (!displayFile) {
     // The import window takes the file: stage one at once, and for the kinds whose layer is
     // fixed (drill, HPGL, DXF) the import too. It stays up, without a modal loop, until the user
     // closes it; until then closing the main window is refused and no other import starts.
-    job.Kind = kind;
+    import_->state.Job.Kind = kind;
     GBRVIEWER_IMPORT& window = loadImportWindow();
     ImportWindowModel& model = window.model();
     importRunning_ = true;
     setImportDialogVisible(true);
     const bool stays = model.ApplyFile();
-    if (stays && (kind == ImportKind::ExcellonFormatTwo || kind == ImportKind::ExcellonFormatOne ||
-                  kind == ImportKind::Hpgl || kind == ImportKind::Dxf))
+    if (stays && (isExcellonKind(kind) || isPlotterOrCadKind(kind)))
       model.ImportFile();
     if (importWindow_) {
       window.refresh();
@@ -172,28 +133,19 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
 int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
   if (!import_)
     return 0;
-  std::vector<bool> taken(size_t(LayerCount) + 1, false);
   int imported = 0;
   setImportControlsEnabled(false);
   importRunning_ = true;
-  for (const std::string& path : files) {
-    ImportKind kind;
-    {
-      FileRecogniser recogniser(import_->files, context_.services);
-      kind = recogniser.RecogniseFile(path);
-    }
-    if (kind == ImportKind::Unknown) {
-      import_->reporter.ReportStatus(StatusNotSupported, path);
-      continue;
-    }
-    const int32_t layer = layerForKind(int32_t(kind), taken);
-    const int32_t number = layer >= 0 ? importOne(path, layer) : 0;
-    if (number == 0)
-      continue;
-    taken[size_t(number)] = true;
-    makeLayerCurrent(number);
+  ImportSession::BatchOptions options;
+  options.noCenter = settings_.NoCenter;
+  options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+  options.afterEach = [&](const std::string&, const ImportResult& result) {
+    if (result.status != StatusOk || result.layer == 0)
+      return;
+    makeLayerCurrent(result.layer);
     ++imported;
-  }
+  };
+  import_->importFiles(tables_->Layers, files, options);
   importRunning_ = false;
   setImportControlsEnabled(true);
   M_FSI_Click(1);

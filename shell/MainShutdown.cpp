@@ -1,7 +1,7 @@
 // The close request, the unload, and the window's sizing.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"

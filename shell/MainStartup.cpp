@@ -1,7 +1,7 @@
 // Start-up of the main window (Form_Load), its positioning, and ApplySystemSettings.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/widgets/HelpWindow.h"
 #include "platform/InterfaceFont.h"

@@ -2,12 +2,16 @@
 
 #include "common/TextHelpers.h"
 #include "import/core/FileRecognition.h"
-#include "import/readers/WindowlessImport.h"
+#include "import/gerber/ApertureSummary.h"
+#include "import/readers/ImportSession.h"
+#include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 #include "store/ColourSlots.h"
 #include "store/Layers.h"
+
+#include <QTemporaryDir>
 
 #include <charconv>
 #include <memory>
@@ -79,21 +83,13 @@ void takeMessages(const ScriptedPrompts& prompts, size_t from, bool withTitle,
   }
 }
 
-void gatherExcellon(FileInfo& info, Kernel& kernel, SystemServices& services,
-                    ScriptedPrompts& prompts) {
-  ColourSlots colours;
-  colours.build(kernel.strings);
-  auto tables = std::make_unique<LayerTables>();
-  BuildLayerTables(kernel.store, services, colours, false, *tables);
-
-  ImportSession session(kernel.store, services, prompts);
-  session.titles.programTitle = "gbrview";
-  ImportOwners owners = session.owners(tables->Layers);
-  WindowlessImportOptions options;
+void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
+  ImportSession& session = *run.session;
+  ImportOptions options;
   options.kind = info.recognisedKind;
   options.noCenter = true;
   const size_t before = prompts.shown.size();
-  const WindowlessImportResult result = ImportWithoutWindow(owners, info.path, options);
+  const ImportResult result = session.importFile(run.layers(), info.path, options);
   takeMessages(prompts, before, false, info.messages);
 
   info.excellon = true;
@@ -105,15 +101,33 @@ void gatherExcellon(FileInfo& info, Kernel& kernel, SystemServices& services,
       info.extents.MinX <= info.extents.MaxX && info.extents.MinY <= info.extents.MaxY;
   info.layer = result.layer;
   if (result.layer != 0) {
-    const LayerRecord& layer = tables->layer(result.layer);
+    const Store& store = run.kernel->store;
+    const LayerRecord& layer = run.tables->layer(result.layer);
     info.layerName = layer.DisplayName;
     if (!layer.Files.empty())
       info.tools = layer.Files.front().Tools;
-    info.pads = kernel.store.OA_GetCount(kernel.store.S_SymbolEntryArray(layer.SymbolHandle));
+    info.pads = store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle));
     info.holeTally = session.excellon.LastImport;
   }
   for (const ToolEntry& tool : info.tools)
     info.holes += tool.HoleCount;
+}
+
+// A Gerber file: stage one alone, whose aperture lists tell what the file defines and uses.
+void gatherGerber(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
+  ImportSession& session = *run.session;
+  session.startJob(info.path, info.recognisedKind);
+  const size_t before = prompts.shown.size();
+  const ScanResult result = session.applyFile(run.layers(), true);
+  takeMessages(prompts, before, false, info.messages);
+  info.gerber = true;
+  info.importStatus = result == ScanResult::Scanned ? 0 : 1;
+  if (result != ScanResult::Scanned)
+    return;
+  info.apertures = describeApertures(session.gerberScan.Lists);
+  info.extents = session.state.Extents;
+  info.hasExtents =
+      info.extents.MinX <= info.extents.MaxX && info.extents.MinY <= info.extents.MaxY;
 }
 
 }  // namespace
@@ -123,7 +137,6 @@ FileInfo gatherFileInfo(const std::string& path) {
   info.path = path;
   ScriptedPrompts prompts;  // shows nothing; keeps every message for the report
   SystemServices services(&prompts);
-  auto kernel = std::make_unique<Kernel>();
 
   {
     FileLayer files(services, &prompts);
@@ -138,8 +151,18 @@ FileInfo gatherFileInfo(const std::string& path) {
     info.recognisedKind = recogniseText(text, clock);
   }
   info.kind = info.recognisedKind;
-  if (isExcellonKind(info.recognisedKind))
-    gatherExcellon(info, *kernel, services, prompts);
+  if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind)) {
+    WindowlessLayers run(services, prompts);
+    run.session->titles.programTitle = "gbrview";
+    // A work folder of this run's own for the intermediate file.
+    QTemporaryDir workFolder;
+    if (workFolder.isValid())
+      run.session->state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
+    if (isExcellonKind(info.recognisedKind))
+      gatherExcellon(info, run, prompts);
+    else
+      gatherGerber(info, run, prompts);
+  }
   info.kindName = importKindName(services, info.kind);
   return info;
 }
@@ -182,6 +205,20 @@ std::string fileInfoText(const FileInfo& info) {
              ", refused " + std::to_string(t.StoreRefused) + ")";
     }
     out += "\n";
+  }
+  if (info.gerber && info.importStatus == 0) {
+    out += "apertures: " + std::to_string(info.apertures.size()) + "\n";
+    for (const ApertureInfo& a : info.apertures)
+      out += "  D" + std::to_string(a.DCode) + "  " + apertureRoleWord(a.Role) + "  " +
+             apertureShapeWord(a.Shape) + (a.MacroName.empty() ? "" : " " + a.MacroName) +
+             (a.Size != 0 ? "  " + fixed(a.Size / UnitsPerMm, 5) + " mm" : "") + "  " +
+             fixed(a.Uses, 0) + " uses" + (a.Defined ? "" : "  (not defined)") + "\n";
+    if (info.hasExtents) {
+      const FileExtents& e = info.extents;
+      out += "extents mm: x " + fixed(e.MinX / UnitsPerMm, 5) + " .. " +
+             fixed(e.MaxX / UnitsPerMm, 5) + ", y " + fixed(e.MinY / UnitsPerMm, 5) + " .. " +
+             fixed(e.MaxY / UnitsPerMm, 5) + "\n";
+    }
   }
   for (const std::string& message : info.messages)
     out += "message: " + message + "\n";
@@ -232,6 +269,19 @@ std::string fileInfoJson(const FileInfo& info) {
            ", \"withoutSize\": " + std::to_string(t.WithoutSize) +
            ", \"refused\": " + std::to_string(t.StoreRefused) + "}\n";
     out += "  },\n";
+  }
+  if (info.gerber && info.importStatus == 0) {
+    out += "  \"gerber\": {\"apertures\": [";
+    for (size_t i = 0; i < info.apertures.size(); ++i) {
+      const ApertureInfo& a = info.apertures[i];
+      out += std::string(i ? "," : "") + "\n      {\"dCode\": " + std::to_string(a.DCode) +
+             ", \"role\": " + jsonString(apertureRoleWord(a.Role)) +
+             ", \"shape\": " + jsonString(apertureShapeWord(a.Shape)) +
+             ", \"macro\": " + jsonString(a.MacroName) +
+             ", \"sizeMm\": " + fixed(a.Size / UnitsPerMm, 5) + ", \"uses\": " + fixed(a.Uses, 0) +
+             ", \"defined\": " + (a.Defined ? "true" : "false") + "}";
+    }
+    out += info.apertures.empty() ? "]},\n" : "\n    ]},\n";
   }
   out += "  \"messages\": [";
   for (size_t i = 0; i < info.messages.size(); ++i)

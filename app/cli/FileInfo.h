@@ -1,10 +1,12 @@
-// What the readers find in one file, for "gbrview info": its kind, and for a drill file the format,
-// the tool table, the extents and how the holes went into the drill layer.
+// What the readers find in one file, for "gbrview info": its kind; for a drill file the format,
+// the tool table, the extents and how the holes went into the drill layer; for a Gerber file its
+// apertures with their uses and its extents.
 #pragma once
 
 #include "import/core/ImportJob.h"
-#include "import/readers/excellon/ExcellonReader.h"
+#include "import/gerber/ApertureSummary.h"
 #include "import/readers/ImportSettings.h"
+#include "import/readers/excellon/ExcellonReader.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -34,11 +36,15 @@ struct FileInfo {
   int32_t pads = 0;     // pads in that layer after the import
   HoleTally holeTally;  // how each hole went
 
+  // Gerber files: what the text pass found.
+  bool gerber = false;
+  std::vector<ApertureInfo> apertures;  // every row of the four aperture lists
+
   // The messages shown while reading (file errors, status messages), in order.
   std::vector<std::string> messages;
 
   // True when the file could not be read or its import failed.
-  bool failed() const { return !readable || (excellon && importStatus != 0); }
+  bool failed() const { return !readable || ((excellon || gerber) && importStatus != 0); }
 };
 
 // Reads and scans a file on its own store and layers, with the import settings' defaults, and

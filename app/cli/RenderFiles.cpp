@@ -1,8 +1,7 @@
 #include "app/cli/RenderFiles.h"
 
 #include "common/TextHelpers.h"
-#include "import/core/FileRecognition.h"
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -60,22 +59,6 @@ void takeMessages(const ScriptedPrompts& prompts, size_t from, const std::string
 bool fitsStore(double units) {
   return units >= std::numeric_limits<int32_t>::min() &&
          units <= std::numeric_limits<int32_t>::max();
-}
-
-// The layer a file of kind goes to; 0 lets the binding decide, -1 when no layer is left.
-int32_t layerFor(ImportKind kind, const RenderOptions& options, bool firstGerber,
-                 const std::array<bool, LayerCount + 1>& taken) {
-  if (isGerberKind(kind)) {
-    if (firstGerber && options.layer)
-      return *options.layer;
-    for (const int32_t number : gerberLayerOrder())
-      if (!taken[size_t(number)])
-        return number;
-    return -1;
-  }
-  if (kind == ImportKind::Dxf)
-    return BoardOutlineLayer;
-  return 0;
 }
 
 // The frame of everything imported, in millimetres, with a margin of 2% of its larger side and
@@ -164,13 +147,6 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
 
 }  // namespace
 
-std::vector<int32_t> gerberLayerOrder() {
-  std::vector<int32_t> order = {3, 4, 1, 6, 2, 5};
-  for (int32_t n = 7; n < BoardOutlineLayer; ++n)
-    order.push_back(n);
-  return order;
-}
-
 std::string checkRenderOptions(const RenderOptions& options) {
   if (!std::isfinite(options.dpi) || options.dpi < MinDpi || options.dpi > MaxDpi)
     return "--dpi must be from 1 to 20000";
@@ -252,48 +228,28 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   QTemporaryDir workFolder;
   if (workFolder.isValid())
     session.state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
-  ImportOwners owners = run.owners();
-
-  std::array<bool, LayerCount + 1> taken{};
-  bool firstGerber = true;
   bool failed = false;
-  for (const std::string& path : options.files) {
-    const size_t before = prompts.shown.size();
-    ImportKind kind;
-    {
-      FileRecogniser recogniser(session.files, services);
-      kind = recogniser.RecogniseFile(path);
-    }
-    int32_t layer = 0;
-    WindowlessImportResult result;
-    if (kind != ImportKind::Unknown) {
-      layer = layerFor(kind, options, firstGerber, taken);
-      if (isGerberKind(kind))
-        firstGerber = false;
-      if (layer >= 0) {
-        WindowlessImportOptions importOptions;
-        importOptions.kind = kind;
-        importOptions.layer = layer;
-        importOptions.noCenter = true;
-        result = ImportWithoutWindow(owners, path, importOptions);
-      }
-    }
+  size_t before = prompts.shown.size();
+  ImportSession::BatchOptions batch;
+  batch.firstGerberLayer = options.layer.value_or(0);
+  batch.noCenter = true;
+  batch.afterEach = [&](const std::string& path, const ImportResult& result) {
     const bool ok = result.status == 0 && result.layer != 0;
     takeMessages(prompts, before, path, outcome.messages);
     if (!ok) {
       failed = true;
       if (prompts.shown.size() == before) {
-        const std::string reason = kind == ImportKind::Unknown ? "not a file that gbrview reads"
-                                   : layer < 0                 ? "no empty layer left for it"
-                                                               : "import failed";
+        const std::string reason = result.kind == ImportKind::Unknown
+                                       ? "not a file that gbrview reads"
+                                   : result.noFreeLayer ? "no empty layer left for it"
+                                                        : "import failed";
         outcome.messages.push_back("gbrview: " + path + ": " + reason);
       }
-      outcome.layers.push_back(0);
-      continue;
     }
-    taken[size_t(result.layer)] = true;
-    outcome.layers.push_back(result.layer);
-  }
+    outcome.layers.push_back(ok ? result.layer : 0);
+    before = prompts.shown.size();
+  };
+  session.importFiles(run.layers(), options.files, batch);
 
   if (!grid) {
     const std::optional<WindowMm> window = framedWindow(kernel->store, *tables);
@@ -314,8 +270,8 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   std::stable_partition(order.begin(), order.end(),
                         [](const LayerOrderRow& r) { return r.LayerNumber == DrillLayer; });
   for (LayerOrderRow& row : order) {
-    row.Visible =
-        row.LayerNumber >= 1 && row.LayerNumber <= LayerCount && taken[size_t(row.LayerNumber)];
+    row.Visible = std::find(outcome.layers.begin(), outcome.layers.end(), row.LayerNumber) !=
+                  outcome.layers.end();
     row.Mono = options.mono;
     row.MonoColour = PaletteWhite;
   }

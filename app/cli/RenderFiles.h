@@ -56,7 +56,4 @@ struct RenderOutcome {
 // Runs the render. Needs a QGuiApplication.
 RenderOutcome renderFiles(const RenderOptions& options);
 
-// The Gerber layers in the order new Gerber files take them: 3, 4, 1, 6, 2, 5, 7, 8, ... 29.
-std::vector<int32_t> gerberLayerOrder();
-
 }  // namespace tvx

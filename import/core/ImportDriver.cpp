@@ -1,9 +1,11 @@
 #include "import/core/ImportDriver.h"
-#include "store/LayerSymbol.h"
 
 #include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
+#include "store/LayerCatalogue.h"
+#include "store/LayerSymbol.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,10 +15,6 @@
 namespace tvx {
 
 namespace {
-
-constexpr int32_t StatusNotSupported = 93;
-constexpr int32_t StatusCannotLoad = 85;
-constexpr int32_t StatusIncorrectFormat = 8;
 
 int32_t clampToStore(int64_t value) {
   return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
@@ -32,84 +30,55 @@ int32_t clampToStore(double value) {
   return static_cast<int32_t>(std::nearbyint(value));
 }
 
-// A file whose reader is not part of this program.
-void reportNotSupported(int32_t& status, const LayerFileRecord& file,
-                        const ImportContext& context) {
-  context.reporter.ReportStatus(StatusNotSupported, file.FileName);
-  status = 1;
-}
-
-template <typename Reader, typename Text>
-void runReader(int32_t& status, const Reader& reader, const Text& text, LayerRecord& layer,
-               LayerFileRecord& file, const ImportContext& context) {
-  if (!reader) {
-    reportNotSupported(status, file, context);
-    return;
-  }
-  reader(status, text, layer, file);
-}
-
 }  // namespace
 
-void ImportIntoLayer(int32_t& status, LayerRecord& layer, ImportContext& context) {
-  EnsureLayerSymbol(context.store, layer, layer.ImportMode <= 0);
-  const std::string importing = context.services.LocalMessage("Importing", "151209");
-  const ImportJob& job = context.state.Job;
-  const ReaderSet& readers = context.readers;
-  // Status is not tested between files: each reader sets it anew, and the last one decides.
-  for (size_t i = 0; i < layer.Files.size(); ++i) {
-    LayerFileRecord& file = layer.Files[i];
-    if (context.editMsgLine)
-      context.editMsgLine(file.FileName + " " + importing);
-    switch (file.ReaderCode) {
-    case ReaderGerberArtwork:
-    case ReaderGerberDrilling:
-      ImportGerberFile(status, layer, file, context);
-      break;
-    case ReaderExcellon:
-      runReader(status, readers.importExcellon, job.ExcellonText, layer, file, context);
-      break;
-    case ReaderHpgl:
-      runReader(status, readers.importHpgl, job.HpglText, layer, file, context);
-      break;
-    case ReaderDxf:
-      runReader(status, readers.importDxf, job.DxfText, layer, file, context);
-      break;
-    default:
-      break;  // no reader for this code
-    }
-  }
+void ReaderTable::add(int32_t readerCode, FileReader& reader) {
+  if (readerCode >= 0 && readerCode < static_cast<int32_t>(readers_.size()))
+    readers_[size_t(readerCode)] = &reader;
 }
 
-void ImportGerberFile(int32_t& status, LayerRecord& layer, LayerFileRecord& file,
-                      ImportContext& context) {
-  context.state.CurrentFile = file.FileName;
-  const ReaderSet& readers = context.readers;
-  if (!readers.loadArtSections || !readers.drawGerberStream) {
-    reportNotSupported(status, file, context);
-    return;
-  }
-  ArtFile art;
-  if (!art.open(file.FileName)) {
-    context.reporter.ReportStatus(StatusCannotLoad, file.FileName);
-    status = 1;
-    return;
-  }
-  status = 0;
-  if (art.recordCount() < artrecord::HeaderRecords) {
-    context.reporter.ReportStatus(StatusIncorrectFormat, file.FileName);
-    status = 1;
-    return;
-  }
-  // A cut-off last record: the whole records are imported, then the damage is reported.
-  const bool truncated = art.hasPartialRecord();
-  readers.loadArtSections(status, art);
-  if (status == 0)
-    readers.drawGerberStream(status, art, layer, file);
-  art.close();
-  if (status == 0 && truncated) {
-    context.reporter.ReportStatus(StatusIncorrectFormat, file.FileName);
-    status = 1;
+FileReader* ReaderTable::byCode(int32_t readerCode) const {
+  if (readerCode < 0 || readerCode >= static_cast<int32_t>(readers_.size()))
+    return nullptr;
+  return readers_[size_t(readerCode)];
+}
+
+FileReader* ReaderTable::forKind(ImportKind kind) const {
+  const int32_t code = readerCodeOf(kind);
+  return code < 0 ? nullptr : byCode(code);
+}
+
+int32_t readerCodeOf(ImportKind kind) {
+  if (isGerberKind(kind))
+    return ReaderGerberArtwork;
+  if (isExcellonKind(kind))
+    return ReaderExcellon;
+  if (kind == ImportKind::Hpgl)
+    return ReaderHpgl;
+  if (kind == ImportKind::Dxf)
+    return ReaderDxf;
+  return -1;
+}
+
+void ImportIntoLayer(int32_t& status, LayerRecord& layer, ImportState& state,
+                     const ReaderTable& readers, Store& store, const StatusReporter& reporter,
+                     const MessageLine& editMsgLine) {
+  EnsureLayerSymbol(store, layer, layer.ImportMode <= 0);
+  const std::string importing = reporter.services().LocalMessage("Importing", "151209");
+  // Status is not tested between files: each reader sets it anew, and the last one decides.
+  for (LayerFileRecord& file : layer.Files) {
+    if (editMsgLine)
+      editMsgLine(file.FileName + " " + importing);
+    if (file.ReaderCode < ReaderGerberArtwork || file.ReaderCode > ReaderDxf)
+      continue;  // no reader for this code
+    FileReader* reader = readers.byCode(file.ReaderCode);
+    if (!reader) {
+      reporter.ReportStatus(StatusNotSupported, file.FileName);
+      status = StatusReported;
+      continue;
+    }
+    state.CurrentFile = file.FileName;
+    reader->importFile(status, state.Job, layer, file);
   }
 }
 
@@ -156,7 +125,7 @@ void centreImportedLayer(Store& store, const LayerRecord& layer, const FileExten
 }
 
 void bindLayers(ImportState& state, std::span<LayerRecord> layers, bool noCenter,
-                const ReaderSet& readers) {
+                const ReaderTable& readers) {
   ImportJob& job = state.Job;
   const ImportKind kind = job.Kind;
   state.LayerChoices.clear();
@@ -197,7 +166,8 @@ void bindLayers(ImportState& state, std::span<LayerRecord> layers, bool noCenter
         break;
       }
       // DXF may go into any listed artwork layer; HPGL only into the outline.
-      if (kind == ImportKind::Dxf && (layer.Mask & 0x1FFFFFFF) != 0 && layer.Listed)
+      if (kind == ImportKind::Dxf && (layer.Mask & layergroup::AllButOutlineAndDrill) != 0 &&
+          layer.Listed)
         offer(number, layer);
     } else if (isExcellonKind(kind)) {
       if (layer.Mask == DrillLayerMask && layer.Listed) {
@@ -206,16 +176,47 @@ void bindLayers(ImportState& state, std::span<LayerRecord> layers, bool noCenter
         file.FilterMask = layer.FilterMask;
         file.Mirror = layer.Mirror;
         file.OriginalCoordinates = layer.OriginalCoordinates;
-        if (readers.scanExcellonText) {
-          const int32_t found = readers.scanExcellonText(
-              job.ExcellonText, file.Tools, kind == ImportKind::ExcellonFormatTwo, false);
-          job.Kind = static_cast<ImportKind>(found);
-        }
+        if (FileReader* reader = readers.byCode(ReaderExcellon))
+          reader->prepareBoundFile(job, file);
         offer(number, layer);
         break;
       }
     }
   }
+}
+
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter) {
+  const bool drill = layer.Mask == DrillLayerMask;
+  if (drill && job.Kind == ImportKind::ArtworkRS274D)
+    job.Kind = ImportKind::DrillingRS274D;
+  else if (drill && job.Kind == ImportKind::ArtworkRS274X)
+    job.Kind = ImportKind::DrillingRS274X;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274D)
+    job.Kind = ImportKind::ArtworkRS274D;
+  else if (!drill && job.Kind == ImportKind::DrillingRS274X)
+    job.Kind = ImportKind::ArtworkRS274X;
+
+  layer.Files.assign(1, LayerFileRecord{});
+  LayerFileRecord& file = layer.Files.front();
+  if (isGerberKind(job.Kind)) {
+    layer.OriginalCoordinates = noCenter;
+    file.FileName = job.IntermediatePath;
+    file.Tag.assign(1, ' ');
+    file.FilterMask = layer.FilterMask;
+    file.Mirror = layer.Mirror;
+    file.OriginalCoordinates = layer.OriginalCoordinates;
+    const bool drilling =
+        job.Kind == ImportKind::DrillingRS274X || job.Kind == ImportKind::DrillingRS274D;
+    file.ReaderCode = drilling ? ReaderGerberDrilling : ReaderGerberArtwork;
+  } else if (job.Kind == ImportKind::Dxf) {
+    file.FileName = job.SourcePath;
+    file.ReaderCode = ReaderDxf;
+  } else {
+    return file;
+  }
+  file.Colour = layer.ColourNumber;
+  file.OffsetX = file.OffsetY = 0;
+  return file;
 }
 
 }  // namespace tvx

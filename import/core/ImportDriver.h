@@ -3,84 +3,47 @@
 // centring of the readers that ignore offsets themselves.
 #pragma once
 
-#include "import/gerber/ArtFile.h"
+#include "import/core/FileReader.h"
 #include "import/core/ImportJob.h"
 #include "kernel/KernelTypes.h"
 #include "store/LayerRecord.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace tvx {
 
 class Store;
-class SystemServices;
 class StatusReporter;
 
-// The readers, one callable each, filled by the code of each file format. A reader gets the status
-// word (0 on entry of the first file; a later file inherits what the earlier one left and sets it
-// anew), the layer and the file record, and writes into the layer's symbol.
-//
-// An empty callable is a reader that is not built into this program: the file is then reported
-// with status 93 ("import of files in this format is not supported") and the status word is 1.
-struct ReaderSet {
-  // ReaderCode 0 and 1, inside ImportGerberFile: read the header and the aperture sections of the
-  // open intermediate file, then replay its drawing stream into the layer.
-  std::function<void(int32_t& status, ArtFile& art)> loadArtSections;
-  std::function<void(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file)>
-      drawGerberStream;
-  // ReaderCode 2, with ImportJob::ExcellonText.
-  std::function<void(int32_t& status, const std::string& text, LayerRecord& layer,
-                     LayerFileRecord& file)>
-      importExcellon;
-  // ReaderCode 3, with ImportJob::HpglText.
-  std::function<void(int32_t& status, const std::string& text, LayerRecord& layer,
-                     LayerFileRecord& file)>
-      importHpgl;
-  // ReaderCode 4, with ImportJob::DxfText.
-  std::function<void(int32_t& status, const std::vector<std::string>& lines, LayerRecord& layer,
-                     LayerFileRecord& file)>
-      importDxf;
-  // The Excellon scan: fills the tool table and returns the kind it found (0, 3 or 4). The layer
-  // binding runs it on the drill layer; without it the kind stays as recognition gave it.
-  std::function<int32_t(const std::string& text, std::vector<ToolEntry>& tools, bool readHeader,
-                        bool keepTools)>
-      scanExcellonText;
+// The readers built into this program, by reader code. A code without a reader is a format that
+// is not built in: its files are reported with status 93 ("import of files in this format is not
+// supported").
+class ReaderTable {
+public:
+  void add(int32_t readerCode, FileReader& reader);
+  FileReader* byCode(int32_t readerCode) const;
+  // The reader of stage one for a recognised kind.
+  FileReader* forKind(ImportKind kind) const;
+
+private:
+  std::array<FileReader*, ReaderDxf + 1> readers_{};
 };
 
-// The stage-one scans, one callable each, filled by the code of each file format. An empty
-// callable is a scan that is not built into this program: the file is reported with status 93.
-struct ScanSet {
-  // The Gerber text pass from the source file into the intermediate file.
-  std::function<void(int32_t& status, const std::string& sourcePath, const std::string& artPath)>
-      runGerberTextPass;
-  // Loaders; each returns false when the file could not be read.
-  std::function<bool(const std::string& fileName, std::string& text)> readExcellonText;
-  std::function<bool(const std::string& fileName, std::string& text)> readHpglText;
-  std::function<bool(const std::string& fileName, std::vector<std::string>& lines)> readDxfFile;
-};
+// The reader code whose reader scans files of kind (Gerber kinds share the artwork code).
+int32_t readerCodeOf(ImportKind kind);
 
-// What the import operations work with.
-struct ImportContext {
-  Store& store;
-  const SystemServices& services;
-  const StatusReporter& reporter;
-  ImportState& state;
-  const ReaderSet& readers;
-  std::function<void(const std::string&)> editMsgLine;  // the message line of the window in charge
-};
+using MessageLine = std::function<void(const std::string&)>;
 
 // Clears the layer when its ImportMode is 0 or less and runs the reader of every file, in order.
-// The loop goes on after a reader has failed.
-void ImportIntoLayer(int32_t& status, LayerRecord& layer, ImportContext& context);
-
-// Stage two of one Gerber file: opens the intermediate file that the file record names, loads its
-// header and sections, replays the stream into the layer, and closes the file (which stays).
-void ImportGerberFile(int32_t& status, LayerRecord& layer, LayerFileRecord& file,
-                      ImportContext& context);
+// The loop goes on after a reader has failed; the last file's status is the result. editMsgLine
+// shows each file's name with "Importing".
+void ImportIntoLayer(int32_t& status, LayerRecord& layer, ImportState& state,
+                     const ReaderTable& readers, Store& store, const StatusReporter& reporter,
+                     const MessageLine& editMsgLine = {});
 
 // The shift that moves a frame's lower left corner to its offset from the frame's centre, rounded
 // half away from zero to whole millimetres. Zero with original coordinates.
@@ -96,9 +59,16 @@ Shift centringShift(const FrameRect& frame, bool originalCoordinates);
 void centreImportedLayer(Store& store, const LayerRecord& layer, const FileExtents& readerExtents);
 
 // Binds the layer that a scanned file goes into, by the job's kind: the layer choices of the
-// import dialog, and for Excellon, HPGL and DXF the target layer at once. Sets Prepared. layers
-// holds the 31 slots, layer n at index n - 1; noCenter is the setting of the same name.
+// import dialog, and for Excellon, HPGL and DXF the target layer at once, whose file record the
+// kind's reader completes. Sets Prepared. layers holds the 31 slots, layer n at index n - 1;
+// noCenter is the setting of the same name.
 void bindLayers(ImportState& state, std::span<LayerRecord> layers, bool noCenter,
-                const ReaderSet& readers);
+                const ReaderTable& readers);
+
+// The user's choice of a layer for a Gerber or DXF file: a Gerber file becomes drilling on the
+// drill layer and artwork on any other, and the layer gets one new file record for the kind's
+// reader. A Gerber layer keeps the file's own coordinates when noCenter is set. Other kinds get an
+// empty record.
+LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter);
 
 }  // namespace tvx

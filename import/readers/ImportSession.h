@@ -1,22 +1,26 @@
-// A file from its path to its layer without a window: recognition, the stage-one scan with the
-// layer binding, the import into the bound layer and the centring after it. The import dialog's
-// file-open path, the host's command line and the CLI all go through ImportWithoutWindow.
+// The import road of one component, without any window: recognition, stage one (the reader's scan
+// and the layer binding), the layer choice, stage two into the bound layer with the centring after
+// it, and the loop over many files. The import window, the host's command line and every gbrview
+// verb go through it; a window adds only what it shows.
 #pragma once
 
 #include "common/FileLayer.h"
-#include "import/gerber/GerberScan.h"
-#include "import/gerber/GerberTextPass.h"
 #include "import/core/ImportDriver.h"
 #include "import/core/ImportJob.h"
 #include "import/core/ReportStatus.h"
-#include "import/readers/excellon/ExcellonReader.h"
+#include "import/gerber/GerberFileReader.h"
+#include "import/gerber/GerberScan.h"
+#include "import/gerber/GerberTextPass.h"
 #include "import/readers/ImportSettings.h"
+#include "import/readers/excellon/ExcellonFileReader.h"
+#include "import/readers/excellon/ExcellonReader.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -24,63 +28,72 @@ class Store;
 class SystemServices;
 class UserPrompts;
 
-// The intermediate file's path in a work directory.
-std::string intermediatePathIn(const std::string& workDirectory);
-
-// A layer chosen for a Gerber or DXF file: a Gerber file becomes drilling on the drill layer and
-// artwork on any other, and the layer gets one new file record for the kind's reader. A Gerber
-// layer keeps the file's own coordinates when noCenter is set. Other kinds get an empty record.
-LayerFileRecord& StartLayerFile(ImportJob& job, LayerRecord& layer, bool noCenter);
-
-// What an import works with; all of it belongs to the caller.
-struct ImportOwners {
-  Store& store;
-  const SystemServices& services;
-  const StatusReporter& reporter;
-  FileLayer& files;
-  ImportState& state;
-  std::span<LayerRecord> layers;  // the 31 slots, layer n at index n - 1
-  const ReaderSet& readers;
-  const ScanSet& scans;
-  // The Gerber format's unit, which recognising an RS-274-X file sets to inch; none when null.
-  int32_t* gerberUnit = nullptr;
-};
-
-struct WindowlessImportOptions {
-  // The kind the user chose for the file; Unknown lets recognition decide.
+struct ImportOptions {
+  // The kind the file is known to be; Unknown lets recognition decide.
   ImportKind kind = ImportKind::Unknown;
   // The layer for a kind whose binding only offers layers (Gerber, DXF); 0 takes the first offered.
   int32_t layer = 0;
   // The setting NoCenter: new imports keep the file's own coordinates.
   bool noCenter = true;
-  std::function<void(const std::string&)> editMsgLine;
+  MessageLine editMsgLine;
   std::function<void()> yield;
 };
 
-struct WindowlessImportResult {
+struct ImportResult {
   int32_t status = 1;                     // 0 when the file was imported
-  ImportKind kind = ImportKind::Unknown;  // as recognised or chosen, then as the scan found it
+  ImportKind kind = ImportKind::Unknown;  // as recognised or given, then as the scan found it
   int32_t layer = 0;                      // the layer bound, 0 for none
+  bool noFreeLayer = false;               // a Gerber file found no empty Gerber layer
   FileExtents scanned{};                  // the extents that stage one found
 };
 
-// Reads, scans, binds and imports one file. Every failure is reported where it is found: an
-// unreadable file by the file layer, an unrecognised one or one whose reader is missing with
-// status 93, a kind-3 file that scans as Format One with 94 (the import goes on), no layer to
-// bind with 200, and the readers' own failures by the readers.
-WindowlessImportResult ImportWithoutWindow(ImportOwners& owners, const std::string& path,
-                                           const WindowlessImportOptions& options = {});
+// The Gerber layers in the order new Gerber files take them: 3, 4, 1, 6, 2, 5, 7, 8, ... 29.
+std::vector<int32_t> gerberLayerOrder();
 
-// The import state of one component with the readers built into this program, ready for
-// ImportWithoutWindow: what the CLI, the host and tests build around a store and services.
 class ImportSession {
 public:
   ImportSession(Store& store, SystemServices& services, UserPrompts& prompts);
   ImportSession(const ImportSession&) = delete;
   ImportSession& operator=(const ImportSession&) = delete;
 
-  // The owners for an import into layers.
-  ImportOwners owners(std::span<LayerRecord> layers);
+  // The kind of a file by its text; Unknown when it is none of ours or cannot be read (reported
+  // by the file layer).
+  ImportKind recognise(const std::string& path, const MessageLine& editMsgLine = {},
+                       const std::function<void()>& yield = {});
+
+  // A new job for path: nothing of the last file's scan or layer choice stays.
+  void startJob(const std::string& path, ImportKind kind);
+
+  // Stage one for the job's file and kind, then the layer binding when the scan succeeded. A kind
+  // whose reader is not built in is reported with status 93 and gives Failed.
+  ScanResult applyFile(std::span<LayerRecord> layers, bool noCenter);
+
+  // The user's choice of an offered layer (by its number) for a Gerber or DXF file.
+  void chooseLayer(std::span<LayerRecord> layers, int32_t number, bool noCenter);
+
+  // Stage two into the bound layer, then its LastFile and the centring of HPGL and DXF. The
+  // status: 0 when imported.
+  int32_t importBoundLayer(std::span<LayerRecord> layers, const MessageLine& editMsgLine = {});
+
+  // One file from its path to its layer. Every failure is reported where it is found: an
+  // unreadable file by the file layer, an unrecognised one or one whose reader is missing with
+  // status 93, a kind-3 file that scans as Format One with 94 (the import goes on), no layer to
+  // bind with 200, and the readers' own failures by the readers.
+  ImportResult importFile(std::span<LayerRecord> layers, const std::string& path,
+                          const ImportOptions& options = {});
+
+  // Many files, one after another, each into a layer of its own: Gerber files into the empty
+  // Gerber layers in gerberLayerOrder (the first one into firstGerberLayer when it is given), DXF
+  // into the board outline, drill files where the binding puts them. afterEach sees every result.
+  struct BatchOptions {
+    int32_t firstGerberLayer = 0;
+    bool noCenter = true;
+    MessageLine editMsgLine;
+    std::function<void(const std::string& path, const ImportResult& result)> afterEach;
+  };
+  std::vector<ImportResult> importFiles(std::span<LayerRecord> layers,
+                                        const std::vector<std::string>& paths,
+                                        const BatchOptions& options);
 
   Store& store;
   SystemServices& services;
@@ -92,13 +105,18 @@ public:
   ExcellonFormat excellonFormat;
   GerberFormat gerberFormat;
   DxfFormat dxfFormat;
-  ExcellonReader excellon;
-  ReaderSet readers;
-  ScanSet scans;
-  // The Gerber path: what the text pass found, restored from TMP.ART by each import, and the pass's
-  // own context.
+  // What the Gerber text pass found, restored from TMP.ART by each import, and the pass's context.
   GerberScan gerberScan;
   GerberPassContext gerberPass;
+  // The readers built into this program, and the table that finds them by reader code.
+  ExcellonReader excellon;
+  GerberFileReader gerberReader;
+  ExcellonFileReader excellonReader;
+  ReaderTable readers;
+
+private:
+  // For the kinds whose binding only offers layers: the requested layer, else the first offered.
+  bool bindRequestedLayer(std::span<LayerRecord> layers, const ImportOptions& options);
 };
 
 }  // namespace tvx

@@ -2,7 +2,7 @@
 // (the CLI, benchmarks, fuzzing) imports into and draws from.
 #pragma once
 
-#include "import/readers/WindowlessImport.h"
+#include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "store/ColourSlots.h"
 #include "store/Layers.h"
@@ -17,7 +17,7 @@ class UserPrompts;
 struct WindowlessLayers {
   WindowlessLayers(SystemServices& services, UserPrompts& prompts);
 
-  ImportOwners owners() { return session->owners(tables->Layers); }
+  std::span<LayerRecord> layers() { return tables->Layers; }
 
   std::unique_ptr<Kernel> kernel;
   ColourSlots colours;

@@ -3,10 +3,8 @@
 
 #include "common/FileLayer.h"
 #include "import/core/FileRecognition.h"
-#include "import/core/ImportDriver.h"
 #include "import/core/ReportStatus.h"
 #include "import/readers/excellon/ExcellonBlocks.h"
-#include "import/readers/window/ImportDialogModel.h"
 #include "platform/SystemServices.h"
 
 #include <cerrno>
@@ -158,23 +156,6 @@ void ExcellonReader::ImportExcellon(int32_t& status, const std::string& text, La
     return;
   }
   status = 0;
-}
-
-void ExcellonReader::install(ReaderSet& readers) {
-  readers.importExcellon = [this](int32_t& status, const std::string& text, LayerRecord& layer,
-                                  LayerFileRecord& file) {
-    ImportExcellon(status, text, layer, file);
-  };
-  readers.scanExcellonText = [this](const std::string& text, std::vector<ToolEntry>& tools,
-                                    bool readHeader, bool keepTools) {
-    return ScanExcellonText(text, tools, readHeader, keepTools);
-  };
-}
-
-void ExcellonReader::install(ScanSet& scans, FileLayer& files) {
-  scans.readExcellonText = [this, &files](const std::string& fileName, std::string& text) {
-    return ReadExcellonText(files, services_, fileName, text, editMsgLine);
-  };
 }
 
 }  // namespace tvx

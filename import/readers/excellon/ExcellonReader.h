@@ -5,6 +5,7 @@
 #include "import/core/ImportJob.h"
 #include "import/readers/ImportSettings.h"
 #include "import/core/PlaceHole.h"
+#include "import/core/StatusCodes.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -18,11 +19,6 @@ class FileLayer;
 class Store;
 class StatusReporter;
 class SystemServices;
-struct ReaderSet;
-struct ScanSet;
-
-// Status code of a coordinate beyond the world.
-inline constexpr int32_t StatusOutsideLimits = 88;
 
 // Reads the file line by line into text: each line upper-cased and trimmed of blanks, cut at its
 // first ";", and, when anything is left, closed by "|". Empty lines and comment lines leave no
@@ -69,12 +65,10 @@ public:
   void ImportExcellon(int32_t& status, const std::string& text, LayerRecord& layer,
                       LayerFileRecord& file);
 
-  // Sets the Excellon entries of a reader set (the import and the scan) to this reader, and the
-  // loader of a scan set to ReadExcellonText through files.
-  void install(ReaderSet& readers);
-  void install(ScanSet& scans, FileLayer& files);
 
   const ExcellonFormat& format() const { return format_; }
+  const SystemServices& services() const { return services_; }
+  const StatusReporter& reporter() const { return reporter_; }
   const FileExtents& extents() const { return extents_; }
 
   double RegisterX = 0.0;
@@ -83,7 +77,7 @@ public:
 
   // Hands control to the event loop now and then during long walks; none in tests.
   std::function<void()> yield;
-  // The message line of the window in charge, for the loader installed in a scan set.
+  // The message line of the window in charge, where reading a file shows its progress.
   std::function<void(const std::string&)> editMsgLine;
 
 private:

@@ -1,10 +1,10 @@
-// The import dialog's model: the two stages of an import, and the state of the dialog that they
-// change. No widget lives here; the Qt view shows this state and forwards the user's actions.
+// The import window's part of the two stages of an import: the session runs them, this model keeps
+// what the window shows of them (caption, message line, kind, layer list, buttons) and what it asks
+// of the main window. No widget lives here; the Qt view shows this state and forwards the user's
+// actions.
 #pragma once
 
-#include "import/core/ImportDriver.h"
-#include "import/readers/WindowlessImport.h"
-#include "import/core/ImportJob.h"
+#include "import/readers/ImportSession.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -14,11 +14,6 @@
 #include <vector>
 
 namespace tvx {
-
-class Store;
-class SystemServices;
-class StatusReporter;
-
 
 // What the dialog asks of the main window. Empty callables do nothing.
 struct MainWindowLink {
@@ -35,9 +30,8 @@ struct MainWindowLink {
 class ImportDialogModel {
 public:
   // layers holds the 31 slots, layer n at index n - 1.
-  ImportDialogModel(Store& store, const SystemServices& services, const StatusReporter& reporter,
-                    ImportState& state, std::span<LayerRecord> layers, const ReaderSet& readers,
-                    ScanSet scans, MainWindowLink mainWindow);
+  ImportDialogModel(ImportSession& session, std::span<LayerRecord> layers,
+                    MainWindowLink mainWindow);
 
   // Stage one for the job's kind: scans the file without touching any layer and binds the target
   // layer. True when the dialog is to stay up for the user.
@@ -73,22 +67,13 @@ public:
   std::function<void(const std::string&)> messageLineChanged;
 
 private:
-  bool applyGerber();
-  bool applyExcellon();
-  bool applyPlotterOrCad();
-  void bind();
+  void showLayerChoices();
   void showViewButton();
   void busy(bool on) const;
-  void notSupported() const;
   std::string text(const char* defaultText, const char* id) const;
 
-  Store& store_;
-  const SystemServices& services_;
-  const StatusReporter& reporter_;
-  ImportState& state_;
+  ImportSession& session_;
   std::span<LayerRecord> layers_;
-  const ReaderSet& readers_;
-  ScanSet scans_;
   MainWindowLink mainWindow_;
 };
 

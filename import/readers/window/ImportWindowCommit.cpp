@@ -354,13 +354,10 @@ void ImportWindowModel::chooseLayer(int32_t index) {
   if (number < 1 || number > static_cast<int32_t>(layers_.size()))
     return;
   state.LayerListIndex = index;
-  DialogLayer = number;
-  LayerRecord& layer = layers_[size_t(number - 1)];
-  state.CurrentSymbol = layer.SymbolHandle;
   highlights_.clear();
-
-  ImportJob& job = state.Job;
-  StartLayerFile(job, layer, NoCenter);
+  session_.chooseLayer(layers_, number, NoCenter);
+  LayerRecord& layer = layers_[size_t(number - 1)];
+  const ImportJob& job = state.Job;
   stages_.kindText = importKindName(session_.services, job.Kind);
   layer.OffsetX = layer.OffsetY = 0;  // the first import into a layer has no offsets
   if (isGerberKind(job.Kind)) {

@@ -2,7 +2,7 @@
 // file menu, the unit menu, the colour page, the highlights of a row click and the unload.
 #include "import/readers/window/ImportWindowModel.h"
 
-#include "import/readers/window/widgets/FileRequest.h"
+#include "import/readers/window/FileRequestMode.h"
 
 #include "import/core/FileRecognition.h"
 #include "kernel/Palette.h"
@@ -19,9 +19,7 @@ ImportWindowModel::ImportWindowModel(ImportWindowOwners owners)
       session_(owners.session), layers_(owners.layers), highlights_(owners.highlights),
       link_(std::move(owners.window)), mainWindow_(owners.mainWindow),
       clearColourNumber_(owners.clearColourNumber), displayUnit_(owners.displayUnit),
-      stages_(owners.session.store, owners.session.services, owners.session.reporter,
-              owners.session.state, owners.layers, owners.session.readers, owners.session.scans,
-              owners.mainWindow) {
+      stages_(owners.session, owners.layers, owners.mainWindow) {
   stages_.messageLineChanged = [this](const std::string&) { notify(); };
   buildLists();
 }
@@ -173,9 +171,7 @@ void ImportWindowModel::M_FileSelect() {
   stages_.viewButtonVisible = false;
   if (mainWindow_.setBusyPointer)
     mainWindow_.setBusyPointer(true);
-  FileRecogniser recogniser = fileReader();
-  recogniser.gerberUnit = &session_.gerberFormat.Unit;
-  const ImportKind found = recogniser.RecogniseFile(path);
+  const ImportKind found = session_.recognise(path, mainWindow_.editMsgLine);
   bool applied = false;
   if (found != ImportKind::Unknown) {
     job.Kind = found;

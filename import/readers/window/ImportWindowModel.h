@@ -5,8 +5,8 @@
 #pragma once
 
 #include "import/core/FileRecognition.h"
+#include "import/readers/ImportSession.h"
 #include "import/readers/window/ImportDialogModel.h"
-#include "import/readers/WindowlessImport.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>

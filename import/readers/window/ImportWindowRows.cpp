@@ -1,6 +1,8 @@
 // The rows of the import window's grid, its fixed lists, and the aperture and tool rows.
 #include "import/readers/window/ImportWindowModel.h"
 
+#include "import/gerber/ArtSections.h"
+
 #include "common/FormatNumber.h"
 #include "common/LengthFormats.h"
 #include "import/gerber/ApertureLabel.h"
@@ -264,13 +266,13 @@ int32_t ImportWindowModel::rowOf(const std::string& key) const {
 
 void ImportWindowModel::readArtSections() {
   const ImportJob& job = session_.state.Job;
-  if (job.IntermediatePath.empty() || !session_.readers.loadArtSections)
+  if (job.IntermediatePath.empty())
     return;
   ArtFile art;
   if (!art.open(job.IntermediatePath))
     return;
   int32_t status = 0;
-  session_.readers.loadArtSections(status, art);
+  LoadArtHeader(status, art, false, session_.gerberScan, session_.reporter);
 }
 
 std::string ImportWindowModel::apertureRowText(const ApertureUse& use, const char* word,

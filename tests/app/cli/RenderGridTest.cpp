@@ -1,6 +1,7 @@
 // The picture grid of "gbrview render": whole store units per pixel, the window's top left corner
 // on pixel (0, 0), and the limits that refuse a picture before anything is drawn.
 #include "app/cli/RenderFiles.h"
+#include "import/readers/ImportSession.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 namespace tvx {
 namespace {
 
@@ -28,14 +26,12 @@ protected:
   Store store;
   test::Reporting reporting;
   ImportState state;
-  ReaderSet readers;
+  ReaderTable readers;
   std::vector<std::string> messageLines;
-  ImportContext context{store,
-                        reporting.services,
-                        reporting.reporter,
-                        state,
-                        readers,
-                        [this](const std::string& text) { messageLines.push_back(text); }};
+  void importLayer(int32_t& status, LayerRecord& layer) {
+    ImportIntoLayer(status, layer, state, readers, store, reporting.reporter,
+                    [this](const std::string& text) { messageLines.push_back(text); });
+  }
   std::array<LayerRecord, LayerCount> layers = test::makeLayers();
 };
 
@@ -139,17 +135,18 @@ TEST_F(ImportDriverTest, EveryFileGoesThroughItsReaderAndTheLoopGoesOnAfterAFail
   state.Job.ExcellonText = "T1|X1Y1|";
   state.Job.HpglText = "PU;";
   std::vector<std::string> calls;
-  readers.importExcellon = [&](int32_t& status, const std::string& text, LayerRecord&,
-                               LayerFileRecord& file) {
-    calls.push_back("excellon " + text + " " + std::to_string(status));
+  test::ScriptedReader excellon, hpgl;
+  excellon.onImport = [&](int32_t& status, const ImportJob& job, LayerRecord&, LayerFileRecord&) {
+    calls.push_back("excellon " + job.ExcellonText + " " + std::to_string(status));
     status = 1;
   };
-  readers.importHpgl = [&](int32_t& status, const std::string& text, LayerRecord& layer,
-                           LayerFileRecord&) {
-    calls.push_back("hpgl " + text + " " + std::to_string(status));
+  hpgl.onImport = [&](int32_t& status, const ImportJob& job, LayerRecord& layer, LayerFileRecord&) {
+    calls.push_back("hpgl " + job.HpglText + " " + std::to_string(status));
     addItem(store, layer.SymbolHandle, line(0, 0, 1, 1));
     status = 0;
   };
+  readers.add(ReaderExcellon, excellon);
+  readers.add(ReaderHpgl, hpgl);
   // No DXF reader is built in: that file is reported and fails.
   LayerRecord& layer = layers[29];
   layer.Files = {fileOf("a.drl", ReaderExcellon), fileOf("b.plt", ReaderHpgl),
@@ -158,7 +155,7 @@ TEST_F(ImportDriverTest, EveryFileGoesThroughItsReaderAndTheLoopGoesOnAfterAFail
   addItem(store, layer.SymbolHandle, line(5, 5, 1, 1));
 
   int32_t status = 0;
-  ImportIntoLayer(status, layer, context);
+  importLayer(status, layer);
   EXPECT_EQ(status, 1);
   EXPECT_EQ(calls, (std::vector<std::string>{"excellon T1|X1Y1| 0", "hpgl PU; 1"}));
   EXPECT_EQ(messageLines, (std::vector<std::string>{"a.drl Importing", "b.plt Importing",
@@ -170,70 +167,9 @@ TEST_F(ImportDriverTest, EveryFileGoesThroughItsReaderAndTheLoopGoesOnAfterAFail
 
   layer.ImportMode = 1;
   layer.Files = {fileOf("b.plt", ReaderHpgl)};
-  ImportIntoLayer(status, layer, context);
+  importLayer(status, layer);
   EXPECT_EQ(status, 0);
   EXPECT_EQ(itemCount(layer), 2) << "append keeps the earlier import";
-}
-
-TEST_F(ImportDriverTest, GerberFileIsReplayedFromTheIntermediateFileAsFarAsItGoes) {
-  test::TempDir dir;
-  const std::string path = dir.file("TMP.ART");
-  {
-    ArtFile art;
-    ASSERT_TRUE(art.create(path));
-    for (uint8_t type : {1, 1, 1, 1, 1, 2, 2, 5, 9})
-      art.append({type, 0, 0, 0});
-  }
-  std::vector<int> replayed;
-  int32_t loaderStatus = 0;
-  readers.loadArtSections = [&](int32_t& status, ArtFile& art) { status = loaderStatus; };
-  readers.drawGerberStream = [&](int32_t& status, ArtFile& art, LayerRecord&, LayerFileRecord&) {
-    ArtRecord r;
-    for (int32_t n = artrecord::HeaderRecords + 1; art.read(n, r); ++n)
-      replayed.push_back(r.Type);
-  };
-  LayerRecord& layer = layers[2];
-  layer.Files = {fileOf(path, ReaderGerberArtwork)};
-  const auto run = [&] {
-    replayed.clear();
-    reporting.prompts.shown.clear();
-    int32_t status = 99;  // set anew by the reader
-    ImportIntoLayer(status, layer, context);
-    return status;
-  };
-  const auto lastBox = [&] {
-    return reporting.prompts.shown.empty() ? std::string() : reporting.prompts.shown.back().prompt;
-  };
-
-  EXPECT_EQ(run(), 0);
-  EXPECT_EQ(state.CurrentFile, path);
-  EXPECT_EQ(replayed, (std::vector<int>{2, 2, 5, 9}));
-  EXPECT_TRUE(reporting.prompts.shown.empty());
-
-  layer.Files[0].ReaderCode = ReaderGerberDrilling;
-  std::filesystem::resize_file(path, 9 * 21 - 10);
-  EXPECT_EQ(run(), 1) << "a cut-off record is reported after the whole ones";
-  EXPECT_EQ(replayed, (std::vector<int>{2, 2, 5}));
-  EXPECT_EQ(lastBox(), "Artwork File - Incorrect format");
-
-  loaderStatus = 1;
-  EXPECT_EQ(run(), 1);
-  EXPECT_TRUE(replayed.empty()) << "a failed load runs no drawing pass";
-  EXPECT_TRUE(reporting.prompts.shown.empty()) << "the loader reports its own failure";
-  loaderStatus = 0;
-
-  std::filesystem::resize_file(path, 4 * 21);
-  EXPECT_EQ(run(), 1);
-  EXPECT_TRUE(replayed.empty()) << "no header, nothing to replay";
-  EXPECT_EQ(lastBox(), "Artwork File - Incorrect format");
-
-  std::filesystem::remove(path);
-  EXPECT_EQ(run(), 1);
-  EXPECT_EQ(lastBox(), "Can't load " + path);
-
-  readers.drawGerberStream = nullptr;
-  EXPECT_EQ(run(), 1);
-  EXPECT_EQ(lastBox(), path + " - import of files in this format is not supported");
 }
 
 }  // namespace

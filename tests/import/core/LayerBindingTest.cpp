@@ -28,7 +28,7 @@ protected:
   }
 
   ImportState state;
-  ReaderSet readers;
+  ReaderTable readers;
   std::array<LayerRecord, LayerCount> layers = test::makeLayers();
 };
 
@@ -86,13 +86,13 @@ TEST_F(LayerBindingTest, HpglAndDxfAreBoundToTheOutlineAtOnce) {
 TEST_F(LayerBindingTest, DrillFilesAreBoundToTheDrillLayerAndScanned) {
   state.Job.ExcellonText = "M48|INCH|T1C0.8|%|T1|X1Y1|";
   std::vector<std::string> scans;
-  int32_t scanResult = 4;
-  readers.scanExcellonText = [&](const std::string& text, std::vector<ToolEntry>& tools,
-                                 bool readHeader, bool keepTools) {
-    scans.push_back(text + (readHeader ? " header" : "") + (keepTools ? " keep" : ""));
-    tools = {{1, 80000, 1, 1}};
-    return scanResult;
+  test::ScriptedReader excellon;
+  excellon.onPrepare = [&](ImportJob& job, LayerFileRecord& file) {
+    scans.push_back(job.ExcellonText);
+    file.Tools = {{1, 80000, 1, 1}};
+    job.Kind = ImportKind::ExcellonFormatOne;
   };
+  readers.add(ReaderExcellon, excellon);
   LayerRecord& drill = layers[30];
   for (ImportKind kind : {ImportKind::ExcellonFormatTwo, ImportKind::ExcellonFormatOne}) {
     SCOPED_TRACE(static_cast<int>(kind));
@@ -109,14 +109,12 @@ TEST_F(LayerBindingTest, DrillFilesAreBoundToTheDrillLayerAndScanned) {
     EXPECT_TRUE(file.Mirror);
     EXPECT_FALSE(file.OriginalCoordinates);
     EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 80000, 1, 1}}));
-    EXPECT_EQ(scans,
-              std::vector<std::string>{state.Job.ExcellonText +
-                                       (kind == ImportKind::ExcellonFormatTwo ? " header" : "")});
+    EXPECT_EQ(scans, std::vector<std::string>{state.Job.ExcellonText});
     EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatOne) << "the scan's kind is the job's";
   }
 
-  // Without a scan the kind stays; without a listed drill layer nothing is bound.
-  readers.scanExcellonText = nullptr;
+  // Without a drill reader the kind stays; without a listed drill layer nothing is bound.
+  readers = ReaderTable{};
   bindKind(ImportKind::ExcellonFormatTwo);
   EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatTwo);
   EXPECT_EQ(state.DialogLayer, 31);

@@ -2,6 +2,8 @@
 // temporary folder, the corpus manifest, and elements made directly in the store.
 #pragma once
 
+#include "import/core/FileReader.h"
+
 #include "import/core/ReportStatus.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
@@ -12,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,6 +39,24 @@ inline std::array<LayerRecord, LayerCount> makeLayers() {
   }
   return layers;
 }
+
+// A reader whose steps a test scripts; an unscripted step scans and imports nothing.
+struct ScriptedReader : FileReader {
+  std::function<ScanResult(ImportJob&)> onScan;
+  std::function<void(ImportJob&, LayerFileRecord&)> onPrepare;
+  std::function<void(int32_t&, const ImportJob&, LayerRecord&, LayerFileRecord&)> onImport;
+
+  ScanResult scan(ImportJob& job) override { return onScan ? onScan(job) : ScanResult::Scanned; }
+  void prepareBoundFile(ImportJob& job, LayerFileRecord& file) override {
+    if (onPrepare)
+      onPrepare(job, file);
+  }
+  void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
+                  LayerFileRecord& file) override {
+    if (onImport)
+      onImport(status, job, layer, file);
+  }
+};
 
 struct Reporting {
   ScriptedPrompts prompts;

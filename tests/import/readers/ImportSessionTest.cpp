@@ -16,7 +16,7 @@ std::string repeated(const std::string& text, size_t times) {
   return out;
 }
 
-struct WindowlessImportTest : ::testing::Test, test::ImportWorld {
+struct ImportSessionTest : ::testing::Test, test::ImportWorld {
   LayerRecord& drill() { return layer(DrillLayer); }
   std::vector<Pad> drillPads() { return pads(DrillLayer); }
 };
@@ -24,9 +24,9 @@ struct WindowlessImportTest : ::testing::Test, test::ImportWorld {
 constexpr const char* FormatTwo = "M48\r\n; a comment\r\nINCH,TZ\r\nT1C0.02\r\nT2C0.04\r\n%\r\n"
                                   "T1\r\nX1000Y1000\r\nX2000Y2000\r\nT2\r\nX3000Y3000\r\nM30\r\n";
 
-TEST_F(WindowlessImportTest, AFormatTwoFileGoesIntoTheDrillLayer) {
+TEST_F(ImportSessionTest, AFormatTwoFileGoesIntoTheDrillLayer) {
   const std::string path = write("board.txt", FormatTwo);
-  const WindowlessImportResult result = run(path);
+  const ImportResult result = run(path);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.kind, ImportKind::ExcellonFormatTwo);
   EXPECT_EQ(result.layer, DrillLayer);
@@ -44,16 +44,15 @@ TEST_F(WindowlessImportTest, AFormatTwoFileGoesIntoTheDrillLayer) {
   EXPECT_EQ(session->excellonFormat, (ExcellonFormat{0, 2, 4, 1}));
 
   // Without NoCenter the holes are centred on the origin; the layer is cleared first.
-  WindowlessImportOptions centred;
+  ImportOptions centred;
   centred.noCenter = false;
   EXPECT_EQ(run(path, centred).status, 0);
   EXPECT_EQ(drillPads(), (std::vector<Pad>{{-254000, -254000, 1}, {0, 0, 1}, {254000, 254000, 2}}));
 }
 
-TEST_F(WindowlessImportTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImported) {
+TEST_F(ImportSessionTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImported) {
   // "M71" makes recognition say Format Two; without a header unit the scan says Format One.
-  const WindowlessImportResult result =
-      run(write("m71.drl", "M71\nT1C0.5\nT1\nX1000Y1000\nX2000Y2000\n"));
+  const ImportResult result = run(write("m71.drl", "M71\nT1C0.5\nT1\nX1000Y1000\nX2000Y2000\n"));
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.kind, ImportKind::ExcellonFormatOne);
   ASSERT_EQ(boxes().size(), 1u);
@@ -62,7 +61,7 @@ TEST_F(WindowlessImportTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImpo
   EXPECT_EQ(drillPads(), (std::vector<Pad>{{10000000, 10000000, 1}, {20000000, 20000000, 1}}));
 }
 
-TEST_F(WindowlessImportTest, AChosenKindSkipsRecognition) {
+TEST_F(ImportSessionTest, AChosenKindSkipsRecognition) {
   // Recognition needs a call of tool one; the user may still choose Excellon.
   const std::string path = write("t3.drl", "M48\nMETRIC,TZ\nT03C0.8\n%\nT03\nX2550Y80000\n");
   EXPECT_EQ(run(path).status, 1);
@@ -70,18 +69,18 @@ TEST_F(WindowlessImportTest, AChosenKindSkipsRecognition) {
             std::vector<std::string>{path + " - import of files in this format is not supported"});
   EXPECT_TRUE(drillPads().empty());
 
-  WindowlessImportOptions chosen;
+  ImportOptions chosen;
   chosen.kind = ImportKind::ExcellonFormatTwo;
-  const WindowlessImportResult result = run(path, chosen);
+  const ImportResult result = run(path, chosen);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.kind, ImportKind::ExcellonFormatTwo);
   EXPECT_EQ(drillPads(), (std::vector<Pad>{{255000, 8000000, 3}}));
 }
 
-TEST_F(WindowlessImportTest, AFileThatCannotBeReadLeavesTheLayerAsItWas) {
+TEST_F(ImportSessionTest, AFileThatCannotBeReadLeavesTheLayerAsItWas) {
   ASSERT_EQ(run(write("board.txt", FormatTwo)).status, 0);
   const std::string missing = folder.file("missing.drl");
-  const WindowlessImportResult result = run(missing);
+  const ImportResult result = run(missing);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.layer, 0);
   EXPECT_EQ(boxes(), (std::vector<std::string>{
@@ -92,8 +91,8 @@ TEST_F(WindowlessImportTest, AFileThatCannotBeReadLeavesTheLayerAsItWas) {
   EXPECT_TRUE(session->state.Job.ExcellonText.empty());  // nothing of the last file's scan stays
 }
 
-TEST_F(WindowlessImportTest, ACoordinateBeyondTheWorldFailsTheImport) {
-  const WindowlessImportResult result =
+TEST_F(ImportSessionTest, ACoordinateBeyondTheWorldFailsTheImport) {
+  const ImportResult result =
       run(write("far.drl", "M48\nMETRIC\nT1C1\n%\nT1\nX1.0Y1.0\nX99999999999.0Y1.0\nX3.0Y3.0\n"));
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.layer, DrillLayer);
@@ -104,16 +103,16 @@ TEST_F(WindowlessImportTest, ACoordinateBeyondTheWorldFailsTheImport) {
   EXPECT_EQ(drill().LastFile, "");
 }
 
-TEST_F(WindowlessImportTest, WithoutAListedDrillLayerNothingIsBound) {
+TEST_F(ImportSessionTest, WithoutAListedDrillLayerNothingIsBound) {
   drill().Listed = false;
-  const WindowlessImportResult result = run(write("board.txt", FormatTwo));
+  const ImportResult result = run(write("board.txt", FormatTwo));
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.layer, 0);
   EXPECT_EQ(boxes(), std::vector<std::string>{folder.file("board.txt") + " No available layers"});
   EXPECT_TRUE(drillPads().empty());
 }
 
-TEST_F(WindowlessImportTest, BadInputEndsWithAStatusNeverACrash) {
+TEST_F(ImportSessionTest, BadInputEndsWithAStatusNeverACrash) {
   struct Case {
     const char* name;
     std::string text;
@@ -138,7 +137,7 @@ TEST_F(WindowlessImportTest, BadInputEndsWithAStatusNeverACrash) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    const WindowlessImportResult result = run(write("bad.drl", c.text));
+    const ImportResult result = run(write("bad.drl", c.text));
     EXPECT_EQ(result.status, c.status);
     EXPECT_EQ(drillPads().size(), c.pads);
     EnsureLayerSymbol(kernel->store, drill(), true);

@@ -2,6 +2,8 @@
 // window's file-open command and the import window's "Open for Import" and "Open for View".
 #pragma once
 
+#include "import/readers/window/FileRequestMode.h"
+
 #include <QStringList>
 
 #include <string>
@@ -11,11 +13,6 @@ class QWidget;
 namespace tvx {
 
 class SystemServices;
-
-namespace filerequest {
-inline constexpr int ForDisplay = 1;  // "Select File for Display"
-inline constexpr int ForImport = 2;   // "Select File for Import"
-}  // namespace filerequest
 
 // The title of the request in the user's language.
 std::string fileRequestTitle(const SystemServices& services, int mode);

@@ -2,8 +2,8 @@
 // pads and items of a layer read back from the store, and a whole import world over a folder.
 #pragma once
 
+#include "import/readers/ImportSession.h"
 #include "import/readers/excellon/ExcellonReader.h"
-#include "import/readers/WindowlessImport.h"
 #include "kernel/Kernel.h"
 #include "store/ColourSlots.h"
 #include "store/LayerSymbol.h"
@@ -100,9 +100,8 @@ struct ImportWorld {
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }
-  WindowlessImportResult run(const std::string& path, const WindowlessImportOptions& options = {}) {
-    ImportOwners owners = session->owners(tables->Layers);
-    return ImportWithoutWindow(owners, path, options);
+  ImportResult run(const std::string& path, const ImportOptions& options = {}) {
+    return session->importFile(tables->Layers, path, options);
   }
   LayerRecord& layer(int32_t number) const { return tables->layer(number); }
   std::vector<ItemRecord> items(int32_t number) const {

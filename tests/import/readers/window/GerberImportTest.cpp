@@ -14,7 +14,7 @@ using test::ImportWorld;
 TEST(GerberImport, AnArtworkFileGoesIntoTheLayerChosenWithItsPadPositions) {
   ImportWorld world;
   const std::string path = world.write("top.gbr", test::TwoPadsAndATrack);
-  WindowlessImportResult result = world.run(path);
+  ImportResult result = world.run(path);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.kind, ImportKind::ArtworkRS274X);
   const int32_t first = result.layer;
@@ -36,7 +36,7 @@ TEST(GerberImport, AnArtworkFileGoesIntoTheLayerChosenWithItsPadPositions) {
   EXPECT_EQ(world.layer(first).LastFile, path);
 
   // Another layer by choice; centred without NoCenter.
-  WindowlessImportOptions options;
+  ImportOptions options;
   options.layer = 3;
   options.noCenter = false;
   result = world.run(path, options);
@@ -69,13 +69,13 @@ TEST(GerberImport, EveryCorpusGerberFileImportsWithAPlausibleFrame) {
   for (const auto& [path, format] : files) {
     SCOPED_TRACE(path);
     ImportWorld world;
-    WindowlessImportResult result = world.run(dir + "/" + path);
+    ImportResult result = world.run(dir + "/" + path);
     if (result.kind == ImportKind::Unknown && format == "gerber-d") {
       // A plain RS-274-D file need not show what it is: the user chooses its kind. Its coordinates
       // read in the settings' format lie beyond the world when kept in place, so it is centred.
       EXPECT_EQ(world.reporting.prompts.shown.size(), 1u);
       world.reporting.prompts.shown.clear();
-      WindowlessImportOptions chosen;
+      ImportOptions chosen;
       chosen.kind = ImportKind::ArtworkRS274D;
       chosen.noCenter = false;
       result = world.run(dir + "/" + path, chosen);

@@ -1,9 +1,11 @@
-// The import dialog's stages over stubbed readers and scans: stage one of each kind of file (scan,
-// layers offered, binding), and the import into the bound layer with its centring and order.
+// The import window's stages over the session with scripted readers where a format has none: stage
+// one of each kind of file (scan, layers offered, binding), and the import into the bound layer
+// with its centring and order.
 #include "import/readers/window/ImportDialogModel.h"
 
 #include "import/readers/excellon/ExcellonTestSupport.h"
 
+#include <fstream>
 #include <memory>
 
 namespace tvx {
@@ -15,7 +17,7 @@ using test::line;
 class ImportDialogModelTest : public ::testing::Test {
 protected:
   ImportDialogModelTest() {
-    state.Job.WorkDirectory = "/work/cache";
+    state.Job.WorkDirectory = folder.path().string();
     state.Job.SourcePath = "/boards/top.gbr";
     window.setDisplayFile = [this] { events.push_back("display file"); };
     window.markProjectChanged = [this] { events.push_back("changed"); };
@@ -25,28 +27,33 @@ protected:
       if (on)
         events.push_back("check " + std::to_string(layer));
     };
-    scans.runGerberTextPass = [this](int32_t& status, const std::string& source,
-                                     const std::string& art) {
-      events.push_back("pass " + source + " > " + art);
-      status = passStatus;
+    gerber.onScan = [this](ImportJob& job) {
+      events.push_back("pass " + job.SourcePath);
+      return passStatus == 0 ? ScanResult::Scanned : ScanResult::Failed;
     };
+    session.readers.add(ReaderGerberArtwork, gerber);
   }
   ImportDialogModel& model() {
     if (!model_) {
-      model_ = std::make_unique<ImportDialogModel>(store, reporting.services, reporting.reporter,
-                                                   state, layers, readers, scans, window);
+      model_ = std::make_unique<ImportDialogModel>(session, layers, window);
       model_->programTitle = "Tarvex Viewer";
     }
     return *model_;
   }
+  std::string write(const std::string& name, const std::string& text) const {
+    const std::string path = folder.file(name);
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+  }
   std::vector<std::string> boxes() const { return test::boxesOf(reporting.prompts); }
 
+  test::TempDir folder;
   Store store;
   test::Reporting reporting;
-  ImportState state;
+  ImportSession session{store, reporting.services, reporting.prompts};
+  ImportState& state = session.state;
   std::array<LayerRecord, LayerCount> layers = test::makeLayers();
-  ReaderSet readers;
-  ScanSet scans;
+  test::ScriptedReader gerber;
   MainWindowLink window;
   std::vector<std::string> events;
   int32_t passStatus = 0;
@@ -59,8 +66,7 @@ TEST_F(ImportDialogModelTest, GerberStageOneScansIntoTheWorkDirectoryAndOffersLa
     events.clear();
     state.Job.Kind = kind;
     EXPECT_TRUE(model().ApplyFile());
-    EXPECT_EQ(events, std::vector<std::string>{"pass /boards/top.gbr > /work/cache/TMP.ART"});
-    EXPECT_EQ(state.Job.IntermediatePath, "/work/cache/TMP.ART");
+    EXPECT_EQ(events, std::vector<std::string>{"pass /boards/top.gbr"});
     EXPECT_TRUE(state.Job.Prepared);
     EXPECT_EQ(state.DialogLayer, 0);
     EXPECT_EQ(model().layerList.size(), 8u);
@@ -74,12 +80,12 @@ TEST_F(ImportDialogModelTest, GerberStageOneScansIntoTheWorkDirectoryAndOffersLa
 
   // A failed pass leaves no scan result and nothing prepared; the dialog stays up.
   passStatus = 1;
+  state.Job.Prepared = false;
   EXPECT_TRUE(model().ApplyFile());
-  EXPECT_TRUE(state.Job.IntermediatePath.empty());
   EXPECT_FALSE(state.Job.Prepared);
 
   // Without the text pass the file is reported as not supported.
-  scans.runGerberTextPass = nullptr;
+  session.readers = ReaderTable{};
   model_.reset();
   EXPECT_TRUE(model().ApplyFile());
   EXPECT_EQ(boxes(), std::vector<std::string>{
@@ -93,52 +99,44 @@ TEST_F(ImportDialogModelTest, GerberStageOneScansIntoTheWorkDirectoryAndOffersLa
 }
 
 TEST_F(ImportDialogModelTest, ExcellonStageOneReadsScansAndBindsTheDrillLayer) {
-  bool readOk = true;
-  int32_t scanResult = 4;
-  scans.readExcellonText = [&](const std::string& name, std::string& text) {
-    events.push_back("read " + name);
-    text = "T1|X1Y1|";
-    return readOk;
-  };
-  readers.scanExcellonText = [&](const std::string&, std::vector<ToolEntry>&, bool readHeader,
-                                 bool) {
-    events.push_back(readHeader ? "scan header" : "scan");
-    return scanResult;
-  };
-  state.Job.SourcePath = "/boards/holes.drl";
+  // Recognised as Format Two but without a unit in its header: told, and read as Format One.
+  state.Job.SourcePath = write("holes.drl", "M48\nT1C0.02\n%\nT1\nX01Y01\nM30\n");
   state.Job.Kind = ImportKind::ExcellonFormatTwo;
   EXPECT_TRUE(model().ApplyFile());
-  // Recognised as Format Two but found to be Format One: told, and read as Format One.
   EXPECT_EQ(boxes(), std::vector<std::string>{
-                         "/boards/holes.drl - this is not Format 2 File.\r\nFormat parameters "
+                         state.Job.SourcePath +
+                         " - this is not Format 2 File.\r\nFormat parameters "
                          "and/or tools sizes might need adjustment for correct import"});
-  EXPECT_EQ(events, (std::vector<std::string>{"read /boards/holes.drl", "scan header", "scan"}));
-  EXPECT_EQ(state.Job.ExcellonText, "T1|X1Y1|");
+  EXPECT_EQ(state.Job.ExcellonText, "M48|T1C0.02|%|T1|X01Y01|M30|");
   EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatOne);
+  EXPECT_EQ(model().kindText, std::string(importKindText(ImportKind::ExcellonFormatOne).text));
   EXPECT_EQ(state.DialogLayer, 31);
+  EXPECT_EQ(layers[30].Files.at(0).Tools.size(), 1u) << "the binding fills the tool table";
   EXPECT_EQ(model().layerList, std::vector<std::string>{"Drill Template"});
   EXPECT_TRUE(model().FiltersShown);
 
   // Not Excellon after all: shown as text, no binding.
-  events.clear();
   state.DialogLayer = 0;
-  scanResult = 0;
+  state.Job.SourcePath = write("notes.drl", "hello\n");
   EXPECT_FALSE(model().ApplyFile());
-  EXPECT_EQ(events, (std::vector<std::string>{"read /boards/holes.drl", "scan", "display file"}));
+  EXPECT_EQ(events, std::vector<std::string>{"display file"});
   EXPECT_EQ(state.DialogLayer, 0);
 
+  // An unreadable file is told by the file layer and is not shown as text.
   events.clear();
-  readOk = false;
+  state.Job.SourcePath = folder.file("missing.drl");
   EXPECT_FALSE(model().ApplyFile());
-  EXPECT_EQ(events, std::vector<std::string>{"read /boards/holes.drl"});
+  EXPECT_TRUE(events.empty());
 }
 
-TEST_F(ImportDialogModelTest, PlotterAndCadStageOneBindOnlyAfterTheLoaderSucceeded) {
+TEST_F(ImportDialogModelTest, PlotterAndCadStageOneBindOnlyAfterTheReaderScanned) {
+  test::ScriptedReader hpgl;
   bool loaded = false;
-  scans.readHpglText = [&](const std::string&, std::string& text) {
-    text = "IN;PU0,0;";
-    return loaded;
+  hpgl.onScan = [&](ImportJob& job) {
+    job.HpglText = "IN;PU0,0;";
+    return loaded ? ScanResult::Scanned : ScanResult::Failed;
   };
+  session.readers.add(ReaderHpgl, hpgl);
   state.Job.Kind = ImportKind::Hpgl;
   model().filterButtonVisible = true;
   EXPECT_FALSE(model().ApplyFile());
@@ -153,7 +151,7 @@ TEST_F(ImportDialogModelTest, PlotterAndCadStageOneBindOnlyAfterTheLoaderSucceed
   EXPECT_EQ(state.DialogLayer, 30);
   EXPECT_FALSE(model().FiltersShown);
 
-  // No DXF loader is built in.
+  // No DXF reader is built in.
   state.Job.Kind = ImportKind::Dxf;
   EXPECT_FALSE(model().ApplyFile());
   EXPECT_EQ(boxes().size(), 1u);
@@ -161,12 +159,12 @@ TEST_F(ImportDialogModelTest, PlotterAndCadStageOneBindOnlyAfterTheLoaderSucceed
 
 TEST_F(ImportDialogModelTest, ImportFileWritesTheLayerCentresItAndPutsItOnTop) {
   bool fail = false;
-  readers.importHpgl = [&](int32_t& status, const std::string&, LayerRecord& layer,
-                           LayerFileRecord&) {
+  test::ScriptedReader hpgl;
+  hpgl.onImport = [&](int32_t& status, const ImportJob&, LayerRecord& layer, LayerFileRecord&) {
     addItem(store, layer.SymbolHandle, line(-350000, -250000, 400000, 400000));
     status = fail ? 1 : 0;
   };
-  scans.readHpglText = [](const std::string&, std::string&) { return true; };
+  session.readers.add(ReaderHpgl, hpgl);
   std::vector<std::string> lines;
   model().messageLineChanged = [&](const std::string& text) { lines.push_back(text); };
   state.Job.Kind = ImportKind::Hpgl;

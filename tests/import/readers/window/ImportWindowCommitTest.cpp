@@ -322,15 +322,12 @@ TEST_F(ImportWindowCommit, ClearEmptiesTheLayerAndForgetsItUnlessItIsTheDrillLay
 
 TEST_F(ImportWindowCommit, ADxfFileBoundToTheOutlineCanBeMovedToAnotherLayer) {
   std::vector<int32_t> readInto;
-  world.session->scans.readDxfFile = [](const std::string&, std::vector<std::string>& lines) {
-    lines = {"0", "EOF"};
-    return true;
-  };
-  world.session->readers.importDxf = [&](int32_t&, const std::vector<std::string>&,
-                                         LayerRecord& layer, LayerFileRecord& file) {
+  test::ScriptedReader dxf;
+  dxf.onImport = [&](int32_t&, const ImportJob&, LayerRecord& layer, LayerFileRecord& file) {
     readInto.push_back(layer.Mask);
     EXPECT_EQ(file.ReaderCode, ReaderDxf);
   };
+  world.session->readers.add(ReaderDxf, dxf);
   world.makeModel();
   ImportState& state = world.session->state;
   state.Job.SourcePath = world.folder.file("board.dxf");

@@ -102,16 +102,13 @@ TEST(ImportWindowRows, ADrillFileIsImportedAtOnceWithItsToolsEditable) {
 TEST(ImportWindowRows, APlotterFileHasNoFormatRowsAndOnlyTheOutlineLayer) {
   test::ImportWindowWorld world;
   int imports = 0;
-  world.session->scans.readHpglText = [](const std::string&, std::string& text) {
-    text = "IN;PU0,0;PD400,0;";
-    return true;
-  };
-  world.session->readers.importHpgl = [&](int32_t&, const std::string&, LayerRecord& layer,
-                                          LayerFileRecord& file) {
+  test::ScriptedReader hpgl;
+  hpgl.onImport = [&](int32_t&, const ImportJob&, LayerRecord& layer, LayerFileRecord& file) {
     ++imports;
     EXPECT_EQ(layer.Mask, BoardOutlineMask);
     EXPECT_EQ(file.ReaderCode, ReaderHpgl);
   };
+  world.session->readers.add(ReaderHpgl, hpgl);
   world.makeModel();
   world.open("outline.plt", "IN;PU0,0;PD400,0;\n");
   ASSERT_EQ(world.session->state.Job.Kind, ImportKind::Hpgl);

@@ -1,0 +1,28 @@
+// The Excellon format's part of the import road: stage one reads the file as blocks and scans its
+// format and tools; the layer binding gives the drill layer's file record its tool table; stage
+// two places the holes.
+#pragma once
+
+#include "import/core/FileReader.h"
+#include "import/readers/excellon/ExcellonReader.h"
+
+namespace tvx {
+
+class FileLayer;
+
+class ExcellonFileReader : public FileReader {
+public:
+  ExcellonFileReader(ExcellonReader& reader, FileLayer& files) : reader_(reader), files_(files) {}
+
+  // A kind-3 file that scans as Format One is reported with status 94, and the import goes on.
+  ScanResult scan(ImportJob& job) override;
+  void prepareBoundFile(ImportJob& job, LayerFileRecord& file) override;
+  void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
+                  LayerFileRecord& file) override;
+
+private:
+  ExcellonReader& reader_;
+  FileLayer& files_;
+};
+
+}  // namespace tvx
