@@ -39,13 +39,13 @@ TEST(ExcellonCorpusTest, EveryDrillFileImportsAndAccountsForEveryHole) {
   for (const auto& [path, format] : files) {
     SCOPED_TRACE(path);
     test::ImportWorld world;
-    WindowlessImportOptions options;
+    ImportOptions options;
     if (auto it = ChosenAsExcellon.find(path); it != ChosenAsExcellon.end()) {
       SCOPED_TRACE(it->second);
       options.kind = ImportKind::ExcellonFormatTwo;
       ++chosen;
     }
-    const WindowlessImportResult result = world.run(corpus + "/" + path, options);
+    const ImportResult result = world.run(corpus + "/" + path, options);
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(isExcellonKind(result.kind)) << int(result.kind);
     ASSERT_EQ(result.layer, 31);
