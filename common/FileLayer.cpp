@@ -17,9 +17,6 @@ std::string errorText(int error) {
   return std::generic_category().message(error);
 }
 
-// Reads are done as if the stream were bytes: a C stream needs a seek between a write and a read.
-void settle(std::FILE* f) { std::fseek(f, 0, SEEK_CUR); }
-
 }  // namespace
 
 FileLayer::FileLayer(SystemServices& services, UserPrompts* prompts)
@@ -58,7 +55,7 @@ void FileLayer::ReportWriteError(const std::string& name, int error) {
 }
 
 void FileLayer::open(int32_t& status, int16_t& handle, const std::string& name, Mode mode,
-                     int32_t recordLength, const char* fopenMode, bool readError) {
+                     const char* fopenMode, bool readError) {
   status = 0;
   handle = 0;
   int error = 0;
@@ -66,8 +63,6 @@ void FileLayer::open(int32_t& status, int16_t& handle, const std::string& name, 
   std::FILE* f = nullptr;
   if (number == 0)
     error = EMFILE;
-  else if (mode == Mode::Random && recordLength <= 0)
-    error = EINVAL;
   else {
     errno = 0;
     f = std::fopen(name.c_str(), fopenMode);
@@ -78,34 +73,20 @@ void FileLayer::open(int32_t& status, int16_t& handle, const std::string& name, 
     status = 1;
     return;
   }
-  files_[number] = OpenFile{f, name, mode, recordLength, false};
+  files_[number] = OpenFile{f, name, mode};
   handle = number;
 }
 
 void FileLayer::OpenForInput(int32_t& status, int16_t& handle, const std::string& name) {
-  open(status, handle, name, Mode::Input, 0, "rb", true);
+  open(status, handle, name, Mode::Input, "rb", true);
 }
 
 void FileLayer::OpenForBinary(int32_t& status, int16_t& handle, const std::string& name) {
-  open(status, handle, name, Mode::Binary, 0, "rb", true);
-}
-
-void FileLayer::OpenForRandom(int32_t& status, int16_t& handle, const std::string& name,
-                              int32_t recordLength) {
-  open(status, handle, name, Mode::Random, recordLength, "r+b", false);
+  open(status, handle, name, Mode::Binary, "rb", true);
 }
 
 void FileLayer::OpenForOutput(int32_t& status, int16_t& handle, const std::string& name) {
-  open(status, handle, name, Mode::Output, 0, "wb", false);
-}
-
-void FileLayer::CreateForRandom(int32_t& status, int16_t& handle, const std::string& name,
-                                int32_t recordLength) {
-  OpenForOutput(status, handle, name);
-  if (status != 0)
-    return;
-  CloseFile(false, handle, name);
-  OpenForRandom(status, handle, name, recordLength);
+  open(status, handle, name, Mode::Output, "wb", false);
 }
 
 void FileLayer::ReadTextLine(int32_t& status, int16_t handle, std::string& line) {
@@ -116,10 +97,6 @@ void FileLayer::ReadTextLine(int32_t& status, int16_t handle, std::string& line)
     ReportReadError(f ? f->name : std::string(), EBADF);
     status = 1;
     return;
-  }
-  if (f->lastWasWrite) {
-    settle(f->file);
-    f->lastWasWrite = false;
   }
   int c = std::getc(f->file);
   if (c == EOF) {
@@ -151,10 +128,6 @@ void FileLayer::ReadCharacters(int32_t& status, int16_t handle, std::string& tex
     count = static_cast<int32_t>(text.size());
   if (count == 0)
     return;
-  if (f->lastWasWrite) {
-    settle(f->file);
-    f->lastWasWrite = false;
-  }
   std::string buffer(size_t(count), '\0');
   size_t got = std::fread(buffer.data(), 1, buffer.size(), f->file);
   if (got != buffer.size()) {
@@ -170,10 +143,6 @@ bool FileLayer::EndOfFile(int16_t handle) {
   OpenFile* f = find(handle);
   if (!f)
     return true;
-  if (f->lastWasWrite) {
-    settle(f->file);
-    f->lastWasWrite = false;
-  }
   int c = std::getc(f->file);
   if (c == EOF)
     return true;
@@ -198,54 +167,6 @@ void FileLayer::WriteCharacters(int32_t& status, int16_t handle, const std::stri
 
 void FileLayer::WriteTextLine(int32_t& status, int16_t handle, const std::string& text) {
   WriteCharacters(status, handle, text + "\r\n");
-}
-
-void FileLayer::GetRecord(int32_t& status, int16_t handle, int32_t recordNumber, void* data) {
-  status = 0;
-  OpenFile* f = find(handle);
-  if (!f || f->mode != Mode::Random || recordNumber < 1) {
-    ReportReadError(f ? f->name : std::string(), EINVAL);
-    status = 1;
-    return;
-  }
-  const long offset = long(recordNumber - 1) * f->recordLength;
-  if (std::fseek(f->file, offset, SEEK_SET) != 0 ||
-      std::fread(data, 1, size_t(f->recordLength), f->file) != size_t(f->recordLength)) {
-    ReportReadError(f->name, std::ferror(f->file) ? errno : ENODATA);
-    status = 1;
-  }
-  f->lastWasWrite = false;
-}
-
-void FileLayer::PutRecord(int32_t& status, int16_t handle, int32_t recordNumber, const void* data) {
-  status = 0;
-  OpenFile* f = find(handle);
-  if (!f || f->mode != Mode::Random || recordNumber < 1) {
-    ReportWriteError(f ? f->name : std::string(), EINVAL);
-    status = 1;
-    return;
-  }
-  const long offset = long(recordNumber - 1) * f->recordLength;
-  errno = 0;
-  if (std::fseek(f->file, offset, SEEK_SET) != 0 ||
-      std::fwrite(data, 1, size_t(f->recordLength), f->file) != size_t(f->recordLength)) {
-    ReportWriteError(f->name, errno);
-    status = 1;
-  }
-  f->lastWasWrite = true;
-}
-
-int32_t FileLayer::RecordCount(int16_t handle) {
-  OpenFile* f = find(handle);
-  if (!f || f->mode != Mode::Random)
-    return 0;
-  std::fflush(f->file);
-  long here = std::ftell(f->file);
-  std::fseek(f->file, 0, SEEK_END);
-  long size = std::ftell(f->file);
-  std::fseek(f->file, here, SEEK_SET);
-  f->lastWasWrite = false;
-  return size < 0 ? 0 : static_cast<int32_t>(size / f->recordLength);
 }
 
 void FileLayer::CloseFile(bool deleteFile, int16_t handle, const std::string& name) {

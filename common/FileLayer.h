@@ -1,4 +1,4 @@
-// All of the system's file access: numbered files, text lines, characters and fixed records,
+// All of the system's file access: numbered files, text lines and characters,
 // with one message for a failed read and one for a failed write.
 #pragma once
 
@@ -27,13 +27,7 @@ public:
 
   void OpenForInput(int32_t& status, int16_t& handle, const std::string& name);
   void OpenForBinary(int32_t& status, int16_t& handle, const std::string& name);
-  // Opens a file of fixed records for reading and writing; the file must exist.
-  void OpenForRandom(int32_t& status, int16_t& handle, const std::string& name,
-                     int32_t recordLength);
   void OpenForOutput(int32_t& status, int16_t& handle, const std::string& name);
-  // Creates (or empties) the file, then opens it for fixed records.
-  void CreateForRandom(int32_t& status, int16_t& handle, const std::string& name,
-                       int32_t recordLength);
 
   // The next line without its ending (CR LF, LF or a lone CR). Reading past the end fails.
   void ReadTextLine(int32_t& status, int16_t handle, std::string& line);
@@ -47,13 +41,6 @@ public:
   // Writes text as it stands to a file opened for output or binary access.
   void WriteCharacters(int32_t& status, int16_t handle, const std::string& text);
 
-  // Fixed records, numbered from 1; data is one record long. Reading a record beyond the end
-  // fails; writing one beyond the end extends the file.
-  void GetRecord(int32_t& status, int16_t handle, int32_t recordNumber, void* data);
-  void PutRecord(int32_t& status, int16_t handle, int32_t recordNumber, const void* data);
-  // Number of whole records in a file opened for fixed records.
-  int32_t RecordCount(int16_t handle);
-
   // Closes the number and, with deleteFile, deletes the named file; errors are passed over.
   void CloseFile(bool deleteFile, int16_t handle, const std::string& name);
 
@@ -64,17 +51,15 @@ public:
   int openCount() const { return static_cast<int>(files_.size()); }
 
 private:
-  enum class Mode { Input, Binary, Random, Output };
+  enum class Mode { Input, Binary, Output };
   struct OpenFile {
     std::FILE* file = nullptr;
     std::string name;
     Mode mode = Mode::Input;
-    int32_t recordLength = 0;
-    bool lastWasWrite = false;  // a stream switching between reading and writing must seek
   };
 
   void open(int32_t& status, int16_t& handle, const std::string& name, Mode mode,
-            int32_t recordLength, const char* fopenMode, bool readError);
+            const char* fopenMode, bool readError);
   OpenFile* find(int16_t handle);
   int16_t freeNumber() const;
 

@@ -73,10 +73,7 @@ TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
   const std::vector<std::pair<std::function<void()>, std::string>> opens = {
       {[&] { files_.OpenForInput(status, handle, missing); }, cantRead + missing},
       {[&] { files_.OpenForBinary(status, handle, missing); }, cantRead + missing},
-      {[&] { files_.OpenForOutput(status, handle, noFolder); }, cantWrite + noFolder},
-      {[&] { files_.CreateForRandom(status, handle, noFolder, 21); }, cantWrite + noFolder},
-      // A file of records must exist.
-      {[&] { files_.OpenForRandom(status, handle, missing, 21); }, cantWrite + missing}};
+      {[&] { files_.OpenForOutput(status, handle, noFolder); }, cantWrite + noFolder}};
   for (const auto& [open, message] : opens) {
     SCOPED_TRACE(message);
     status = 0;
@@ -145,40 +142,6 @@ TEST_F(FileLayerTest, CharactersByCountOrByTheTextsLength) {
   files_.CloseFile(false, h, name);
 }
 
-TEST_F(FileLayerTest, FixedRecordsAndDeleteOnClose) {
-  const std::string name = path("TMP.ART");
-  writeFile(name, "old contents that CreateForRandom must empty");
-  int32_t status = 0;
-  int16_t h = 0;
-  files_.CreateForRandom(status, h, name, 21);
-  ASSERT_EQ(status, 0);
-  EXPECT_EQ(files_.RecordCount(h), 0);
-  std::array<char, 21> a{}, b{}, read{};
-  std::memset(a.data(), 'a', a.size());
-  std::memset(b.data(), 'b', b.size());
-  files_.PutRecord(status, h, 1, a.data());
-  files_.PutRecord(status, h, 3, b.data());  // beyond the end: the file grows
-  ASSERT_EQ(status, 0);
-  EXPECT_EQ(files_.RecordCount(h), 3);
-  files_.GetRecord(status, h, 3, read.data());
-  EXPECT_EQ(read, b);
-  files_.GetRecord(status, h, 1, read.data());
-  EXPECT_EQ(read, a);
-  files_.PutRecord(status, h, 1, b.data());  // overwrite in place after a read
-  files_.GetRecord(status, h, 1, read.data());
-  EXPECT_EQ(read, b);
-  EXPECT_TRUE(prompts_.shown.empty());
-  files_.GetRecord(status, h, 4, read.data());
-  EXPECT_EQ(status, 1);
-  files_.GetRecord(status, h, 0, read.data());
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(std::filesystem::file_size(name), 63u);
-
-  files_.CloseFile(true, h, name);
-  EXPECT_FALSE(std::filesystem::exists(name));
-  EXPECT_EQ(files_.openCount(), 0);
-}
-
 TEST_F(FileLayerTest, TextOutputEndsLinesWithCrLf) {
   const std::string name = path("out.apt");
   int32_t status = 0;
@@ -198,6 +161,11 @@ TEST_F(FileLayerTest, TextOutputEndsLinesWithCrLf) {
   std::ifstream read(name, std::ios::binary);
   std::string content((std::istreambuf_iterator<char>(read)), std::istreambuf_iterator<char>());
   EXPECT_EQ(content, "D10,C,0.010\r\ntail");
+
+  // Closing with delete removes the file and frees its number.
+  files_.CloseFile(true, in, path("in.txt"));
+  EXPECT_FALSE(std::filesystem::exists(path("in.txt")));
+  EXPECT_EQ(files_.openCount(), 0);
 }
 
 }  // namespace

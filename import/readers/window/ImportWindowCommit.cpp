@@ -54,13 +54,6 @@ void ImportWindowModel::CommitCell(int32_t row, const std::string& cellText) {
   commit(target.Key, cellText);
 }
 
-void ImportWindowModel::CommitKey(const std::string& key, const std::string& cellText) {
-  const int32_t row = rowOf(key);
-  if (row >= 0)
-    currentRow = row;
-  commit(key, cellText);
-}
-
 void ImportWindowModel::commit(const std::string& key, const std::string& cellText) {
   CellEdited = false;
   if (cellText.empty()) {

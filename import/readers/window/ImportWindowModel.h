@@ -155,8 +155,6 @@ public:
   // A click on a row: the highlight of an aperture or tool row, or the file picker of the file
   // name's value cell.
   void ClickRow(int32_t row, bool valueCell);
-  // The commit step by key, for keys without a row (AF_IMODE, AFS_MIR) and for tests.
-  void CommitKey(const std::string& key, const std::string& text);
 
   // Buttons of the window.
   void cmdClose();

@@ -79,13 +79,38 @@ TEST_F(FileInfoTest, ADrillFileReportsFormatToolsExtentsAndPads) {
   EXPECT_EQ(fileInfoJson(gatherFileInfo(path)), fileInfoJson(info));
 }
 
+TEST_F(FileInfoTest, AGerberFileReportsItsAperturesWithTheirUses) {
+  const std::string path = write("top.gbr", "%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.0100*%\n"
+                                            "%ADD11R,0.0600X0.0400*%\n%ADD12C,0.02*%\nD11*\n"
+                                            "X0Y0D03*\nX10000Y0D03*\nD10*\nX0Y0D02*\n"
+                                            "X10000Y0D01*\nM02*\n");
+  const FileInfo info = gatherFileInfo(path);
+  ASSERT_TRUE(info.gerber);
+  EXPECT_FALSE(info.failed());
+  const std::string text = fileInfoText(info);
+  EXPECT_NE(text.find("  D10  draw  round  0.25400 mm  1 uses\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("  D11  special  rectangle"), std::string::npos) << text;
+  EXPECT_NE(text.find("extents mm: x "), std::string::npos) << text;
+  const QJsonArray apertures =
+      parse(fileInfoJson(info))["gerber"].toObject()["apertures"].toArray();
+  ASSERT_EQ(apertures.size(), int(info.apertures.size()));
+  bool sawUnused = false;
+  for (const auto& entry : apertures) {
+    const QJsonObject a = entry.toObject();
+    if (a["dCode"].toInt() == 12) {
+      sawUnused = true;
+      EXPECT_EQ(a["uses"].toInt(), 0) << "defined but never used";
+    }
+  }
+  EXPECT_TRUE(sawUnused);
+}
+
 TEST_F(FileInfoTest, OtherFilesReportTheirKindOnly) {
   struct Case {
     const char* text;
     int kind;
     const char* name;
   } cases[] = {
-      {"%FSLAX24Y24*%\n%ADD10C,0.1*%\nD10*\nX0Y0D03*\nM02*\n", 1, "Artwork GERBER RS-274-X"},
       {"just some words\n", 0, "unknown file"},
       {"", 0, "unknown file"},
   };

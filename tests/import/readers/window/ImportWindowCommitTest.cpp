@@ -14,6 +14,19 @@ namespace {
 
 class ImportWindowCommit : public ::testing::Test {
 protected:
+  // What the user does in the row of key: types text and leaves the cell.
+  void commit(const std::string& key, const std::string& text) {
+    const int32_t row = model().rowOf(key);
+    ASSERT_GE(row, 0) << key << " has no row";
+    model().CommitCell(row, text);
+  }
+  // A plain RS-274-D track, whose format rows the user may change, chosen into layer.
+  void openPlain(int32_t layer = 1) {
+    world.model->apertureTableName = "PLOTTER1";
+    world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
+    world.choose(world.layer(layer).DisplayName);
+    ASSERT_EQ(world.session->state.DialogLayer, layer);
+  }
   void openArtwork(int32_t layer = 1) {
     world.open("top.gbr", test::TwoPadsAndATrack);
     ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
@@ -37,23 +50,24 @@ protected:
 };
 
 TEST_F(ImportWindowCommit, ScaleFactorsAreTakenOnlyBetweenZeroAndTen) {
-  openArtwork();
-  const int32_t width = world.items(1).back().Width;
+  openPlain();
+  const int32_t length = world.items(1).back().Width;
   for (const char* refused : {"0", "10", "-1", "12.5"}) {
     SCOPED_TRACE(refused);
-    model().CommitKey("IMP_SCFXG", refused);
+    commit("IMP_SCFXG", refused);
     EXPECT_EQ(world.session->gerberFormat.Scale[AxisX], 1.0);
     EXPECT_EQ(world.row("IMP_SCFXG").Value, "1.0") << "the old value is shown again";
   }
   EXPECT_TRUE(world.reporting.prompts.shown.empty()) << "refused in silence";
 
-  model().CommitKey("IMP_SCFXG", "9.999");
+  commit("IMP_SCFXG", "9.999");
   EXPECT_EQ(world.session->state.DialogLayer, 1);
-  EXPECT_NEAR(world.items(1).back().Width, width / 9.999, 1.0) << "re-run into the same layer";
+  EXPECT_NEAR(world.items(1).back().Width, length / 9.999, 1.0) << "re-run into the same layer";
   EXPECT_EQ(storedGerber().Scale[AxisX], 9.999);
 
   world.session->state.Job.Kind = ImportKind::Dxf;  // only the format is looked at
-  model().CommitKey("IMP_SCFDXF", "10");
+  model().FormUpdate();
+  commit("IMP_SCFDXF", "10");
   EXPECT_EQ(world.session->dxfFormat.DxfScale, 1.0);
 }
 
@@ -61,21 +75,21 @@ TEST_F(ImportWindowCommit, OffsetsReachTheEdgeOfTheWorldAndNoFurther) {
   openArtwork();
   model().F_InchMM(1);
   const int32_t x = trackX();
-  model().CommitKey("AFS_XO", "10");
+  commit("AFS_XO", "10");
   EXPECT_EQ(world.layer(1).Files.at(0).OffsetX, 1000000);
   EXPECT_EQ(trackX(), x + 1000000) << "the layer was imported again, moved";
 
-  model().CommitKey("AFS_YO", "-2200");
+  commit("AFS_YO", "-2200");
   EXPECT_EQ(world.layer(1).OffsetY, -220000000) << "exactly the edge is taken";
-  model().CommitKey("AFS_XO", "2200");
+  commit("AFS_XO", "2200");
   EXPECT_EQ(world.layer(1).OffsetX, 220000000);
-  model().CommitKey("AFS_XO", "2200.00001");  // one store unit more
+  commit("AFS_XO", "2200.00001");  // one store unit more
   EXPECT_EQ(world.layer(1).OffsetX, 220000000);
   EXPECT_EQ(world.row("AFS_XO").Value, "2200.000mm");
-  model().CommitKey("AFS_XO", "");
+  commit("AFS_XO", "");
   EXPECT_EQ(world.layer(1).OffsetX, 220000000) << "an empty text changes nothing";
   model().F_InchMM(0);
-  model().CommitKey("AFS_XO", "1");
+  commit("AFS_XO", "1");
   EXPECT_EQ(world.layer(1).OffsetX, 2540000) << "inches in the inch unit";
   EXPECT_EQ(world.row("AFS_XO").Value, "1.0000\"");
 }
@@ -351,9 +365,9 @@ TEST_F(ImportWindowCommit, ADxfFileBoundToTheOutlineCanBeMovedToAnotherLayer) {
   EXPECT_EQ(world.layer(2).Files.at(0).Colour, world.layer(2).ColourNumber);
 
   // True line sizes, then a new scale: the re-run stays on the chosen layer.
-  model().CommitKey("AFS_DXFTRUESIZE", "1");
+  commit("AFS_DXFTRUESIZE", "1");
   EXPECT_TRUE(world.layer(2).Files.at(0).TrueLineSize);
-  model().CommitKey("IMP_SCFDXF", "2.5");
+  commit("IMP_SCFDXF", "2.5");
   EXPECT_EQ(world.session->dxfFormat.DxfScale, 2.5);
   expectOnLayer2();
 }
@@ -374,7 +388,8 @@ TEST_F(ImportWindowCommit, AnUnreadableFileShowsItselfAsTextAndCloses) {
 
 TEST_F(ImportWindowCommit, AScanThatVanishedFailsTheImportButNotTheWindow) {
   // Artwork: the window stays, the filter button shows even though the import failed.
-  world.open("top.gbr", test::TwoPadsAndATrack);
+  world.model->apertureTableName = "PLOTTER1";
+  world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
   ASSERT_FALSE(model().stages().filterButtonVisible);
   std::filesystem::remove(world.session->state.Job.IntermediatePath);
   world.choose(world.layer(1).DisplayName);
@@ -384,30 +399,31 @@ TEST_F(ImportWindowCommit, AScanThatVanishedFailsTheImportButNotTheWindow) {
   EXPECT_TRUE(model().stages().clearButtonVisible);
   EXPECT_TRUE(model().stages().filterButtonVisible);
   EXPECT_EQ(std::count(world.events.begin(), world.events.end(), "unload"), 0);
-  model().CommitKey("IMP_SCFYG", "1");  // scans again and imports
-  EXPECT_EQ(world.items(1).size(), 3u);
+  commit("IMP_SCFYG", "1");  // scans again and imports
+  EXPECT_EQ(world.items(1).size(), 1u);
   EXPECT_EQ(messageLine(), world.layer(1).DisplayName + " Import successful");
 
   // Drilling: a failed import leaves the filter button hidden, a successful one shows it.
-  world.open("top.gbr", test::TwoPadsAndATrack);
+  world.open("plain.gbr", test::PlainTrack);
+  ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274D);
   std::filesystem::remove(world.session->state.Job.IntermediatePath);
   world.choose("Drill Template");
-  ASSERT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274X);
+  ASSERT_EQ(world.session->state.Job.Kind, ImportKind::DrillingRS274D);
   ASSERT_EQ(messageLine(), world.layer(31).DisplayName + " Import failed");
   EXPECT_FALSE(model().stages().filterButtonVisible);
   EXPECT_TRUE(model().stages().FiltersShown) << "the tool rows are shown all the same";
-  model().CommitKey("IMP_SCFYG", "1");
+  commit("IMP_SCFYG", "1");
   ASSERT_EQ(messageLine(), world.layer(31).DisplayName + " Import successful");
   EXPECT_TRUE(model().stages().filterButtonVisible);
 }
 
 TEST_F(ImportWindowCommit, ALayerKeepsItsRowsWhenARescanFindsNoFile) {
-  openArtwork();
-  model().CommitKey("AFS_XO", "0.5");
+  openPlain();
+  commit("AFS_XO", "0.5");
   const int32_t offset = world.layer(1).OffsetX;
   ASSERT_NE(offset, 0);
   std::filesystem::remove(world.session->state.Job.SourcePath);
-  model().CommitKey("IMP_SCFYG", "2");
+  commit("IMP_SCFYG", "2");
   ASSERT_FALSE(world.session->state.Job.Prepared) << "the scan found nothing to import";
   ASSERT_EQ(world.session->state.DialogLayer, 1);
   EXPECT_LT(model().rowOf("IMP_LAYER"), 0) << "the layer choice needs a scan";
