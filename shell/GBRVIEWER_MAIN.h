@@ -64,19 +64,6 @@ inline constexpr const char* IdlePicture = "ST_NORMAL";
 inline constexpr int DesignWidth = 640;
 inline constexpr int DesignHeight = 480;
 
-// The fixed words and character sets loaded at start.
-struct FormatConstants {
-  std::array<std::string, 2> UnitNames{"INCH", "METRIC"};
-  std::array<std::string, 2> ZeroWords{"TRAILING ZEROS OMITTED", "LEADING ZEROS OMITTED"};
-  std::array<std::string, 2> UnitWords{" inch ", " mm "};
-  std::string GerberCharacters = "*DXYMGIJ+-0123456789%AB.";
-  std::string ExcellonCharacters = "|TCMGXY+-0123456789.%";
-  std::string HpglCharacters = ", ;+-0123456789.";
-  std::string LineEnd = "\r\n";
-  double DegreeFactor = 0;  // pi / 180
-  double Pi = 0;
-};
-
 class GBRVIEWER_MAIN : public QMainWindow {
   Q_OBJECT
 
@@ -188,7 +175,6 @@ public:
   double MinWidth() const { return minWidth_; }
   double MinHeight() const { return minHeight_; }
   int32_t CPDcId() const { return cpDcId_; }
-  const FormatConstants& formatConstants() const { return constants_; }
   const FunctionTable& functionTable() const { return functions_; }
 
   ViewState& view() { return *view_; }
@@ -237,7 +223,6 @@ private:
   void syncMenuChecks();
   void syncScrollBars();
   void toggleDisplay(DisplayOption option);
-  void loadFormatConstants();
   // The file-open command's window state: disabled while the import runs.
   void setImportControlsEnabled(bool enabled);
   // Makes layer number the current one: active, visible and on top.
@@ -259,7 +244,6 @@ private:
   QPointer<QFileDialog> fileRequest_;
   QPointer<GBRVIEWER_GIESVC> layerVisibility_;
   QPointer<GBRVIEWER_IMPORT> importWindow_;
-  int32_t holeMapping_ = 0;  // the import window's hole mapping, kept from one window to the next
   std::unique_ptr<HelpWindow> help_;
 
   std::unique_ptr<ViewState> view_;
@@ -269,7 +253,6 @@ private:
   std::unique_ptr<ImportSession> import_;
   ViewerSettings settings_;
   FunctionTable functions_{};
-  FormatConstants constants_;
   std::vector<std::string> startupFiles_;
 
   bool loaded_ = false;

@@ -186,7 +186,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   };
   link.dialogClosed = [this] {
     if (importWindow_)
-      holeMapping_ = importWindow_->model().HoleMapping;
+      import_->HoleMapping = importWindow_->model().HoleMapping;
     importRunning_ = false;
     setImportDialogVisible(false);
     currentFunction_ = 0;
@@ -214,7 +214,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   model.NoCenter = settings_.NoCenter;
   model.ImpDir = settings_.ImpDir;
   model.apertureTableName = settings_.Aper;
-  model.HoleMapping = holeMapping_;
+  model.HoleMapping = import_->HoleMapping;
   model.FormFill();
   importWindow_ = window;
   return *window;

@@ -3,11 +3,11 @@
 
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
-#include "platform/widgets/HelpWindow.h"
 #include "platform/InterfaceFont.h"
-#include "platform/widgets/LocalizeForm.h"
 #include "platform/SystemServices.h"
 #include "platform/UserStore.h"
+#include "platform/widgets/HelpWindow.h"
+#include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowPlace.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
@@ -65,12 +65,6 @@ void GBRVIEWER_MAIN::resetMembers() {
   r.MessageLine.clear();
 }
 
-void GBRVIEWER_MAIN::loadFormatConstants() {
-  constants_ = FormatConstants{};
-  constants_.Pi = 4.0 * std::atan(1.0);
-  constants_.DegreeFactor = constants_.Pi / 180.0;
-}
-
 // Start-up, in the order of its steps.
 void GBRVIEWER_MAIN::Form_Load() {
   Kernel& kernel = context_.kernel;
@@ -113,7 +107,6 @@ void GBRVIEWER_MAIN::Form_Load() {
   minHeight_ = DesignHeight;
   setMinimumSize(int(minWidth_), int(minHeight_));
   resizeStartup_ = firstResize_ = true;
-  loadFormatConstants();
 
   // The working arrays and the job's file records start empty.
   import_ = std::make_unique<ImportSession>(kernel.store, services, context_.prompts);

@@ -113,6 +113,8 @@ public:
   GerberFileReader gerberReader;
   ExcellonFileReader excellonReader;
   ReaderTable readers;
+  // The import window's hole mapping, kept from one window to the next.
+  int32_t HoleMapping = 0;
 
 private:
   // For the kinds whose binding only offers layers: the requested layer, else the first offered.
