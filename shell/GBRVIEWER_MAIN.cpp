@@ -4,10 +4,10 @@
 
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
-#include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"
 #include "platform/TokenList.h"
 #include "platform/UserStore.h"
+#include "platform/widgets/HelpWindow.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
 #include "viewer/widgets/ViewPicture.h"

@@ -3,9 +3,9 @@
 
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
-#include "platform/widgets/HelpWindow.h"
 #include "platform/SystemServices.h"
 #include "platform/UserStore.h"
+#include "platform/widgets/HelpWindow.h"
 #include "platform/widgets/WindowPlace.h"
 #include "shell/HostCommands.h"
 #include "viewer/widgets/ViewPicture.h"
