@@ -255,7 +255,7 @@ void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first,
   for (int32_t i = first; i <= last; ++i) {
     if (!store.I_ReadItem(store.OA_Object(items, i), r))
       return;
-    ItemFields f = fieldsOf(r);
+    ItemFields f = r;
     if (i == first)
       firstSide = f;
     if (f.Type == ItemArc) {
@@ -315,7 +315,7 @@ void Graphics::Impl::drawEntry(Device& d, SymbolId id, const EntryRecord& e) {
   for (int32_t i = 1; i <= n; ++i) {
     if (!store.I_ReadItem(store.OA_Object(items, i), r))
       break;
-    ItemFields f = fieldsOf(r);
+    ItemFields f = r;
     placeItem(f, place);
     drawItemFields(d, f, &r.Text, &r.Face);
   }
@@ -455,7 +455,7 @@ int32_t Graphics::S_DrawItem(int32_t dev, SymbolId id, int32_t index) {
   ItemRecord r;
   if (!d || !impl_->store.I_ReadItem(impl_->store.S_SymbolItem(id, index), r))
     return 0;
-  impl_->drawItemFields(*d, fieldsOf(r), &r.Text, &r.Face);
+  impl_->drawItemFields(*d, r, &r.Text, &r.Face);
   return 1;
 }
 
@@ -473,7 +473,7 @@ int32_t Graphics::I_DrawItem(int32_t dev, ObjectHandle item) {
   ItemRecord r;
   if (!d || !impl_->store.I_ReadItem(item, r))
     return 0;
-  impl_->drawItemFields(*d, fieldsOf(r), &r.Text, &r.Face);
+  impl_->drawItemFields(*d, r, &r.Text, &r.Face);
   return 1;
 }
 

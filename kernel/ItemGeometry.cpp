@@ -95,27 +95,6 @@ bool angleInSweep(double angle, int32_t start, int32_t sweep) {
 
 }  // namespace
 
-ItemFields fieldsOf(const ItemRecord& r) {
-  return {r.Type,      r.Attributes, r.Link,  r.X,     r.Y,      r.Colour, r.Style,
-          r.LineWidth, r.Gap,        r.Angle, r.Width, r.Height, r.Sweep};
-}
-
-void copyFields(const ItemFields& f, ItemRecord& r) {
-  r.Type = f.Type;
-  r.Attributes = f.Attributes;
-  r.Link = f.Link;
-  r.X = f.X;
-  r.Y = f.Y;
-  r.Colour = f.Colour;
-  r.Style = f.Style;
-  r.LineWidth = f.LineWidth;
-  r.Gap = f.Gap;
-  r.Angle = f.Angle;
-  r.Width = f.Width;
-  r.Height = f.Height;
-  r.Sweep = f.Sweep;
-}
-
 void normaliseArc(int32_t& startAngle, int32_t& sweep) {
   int64_t start = startAngle;
   int64_t sw = sweep;

@@ -10,26 +10,6 @@
 
 namespace tvx {
 
-// The numeric fields of an item, as the store keeps them.
-struct ItemFields {
-  int32_t Type = 0;
-  int32_t Attributes = 0;
-  int32_t Link = 0;
-  int32_t X = 0;
-  int32_t Y = 0;
-  uint8_t Colour = 0;
-  uint8_t Style = 0;
-  int32_t LineWidth = 0;
-  int32_t Gap = 0;
-  int32_t Angle = 0;
-  int32_t Width = 0;
-  int32_t Height = 0;
-  int32_t Sweep = 0;
-};
-
-ItemFields fieldsOf(const ItemRecord& record);
-void copyFields(const ItemFields& fields, ItemRecord& record);  // leaves Text and Face alone
-
 // Arc with a positive sweep of at most 360000 and a start angle in 0..359999.
 void normaliseArc(int32_t& startAngle, int32_t& sweep);
 

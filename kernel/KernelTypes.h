@@ -54,8 +54,8 @@ inline constexpr uint8_t StyleFilled = 16;
 // Bit 128 of a colour value: pad stack items on artwork layers, clear elements in mono view.
 inline constexpr uint8_t ColourMarkBit = 128;
 
-// One drawn element as it crosses the interface. Callers value-initialise it before filling it.
-struct ItemRecord {
+// The numeric fields of an item, as the store keeps them.
+struct ItemFields {
   int32_t Type = 0;
   int32_t Attributes = 0;
   int32_t Link = 0;  // D-code or tool code that made the element; for a pad entry the pad stack key
@@ -69,7 +69,15 @@ struct ItemRecord {
   int32_t Width = 0;
   int32_t Height = 0;
   int32_t Sweep = 0;
-  std::string Text{};  // types 6 and 8 (braces: designated initialisers may leave it out)
+
+  bool operator==(const ItemFields&) const = default;
+};
+
+// One drawn element as it crosses the interface: its fields and its texts. Callers
+// value-initialise it before filling it; designated initialisers name the fields in an inner
+// brace, {{.Type = ItemLine, .X = 1}}.
+struct ItemRecord : ItemFields {
+  std::string Text{};  // types 6 and 8
   std::string Face{};  // type 8
 
   bool operator==(const ItemRecord&) const = default;

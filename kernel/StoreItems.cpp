@@ -22,7 +22,7 @@ template <class Change> int32_t changeItem(Store::Impl& s, ObjectHandle item, Ch
 }  // namespace
 
 ObjectHandle Store::I_MakeItem(const ItemRecord& record) {
-  ItemFields f = fieldsOf(record);
+  ItemFields f = record;
   f.Link = 0;  // Link and Gap are set through their own operations
   f.Gap = 0;
   bool text = f.Type == ItemVectorText || f.Type == ItemTrueTypeText;
@@ -47,7 +47,7 @@ ObjectHandle Store::I_MakeText(int32_t x, int32_t y, int32_t angle, int32_t size
 
 ObjectHandle Store::I_MakeTTFText(const ItemRecord& record, const std::string& text,
                                   const std::string& face) {
-  ItemFields f = fieldsOf(record);
+  ItemFields f = record;
   f.Type = ItemTrueTypeText;
   f.Link = 0;
   f.Gap = 0;
@@ -58,8 +58,7 @@ int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
   ItemData* d = impl_->item(item);
   if (!d)
     return 0;
-  record = ItemRecord{};
-  copyFields(d->f, record);
+  record = ItemRecord{d->f};
   auto it = impl_->itemTexts.find(impl_->table.find(item, ObjectKind::Item));
   if (it != impl_->itemTexts.end()) {
     record.Text = it->second.text;
@@ -97,10 +96,8 @@ int32_t Store::I_ReadItemAbs(ObjectHandle item, ItemRecord& record) const {
   int32_t type = I_ReadItem(item, record);
   if (!type)
     return 0;
-  ItemFields f = fieldsOf(record);
-  placeItem(f, impl_->padLocation);
-  placeItem(f, impl_->compLocation);
-  copyFields(f, record);
+  placeItem(record, impl_->padLocation);
+  placeItem(record, impl_->compLocation);
   return type;
 }
 

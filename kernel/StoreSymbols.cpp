@@ -188,8 +188,7 @@ SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
       ObjectHandle original = OA_Object(from, i);
       I_ReadItem(original, r);
       bool text = r.Type == ItemVectorText || r.Type == ItemTrueTypeText;
-      ObjectHandle copy =
-          s.makeItem(fieldsOf(r), text ? &r.Text : nullptr, text ? &r.Face : nullptr);
+      ObjectHandle copy = s.makeItem(r, text ? &r.Text : nullptr, text ? &r.Face : nullptr);
       OA_Add(to, copy);
     }
   };

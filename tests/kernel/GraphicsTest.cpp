@@ -66,13 +66,13 @@ TEST_F(GraphicsTest, DeviceToStoreIsTheInverseOfTheView) {
 }
 
 TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
-  ItemRecord box{.Type = ItemRectangle,
-                 .X = -2000,
-                 .Y = -1000,
-                 .Colour = 10,
-                 .Style = StyleFilled,
-                 .Width = 4000,
-                 .Height = 2000};
+  ItemRecord box{{.Type = ItemRectangle,
+                  .X = -2000,
+                  .Y = -1000,
+                  .Colour = 10,
+                  .Style = StyleFilled,
+                  .Width = 4000,
+                  .Height = 2000}};
   add(box);
   ItemRecord hidden = box;
   hidden.X = 3000;
@@ -88,7 +88,7 @@ TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
 TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
   k.strings.E_SysTable(1)[60] = 14;
   ItemRecord disc{
-      .Type = ItemCircle, .Colour = 64 + 28 /* slot 60 */, .Style = StyleFilled, .Width = 2000};
+      {.Type = ItemCircle, .Colour = 64 + 28 /* slot 60 */, .Style = StyleFilled, .Width = 2000}};
   add(disc);
   disc.X = 6000;
   disc.Colour = 10 | ColourMarkBit;  // drawn in the background colour
@@ -99,12 +99,12 @@ TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
 }
 
 TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
-  add({.Type = ItemLine,
-       .X = -4000,
-       .Colour = 12,
-       .LineWidth = 500,
-       .Width = 8000,
-       .Height = 3000});
+  add({{.Type = ItemLine,
+        .X = -4000,
+        .Colour = 12,
+        .LineWidth = 500,
+        .Width = 8000,
+        .Height = 3000}});
   QImage image(120, 80, QImage::Format_RGB32);
   image.fill(Qt::darkGreen);
   QImage before = image;
@@ -119,11 +119,11 @@ TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
 }
 
 TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
-  add({.Type = ItemLine,
-       .X = -5000,
-       .Colour = 15,
-       .LineWidth = 2000 /* 20 pixels */,
-       .Width = 10000});
+  add({{.Type = ItemLine,
+        .X = -5000,
+        .Colour = 15,
+        .LineWidth = 2000 /* 20 pixels */,
+        .Width = 10000}});
   QImage img = render(200, 100, 100, 0, 0);
   EXPECT_EQ(img.pixel(100, 58), colourOf(15));
   EXPECT_EQ(img.pixel(100, 63), colourOf(0));
@@ -135,15 +135,15 @@ TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
 
 TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
   auto side = [&](int32_t x, int32_t y, int32_t dx, int32_t dy, int32_t bits, uint8_t style) {
-    add({.Type = ItemLine,
-         .Attributes = attr::Shown | attr::PolygonSide | bits,
-         .X = x,
-         .Y = y,
-         .Colour = 9,
-         .Style = style,
-         .LineWidth = 1,
-         .Width = dx,
-         .Height = dy});
+    add({{.Type = ItemLine,
+          .Attributes = attr::Shown | attr::PolygonSide | bits,
+          .X = x,
+          .Y = y,
+          .Colour = 9,
+          .Style = style,
+          .LineWidth = 1,
+          .Width = dx,
+          .Height = dy}});
   };
   side(-3000, -3000, 6000, 0, attr::PolygonFirst, StyleFilled);
   side(3000, -3000, 0, 6000, 0, StyleFilled);
@@ -163,12 +163,12 @@ TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
 
 TEST_F(GraphicsTest, EntriesDrawTheirPadStackTurned) {
   ObjectHandle pad = k.store.S_MakePadStack();
-  k.store.OA_Add(k.store.S_PadStackItemArray(pad), k.store.I_MakeItem({.Type = ItemRectangle,
-                                                                       .Y = -500,
-                                                                       .Colour = 14,
-                                                                       .Style = StyleFilled,
-                                                                       .Width = 4000,
-                                                                       .Height = 1000}));
+  k.store.OA_Add(k.store.S_PadStackItemArray(pad), k.store.I_MakeItem({{.Type = ItemRectangle,
+                                                                        .Y = -500,
+                                                                        .Colour = 14,
+                                                                        .Style = StyleFilled,
+                                                                        .Width = 4000,
+                                                                        .Height = 1000}}));
   k.store.OM_Add(k.store.S_SymbolPadStackMap(sym), pad, 10);
   int32_t e = k.store.S_InsertEntry(sym, -1, 0, 0);
   k.store.S_ChangePadPadStack(sym, e, 10);

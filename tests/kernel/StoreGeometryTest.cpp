@@ -11,16 +11,16 @@ namespace {
 
 ItemRecord make(int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t pen = 0,
                 uint8_t style = StyleOpen, int32_t angle = 0, int32_t sweep = 0) {
-  return {.Type = type,
-          .Attributes = attr::Shown,
-          .X = x,
-          .Y = y,
-          .Style = style,
-          .LineWidth = pen,
-          .Angle = angle,
-          .Width = w,
-          .Height = h,
-          .Sweep = sweep};
+  return {{.Type = type,
+           .Attributes = attr::Shown,
+           .X = x,
+           .Y = y,
+           .Style = style,
+           .LineWidth = pen,
+           .Angle = angle,
+           .Width = w,
+           .Height = h,
+           .Sweep = sweep}};
 }
 
 FrameRect frameOf(const ItemRecord& r) {
@@ -55,7 +55,7 @@ TEST(ItemFrames, EveryTypeIncludesItsPen) {
 
 TEST(ItemCover, ShapesArePickedWithinTolerance) {
   auto covers = [](const ItemRecord& r, double x, double y, double tol) {
-    return itemCovers(fieldsOf(r), r.Text.size(), x, y, tol);
+    return itemCovers(r, r.Text.size(), x, y, tol);
   };
   ItemRecord ln = make(ItemLine, 0, 0, 1000, 0, 100);
   EXPECT_TRUE(covers(ln, 500, 60, 10));  // pen half 50 + tolerance 10
@@ -107,7 +107,7 @@ TEST(StoreCover, IndexedSearchAgreesWithFullWalkThroughChanges) {
     for (int32_t i = first; i <= s.OA_GetCount(a); ++i) {
       ItemRecord r;
       s.I_ReadItem(s.OA_Object(a, i), r);
-      if (itemCovers(fieldsOf(r), 0, x, y, tol))
+      if (itemCovers(r, 0, x, y, tol))
         return i;
     }
     return 0;

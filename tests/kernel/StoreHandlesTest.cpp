@@ -8,7 +8,7 @@ namespace tvx {
 namespace {
 
 ItemRecord line(int32_t x, int32_t y, int32_t dx, int32_t dy) {
-  return {.Type = ItemLine, .Attributes = attr::Shown, .X = x, .Y = y, .Width = dx, .Height = dy};
+  return {{.Type = ItemLine, .Attributes = attr::Shown, .X = x, .Y = y, .Width = dx, .Height = dy}};
 }
 
 TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
@@ -143,18 +143,18 @@ TEST(StoreArrays, IndicesInsertDeleteAndMasks) {
 
 TEST(StoreItems, RecordsRoundTripAndLinkGapAreSeparate) {
   Store s;
-  const ItemRecord in{.Type = ItemArc,
-                      .Attributes = attr::Shown | attr::Flashed,
-                      .Link = 17,
-                      .X = -100,
-                      .Y = 200,
-                      .Colour = 3,
-                      .Style = StyleOpen,
-                      .LineWidth = 20,
-                      .Gap = 5,
-                      .Width = 500,
-                      .Height = 45000,
-                      .Sweep = -90000};
+  const ItemRecord in{{.Type = ItemArc,
+                       .Attributes = attr::Shown | attr::Flashed,
+                       .Link = 17,
+                       .X = -100,
+                       .Y = 200,
+                       .Colour = 3,
+                       .Style = StyleOpen,
+                       .LineWidth = 20,
+                       .Gap = 5,
+                       .Width = 500,
+                       .Height = 45000,
+                       .Sweep = -90000}};
   ObjectHandle item = s.I_MakeItem(in);
   ItemRecord out;
   ASSERT_EQ(s.I_ReadItem(item, out), ItemArc);
@@ -172,7 +172,7 @@ TEST(StoreItems, RecordsRoundTripAndLinkGapAreSeparate) {
   s.I_ReadItem(text, out);
   EXPECT_EQ(std::pair(out.Width, out.Text), std::pair(50, std::string("U1")));
 
-  ObjectHandle t2 = s.I_MakeTTFText(ItemRecord{.X = 7}, "REV A", "Sans");
+  ObjectHandle t2 = s.I_MakeTTFText(ItemRecord{{.X = 7}}, "REV A", "Sans");
   ASSERT_EQ(s.I_ReadItem(t2, out), ItemTrueTypeText);
   EXPECT_EQ(std::pair(out.Face, out.Text), std::pair(std::string("Sans"), std::string("REV A")));
 }

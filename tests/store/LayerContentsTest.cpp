@@ -65,7 +65,7 @@ TEST_F(LayerContentsTest, FrameCoversEveryLayerHiddenOrNot) {
   EXPECT_EQ(frame, FrameRect{}) << "nothing anywhere gives all zeros";
 
   ASSERT_FALSE(tables.orderRow(9).Visible);  // layer 9 is hidden; its elements still count
-  ItemRecord r{.Type = ItemLine, .X = -50000, .Y = 20000, .Width = 10000, .Height = 5000};
+  ItemRecord r{{.Type = ItemLine, .X = -50000, .Y = 20000, .Width = 10000, .Height = 5000}};
   addItem(9, r);
   r.X = 300000;
   r.Y = -70000;

@@ -19,7 +19,7 @@ public:
     bool locationsZero;
   };
   RecordingGraphics(Store& store, KernelStrings& strings)
-      : Graphics(store, strings), s(store), probe(s.I_MakeItem({.Type = ItemLine, .X = 1000})) {}
+      : Graphics(store, strings), s(store), probe(s.I_MakeItem({{.Type = ItemLine, .X = 1000}})) {}
   int32_t G_SetDrawMode(int32_t, int32_t m) override {
     mode = m;
     return 1;

@@ -47,13 +47,13 @@ protected:
   // A filled circle of radius r (store units) at (x, y) in layer number.
   ObjectHandle addDisc(int32_t number, int32_t x, int32_t y, int32_t r, int32_t link = 0) {
     const ObjectHandle item =
-        kernel.store.I_MakeItem({.Type = ItemCircle,
-                                 .Attributes = attr::Shown,
-                                 .X = x,
-                                 .Y = y,
-                                 .Colour = uint8_t(tables.layer(number).ColourNumber),
-                                 .Style = StyleFilled,
-                                 .Width = r});
+        kernel.store.I_MakeItem({{.Type = ItemCircle,
+                                  .Attributes = attr::Shown,
+                                  .X = x,
+                                  .Y = y,
+                                  .Colour = uint8_t(tables.layer(number).ColourNumber),
+                                  .Style = StyleFilled,
+                                  .Width = r}});
     kernel.store.I_ChangeItemLink(item, link);
     kernel.store.OA_Add(kernel.store.S_SymbolItemArray(tables.layer(number).SymbolHandle), item);
     return item;

@@ -60,12 +60,12 @@ protected:
 
   // A shown, filled circle of radius 0 at (x, y), in palette colour 15.
   static ItemRecord dotRecord(int32_t x, int32_t y) {
-    return {.Type = ItemCircle,
-            .Attributes = attr::Shown,
-            .X = x,
-            .Y = y,
-            .Colour = 15,
-            .Style = StyleFilled};
+    return {{.Type = ItemCircle,
+             .Attributes = attr::Shown,
+             .X = x,
+             .Y = y,
+             .Colour = 15,
+             .Style = StyleFilled}};
   }
   // A filled rectangle from (x0, y0) to (x1, y1) in layer (1 to 3).
   void addBox(int layer, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
