@@ -1,5 +1,6 @@
 #include "import/gerber/GerberDrawing.h"
 
+#include "import/core/PlaceHole.h"
 #include "import/core/ReportStatus.h"
 #include "import/core/StatusCodes.h"
 #include "import/gerber/ApertureExpansion.h"
@@ -31,12 +32,17 @@ int32_t mirrored(int32_t m, bool mirror) {
                                        : m;
 }
 
+HolePlacer holePlacer(Store& store) {
+  return [&store](double x, double y, int32_t toolCode, const LayerRecord& layer,
+                  const LayerFileRecord& file) { PlaceHole(store, x, y, toolCode, layer, file); };
+}
+
 class DrawingPass {
 public:
   DrawingPass(ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
               const GerberDrawContext& context)
       : art_(art), file_(file), context_(context), lists_(context.scan.Lists),
-        writer_(context.store, lists_.PrimitiveList, layer, file, context.placeHole,
+        writer_(context.store, lists_.PrimitiveList, layer, file, holePlacer(context.store),
                 context.clearColour) {}
 
   void run(int32_t& status);

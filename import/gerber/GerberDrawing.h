@@ -17,12 +17,12 @@ class Store;
 class StatusReporter;
 
 // What the pass works with besides the file, the layer and its file record. scan holds the header
-// and the aperture lists as LoadArtHeader restored them from the same file.
+// and the aperture lists as LoadArtHeader restored them from the same file. Flashes place their
+// holes with PlaceHole into the same store.
 struct GerberDrawContext {
   Store& store;
   const StatusReporter& reporter;
   const GerberScan& scan;
-  HolePlacer placeHole;
   int32_t clearColour = slotCode(colourslot::ClearColour);
 };
 

@@ -1,6 +1,5 @@
 #include "import/gerber/GerberFileReader.h"
 
-#include "import/core/PlaceHole.h"
 #include "import/core/ReportStatus.h"
 #include "import/core/StatusCodes.h"
 #include "import/gerber/ArtSections.h"
@@ -54,11 +53,7 @@ void GerberFileReader::importFile(int32_t& status, const ImportJob& job, LayerRe
   const bool truncated = art.hasPartialRecord();
   LoadArtHeader(status, art, false, pass_.scan, reporter_);
   if (status == StatusOk) {
-    GerberDrawContext drawing{store_, reporter_, pass_.scan, {}, clearColour};
-    drawing.placeHole = [this](double x, double y, int32_t toolCode, const LayerRecord& target,
-                               const LayerFileRecord& record) {
-      PlaceHole(store_, x, y, toolCode, target, record);
-    };
+    const GerberDrawContext drawing{store_, reporter_, pass_.scan, clearColour};
     DrawGerberStream(status, art, layer, file, drawing);
   }
   art.close();
