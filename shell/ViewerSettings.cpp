@@ -19,9 +19,6 @@ namespace {
 constexpr const char* Suite = "Tarvex";
 constexpr const char* Viewer = "GBRVIEWER";
 
-// The monochrome bit of ViewState::MonoFlags.
-constexpr int32_t MonoFlag = 8;
-
 int32_t readWhole(const SystemServices& services, const char* section, const char* key,
                   const char* defaultText) {
   return whole(ToNumber(services.GetIniString(section, key, defaultText)));

@@ -19,8 +19,6 @@ class ColourSlots;
 class SystemServices;
 class UserPrompts;
 
-// Bit of MonoFlags for the one-colour view.
-inline constexpr int32_t MonoFlag = 8;
 // Palette numbers of the grid dot and the background while a one-colour pass draws.
 inline constexpr int32_t MonoGridDotColour = 12;
 inline constexpr int32_t MonoBackgroundColour = 15;

@@ -20,6 +20,9 @@
 
 namespace tvx {
 
+// Bit of ViewState::MonoFlags for the one-colour view.
+inline constexpr int32_t MonoFlag = 8;
+
 class Graphics;
 class KernelStrings;
 class Store;
@@ -119,7 +122,7 @@ public:
   int16_t ZoomModeFlag = zoommode::Board;
   int32_t DisplayUnit = 0;  // displayunit::
   int32_t ViewFlags = viewflag::ScreenView;
-  int32_t MonoFlags = 0;     // 8: monochrome
+  int32_t MonoFlags = 0;     // MonoFlag: monochrome
   int32_t PadPositions = 0;  // nonzero: pad position marks
   bool RulerOn = false;
   bool ScrollBarsOn = false;

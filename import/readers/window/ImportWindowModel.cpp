@@ -3,6 +3,7 @@
 #include "import/readers/window/ImportWindowModel.h"
 
 #include "import/readers/window/FileRequestMode.h"
+#include "store/LayerCatalogue.h"
 
 #include "import/core/FileRecognition.h"
 #include "kernel/Palette.h"
@@ -215,7 +216,7 @@ void ImportWindowModel::PaletteClick(int32_t colour) {
     return;
   }
   // Copper layers never take the colour that marks clear elements.
-  if (colour == clearColourNumber_ && (layer->Mask & 0x1FFFFFFF) != 0) {
+  if (colour == clearColourNumber_ && (layer->Mask & layergroup::AllButOutlineAndDrill) != 0) {
     notify();
     return;
   }

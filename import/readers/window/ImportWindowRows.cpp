@@ -321,7 +321,7 @@ void ImportWindowModel::buildApertureRows() {
   for (const ApertureUse& use : lists.DrawList) {
     if (use.Size >= 0) {
       add(use, apertureRowText(use, "Line    ", "62321", true, use.Size));
-    } else if (use.Size == -2) {
+    } else if (use.Size == LinkToSquarePad) {
       const ApertureUse* square = nullptr;
       for (const ApertureUse& s : lists.SquarePadList)
         if (s.DCode == use.DCode) {
