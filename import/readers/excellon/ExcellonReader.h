@@ -3,9 +3,9 @@
 #pragma once
 
 #include "import/core/ImportJob.h"
-#include "import/readers/ImportSettings.h"
 #include "import/core/PlaceHole.h"
 #include "import/core/StatusCodes.h"
+#include "import/readers/ImportSettings.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -64,7 +64,6 @@ public:
   // (88), stops the import with status 1 and keeps what was placed.
   void ImportExcellon(int32_t& status, const std::string& text, LayerRecord& layer,
                       LayerFileRecord& file);
-
 
   const ExcellonFormat& format() const { return format_; }
   const SystemServices& services() const { return services_; }

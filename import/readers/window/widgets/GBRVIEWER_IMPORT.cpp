@@ -6,8 +6,8 @@
 #include "import/readers/window/widgets/ImportPropertyGrid.h"
 #include "kernel/Palette.h"
 #include "platform/InterfaceFont.h"
-#include "platform/widgets/LocalizeForm.h"
 #include "platform/SystemServices.h"
+#include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowPlace.h"
 
 #include <QActionGroup>
