@@ -258,7 +258,7 @@ int32_t Store::OA_SearchMask(ArrayHandle array, int32_t firstIndex, int32_t mask
 }
 
 int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_t y,
-                        int32_t tolerance, int32_t kinds, int32_t, int32_t) {
+                        int32_t tolerance, int32_t /*kinds*/, int32_t, int32_t) {
   Impl& s = *impl_;
   ArrayData* a = s.array(array);
   if (!a || (a->element != ObjectKind::Item && a->element != ObjectKind::Entry))
@@ -357,7 +357,7 @@ bool Store::itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<Item
     items.push_back(ItemInBox{d.position, &d.f});
   });
   std::sort(items.begin(), items.end(),
-            [](const ItemInBox& a, const ItemInBox& b) { return a.position < b.position; });
+            [](const ItemInBox& l, const ItemInBox& r) { return l.position < r.position; });
   return indexed;
 }
 

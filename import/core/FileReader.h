@@ -28,7 +28,7 @@ public:
 
   // Completes the file record that the layer binding has just made for this reader (the drill
   // file's tool table). Nothing by default.
-  virtual void prepareBoundFile(ImportJob& job, LayerFileRecord& file) {}
+  virtual void prepareBoundFile(ImportJob& /*job*/, LayerFileRecord& /*file*/) {}
 
   // Stage two: one file record of layer into the layer's symbol. status is 0 on success and 1
   // after a failure, which is reported where it is found.

@@ -35,7 +35,7 @@ ScanResult GerberFileReader::scan(ImportJob& job) {
   return ScanResult::Scanned;
 }
 
-void GerberFileReader::importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
+void GerberFileReader::importFile(int32_t& status, const ImportJob& /*job*/, LayerRecord& layer,
                                   LayerFileRecord& file) {
   ArtFile art;
   if (!art.open(file.FileName)) {

@@ -29,8 +29,8 @@ bool layerIsEmpty(const Store& store, const LayerRecord& layer) {
 
 }  // namespace
 
-ImportSession::ImportSession(Store& store, SystemServices& services, UserPrompts& prompts)
-    : store(store), services(services), reporter(services, prompts, titles, digits),
+ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserPrompts& prompts)
+    : store(theStore), services(theServices), reporter(services, prompts, titles, digits),
       files(services, &prompts), gerberPass{services, reporter, files, gerberFormat, gerberScan, {},
                                             {},       {},       {}},
       excellon(store, services, reporter, excellonFormat, state.Extents),

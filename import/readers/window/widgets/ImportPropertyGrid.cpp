@@ -74,35 +74,35 @@ void ImportPropertyGrid::setRows(
   setRowCount(0);
   setRowCount(static_cast<int>(rows.size()));
   for (int row = 0; row < static_cast<int>(rows.size()); ++row) {
-    const GridRow& data = rows[size_t(row)];
-    auto* caption = new QTableWidgetItem(QString::fromStdString(data.Caption));
+    const GridRow& gridRow = rows[size_t(row)];
+    auto* caption = new QTableWidgetItem(QString::fromStdString(gridRow.Caption));
     caption->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-    caption->setData(KeyRole, QString::fromStdString(data.Key));
+    caption->setData(KeyRole, QString::fromStdString(gridRow.Key));
     setItem(row, 0, caption);
-    auto* value = new QTableWidgetItem(QString::fromStdString(data.Value));
-    const bool typed = data.Cell == CellKind::Number && !data.ReadOnly;
+    auto* value = new QTableWidgetItem(QString::fromStdString(gridRow.Value));
+    const bool typed = gridRow.Cell == CellKind::Number && !gridRow.ReadOnly;
     value->setFlags(typed ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable
                           : Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     setItem(row, 1, value);
-    if (data.Cell == CellKind::Group) {
+    if (gridRow.Cell == CellKind::Group) {
       QFont bold = caption->font();
       bold.setBold(true);
       caption->setFont(bold);
       value->setFont(bold);
     }
-    if (data.CaptionBack != importcolour::NoColour)
-      caption->setBackground(colourOf(data.CaptionBack));
-    if (data.ValueBack != importcolour::NoColour)
-      value->setBackground(colourOf(data.ValueBack));
-    if (data.ValueFore != importcolour::NoColour)
-      value->setForeground(colourOf(data.ValueFore));
-    if (data.Swatch != importcolour::NoColour) {
+    if (gridRow.CaptionBack != importcolour::NoColour)
+      caption->setBackground(colourOf(gridRow.CaptionBack));
+    if (gridRow.ValueBack != importcolour::NoColour)
+      value->setBackground(colourOf(gridRow.ValueBack));
+    if (gridRow.ValueFore != importcolour::NoColour)
+      value->setForeground(colourOf(gridRow.ValueFore));
+    if (gridRow.Swatch != importcolour::NoColour) {
       QPixmap square(16, 16);
-      square.fill(colourOf(data.Swatch));
+      square.fill(colourOf(gridRow.Swatch));
       value->setIcon(QIcon(square));
     }
-    if (!data.ReadOnly)
-      addValueWidget(row, data, listOf);
+    if (!gridRow.ReadOnly)
+      addValueWidget(row, gridRow, listOf);
   }
   if (current >= 0 && current < rowCount())
     setCurrentCell(current, 1);
@@ -111,13 +111,13 @@ void ImportPropertyGrid::setRows(
 }
 
 void ImportPropertyGrid::addValueWidget(
-    int row, const GridRow& data,
+    int row, const GridRow& gridRow,
     const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
-  const QString value = QString::fromStdString(data.Value);
-  switch (data.Cell) {
+  const QString value = QString::fromStdString(gridRow.Value);
+  switch (gridRow.Cell) {
   case CellKind::List: {
     auto* box = new QComboBox;
-    for (const std::string& entry : listOf(data.List))
+    for (const std::string& entry : listOf(gridRow.List))
       box->addItem(QString::fromStdString(entry));
     const int index = box->findText(value);
     if (index >= 0) {
@@ -129,9 +129,9 @@ void ImportPropertyGrid::addValueWidget(
       box->setCurrentIndex(-1);
       box->setEditText(value);
     }
-    if (data.Swatch != importcolour::NoColour) {
+    if (gridRow.Swatch != importcolour::NoColour) {
       QPixmap square(16, 16);
-      square.fill(colourOf(data.Swatch));
+      square.fill(colourOf(gridRow.Swatch));
       box->setItemIcon(0, QIcon(square));
     }
     connect(box, &QComboBox::activated, this,
@@ -141,7 +141,7 @@ void ImportPropertyGrid::addValueWidget(
   }
   case CellKind::Check: {
     auto* check = new QCheckBox;
-    check->setChecked(data.Checked);
+    check->setChecked(gridRow.Checked);
     connect(check, &QCheckBox::clicked, this,
             [this, row](bool on) { emitLater(row, on ? "1" : "0"); });
     setCellWidget(row, 1, check);
@@ -150,7 +150,7 @@ void ImportPropertyGrid::addValueWidget(
   case CellKind::Button: {
     // "&" in a value is a character of the text, not a mnemonic.
     auto* button = new QPushButton(QString(value).replace('&', "&&"));
-    button->setEnabled(data.Enabled);
+    button->setEnabled(gridRow.Enabled);
     connect(button, &QPushButton::clicked, this, [this, row, value] { emitLater(row, value); });
     setCellWidget(row, 1, button);
     break;
