@@ -72,6 +72,21 @@ std::string jsonString(const std::string& text) {
   return out + "\"";
 }
 
+// The extents as a line of the text report.
+std::string extentsLine(const FileInfo& info) {
+  if (!info.hasExtents)
+    return "extents mm: none\n";
+  const FileExtents& e = info.extents;
+  return "extents mm: x " + fixed(e.MinX / UnitsPerMm, 5) + " .. " + fixed(e.MaxX / UnitsPerMm, 5) +
+         ", y " + fixed(e.MinY / UnitsPerMm, 5) + " .. " + fixed(e.MaxY / UnitsPerMm, 5) + "\n";
+}
+
+// Extents that a scan left; a scan that found no point leaves them inverted.
+void setExtents(FileInfo& info, const FileExtents& extents) {
+  info.extents = extents;
+  info.hasExtents = extents.MinX <= extents.MaxX && extents.MinY <= extents.MaxY;
+}
+
 void takeMessages(const ScriptedPrompts& prompts, size_t from, bool withTitle,
                   std::vector<std::string>& messages) {
   for (size_t i = from; i < prompts.shown.size(); ++i) {
@@ -96,9 +111,7 @@ void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prom
   info.kind = result.kind;
   info.importStatus = result.status;
   info.format = session.excellonFormat;
-  info.extents = result.scanned;
-  info.hasExtents =
-      info.extents.MinX <= info.extents.MaxX && info.extents.MinY <= info.extents.MaxY;
+  setExtents(info, result.scanned);
   info.layer = result.layer;
   if (result.layer != 0) {
     const Store& store = run.kernel->store;
@@ -125,9 +138,7 @@ void gatherGerber(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompt
   if (result != ScanResult::Scanned)
     return;
   info.apertures = describeApertures(session.gerberScan.Lists);
-  info.extents = session.state.Extents;
-  info.hasExtents =
-      info.extents.MinX <= info.extents.MaxX && info.extents.MinY <= info.extents.MaxY;
+  setExtents(info, session.state.Extents);
 }
 
 }  // namespace
@@ -188,14 +199,7 @@ std::string fileInfoText(const FileInfo& info) {
              " mm  " + fixed(tool.Diameter / UnitsPerInch, 6) + " in  " +
              std::to_string(tool.HoleCount) + " holes\n";
     out += "holes: " + std::to_string(info.holes) + "\n";
-    if (info.hasExtents) {
-      const FileExtents& e = info.extents;
-      out += "extents mm: x " + fixed(e.MinX / UnitsPerMm, 5) + " .. " +
-             fixed(e.MaxX / UnitsPerMm, 5) + ", y " + fixed(e.MinY / UnitsPerMm, 5) + " .. " +
-             fixed(e.MaxY / UnitsPerMm, 5) + "\n";
-    } else {
-      out += "extents mm: none\n";
-    }
+    out += extentsLine(info);
     out += "import: status " + std::to_string(info.importStatus);
     if (info.layer != 0) {
       const HoleTally& t = info.holeTally;
@@ -213,12 +217,8 @@ std::string fileInfoText(const FileInfo& info) {
              apertureShapeWord(a.Shape) + (a.MacroName.empty() ? "" : " " + a.MacroName) +
              (a.Size != 0 ? "  " + fixed(a.Size / UnitsPerMm, 5) + " mm" : "") + "  " +
              fixed(a.Uses, 0) + " uses" + (a.Defined ? "" : "  (not defined)") + "\n";
-    if (info.hasExtents) {
-      const FileExtents& e = info.extents;
-      out += "extents mm: x " + fixed(e.MinX / UnitsPerMm, 5) + " .. " +
-             fixed(e.MaxX / UnitsPerMm, 5) + ", y " + fixed(e.MinY / UnitsPerMm, 5) + " .. " +
-             fixed(e.MaxY / UnitsPerMm, 5) + "\n";
-    }
+    if (info.hasExtents)
+      out += extentsLine(info);
   }
   for (const std::string& message : info.messages)
     out += "message: " + message + "\n";

@@ -62,31 +62,26 @@ bool ImportDialogModel::ApplyFile() {
   // Drill text that scans as nothing, and a plotter or drawing file that cannot be read, are
   // shown as plain text instead; a Gerber file whose pass failed keeps the window up with nothing
   // to import.
+  const bool scanned = result == ScanResult::Scanned;
   const bool gerber = isGerberKind(kind);
-  if (result != ScanResult::Scanned && !gerber) {
-    if (result == ScanResult::NotReadable || isPlotterOrCadKind(kind)) {
-      if (mainWindow_.setDisplayFile)
-        mainWindow_.setDisplayFile();
-    }
-    if (isPlotterOrCadKind(kind)) {
-      showViewButton();
-      filterButtonVisible = false;
-      if (rowsChanged)
-        rowsChanged();
-    }
+  const bool plotterOrCad = isPlotterOrCadKind(kind);
+  if (!scanned && !gerber && (result == ScanResult::NotReadable || plotterOrCad) &&
+      mainWindow_.setDisplayFile)
+    mainWindow_.setDisplayFile();
+  if (!scanned && !gerber && !plotterOrCad)
     return false;
-  }
   showViewButton();
-  if (result == ScanResult::Scanned)
-    showLayerChoices();
-  const ImportKind scanned = session_.state.Job.Kind;
-  if (isPlotterOrCadKind(kind))
+  if (plotterOrCad)
     filterButtonVisible = false;
-  showFilters(isExcellonKind(kind) || scanned == ImportKind::DrillingRS274X ||
-              scanned == ImportKind::DrillingRS274D);
+  if (scanned)
+    showLayerChoices();
+  const ImportKind now = session_.state.Job.Kind;
+  if (scanned || gerber)
+    showFilters(isExcellonKind(kind) || now == ImportKind::DrillingRS274X ||
+                now == ImportKind::DrillingRS274D);
   if (rowsChanged)
     rowsChanged();
-  return true;
+  return scanned || gerber;
 }
 
 void ImportDialogModel::ImportFile() {
