@@ -4,9 +4,10 @@
 // "Aname<TAB>sCommand". It ends when the component reports SHUTDOWN.
 //
 // The files named on the command line are imported at start, one after another, in place of the
-// file request. One command is the host's own: "TARVEX,SAVEVIEW,<file>" writes the view's
-// picture as PNG and answers "TARVEX<TAB>SAVEVIEW,OK" or "TARVEX<TAB>SAVEVIEW,FAILED".
+// file request. Lines that start "TARVEX," are the host's own queries (app/HostQueries.h): they
+// answer what the user sees, for the scripts and tests that drive the viewer.
 
+#include "app/HostQueries.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/QtUserPrompts.h"
@@ -34,9 +35,6 @@
 #include <unistd.h>
 
 namespace {
-
-// The name the host goes by on the command channel.
-constexpr const char* HostName = "TARVEX";
 
 // $XDG_<variable> when it is set to an absolute path, otherwise ~/<fallback>.
 QString xdgDirectory(const char* variable, const char* fallback) {
@@ -149,15 +147,13 @@ int main(int argc, char* argv[]) {
                    });
 
   StandardInputReader input([&component](const std::string& line) {
-    const std::string saveView = std::string(HostName) + ",SAVEVIEW,";
-    if (line.rfind(saveView, 0) == 0) {
-      tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow();
-      const bool saved = window && window->saveViewPicture(line.substr(saveView.size()));
-      std::fprintf(stdout, "%s\tSAVEVIEW,%s\n", HostName, saved ? "OK" : "FAILED");
+    std::string answer;
+    if (tvx::answerHostQuery(line, tvx::clsTVNGBRVIEWER::mainWindow(), answer)) {
+      std::fputs(answer.c_str(), stdout);
       std::fflush(stdout);
       return;
     }
-    component.NotifyMe(HostName, line);
+    component.NotifyMe(tvx::HostName, line);
   });
 
   std::vector<std::string> files;

@@ -21,6 +21,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -227,7 +228,8 @@ private:
   void setImportControlsEnabled(bool enabled);
   // Makes layer number the current one: active, visible and on top.
   void makeLayerCurrent(int32_t number);
-  void askToDisplayFile(const std::string& path);
+  // Offers to show a file that is not imported as plain text; status 93 first unless shown.
+  void askToDisplayFile(const std::string& path, bool reported);
   // Loads the import window for the job's file, wired to this window; the one that is loaded
   // already is used again.
   GBRVIEWER_IMPORT& loadImportWindow();
@@ -254,6 +256,9 @@ private:
   ViewerSettings settings_;
   FunctionTable functions_{};
   std::vector<std::string> startupFiles_;
+  // Set when the import window rejected its file: the file is offered as plain text once the
+  // window has gone. The value tells whether status 93 has been shown already.
+  std::optional<bool> displayFileReported_;
 
   bool loaded_ = false;
   bool unloading_ = false;

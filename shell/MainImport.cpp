@@ -16,9 +16,12 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace tvx {
 
@@ -80,8 +83,9 @@ void GBRVIEWER_MAIN::makeLayerCurrent(int32_t number) {
     }
 }
 
-void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path) {
-  import_->reporter.ReportStatus(StatusNotSupported, path);
+void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path, bool reported) {
+  if (!reported)
+    import_->reporter.ReportStatus(StatusNotSupported, path);
   const SystemServices& services = context_.services;
   if (context_.services.AskYesNo(services.LocalMessage(DisplayFileText, DisplayFileId),
                                  services.LocalMessage(UnrecognisedText, UnrecognisedId)))
@@ -116,6 +120,9 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
     const bool stays = model.ApplyFile();
     if (stays && (isExcellonKind(kind) || isPlotterOrCadKind(kind)))
       model.ImportFile();
+    // A rejected file closes the window at once; its unload offers the file as text.
+    if (!stays)
+      model.cmdClose();
     if (importWindow_) {
       window.refresh();
       window.show();
@@ -127,7 +134,7 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   currentFunction_ = 0;
   M_FSI_Click(1);
   if (displayFile)
-    askToDisplayFile(path);
+    askToDisplayFile(path, false);
 }
 
 int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
@@ -170,6 +177,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
       unsetCursor();
   };
   main.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+  main.setDisplayFile = [this](bool reported) { displayFileReported_ = reported; };
   main.redraw = [this] {
     view_->ZoomModeFlag = zoommode::Board;
     applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
@@ -191,6 +199,11 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     setImportDialogVisible(false);
     currentFunction_ = 0;
     M_FSI_Click(1);
+    // After the window has gone, not inside its close event.
+    if (const std::optional<bool> reported = std::exchange(displayFileReported_, std::nullopt))
+      QTimer::singleShot(0, this, [this, path = import_->state.Job.SourcePath, r = *reported] {
+        askToDisplayFile(path, r);
+      });
   };
   link.saveNoCenter = [this](bool noCenter) { settings_.NoCenter = noCenter; };
   link.saveImpDir = [this](const std::string& folder) {

@@ -15,7 +15,8 @@ namespace tvx {
 enum class ScanResult {
   Scanned,      // the job holds what the scan found; the layer binding may follow
   Failed,       // the file could not be read or scanned; the reason has been reported
-  NotReadable,  // the reader found nothing of its format in the text; nothing was reported
+  NotReadable,  // the text is not of the reader's format (reported with status 93); the file is
+                // shown as plain text instead
 };
 
 class FileReader {

@@ -28,7 +28,9 @@ ScanResult GerberFileReader::scan(ImportJob& job) {
   RunGerberTextPass(status, job.SourcePath, job.IntermediatePath, pass_);
   if (status != StatusOk) {
     job.IntermediatePath.clear();
-    return ScanResult::Failed;
+    // Text that is no Gerber ends the import; a pass that stopped on a value (coordinates outside
+    // the limits, a range error) leaves the format to be corrected and the file read again.
+    return pass_.scan.NotGerber ? ScanResult::NotReadable : ScanResult::Failed;
   }
   const ArtHeader& header = pass_.scan.Header;
   extents_ = {header.MinX, header.MinY, header.MaxX, header.MaxY};

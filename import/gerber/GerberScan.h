@@ -49,6 +49,8 @@ struct GerberScan {
   std::vector<std::string> FileAttributes;
   // Records of the drawing stream, from record 6 up to and including the end record.
   int32_t StreamRecords = 0;
+  // The last pass stopped on text that is no Gerber (and reported it with status 93).
+  bool NotGerber = false;
 };
 
 }  // namespace tvx

@@ -96,6 +96,7 @@ private:
 
 bool TextPass::createIntermediate(int32_t& status) {
   header_ = ArtHeader{};
+  context_.scan.NotGerber = false;
   loadApertureTable(lists_, context_.apertureTable);
   parameters_.reset();
   if (!out_.create(intermediate_)) {
@@ -239,6 +240,7 @@ bool TextPass::writeOperation(int32_t& status) {
         parameters_.LayerPolarity == 0 ? featureflag::DarkLayer : featureflag::ClearLayer;
     break;
   case operation::Garbage:
+    context_.scan.NotGerber = true;
     fail(status, StatusNotSupported, sourceName_);
     return false;
   default:

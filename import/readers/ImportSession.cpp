@@ -141,8 +141,6 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   const ScanResult scanned = applyFile(layers, options.noCenter);
   result.kind = job.Kind;
   result.scanned = state.Extents;
-  if (scanned == ScanResult::NotReadable)
-    reporter.ReportStatus(StatusNotSupported, path);
   if (scanned != ScanResult::Scanned)
     return result;
   if (!job.Prepared || !bindRequestedLayer(layers, options)) {

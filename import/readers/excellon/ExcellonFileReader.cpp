@@ -15,8 +15,10 @@ ScanResult ExcellonFileReader::scan(ImportJob& job) {
   std::vector<ToolEntry> tools;
   const auto found = static_cast<ImportKind>(reader_.ScanExcellonText(
       job.ExcellonText, tools, job.Kind == ImportKind::ExcellonFormatTwo, false));
-  if (found == ImportKind::Unknown)
+  if (found == ImportKind::Unknown) {
+    reader_.reporter().ReportStatus(StatusNotSupported, job.SourcePath);
     return ScanResult::NotReadable;
+  }
   if (found == ImportKind::ExcellonFormatOne && job.Kind == ImportKind::ExcellonFormatTwo)
     reader_.reporter().ReportStatus(StatusNotFormatTwo, job.SourcePath);
   job.Kind = found;

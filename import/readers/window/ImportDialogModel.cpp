@@ -59,29 +59,35 @@ bool ImportDialogModel::ApplyFile() {
   const ScanResult result = session_.applyFile(layers_, NoCenter);
   busy(false);
 
-  // Drill text that scans as nothing, and a plotter or drawing file that cannot be read, are
-  // shown as plain text instead; a Gerber file whose pass failed keeps the window up with nothing
-  // to import.
+  // Text not of its kind's format, and a plotter or drawing file that cannot be loaded, are shown
+  // as plain text instead, and the window goes; so does a drill file that cannot be read. A Gerber
+  // pass that stopped on a value (coordinates outside the limits, a range error) keeps the window
+  // up, so that the format can be corrected and the file read again.
   const bool scanned = result == ScanResult::Scanned;
   const bool gerber = isGerberKind(kind);
   const bool plotterOrCad = isPlotterOrCadKind(kind);
-  if (!scanned && !gerber && (result == ScanResult::NotReadable || plotterOrCad) &&
-      mainWindow_.setDisplayFile)
-    mainWindow_.setDisplayFile();
+  const bool displayed = result == ScanResult::NotReadable || (!scanned && plotterOrCad);
+  if (displayed && mainWindow_.setDisplayFile)
+    mainWindow_.setDisplayFile(true);
+  // The main window's line showed the reading's progress; now it tells that the reading is over.
+  if (mainWindow_.editMsgLine)
+    mainWindow_.editMsgLine(
+        scanned ? session_.state.Job.SourcePath + " " + text("Completed", "62399") : std::string());
   if (!scanned && !gerber && !plotterOrCad)
     return false;
   showViewButton();
   if (plotterOrCad)
     filterButtonVisible = false;
+  if (!scanned && (plotterOrCad || displayed))
+    return false;
   if (scanned)
     showLayerChoices();
   const ImportKind now = session_.state.Job.Kind;
-  if (scanned || gerber)
-    showFilters(isExcellonKind(kind) || now == ImportKind::DrillingRS274X ||
-                now == ImportKind::DrillingRS274D);
+  showFilters(isExcellonKind(kind) || now == ImportKind::DrillingRS274X ||
+              now == ImportKind::DrillingRS274D);
   if (rowsChanged)
     rowsChanged();
-  return scanned || gerber;
+  return true;
 }
 
 void ImportDialogModel::ImportFile() {
@@ -104,13 +110,18 @@ void ImportDialogModel::ImportFile() {
       session_.importBoundLayer(layers_, [this](const std::string& line) { EditMsgLine(line); });
   busy(false);
 
-  if (status != StatusOk) {
-    EditMsgLine(layer.DisplayName + " " + text("Import failed", "62319"));
+  // The outcome goes to both message lines: the main window's still shows the progress of the
+  // reading otherwise.
+  const std::string outcome =
+      layer.DisplayName + " " +
+      (status == StatusOk ? text("Import successful", "62320") : text("Import failed", "62319"));
+  EditMsgLine(outcome);
+  if (mainWindow_.editMsgLine)
+    mainWindow_.editMsgLine(outcome);
+  if (status != StatusOk)
     session_.reporter.prompts().beep();
-  } else {
-    EditMsgLine(layer.DisplayName + " " + text("Import successful", "62320"));
+  else
     filterButtonVisible = true;
-  }
   clearButtonVisible = true;
 
   // The imported layer becomes the only active one and goes to the front of the order.

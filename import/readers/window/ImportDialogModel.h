@@ -18,7 +18,8 @@ namespace tvx {
 // What the dialog asks of the main window. Empty callables do nothing.
 struct MainWindowLink {
   std::function<void(bool busy)> setBusyPointer;  // hourglass while a stage runs
-  std::function<void()> setDisplayFile;           // show the file as plain text instead
+  // Show the file as plain text instead; reported tells that status 93 has been shown already.
+  std::function<void(bool reported)> setDisplayFile;
   std::function<void()> markProjectChanged;
   std::function<void(int32_t layer, bool checked)> checkActiveCategory;  // M_ActiveCategories
   std::function<void()> showHoles;  // the viewer's hole display flag on

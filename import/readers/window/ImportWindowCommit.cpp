@@ -142,8 +142,6 @@ bool ImportWindowModel::commitImport(const std::string& first, int32_t, const st
     DialogLayer = 0;
     job.Kind = index == 1 ? ImportKind::ExcellonFormatOne : ImportKind::ExcellonFormatTwo;
     if (!ApplyFile()) {
-      if (mainWindow_.setDisplayFile)
-        mainWindow_.setDisplayFile();
       cmdClose();
       return true;
     }

@@ -22,6 +22,8 @@ ImportWindowModel::ImportWindowModel(ImportWindowOwners owners)
       clearColourNumber_(owners.clearColourNumber), displayUnit_(owners.displayUnit),
       stages_(owners.session, owners.layers, owners.mainWindow) {
   stages_.messageLineChanged = [this](const std::string&) { notify(); };
+  // A scan changes what the grid shows (format, layer choices, apertures): its rows follow.
+  stages_.rowsChanged = [this] { FormUpdate(); };
   buildLists();
 }
 
@@ -187,8 +189,9 @@ void ImportWindowModel::M_FileSelect() {
   if (!applied) {
     if (mainWindow_.setBusyPointer)
       mainWindow_.setBusyPointer(false);
-    if (mainWindow_.setDisplayFile)
-      mainWindow_.setDisplayFile();
+    // ApplyFile has asked for the text of a file it rejected; an unrecognised one asks here.
+    if (found == ImportKind::Unknown && mainWindow_.setDisplayFile)
+      mainWindow_.setDisplayFile(false);
     cmdClose();
     return;
   }

@@ -20,10 +20,13 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tvx {
 
@@ -120,11 +123,13 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
     MsgLine_->setText(QString::fromStdString(line));
   };
   LocalizeForm(this, services, font);
-  if (places_) {
-    WindowPlace place;
-    RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width, place.Height);
+  // A window never placed (or placed off the screen) is sized to its content before it shows and
+  // left where the window system puts it.
+  WindowPlace place;
+  placeKept_ = places_ && RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width,
+                                             place.Height);
+  if (placeKept_)
     moveToPlace(*this, place);
-  }
   m.FormFill();
   m.FormUpdate();
 }
@@ -200,6 +205,9 @@ void GBRVIEWER_IMPORT::refresh() {
   MsgLine_->setText(QString::fromStdString(stages.messageLine));
   F_InchMM_[size_t(m.OffsetUnit == 1 ? 1 : 0)]->setChecked(true);
 
+  if (!placeKept_ && !isVisible())
+    fitToContent();
+
   const bool wasShown = F_Viewer_->isVisible();
   F_Viewer_->setVisible(m.ViewShown);
   if (m.ViewShown) {
@@ -211,6 +219,23 @@ void GBRVIEWER_IMPORT::refresh() {
     if (!wasShown)
       SizeControls(egrdProp_->width());
   }
+}
+
+void GBRVIEWER_IMPORT::fitToContent() {
+  // The layouts learn of the new rows only when the event loop runs again, so the window's size is
+  // summed here from the parts: the tabs with the grid, the buttons, the menu and the status bar.
+  const QLayout& column = *centralWidget()->layout();
+  const QMargins margins = column.contentsMargins();
+  const QSize tabs = tabColor_->sizeHint();
+  const int width =
+      std::max(tabs.width() + margins.left() + margins.right(), menuBar()->sizeHint().width());
+  const int height = menuBar()->sizeHint().height() + margins.top() + tabs.height() +
+                     column.spacing() + cmdClose_->sizeHint().height() + margins.bottom() +
+                     statusBar()->sizeHint().height();
+  QSize most(1024, 768);
+  if (const QScreen* shown = screen())
+    most = shown->availableGeometry().size() * 9 / 10;
+  resize(QSize(width, height).boundedTo(most));
 }
 
 void GBRVIEWER_IMPORT::SizeControls(int splitterPosition) {

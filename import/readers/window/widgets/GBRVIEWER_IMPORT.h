@@ -46,6 +46,8 @@ protected:
   void keyPressEvent(QKeyEvent* event) override;
 
 private:
+  // Resizes the window to what its rows and buttons need, within the screen's work area.
+  void fitToContent();
   void buildMenus();
   QWidget* buildPalette();
 
@@ -63,6 +65,7 @@ private:
   std::array<QAction*, 2> F_InchMM_{};
   UserStore* places_ = nullptr;
   bool unloaded_ = false;
+  bool placeKept_ = false;  // the stored place was usable; otherwise the size follows the rows
 };
 
 }  // namespace tvx

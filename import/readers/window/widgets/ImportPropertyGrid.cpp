@@ -48,6 +48,20 @@ ImportPropertyGrid::ImportPropertyGrid(QWidget* parent) : QTableWidget(parent) {
   });
 }
 
+QSize ImportPropertyGrid::sizeHint() const {
+  // Beyond these the grid scrolls: a long aperture list does not make a window taller than a
+  // screen, nor a long path one wider.
+  constexpr int MostRowsShown = 30;
+  constexpr int MostValueWidth = 480;
+  const int frame = 2 * frameWidth();
+  const int scrollBar = verticalScrollBar()->sizeHint().width();
+  const int width = sizeHintForColumn(0) + std::min(sizeHintForColumn(1), MostValueWidth);
+  int height = horizontalHeader()->sizeHint().height();
+  for (int row = 0; row < std::min(rowCount(), MostRowsShown); ++row)
+    height += std::max(rowHeight(row), sizeHintForRow(row));
+  return {width + frame + scrollBar, height + frame};
+}
+
 void ImportPropertyGrid::emitLater(int row, const QString& text) {
   QTimer::singleShot(0, this, [this, row, text] { emit cellCommitted(row, text); });
 }
@@ -62,6 +76,31 @@ int ImportPropertyGrid::rowOfKey(const QString& key) const {
     if (keyOf(row) == key)
       return row;
   return -1;
+}
+
+QString ImportPropertyGrid::shownValue(int row) const {
+  const QWidget* editor = cellWidget(row, 1);
+  if (const auto* box = qobject_cast<const QComboBox*>(editor))
+    return box->currentText();
+  if (const auto* check = qobject_cast<const QCheckBox*>(editor))
+    return check->isChecked() ? "[x]" : "[ ]";
+  if (const auto* button = qobject_cast<const QPushButton*>(editor))
+    return button->text().replace("&&", "&");
+  const QTableWidgetItem* cell = item(row, 1);
+  return cell ? cell->text() : QString();
+}
+
+QRect ImportPropertyGrid::valueCellOnScreen(int row) const {
+  const QRect cell = visualRect(model()->index(row, 1));
+  return {viewport()->mapToGlobal(cell.topLeft()), cell.size()};
+}
+
+int ImportPropertyGrid::wholeRowsShown() const {
+  const int bottom = viewport()->height();
+  int shown = 0;
+  for (int row = 0; row < rowCount(); ++row)
+    shown += rowViewportPosition(row) >= 0 && rowViewportPosition(row) + rowHeight(row) <= bottom;
+  return shown;
 }
 
 void ImportPropertyGrid::setRows(
@@ -108,6 +147,7 @@ void ImportPropertyGrid::setRows(
     setCurrentCell(current, 1);
   SetTopRow(top);
   filling_ = false;
+  updateGeometry();
 }
 
 void ImportPropertyGrid::addValueWidget(

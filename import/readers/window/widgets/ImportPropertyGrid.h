@@ -29,6 +29,13 @@ public:
   QString keyOf(int row) const;
   // The row of a key, -1 when none.
   int rowOfKey(const QString& key) const;
+  // What the user sees in a row's value cell: the text of its list, box or button, "[x]" or "[ ]"
+  // for a check box, else the cell's text.
+  QString shownValue(int row) const;
+  // Where a row's value cell is on the screen.
+  QRect valueCellOnScreen(int row) const;
+  // The rows that show whole without scrolling.
+  int wholeRowsShown() const;
 
   // PropertyGridAccess. Its row 0 is the heading row, so that grid row r is table row r - 1.
   int32_t Rows() const override { return rowCount() + 1; }
@@ -43,6 +50,10 @@ public:
   bool canScroll() const override { return rowCount() > 0; }
 
   static QColor colourOf(int32_t bgr);
+
+  // Wide enough for both columns' contents and high enough for every row, up to a limit: what a
+  // window that was never placed opens at.
+  QSize sizeHint() const override;
 
 protected:
   // One row per wheel step, as every property grid of the viewer scrolls.

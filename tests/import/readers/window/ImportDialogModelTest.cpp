@@ -19,7 +19,7 @@ protected:
   ImportDialogModelTest() {
     state.Job.WorkDirectory = folder.path().string();
     state.Job.SourcePath = "/boards/top.gbr";
-    window.setDisplayFile = [this] { events.push_back("display file"); };
+    window.setDisplayFile = [this](bool) { events.push_back("display file"); };
     window.markProjectChanged = [this] { events.push_back("changed"); };
     window.showHoles = [this] { events.push_back("holes"); };
     window.redraw = [this] { events.push_back("redraw"); };

@@ -44,7 +44,9 @@ struct ImportWindowWorld : ImportWorld {
   ImportWindowOwners makeOwners() {
     ImportWindowOwners owners{*session, tables->Layers, highlights, {}, {}, ClearColour, 0};
     owners.mainWindow.redraw = [this] { ++redraws; };
-    owners.mainWindow.setDisplayFile = [this] { events.push_back("display file"); };
+    owners.mainWindow.setDisplayFile = [this](bool reported) {
+      events.push_back(reported ? "display file" : "display file after 93");
+    };
     owners.mainWindow.editMsgLine = [this](const std::string& line) {
       events.push_back("main line " + line);
     };
@@ -70,7 +72,6 @@ struct ImportWindowWorld : ImportWorld {
     session->state.Job.SourcePath = nextFile;
     session->state.Job.Kind = kind;
     model->ApplyFile();
-    model->FormUpdate();
   }
 
   // Writes a file and opens it for import as the file menu does.

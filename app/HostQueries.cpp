@@ -1,0 +1,90 @@
+#include "app/HostQueries.h"
+
+#include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
+#include "import/readers/window/widgets/ImportPropertyGrid.h"
+#include "shell/GBRVIEWER_MAIN.h"
+
+#include <QApplication>
+#include <QRect>
+#include <QWidget>
+
+namespace tvx {
+
+namespace {
+
+std::string line(const std::string& text) { return std::string(HostName) + "\t" + text + "\n"; }
+
+std::string rectText(const QRect& r) {
+  return std::to_string(r.x()) + "," + std::to_string(r.y()) + "," + std::to_string(r.width()) +
+         "," + std::to_string(r.height());
+}
+
+std::string importRows(GBRVIEWER_MAIN* window) {
+  GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
+  if (!import || !import->isVisible())
+    return line("IMPORTROWS,NONE");
+  ImportPropertyGrid& grid = import->grid();
+  std::string out;
+  for (int row = 0; row < grid.rowCount(); ++row) {
+    const QTableWidgetItem* caption = grid.item(row, 0);
+    out += line("IMPORTROW\t" + (caption ? caption->text().toStdString() : std::string()) + "\t" +
+                grid.shownValue(row).toStdString());
+  }
+  out += line("IMPORTMSG\t" + import->model().stages().messageLine);
+  return out + line("IMPORTROWS," + std::to_string(grid.rowCount()) + "," +
+                    std::to_string(grid.wholeRowsShown()));
+}
+
+std::string cellPlace(GBRVIEWER_MAIN* window, const std::string& caption) {
+  GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
+  if (import && import->isVisible()) {
+    ImportPropertyGrid& grid = import->grid();
+    for (int row = 0; row < grid.rowCount(); ++row)
+      if (const QTableWidgetItem* cell = grid.item(row, 0);
+          cell && cell->text().toStdString() == caption)
+        return line("CELL," + rectText(grid.valueCellOnScreen(row)));
+  }
+  return line("CELL,NONE");
+}
+
+std::string widgetPlace(const std::string& name) {
+  for (QWidget* top : QApplication::topLevelWidgets()) {
+    if (!top->isVisible())
+      continue;
+    QList<QWidget*> found = top->findChildren<QWidget*>(QString::fromStdString(name));
+    if (top->objectName().toStdString() == name)
+      found.prepend(top);
+    for (QWidget* widget : found)
+      if (widget->isVisible())
+        return line("PLACE," + name + "," +
+                    rectText({widget->mapToGlobal(QPoint(0, 0)), widget->size()}));
+  }
+  return line("PLACE," + name + ",NONE");
+}
+
+}  // namespace
+
+bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::string& answer) {
+  const std::string prefix = std::string(HostName) + ",";
+  if (command.rfind(prefix, 0) != 0)
+    return false;
+  const std::string query = command.substr(prefix.size());
+  const auto argumentOf = [&query](const std::string& name) { return query.substr(name.size()); };
+  if (query.rfind("SAVEVIEW,", 0) == 0) {
+    const bool saved = window && window->saveViewPicture(argumentOf("SAVEVIEW,"));
+    answer = line(std::string("SAVEVIEW,") + (saved ? "OK" : "FAILED"));
+  } else if (query == "MSGLINE") {
+    answer = line("MSGLINE\t" + (window ? window->MessageLine() : std::string()));
+  } else if (query == "IMPORTROWS") {
+    answer = importRows(window);
+  } else if (query.rfind("CELL,", 0) == 0) {
+    answer = cellPlace(window, argumentOf("CELL,"));
+  } else if (query.rfind("PLACE,", 0) == 0) {
+    answer = widgetPlace(argumentOf("PLACE,"));
+  } else {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace tvx

@@ -1,0 +1,26 @@
+// The host's own commands, "TARVEX,<QUERY>[,<argument>]": they let a script that drives the viewer
+// see what the user sees. Each answers with lines "TARVEX<TAB>...":
+//   SAVEVIEW,<file>  the view's picture as PNG: "SAVEVIEW,OK" or "SAVEVIEW,FAILED".
+//   MSGLINE          the main window's message line: "MSGLINE<TAB><text>".
+//   IMPORTROWS       the import window's grid as shown: per row "IMPORTROW<TAB><caption><TAB>
+//                    <value>", then "IMPORTMSG<TAB><its message line>" and
+//                    "IMPORTROWS,<rows>,<rows shown whole>"; "IMPORTROWS,NONE" without the window.
+//   CELL,<caption>   where the value cell of the first row with that caption is on the screen:
+//                    "CELL,<x>,<y>,<width>,<height>" or "CELL,NONE".
+//   PLACE,<name>     where the visible widget of that object name is on the screen:
+//                    "PLACE,<name>,<x>,<y>,<width>,<height>" or "PLACE,<name>,NONE".
+#pragma once
+
+#include <string>
+
+namespace tvx {
+
+class GBRVIEWER_MAIN;
+
+// The prefix of the host's own commands.
+inline constexpr const char* HostName = "TARVEX";
+
+// Answers line when it is one of the host's commands, and tells whether it was.
+bool answerHostQuery(const std::string& line, GBRVIEWER_MAIN* window, std::string& answer);
+
+}  // namespace tvx
