@@ -9,6 +9,7 @@
 
 #include "app/HostQueries.h"
 #include "kernel/Kernel.h"
+#include "platform/RuntimeDirectory.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/QtUserPrompts.h"
 #include "shell/ComponentContext.h"
@@ -89,6 +90,7 @@ private:
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tvx::ensureRuntimeDirectory();  // before any Qt object: no runtime folder warning on stderr
   QCommandLineParser parser;
   parser.setApplicationDescription(
       "Fabrication graphics viewer of Tarvex. Reads one command per line from standard input "
