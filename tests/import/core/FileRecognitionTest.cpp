@@ -1,5 +1,5 @@
-// File kinds told by their text: the four tests, their order, whole-file reading and its
-// messages, and random input checked against a character-by-character reading of the rules.
+// File kinds told by their text: the four tests, their order, and whole-file reading and its
+// messages.
 #include "import/core/FileRecognition.h"
 
 #include "common/FileLayer.h"
@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <random>
 
 namespace tvx {
 namespace {
@@ -273,114 +272,6 @@ TEST_F(FileRecogniserTest, KindsOfFilesWithEmptyAndBinaryContents) {
     EXPECT_EQ(unit, c.unit);
   }
   EXPECT_TRUE(prompts_.shown.empty());
-}
-
-// The Gerber and Excellon tests read character by character, as the rules are worded.
-int literalGerber(const std::string& t) {
-  auto has = [&](const char* s) { return t.find(s) != std::string::npos; };
-  if (!((has("D02*") && has("D01*")) || has("D03*") || (has("D2*") && has("D1*")) || has("D3*")))
-    return 0;
-  const bool extended = has("%FS") && has("%AD");
-  int counter = 0;
-  for (unsigned char c : t) {
-    if (GerberCharacterSet.find(static_cast<char>(c)) != std::string_view::npos) {
-      counter = 0;
-      continue;
-    }
-    if (c == 13 || c == 10)
-      continue;
-    if (++counter > 100 || c < 32 || c > 254)
-      return 0;
-  }
-  return extended ? 1 : 2;
-}
-
-int literalExcellon(const std::string& t) {
-  auto has = [&](const char* s) { return t.find(s) != std::string::npos; };
-  bool header = false;
-  const std::size_t p = t.find("M48");
-  if (p != std::string::npos) {
-    std::size_t q = t.find("%", p);
-    if (q == std::string::npos)
-      q = t.find("M95", p);
-    if (q != std::string::npos) {
-      const std::size_t inch = t.find("INCH", p), metric = t.find("METRIC", p);
-      header = (inch != std::string::npos && inch + 4 <= q + 3) ||
-               (metric != std::string::npos && metric + 6 <= q + 3);
-    }
-  }
-  header = header || has("M72") || has("M71");
-  int counter = 0, countT = 0, countC = 0, countX = 0, countY = 0;
-  for (unsigned char c : t) {
-    if (ExcellonCharacterSet.find(static_cast<char>(c)) != std::string_view::npos) {
-      counter = 0;
-      countT += c == 'T', countC += c == 'C', countX += c == 'X', countY += c == 'Y';
-      if (std::string_view("TCMGXY").find(static_cast<char>(c)) != std::string_view::npos)
-        continue;
-    } else if (c == 13 || c == 10 || c == 9) {
-      continue;
-    }
-    if (++counter > 100 || c < 32 || c > 254)
-      return 0;
-  }
-  const bool call = countT > 0 && (has("T001") || has("T01") || has("T1"));
-  const bool definition = countT > 0 && countC > 0 && (has("T001C") || has("T01C") || has("T1C"));
-  const bool xy = countX > 0 && countY > 0;
-  if (header && definition)
-    return call && xy ? 3 : 0;
-  return call && xy ? 4 : 0;
-}
-
-TEST(RecognitionRobustnessTest, RandomAndMutatedTextsAgreeWithTheLiteralReading) {
-  const std::vector<std::string> pieces = {"D01*",     "D02*",       "D03*",
-                                           "D1*",      "D2*",        "D3*",
-                                           "%FS",      "%AD",        "X12",
-                                           "Y34",      "T1",         "T01",
-                                           "T1C",      "C0.8",       "M48",
-                                           "INCH",     "METRIC",     "%",
-                                           "M95",      "M71",        "M72",
-                                           "\r\n",     "\t",         "cc",
-                                           "ENTITIES", "HEADER",     "TABLES",
-                                           "IN;",      "PU",         "PD1",
-                                           "ZZ",       run('c', 50), std::string(1, '\0'),
-                                           "\xFF",     "5",          ";",
-                                           " "};
-  std::mt19937 rng(4);
-  auto below = [&](std::size_t n) {
-    return std::uniform_int_distribution<std::size_t>(0, n - 1)(rng);
-  };
-  for (int i = 0; i < 4000; ++i) {
-    std::string text;
-    if (i % 4 == 0) {  // raw bytes
-      text.resize(below(300));
-      for (char& c : text)
-        c = static_cast<char>(below(256));
-    } else {  // pieces of the formats, then a few bytes changed, dropped or inserted
-      for (std::size_t n = below(40); n > 0; --n)
-        text += pieces[below(pieces.size())];
-      for (std::size_t m = below(4); m > 0 && !text.empty(); --m) {
-        const std::size_t at = below(text.size());
-        switch (below(3)) {
-        case 0:
-          text[at] = static_cast<char>(below(256));
-          break;
-        case 1:
-          text.erase(at, 1);
-          break;
-        default:
-          text.insert(at, 1, static_cast<char>(below(256)));
-          break;
-        }
-      }
-    }
-    SCOPED_TRACE(::testing::PrintToString(text));
-    ASSERT_EQ(static_cast<int>(IsGerber(text)), literalGerber(text));
-    ASSERT_EQ(static_cast<int>(IsExcellon(text)), literalExcellon(text));
-    YieldClock clock;
-    const int kind = static_cast<int>(recogniseText(text, clock));
-    ASSERT_TRUE(kind == 0 || kind == 1 || kind == 2 || kind == 3 || kind == 4 || kind == 7 ||
-                kind == 8);
-  }
 }
 
 }  // namespace

@@ -91,12 +91,8 @@ TEST(CentringTest, LowerLeftCornerGoesToWholeMillimetresFromTheCentre) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.frame.MinX);
-    const Shift s = centringShift(c.frame, false);
-    EXPECT_EQ(s.x, c.x);
-    EXPECT_EQ(s.y, c.y);
-    const Shift kept = centringShift(c.frame, true);
-    EXPECT_EQ(kept.x, 0);
-    EXPECT_EQ(kept.y, 0);
+    const Shift s = centringShift(c.frame, false), kept = centringShift(c.frame, true);
+    EXPECT_EQ(std::tuple(s.x, s.y, kept.x, kept.y), std::tuple(c.x, c.y, 0, 0));
   }
 }
 
@@ -120,13 +116,10 @@ TEST_F(ImportDriverTest, CentringMovesTheItemsOfHpglAndDxfLayersOnly) {
       const int32_t dy = !moves ? 0 : original ? -678 : 50000 - 678;
       ItemRecord r;
       ASSERT_NE(store.I_ReadItem(store.S_SymbolItem(layer.SymbolHandle, 2), r), 0);
-      EXPECT_EQ(r.X, dx);
-      EXPECT_EQ(r.Y, dy);
-      EXPECT_EQ(r.Width, 10);
+      EXPECT_EQ(std::tuple(r.X, r.Y, r.Width), std::tuple(dx, dy, 10));
       FrameRect frame;
       ASSERT_NE(store.S_FrameSymbolItems(layer.SymbolHandle, -1, frame), 0);
-      EXPECT_EQ(frame.MinX, -350000 + dx);
-      EXPECT_EQ(frame.MinY, -250000 + dy);
+      EXPECT_EQ(std::pair(frame.MinX, frame.MinY), std::pair(-350000 + dx, -250000 + dy));
     }
   }
 }
