@@ -3,6 +3,7 @@
 #include "kernel/Palette.h"
 
 #include "support/GuiTestApplication.h"
+#include "support/ItemBuilder.h"
 
 #include <QClipboard>
 #include <QCursor>
@@ -75,14 +76,9 @@ TEST_F(GraphicsServicesTest, PolygonRunsAndItemsAtAnOffset) {
   for (int i = 0; i < 3; ++i) {
     const int32_t bits = attr::Shown | attr::PolygonSide | (i == 0 ? attr::PolygonFirst : 0) |
                          (i == 2 ? attr::PolygonLast : 0);
-    k.store.OA_Add(items, k.store.I_MakeItem({{.Type = ItemLine,
-                                               .Attributes = bits,
-                                               .X = x,
-                                               .Y = y,
-                                               .Colour = 15,
-                                               .Style = StyleFilled,
-                                               .Width = dx[i],
-                                               .Height = dy[i]}}));
+    k.store.OA_Add(items,
+                   k.store.I_MakeItem(
+                       test::Item(ItemLine, bits).at(x, y).colour(15).filled().size(dx[i], dy[i])));
     x += dx[i];
     y += dy[i];
   }

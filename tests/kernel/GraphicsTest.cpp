@@ -3,6 +3,7 @@
 #include "kernel/Palette.h"
 
 #include "support/GuiTestApplication.h"
+#include "support/ItemBuilder.h"
 
 #include <QImage>
 #include <gtest/gtest.h>
@@ -11,6 +12,8 @@
 
 namespace tvx {
 namespace {
+
+using test::Item;
 
 class GraphicsTest : public ::testing::Test {
 protected:
@@ -32,9 +35,7 @@ protected:
     k.graphics.G_DeleteDC(dev);
     return image;
   }
-  void add(ItemRecord r) {
-    if (!r.Attributes)
-      r.Attributes = attr::Shown;
+  void add(const ItemRecord& r) {
     k.store.OA_Add(k.store.S_SymbolItemArray(sym), k.store.I_MakeItem(r));
   }
   static QRgb colourOf(int paletteNumber) {
@@ -66,18 +67,13 @@ TEST_F(GraphicsTest, DeviceToStoreIsTheInverseOfTheView) {
 }
 
 TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
-  ItemRecord box{{.Type = ItemRectangle,
-                  .X = -2000,
-                  .Y = -1000,
-                  .Colour = 10,
-                  .Style = StyleFilled,
-                  .Width = 4000,
-                  .Height = 2000}};
-  add(box);
-  ItemRecord hidden = box;
-  hidden.X = 3000;
-  hidden.Attributes = attr::PolygonFrameMark;  // not shown
-  add(hidden);
+  add(Item(ItemRectangle).at(-2000, -1000).colour(10).filled().size(4000, 2000));
+  // Not shown:
+  add(Item(ItemRectangle, attr::PolygonFrameMark)
+          .at(3000, -1000)
+          .colour(10)
+          .filled()
+          .size(4000, 2000));
   QImage img = render(100, 100, 100, 0, 0);
   EXPECT_EQ(img.pixel(50, 50), colourOf(10));
   EXPECT_EQ(img.pixel(50, 41), colourOf(10)) << "the top edge is 1000 units, 10 pixels, up";
@@ -87,24 +83,15 @@ TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
 
 TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
   k.strings.E_SysTable(1)[60] = 14;
-  ItemRecord disc{
-      {.Type = ItemCircle, .Colour = 64 + 28 /* slot 60 */, .Style = StyleFilled, .Width = 2000}};
-  add(disc);
-  disc.X = 6000;
-  disc.Colour = 10 | ColourMarkBit;  // drawn in the background colour
-  add(disc);
+  add(Item(ItemCircle).colour(64 + 28 /* slot 60 */).filled().size(2000));
+  add(Item(ItemCircle).at(6000, 0).colour(10 | ColourMarkBit).filled().size(2000));  // background
   QImage img = render(200, 100, 100, 3000, 0);
   EXPECT_EQ(img.pixel(70, 50), colourOf(14));
   EXPECT_EQ(img.pixel(130, 50), colourOf(0));
 }
 
 TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
-  add({{.Type = ItemLine,
-        .X = -4000,
-        .Colour = 12,
-        .LineWidth = 500,
-        .Width = 8000,
-        .Height = 3000}});
+  add(Item(ItemLine).at(-4000, 0).colour(12).pen(500).size(8000, 3000));
   QImage image(120, 80, QImage::Format_RGB32);
   image.fill(Qt::darkGreen);
   QImage before = image;
@@ -119,11 +106,7 @@ TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
 }
 
 TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
-  add({{.Type = ItemLine,
-        .X = -5000,
-        .Colour = 15,
-        .LineWidth = 2000 /* 20 pixels */,
-        .Width = 10000}});
+  add(Item(ItemLine).at(-5000, 0).colour(15).pen(2000 /* 20 pixels */).size(10000));
   QImage img = render(200, 100, 100, 0, 0);
   EXPECT_EQ(img.pixel(100, 58), colourOf(15));
   EXPECT_EQ(img.pixel(100, 63), colourOf(0));
@@ -135,15 +118,12 @@ TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
 
 TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
   auto side = [&](int32_t x, int32_t y, int32_t dx, int32_t dy, int32_t bits, uint8_t style) {
-    add({{.Type = ItemLine,
-          .Attributes = attr::Shown | attr::PolygonSide | bits,
-          .X = x,
-          .Y = y,
-          .Colour = 9,
-          .Style = style,
-          .LineWidth = 1,
-          .Width = dx,
-          .Height = dy}});
+    add(Item(ItemLine, attr::Shown | attr::PolygonSide | bits)
+            .at(x, y)
+            .colour(9)
+            .style(style)
+            .pen(1)
+            .size(dx, dy));
   };
   side(-3000, -3000, 6000, 0, attr::PolygonFirst, StyleFilled);
   side(3000, -3000, 0, 6000, 0, StyleFilled);
@@ -163,12 +143,9 @@ TEST_F(GraphicsTest, FilledPolygonRunsAreFilledAsOnePath) {
 
 TEST_F(GraphicsTest, EntriesDrawTheirPadStackTurned) {
   ObjectHandle pad = k.store.S_MakePadStack();
-  k.store.OA_Add(k.store.S_PadStackItemArray(pad), k.store.I_MakeItem({{.Type = ItemRectangle,
-                                                                        .Y = -500,
-                                                                        .Colour = 14,
-                                                                        .Style = StyleFilled,
-                                                                        .Width = 4000,
-                                                                        .Height = 1000}}));
+  k.store.OA_Add(
+      k.store.S_PadStackItemArray(pad),
+      k.store.I_MakeItem(Item(ItemRectangle).at(0, -500).colour(14).filled().size(4000, 1000)));
   k.store.OM_Add(k.store.S_SymbolPadStackMap(sym), pad, 10);
   int32_t e = k.store.S_InsertEntry(sym, -1, 0, 0);
   k.store.S_ChangePadPadStack(sym, e, 10);
@@ -184,16 +161,15 @@ TEST_F(GraphicsTest, PartialViewsMatchTheWholePicture) {
   std::mt19937 rng(5);
   std::uniform_int_distribution<int32_t> pos(-50000, 50000), size(2500, 6000);
   for (int i = 0; i < 600; ++i) {
-    ItemRecord r;
-    r.Type = (i % 3 == 0) ? ItemLine : (i % 3 == 1 ? ItemCircle : ItemRectangle);
-    r.X = pos(rng);
-    r.Y = pos(rng);
-    r.Width = size(rng) * (r.Type == ItemLine ? 3 : 1);
-    r.Height = size(rng);
-    r.LineWidth = size(rng) / 10;
-    r.Style = (i % 2) ? StyleFilled : StyleOpen;
-    r.Colour = uint8_t(1 + i % 15);
-    add(r);
+    const int32_t type = (i % 3 == 0) ? ItemLine : (i % 3 == 1 ? ItemCircle : ItemRectangle);
+    const int32_t x = pos(rng), y = pos(rng), w = size(rng) * (type == ItemLine ? 3 : 1);
+    const int32_t h = size(rng), pen = size(rng) / 10;
+    add(Item(type)
+            .at(x, y)
+            .size(w, h)
+            .pen(pen)
+            .style(i % 2 ? StyleFilled : StyleOpen)
+            .colour(1 + i % 15));
   }
   QImage whole = render(400, 400, 250, 0, 0);
   // A 100 x 80 window whose centre lies 20 pixels right of and 30 pixels above the whole

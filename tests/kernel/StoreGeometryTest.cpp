@@ -2,6 +2,8 @@
 #include "kernel/ItemGeometry.h"
 #include "kernel/Store.h"
 
+#include "support/ItemBuilder.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -9,19 +11,7 @@
 namespace tvx {
 namespace {
 
-ItemRecord make(int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t pen = 0,
-                uint8_t style = StyleOpen, int32_t angle = 0, int32_t sweep = 0) {
-  return {{.Type = type,
-           .Attributes = attr::Shown,
-           .X = x,
-           .Y = y,
-           .Style = style,
-           .LineWidth = pen,
-           .Angle = angle,
-           .Width = w,
-           .Height = h,
-           .Sweep = sweep}};
-}
+using test::Item;
 
 FrameRect frameOf(const ItemRecord& r) {
   Store s;
@@ -31,25 +21,23 @@ FrameRect frameOf(const ItemRecord& r) {
 }
 
 TEST(ItemFrames, EveryTypeIncludesItsPen) {
-  EXPECT_EQ(frameOf(make(ItemLine, 0, 0, 1000, -500, 100)), (FrameRect{-50, -550, 1050, 50}));
-  EXPECT_EQ(frameOf(make(ItemCircle, 100, 100, 50, 0, 10)), (FrameRect{45, 45, 155, 155}));
+  EXPECT_EQ(frameOf(Item(ItemLine).size(1000, -500).pen(100)), (FrameRect{-50, -550, 1050, 50}));
+  EXPECT_EQ(frameOf(Item(ItemCircle).at(100, 100).size(50).pen(10)), (FrameRect{45, 45, 155, 155}));
   // A quarter arc from 0 to 90 degrees passes no other axis point.
-  EXPECT_EQ(frameOf(make(ItemArc, 0, 0, 1000, 0, 0, 0, 0, 90000)), (FrameRect{0, 0, 1000, 1000}));
+  EXPECT_EQ(frameOf(Item(ItemArc).size(1000).sweep(90000)), (FrameRect{0, 0, 1000, 1000}));
   // The same arc swept clockwise from 90 covers the same points.
-  EXPECT_EQ(frameOf(make(ItemArc, 0, 0, 1000, 90000, 0, 0, 0, -90000)),
-            (FrameRect{0, 0, 1000, 1000}));
+  EXPECT_EQ(frameOf(Item(ItemArc).size(1000, 90000).sweep(-90000)), (FrameRect{0, 0, 1000, 1000}));
   // An arc from 45 through 180 to 225 reaches the top and the left.
-  FrameRect f = frameOf(make(ItemArc, 0, 0, 1000, 45000, 0, 0, 0, 180000));
+  FrameRect f = frameOf(Item(ItemArc).size(1000, 45000).sweep(180000));
   EXPECT_EQ(std::pair(f.MinX, f.MaxY), std::pair(-1000, 1000));
   EXPECT_NEAR(f.MinY, -707, 1);
   EXPECT_NEAR(f.MaxX, 707, 1);
   // A rectangle turned a quarter about its lower left corner lies left of it.
-  EXPECT_EQ(frameOf(make(ItemRectangle, 0, 0, 200, 100, 0, StyleFilled, 90000)),
+  EXPECT_EQ(frameOf(Item(ItemRectangle).size(200, 100).filled().angle(90000)),
             (FrameRect{-100, 0, 0, 200}));
   // A rectangle with a negative width (mirrored) extends to the left.
-  EXPECT_EQ(frameOf(make(ItemRectangle, 0, 0, -200, 100, 0, StyleFilled)),
-            (FrameRect{-200, 0, 0, 100}));
-  EXPECT_EQ(frameOf(make(ItemTriangle, 0, 0, 100, 0, 0, StyleFilled, 50, 80)),
+  EXPECT_EQ(frameOf(Item(ItemRectangle).size(-200, 100).filled()), (FrameRect{-200, 0, 0, 100}));
+  EXPECT_EQ(frameOf(Item(ItemTriangle).size(100).filled().angle(50).sweep(80)),
             (FrameRect{0, 0, 100, 80}));
 }
 
@@ -57,23 +45,23 @@ TEST(ItemCover, ShapesArePickedWithinTolerance) {
   auto covers = [](const ItemRecord& r, double x, double y, double tol) {
     return itemCovers(r, r.Text.size(), x, y, tol);
   };
-  ItemRecord ln = make(ItemLine, 0, 0, 1000, 0, 100);
+  ItemRecord ln = Item(ItemLine).size(1000).pen(100);
   EXPECT_TRUE(covers(ln, 500, 60, 10));  // pen half 50 + tolerance 10
   EXPECT_FALSE(covers(ln, 500, 61, 0));
   EXPECT_TRUE(covers(ln, 1050, 0, 0));  // round end
-  ItemRecord ring = make(ItemCircle, 0, 0, 1000, 0, 20, StyleOpen);
+  ItemRecord ring = Item(ItemCircle).size(1000).pen(20);
   EXPECT_FALSE(covers(ring, 0, 0, 5));
   EXPECT_TRUE(covers(ring, 1005, 0, 0));
-  ItemRecord disc = make(ItemCircle, 0, 0, 1000, 0, 20, StyleFilled);
+  ItemRecord disc = Item(ItemCircle).size(1000).pen(20).filled();
   EXPECT_TRUE(covers(disc, 0, 0, 0));
   EXPECT_FALSE(covers(disc, 1005, 0, 0)) << "no pen on a filled area";
-  ItemRecord arc = make(ItemArc, 0, 0, 1000, 0, 0, 0, 0, 90000);
+  ItemRecord arc = Item(ItemArc).size(1000).sweep(90000);
   EXPECT_TRUE(covers(arc, 0, 1000, 1));
   EXPECT_FALSE(covers(arc, 0, -1000, 1));
-  ItemRecord box = make(ItemRectangle, 0, 0, 200, 100, 0, StyleFilled, 90000);
+  ItemRecord box = Item(ItemRectangle).size(200, 100).filled().angle(90000);
   EXPECT_TRUE(covers(box, -50, 150, 0));
   EXPECT_FALSE(covers(box, 50, 150, 0));
-  ItemRecord open = make(ItemRectangle, 0, 0, 200, 100, 0, StyleOpen);
+  ItemRecord open = Item(ItemRectangle).size(200, 100);
   EXPECT_FALSE(covers(open, 100, 50, 10));
   EXPECT_TRUE(covers(open, 100, 95, 10));
 }
@@ -86,18 +74,17 @@ TEST(StoreCover, IndexedSearchAgreesWithFullWalkThroughChanges) {
   std::mt19937 rng(7);
   std::uniform_int_distribution<int32_t> pos(-200000, 200000), size(0, 20000), type(0, 3);
   auto randomItem = [&] {
+    const int32_t x = pos(rng), y = pos(rng), w = size(rng), h = size(rng);
+    const int32_t angle = int32_t(rng() % 360000);
     switch (type(rng)) {
     case 0:
-      return make(ItemLine, pos(rng), pos(rng), size(rng) - 10000, size(rng) - 10000,
-                  size(rng) / 10);
+      return Item(ItemLine).at(x, y).size(w - 10000, h - 10000).pen(size(rng) / 10);
     case 1:
-      return make(ItemCircle, pos(rng), pos(rng), size(rng), 0, 100, uint8_t(16 * (rng() & 1)));
+      return Item(ItemCircle).at(x, y).size(w).pen(100).style(16 * (rng() & 1));
     case 2:
-      return make(ItemRectangle, pos(rng), pos(rng), size(rng), size(rng), 0, StyleFilled,
-                  int32_t(rng() % 360000));
+      return Item(ItemRectangle).at(x, y).size(w, h).filled().angle(angle);
     default:
-      return make(ItemArc, pos(rng), pos(rng), size(rng), int32_t(rng() % 360000), 50, 0, 0,
-                  int32_t(rng() % 720000) - 360000);
+      return Item(ItemArc).at(x, y).size(w, angle).pen(50).sweep(int32_t(rng() % 720000) - 360000);
     }
   };
   for (int i = 0; i < 3000; ++i)
@@ -175,7 +162,7 @@ TEST(StoreCover, EntriesAndFirstIndex) {
   // A pad stack with a rotated rectangle pad: the entry covers the pad's area, turned.
   ObjectHandle pad = s.S_MakePadStack();
   s.OA_Add(s.S_PadStackItemArray(pad),
-           s.I_MakeItem(make(ItemRectangle, 0, -100, 5000, 200, 0, StyleFilled)));
+           s.I_MakeItem(Item(ItemRectangle).at(0, -100).size(5000, 200).filled()));
   ASSERT_EQ(s.OM_Add(s.S_SymbolPadStackMap(-76531), pad, 10), 10);
   s.S_ChangePadPadStack(-76531, 1, 10);
   s.S_ChangePadRotation(-76531, 1, 90000);
@@ -202,12 +189,11 @@ TEST(StoreCover, ItemsBesideEntriesIgnoreThePadStacks) {
   s.S_CreateSymbol(3, "copper");
   ArrayHandle items = s.S_SymbolItemArray(3);
   for (int i = 0; i < 50; ++i)
-    s.OA_Add(items, s.I_MakeItem(make(ItemCircle, i * 10000, 0, 2000, 0, 100, StyleFilled)));
+    s.OA_Add(items, s.I_MakeItem(Item(ItemCircle).at(i * 10000, 0).size(2000).pen(100).filled()));
   std::vector<Store::ItemInBox> inBox;
   ASSERT_TRUE(s.itemsInBox(items, FrameRect{0, -100, 25000, 100}, inBox));  // builds the index
   ObjectHandle pad = s.S_MakePadStack();
-  s.OA_Add(s.S_PadStackItemArray(pad),
-           s.I_MakeItem(make(ItemCircle, 0, 0, 50000, 0, 100, StyleFilled)));
+  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(Item(ItemCircle).size(50000).filled()));
   ASSERT_EQ(s.OM_Add(s.S_SymbolPadStackMap(3), pad, 10), 10);
   ASSERT_EQ(s.S_InsertEntry(3, -1, 0, 0), 1);
   s.S_ChangePadPadStack(3, 1, 10);
@@ -223,8 +209,8 @@ TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
   EXPECT_EQ(s.S_FrameSymbolItems(3, -1, f), 0) << "no items, no frame";
   EXPECT_EQ(f, FrameRect{});
   ArrayHandle a = s.S_SymbolItemArray(3);
-  s.OA_Add(a, s.I_MakeItem(make(ItemLine, 0, 0, 100, 100)));
-  ObjectHandle far = s.I_MakeItem(make(ItemCircle, 5000, 5000, 10, 0));
+  const ObjectHandle far = s.I_MakeItem(Item(ItemCircle).at(5000, 5000).size(10));
+  s.OA_Add(a, s.I_MakeItem(Item(ItemLine).size(100, 100)));
   s.OA_Add(a, far);
   ASSERT_EQ(s.S_FrameSymbolItems(3, -1, f), 1);
   EXPECT_EQ(f, (FrameRect{0, 0, 5010, 5010}));
@@ -238,7 +224,7 @@ TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
   EXPECT_EQ(s.S_FrameSymbolItems(3, attr::PolygonFrameMark, f), 0);
 
   // A moved item moves the frame (the cached frame is not reused).
-  s.I_ChangeItemXY(far, make(ItemCircle, -5000, 0, 10, 0));
+  s.I_ChangeItemXY(far, Item(ItemCircle).at(-5000, 0).size(10));
   s.S_FrameSymbolItems(3, -1, f);
   EXPECT_EQ(f, (FrameRect{-5010, -10, 100, 100}));
 
@@ -262,7 +248,7 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   Store s;
   s.S_CreateSymbol(-76501, "$$GIS_CAT-76501");
   s.S_CreateSymbol(-76551, "old undo");
-  s.OA_Add(s.S_SymbolItemArray(-76551), s.I_MakeItem(make(ItemLine, 9, 9, 9, 9)));
+  s.OA_Add(s.S_SymbolItemArray(-76551), s.I_MakeItem(Item(ItemLine).at(9, 9).size(9, 9)));
   s.S_InsertEntry(-76551, -1, 9, 9);
   s.OM_Add(s.S_SymbolPadStackMap(-76551), s.S_MakePadStack(), 99);
 
@@ -271,7 +257,7 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   s.OA_Add(s.S_SymbolItemArray(-76501), text);
   ObjectHandle pad = s.S_MakePadStack();
   s.S_ChangePadStackHole(pad, 800, 2);
-  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(make(ItemCircle, 0, 0, 500, 0, 0, 16)));
+  s.OA_Add(s.S_PadStackItemArray(pad), s.I_MakeItem(Item(ItemCircle).size(500).filled()));
   s.OM_Add(s.S_SymbolPadStackMap(-76501), pad, 11);
   int32_t e = s.S_InsertEntry(-76501, -1, 300, 400);
   s.S_ChangePadPadStack(-76501, e, 11);
@@ -288,8 +274,8 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   ObjectHandle padCopy = s.OM_Object(s.S_SymbolPadStackMap(-76551), 11);
   PadStackRecord pr;
   ASSERT_GT(s.S_ReadPadStack(padCopy, pr), 0);
-  EXPECT_EQ(pr.HoleDiameter, 800);
-  EXPECT_EQ(s.OA_GetCount(s.S_PadStackItemArray(padCopy)), 1);
+  EXPECT_EQ(std::pair(pr.HoleDiameter, s.OA_GetCount(s.S_PadStackItemArray(padCopy))),
+            std::pair(800, 1));
   EntryRecord er;
   ASSERT_EQ(s.OA_GetCount(s.S_SymbolEntryArray(-76551)), 1);
   ASSERT_NE(s.S_ReadEntry(-76551, 1, er), 0);
@@ -304,9 +290,9 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
 
 TEST(StoreLocations, AbsoluteReadsAndTheirInverse) {
   Store s;
-  ObjectHandle ln = s.I_MakeItem(make(ItemLine, 100, 0, 50, 0));
-  ObjectHandle rect = s.I_MakeItem(make(ItemRectangle, 10, 0, 20, 10, 0, StyleFilled));
-  ObjectHandle arc = s.I_MakeItem(make(ItemArc, 0, 0, 100, 0, 0, 0, 0, 90000));
+  ObjectHandle ln = s.I_MakeItem(Item(ItemLine).at(100, 0).size(50));
+  ObjectHandle rect = s.I_MakeItem(Item(ItemRectangle).at(10, 0).size(20, 10).filled());
+  ObjectHandle arc = s.I_MakeItem(Item(ItemArc).size(100).sweep(90000));
   ItemRecord r;
 
   s.S_SetCompLocation(1000, 2000, 90000, 0);
@@ -350,9 +336,9 @@ TEST(StoreCover, FilledPolygonsArePickedInside) {
   ArrayHandle a = s.S_SymbolItemArray(1);
   auto side = [&](int32_t type, int32_t x, int32_t y, int32_t w, int32_t h, int32_t sweep,
                   int32_t bits, uint8_t style) {
-    ItemRecord r = make(type, x, y, w, h, 1, style, 0, sweep);
-    r.Attributes |= attr::PolygonSide | bits;
-    s.OA_Add(a, s.I_MakeItem(r));
+    const int32_t attributes = attr::Shown | attr::PolygonSide | bits;
+    s.OA_Add(a, s.I_MakeItem(
+                    Item(type, attributes).at(x, y).size(w, h).pen(1).style(style).sweep(sweep)));
   };
   for (int copy = 0; copy < 30; ++copy)  // enough items for the indexed search too
     side(ItemLine, 900000 + copy, 0, 1, 0, 0, 0, 0);
