@@ -18,6 +18,12 @@
 #include <string_view>
 #include <vector>
 
+namespace tvx {
+inline void PrintTo(const ArtRecord& r, std::ostream* out) {
+  *out << "{" << int(r.Type) << ", " << r.N << ", " << r.X << ", " << r.Y << "}";
+}
+}  // namespace tvx
+
 namespace tvx::test {
 
 // Store units of a length in inches or millimetres, the way the pass computes them.

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <functional>
 
 namespace tvx {
 namespace {
@@ -61,31 +62,76 @@ TEST(GerberTextPass, StreamTypesOfSmallTexts) {
   }
 }
 
-TEST(GerberTextPass, ApertureSelectKeepsItsCoordinatesAsTheCurrentPoint) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%X0Y0D02*X100Y200D10*X300D01*M02*"), 0);
-  const auto s = pass.stream();
-  // Nothing is written for the select; the draw ends at the new X with the selected Y.
-  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point));
-  EXPECT_EQ(s[0].X, 0);
-  EXPECT_DOUBLE_EQ(s[1].X, inches(0.3));
-  EXPECT_DOUBLE_EQ(s[1].Y, inches(0.2));
-  EXPECT_EQ(s[1].N, 10);
-}
-
-TEST(GerberTextPass, CoordinateBlockRepeatsTheLastOperationButMovesAtFirst) {
-  GerberPass first;
-  ASSERT_EQ(first.run("%ADD10C,0.01*%X100*X200D01*M02*"), 0);
-  auto s = first.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point));
-  EXPECT_DOUBLE_EQ(s[0].X, inches(0.1)) << "the first block moved the pen";
-
-  GerberPass after;
-  ASSERT_EQ(after.run("%ADD10C,0.01*%D10*X0Y0D02*X50D01*X100*M02*"), 0);
-  s = after.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(Start, Point, Point));
-  EXPECT_DOUBLE_EQ(s[2].X, inches(0.1));
-  EXPECT_EQ(findRow(after.scan.Lists.DrawList, 10)->Uses, 2);
+// Whole streams of small texts, record by record, and what else each leaves.
+TEST(GerberTextPass, StreamRecordsOfSmallTexts) {
+  constexpr int32_t T = 254000;  // a tenth of an inch in store units
+  constexpr uint8_t Repeat = artrecord::StepRepeat, Image = artrecord::ImagePolarity,
+                    Layer = artrecord::LayerPolarity;
+  const std::string ad = "%ADD10C,0.01*%D10*";
+  using Check = std::function<void(const GerberPass&)>;
+  const auto drawUses = [](int32_t uses) {
+    return
+        [uses](const GerberPass& p) { EXPECT_EQ(findRow(p.scan.Lists.DrawList, 10)->Uses, uses); };
+  };
+  const struct {
+    const char* name;
+    std::string text;
+    std::vector<ArtRecord> records;
+    Check also;
+  } cases[] = {
+      // clang-format off
+      // Nothing is written for a select; the draw ends at the new X with the selected Y.
+      {"a select keeps its coordinates", "%ADD10C,0.01*%X0Y0D02*X100Y200D10*X300D01*M02*",
+       {{Start, 1, 0, 0}, {Point, 10, 3 * T, 2 * T}}, drawUses(1)},
+      // A coordinate block repeats the last operation, but the first one moves the pen.
+      {"the first coordinate block moves", "%ADD10C,0.01*%X100*X200D01*M02*",
+       {{Start, 1, T, 0}, {Point, 0, 2 * T, 0}}, nullptr},
+      {"later ones repeat", ad + "X0Y0D02*X50D01*X100*M02*",
+       {{Start, 1, 0, 0}, {Point, 10, T / 2, 0}, {Point, 10, T, 0}}, drawUses(2)},
+      // An arc has a centre record with its radius, and stands alone behind a path start that
+      // carries the interpolation mode; I is signed with G75.
+      {"multi-quadrant arcs", ad + "G75*X0Y0D02*G03X200Y0I100J0D01*X0Y0I-100J0D01*G01X0Y100D01*M02*",
+       {{Centre, T, T, 0}, {Start, 3, 0, 0}, {Point, 10, 2 * T, 0}, {Centre, T, T, 0},
+        {Start, 3, 2 * T, 0}, {Point, 10, 0, 0}, {Start, 1, 0, 0}, {Point, 10, 0, T}}, nullptr},
+      // Clockwise towards lower left: the fourth line, centre P + (-I, +J); the radius is T times
+      // the root of 2.
+      {"a single-quadrant arc", ad + "G74*X100Y0D02*G02X0Y-100I100J100D01*M02*",
+       {{Centre, 359210, 0, T}, {Start, 2, T, 0}, {Point, 10, 0, -T}}, nullptr},
+      // A polygon marks its arc sides and its end, and the next polygon starts at once; its sides
+      // are no line uses.
+      {"polygons", ad + "G75*G36*X0Y0D02*G01X100Y0D01*G03X100Y100I0J50D01*G01X0Y0D01*G37*"
+                        "G36*X500Y500D02*X600Y500D01*X500Y500D01*G37*M02*",
+       {{Start, 36, 0, 0}, {Point, 10, T, 0}, {Centre, T / 2, T, T / 2},
+        {artrecord::PolygonArcStart, 3, T, 0}, {artrecord::PolygonArcPoint, 10, T, T},
+        {Point, 10, 0, 0}, {Centre, -1, 0, 0}, {Start, 36, 5 * T, 5 * T},
+        {Point, 10, 6 * T, 5 * T}, {Point, 10, 5 * T, 5 * T}, {Centre, -1, 0, 0}}, drawUses(0)},
+      {"polarities", "%IPNEG*%%LPD*%" + ad + "X0Y0D03*%LPC*%X1Y1D03*M02*",
+       {{Image, 1, 0, 0}, {Layer, 0, 0, 0}, {Flash, 10, 0, 0}, {Layer, 1, 0, 0},
+        {Flash, 10, inches(0.001), inches(0.001)}},
+       [](const GerberPass& p) {
+         EXPECT_EQ(p.scan.Header.FeatureFlags,
+                   featureflag::NegativeImage | featureflag::DarkLayer | featureflag::ClearLayer);
+       }},
+      // Counts, then whole store units; the reset writes distances 0. Six repeats and one flash
+      // are seven uses, and the repeats widen the extents.
+      {"step and repeat", ad + "X0Y0D02*%SRX3Y2I1.0J1.0*%X100Y200D03*%SR*%X0Y0D03*M02*",
+       {{Repeat, 1, 3, 2}, {Repeat, 2, 10 * T, 10 * T}, {Flash, 10, T, 2 * T}, {Repeat, 1, 1, 1},
+        {Repeat, 2, 0, 0}, {Flash, 10, 0, 0}},
+       [](const GerberPass& p) {
+         EXPECT_EQ(findRow(p.scan.Lists.RoundPadList, 10)->Uses, 7);
+         const ArtHeader& h = p.scan.Header;
+         EXPECT_EQ(std::tuple(h.MinX, h.MaxX, h.MaxY), std::tuple(0, T + 20 * T, 2 * T + 10 * T));
+       }},
+      // clang-format on
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    GerberPass pass;
+    ASSERT_EQ(pass.run(c.text), 0);
+    EXPECT_EQ(pass.stream(), c.records);
+    if (c.also)
+      c.also(pass);
+  }
 }
 
 TEST(GerberTextPass, ParseCoordinateByZeroMode) {
@@ -110,28 +156,6 @@ TEST(GerberTextPass, ParseCoordinateByZeroMode) {
   pass.format.Unit = 1;
   pass.format.Scale = {2.0, 1.0};
   EXPECT_DOUBLE_EQ(parse("120000", AxisX), test::millimetres(12) / 2);
-}
-
-TEST(GerberTextPass, StepAndRepeatMultipliesUsesAndWidensExtents) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D02*%SRX3Y2I1.0J1.0*%X100Y200D03*%SR*%X0Y0D03*M02*"),
-            0);
-  const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(artrecord::StepRepeat, artrecord::StepRepeat, Flash,
-                                      artrecord::StepRepeat, artrecord::StepRepeat, Flash));
-  EXPECT_EQ(s[0].N, 1);
-  EXPECT_EQ(s[0].X, 3);
-  EXPECT_EQ(s[0].Y, 2);
-  EXPECT_EQ(s[1].N, 2);
-  EXPECT_EQ(s[1].X, 2540000) << "whole store units";
-  EXPECT_EQ(s[1].Y, 2540000);
-  EXPECT_EQ(s[4].X, 0) << "the reset writes distances 0";
-  EXPECT_EQ(s[3].X, 1);
-  EXPECT_EQ(findRow(pass.scan.Lists.RoundPadList, 10)->Uses, 7) << "6 repeats and one flash";
-  const ArtHeader& h = pass.scan.Header;
-  EXPECT_DOUBLE_EQ(h.MaxX, inches(0.1) + 2 * 2540000);
-  EXPECT_DOUBLE_EQ(h.MaxY, inches(0.2) + 2540000);
-  EXPECT_DOUBLE_EQ(h.MinX, 0);
 }
 
 TEST(GerberTextPass, UndefinedDCodesAreKeptWithSizeZero) {
@@ -187,21 +211,6 @@ TEST(GerberTextPass, ApertureTableGivesTheListsUntilTheFirstDefinition) {
   EXPECT_FALSE(after.DefinedDCodes.count(10));
 }
 
-TEST(GerberTextPass, ArcsGetACentreRecordAndStandAlone) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G75*X0Y0D02*G03X200Y0I100J0D01*X0Y0I-100J0D01*G01X0Y100D01*"
-                     "M02*"),
-            0);
-  const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(Centre, Start, Point, Centre, Start, Point, Start, Point));
-  EXPECT_DOUBLE_EQ(s[0].X, inches(0.1));
-  EXPECT_EQ(s[0].Y, 0);
-  EXPECT_EQ(s[0].N, toInt32(inches(0.1)));
-  EXPECT_EQ(s[1].N, 3) << "the path start carries the interpolation mode";
-  EXPECT_DOUBLE_EQ(s[3].X, inches(0.1)) << "I is signed with G75";
-  EXPECT_EQ(s[6].N, 1);
-}
-
 // The single-quadrant centre for every direction of travel: P is the pen, E the end; I and J are
 // magnitudes, given here with signs that must be ignored.
 TEST(GerberTextPass, SingleQuadrantCentreByDirection) {
@@ -243,44 +252,6 @@ TEST(GerberTextPass, SingleQuadrantCentreByDirection) {
   EXPECT_EQ(cy, 10 + j);
 }
 
-TEST(GerberTextPass, SingleQuadrantArcThroughThePass) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G74*X100Y0D02*G02X0Y-100I100J100D01*M02*"), 0);
-  const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(Centre, Start, Point));
-  // Clockwise, towards lower left: the fourth line, centre P + (-I, +J).
-  EXPECT_DOUBLE_EQ(s[0].X, 0);
-  EXPECT_DOUBLE_EQ(s[0].Y, inches(0.1));
-}
-
-TEST(GerberTextPass, PolygonsMarkTheirEndAndTheirArcSides) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*G75*G36*X0Y0D02*G01X100Y0D01*G03X100Y100I0J50D01*"
-                     "G01X0Y0D01*G37*G36*X500Y500D02*X600Y500D01*X500Y500D01*G37*M02*"),
-            0);
-  const auto s = pass.stream();
-  EXPECT_THAT(typesOf(s),
-              ElementsAre(Start, Point, Centre, artrecord::PolygonArcStart,
-                          artrecord::PolygonArcPoint, Point, Centre, Start, Point, Point, Centre));
-  EXPECT_EQ(s[0].N, 36);
-  EXPECT_EQ(s[10].N, -1);
-  EXPECT_EQ(s[6].N, -1) << "the first polygon's end mark, with the next polygon started at once";
-  EXPECT_EQ(findRow(pass.scan.Lists.DrawList, 10)->Uses, 0) << "polygon sides are no line uses";
-}
-
-TEST(GerberTextPass, PolaritiesWriteRecordsAndFeatureFlags) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%IPNEG*%%LPD*%%ADD10C,0.01*%D10*X0Y0D03*%LPC*%X1Y1D03*M02*"), 0);
-  const auto s = pass.stream();
-  ASSERT_THAT(typesOf(s), ElementsAre(artrecord::ImagePolarity, artrecord::LayerPolarity, Flash,
-                                      artrecord::LayerPolarity, Flash));
-  EXPECT_EQ(s[0].N, 1);
-  EXPECT_EQ(s[1].N, 0);
-  EXPECT_EQ(s[3].N, 1);
-  EXPECT_EQ(pass.scan.Header.FeatureFlags,
-            featureflag::NegativeImage | featureflag::DarkLayer | featureflag::ClearLayer);
-}
-
 TEST(GerberTextPass, ProgressIsShownAndTheEventLoopServed) {
   GerberPass pass;
   std::string text = "%ADD10C,0.01*%D10*";
@@ -293,9 +264,10 @@ TEST(GerberTextPass, ProgressIsShownAndTheEventLoopServed) {
   EXPECT_TRUE(pass.mainLines.empty());
 }
 
-// The layout of TMP.ART for a small file, byte for byte.
+// The layout of TMP.ART for a small file, byte for byte; an earlier file is replaced.
 TEST(GerberTextPass, IntermediateFileOfASmallFileByteForByte) {
   GerberPass pass;
+  std::ofstream(pass.art, std::ios::binary) << std::string(21 * 40, 'x');
   ASSERT_EQ(pass.run("%FSLAX33Y33*%\r\n%MOMM*%\r\n%ADD10C,0.1*%\r\nD10*\r\nX1000Y2000D02*\r\n"
                      "X3000Y2000D01*\r\nX5000Y5000D03*\r\nM02*\r\n"),
             0);
@@ -391,18 +363,6 @@ TEST(GerberTextPass, FailuresCancelThePass) {
   unwritable.art = unwritable.dir.file("no/such/folder/TMP.ART");
   EXPECT_EQ(unwritable.run(ad + "M02*"), 1);
   expectCancelled(unwritable, "Can't create/write to file: " + unwritable.art);
-}
-
-TEST(GerberTextPass, AnEarlierIntermediateFileIsReplaced) {
-  GerberPass pass;
-  {
-    std::ofstream old(pass.art, std::ios::binary);
-    old << std::string(21 * 40, 'x');
-  }
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D10*X0Y0D03*M02*"), 0);
-  const auto all = pass.records();
-  ASSERT_EQ(all.size(), 5u + 2u + 5u) << "header, flash and end, five section records";
-  EXPECT_EQ(all[5].Type, Flash);
 }
 
 }  // namespace
