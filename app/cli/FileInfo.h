@@ -1,10 +1,13 @@
 // What the readers find in one file, for "gbrview info": its kind; for a drill file the format,
-// the tool table, the extents and how the holes went into the drill layer; for a Gerber file its
-// apertures with their uses and its extents.
+// the tool table, the extents and how the holes went into the drill layer; for a Gerber file the
+// format, the extents, its apertures with their draws and flashes, what its drawing stream holds
+// and its file attributes.
 #pragma once
 
 #include "import/core/ImportJob.h"
 #include "import/gerber/ApertureSummary.h"
+#include "import/gerber/GerberFormat.h"
+#include "import/gerber/GerberStreamCounts.h"
 #include "import/readers/ImportSettings.h"
 #include "import/readers/excellon/ExcellonReader.h"
 #include "store/LayerRecord.h"
@@ -15,6 +18,36 @@
 
 namespace tvx {
 
+// One D-code of a Gerber file, its rows of the four aperture lists taken together.
+struct ApertureUses {
+  int32_t DCode = 0;
+  ApertureShape Shape = ApertureShape::Round;  // a pad row's shape before a draw row's
+  std::string MacroName;
+  int32_t Size = 0;  // store units; 0 for special apertures
+  bool Defined = false;
+  int64_t Draws = 0;  // operations in the file
+  int64_t Flashes = 0;
+  double Uses = 0;  // draws and flashes with every copy of a step and repeat
+
+  bool operator==(const ApertureUses&) const = default;
+};
+
+// A file attribute (TF) as name and value: "TF.FileFunction,Copper,L1,Top" is FileFunction with
+// the value "Copper,L1,Top".
+struct FileAttribute {
+  std::string name;
+  std::string value;
+
+  bool operator==(const FileAttribute&) const = default;
+};
+
+// The rows of the lists by D-code, in ascending order, with the stream's draws and flashes; codes
+// neither defined nor used are left out.
+std::vector<ApertureUses> aperturesByDCode(const std::vector<ApertureInfo>& rows,
+                                           const GerberStreamCounts& stream);
+// The TF attributes among the texts of attribute blocks, in their order.
+std::vector<FileAttribute> fileAttributesOf(const std::vector<std::string>& texts);
+
 struct FileInfo {
   std::string path;
   bool readable = false;
@@ -22,23 +55,28 @@ struct FileInfo {
   ImportKind recognisedKind = ImportKind::Unknown;  // what the text of the file says
   ImportKind kind = ImportKind::Unknown;            // after the scan
   std::string kindName;
+  // Drill and Gerber files.
+  bool hasExtents = false;
+  FileExtents extents;  // store units, as stage one found them
+  int32_t importStatus = 0;
 
   // Drill files.
   bool excellon = false;
   ExcellonFormat format;         // in force after the scan
   std::vector<ToolEntry> tools;  // diameters in store units
   int64_t holes = 0;             // the sum of the tools' hole counts
-  bool hasExtents = false;
-  FileExtents extents;  // store units, as stage one found them
-  int32_t importStatus = 0;
-  int32_t layer = 0;  // the layer the holes went into
+  int32_t layer = 0;             // the layer the holes went into
   std::string layerName;
   int32_t pads = 0;     // pads in that layer after the import
   HoleTally holeTally;  // how each hole went
 
-  // Gerber files: what the text pass found.
+  // Gerber files: what the text pass found, and what its intermediate file holds.
   bool gerber = false;
-  std::vector<ApertureInfo> apertures;  // every row of the four aperture lists
+  bool scanned = false;       // the text pass read the file to its end
+  GerberFormat gerberFormat;  // in force after the scan
+  std::vector<ApertureUses> apertures;
+  GerberStreamCounts stream;
+  std::vector<FileAttribute> fileAttributes;
 
   // The messages shown while reading (file errors, status messages), in order.
   std::vector<std::string> messages;

@@ -88,21 +88,95 @@ TEST_F(FileInfoTest, AGerberFileReportsItsAperturesWithTheirUses) {
   ASSERT_TRUE(info.gerber);
   EXPECT_FALSE(info.failed());
   const std::string text = fileInfoText(info);
-  EXPECT_NE(text.find("  D10  draw  round  0.25400 mm  1 uses\n"), std::string::npos) << text;
-  EXPECT_NE(text.find("  D11  special  rectangle"), std::string::npos) << text;
-  EXPECT_NE(text.find("extents mm: x "), std::string::npos) << text;
+  for (const std::string line :
+       {"format: inch, leading zeros omitted, X 2.4, Y 2.4, scale X 1 Y 1\n",
+        "  D10  round  0.25400 mm  draws 1  flashes 0  uses 1\n",
+        "  D11  rectangle  draws 0  flashes 2  uses 2\n",
+        "  D12  round  0.50800 mm  draws 0  flashes 0  uses 0\n", "step and repeat: none\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << "in\n" << text;
+  EXPECT_EQ(text.find("file attributes:"), std::string::npos) << "none in the file";
   const QJsonArray apertures =
       parse(fileInfoJson(info))["gerber"].toObject()["apertures"].toArray();
-  ASSERT_EQ(apertures.size(), int(info.apertures.size()));
-  bool sawUnused = false;
-  for (const auto& entry : apertures) {
-    const QJsonObject a = entry.toObject();
-    if (a["dCode"].toInt() == 12) {
-      sawUnused = true;
-      EXPECT_EQ(a["uses"].toInt(), 0) << "defined but never used";
-    }
+  ASSERT_EQ(apertures.size(), 3);
+  EXPECT_EQ(apertures[2].toObject()["dCode"].toInt(), 12);
+  EXPECT_EQ(apertures[2].toObject()["uses"].toInt(), 0) << "defined but never used";
+}
+
+// Operations counted by hand: two draws with D10, three flashes with D11 (one of them repeated six
+// times by a step and repeat), one arc with D12, and a region drawn while D12 is selected, under
+// clear polarity.
+constexpr const char* CountedGerber = "%TF.FileFunction,Copper,L1,Top*%\n%TF.Part,Single*%\n"
+                                      "%TA.AperFunction,Conductor*%\n"
+                                      "%FSLAX24Y24*%\n%MOMM*%\n%ADD10C,0.2*%\n%ADD11R,1.0X0.5*%\n"
+                                      "%ADD12C,0.1*%\nD10*\nX0Y0D02*\nX10000Y0D01*\n"
+                                      "X10000Y10000D01*\nD11*\nX20000Y0D03*\nX30000Y0D03*\n"
+                                      "%SRX2Y3I5.0J4.0*%\nX40000Y0D03*\n%SR*%\nD12*\nG75*\n"
+                                      "X10000Y20000D02*\nG03X0Y30000I-10000J0D01*\nG01*\n"
+                                      "%LPC*%\nG36*\nX0Y0D02*\nX5000Y0D01*\nX5000Y5000D01*\n"
+                                      "X0Y0D01*\nG37*\nM02*\n";
+
+TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
+  const FileInfo info = gatherFileInfo(write("counted.gbr", CountedGerber));
+  ASSERT_TRUE(info.gerber);
+  ASSERT_FALSE(info.failed()) << fileInfoText(info);
+  const std::string text = fileInfoText(info);
+  const QJsonObject gerber = parse(fileInfoJson(info))["gerber"].toObject();
+
+  struct Total {
+    const char* key;
+    int count;
+  };
+  for (const Total& t :
+       {Total{"draws", 3}, Total{"arcs", 1}, Total{"flashes", 3}, Total{"regions", 1}}) {
+    SCOPED_TRACE(t.key);
+    EXPECT_NE(text.find(std::string("\n") + t.key + ": " + std::to_string(t.count) + "\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(gerber[t.key].toInt(), t.count);
   }
-  EXPECT_TRUE(sawUnused);
+
+  struct Aperture {
+    int dCode;
+    const char* line;
+    int draws, flashes, uses;
+  };
+  const QJsonArray apertures = gerber["apertures"].toArray();
+  ASSERT_EQ(apertures.size(), 3);
+  const Aperture expected[] = {
+      {10, "  D10  round  0.20000 mm  draws 2  flashes 0  uses 2\n", 2, 0, 2},
+      {11, "  D11  rectangle  draws 0  flashes 3  uses 8\n", 0, 3, 8},
+      {12, "  D12  round  0.10000 mm  draws 1  flashes 0  uses 1\n", 1, 0, 1},
+  };
+  for (int i = 0; i < 3; ++i) {
+    const Aperture& a = expected[i];
+    SCOPED_TRACE(a.dCode);
+    EXPECT_NE(text.find(a.line), std::string::npos) << text;
+    const QJsonObject row = apertures[i].toObject();
+    EXPECT_EQ(row["dCode"].toInt(), a.dCode);
+    EXPECT_EQ(row["draws"].toInt(), a.draws);
+    EXPECT_EQ(row["flashes"].toInt(), a.flashes);
+    EXPECT_EQ(row["uses"].toInt(), a.uses);
+  }
+
+  for (const std::string line :
+       {"format: mm, leading zeros omitted, X 2.4, Y 2.4, scale X 1 Y 1\n",
+        "extents mm: x 0.00000 .. 9.00000, y 0.00000 .. 8.00000\n",
+        "layer polarity records: 1 (dark 0, clear 1)\n", "step and repeat: 1\n",
+        "  copies X 2 Y 3, steps mm X 5.00000 Y 4.00000\n", "file attributes: 2\n",
+        "  FileFunction: Copper,L1,Top\n  Part: Single\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << "in\n" << text;
+  EXPECT_EQ(gerber["format"].toObject()["unit"].toString(), "mm");
+  EXPECT_EQ(gerber["format"].toObject()["decimalDigitsY"].toInt(), 4);
+  EXPECT_DOUBLE_EQ(gerber["extentsMm"].toObject()["maxX"].toDouble(), 9.0);
+  EXPECT_EQ(gerber["layerPolarity"].toObject()["clear"].toInt(), 1);
+  const QJsonArray blocks = gerber["stepRepeat"].toArray();
+  ASSERT_EQ(blocks.size(), 1) << "the closing SR is no block";
+  EXPECT_EQ(blocks[0].toObject()["copiesY"].toInt(), 3);
+  EXPECT_DOUBLE_EQ(blocks[0].toObject()["stepXMm"].toDouble(), 5.0);
+  const QJsonArray attributes = gerber["fileAttributes"].toArray();
+  ASSERT_EQ(attributes.size(), 2) << "TA is no file attribute";
+  EXPECT_EQ(attributes[0].toObject()["name"].toString(), "FileFunction");
+  EXPECT_EQ(attributes[0].toObject()["value"].toString(), "Copper,L1,Top");
 }
 
 TEST_F(FileInfoTest, OtherFilesReportTheirKindOnly) {
