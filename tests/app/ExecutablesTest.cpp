@@ -1,11 +1,13 @@
 // The host and the CLI as the user runs them: real processes, their output and exit codes.
 #include "support/CliProcess.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -13,6 +15,8 @@
 
 #include <algorithm>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -181,6 +185,8 @@ TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
       {"render", "--dpi", "many", "-o", "out.png", "a.gbr"},
       {"render", "--window", "0,0,10", "-o", "out.png", "a.gbr"},
       {"render", "--window", "10,0,0,10", "-o", "out.png", "a.gbr"},
+      {"render", "--window=0,0,10", "-o", "out.png", "a.gbr"},
+      {"render", "--window=-5,-5,10", "-o", "out.png", "a.gbr"},
       {"render", "--layer", "32", "-o", "out.png", "a.gbr"},
       {"render", "--colour", "-o", "out.png", "a.gbr"},
       {"render", "-o", "out.png", "a.gbr", "--dpi"},
@@ -203,6 +209,51 @@ TEST(CliTest, HelpPrintsTheUsage) {
   EXPECT_NE(run.out.find("gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] "
                          "-o OUT.(png|pdf|svg) FILE..."),
             std::string::npos);
+  EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D) and Excellon drill files render"),
+            std::string::npos)
+      << run.out;
+}
+
+TEST(CliTest, VersionPrintsTheProjectsVersion) {
+  const test::ProcessRun run = test::runGbrview({"--version"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_TRUE(QRegularExpression("^gbrview \\d+\\.\\d+(\\.\\d+)*\n$")
+                  .match(QString::fromStdString(run.out))
+                  .hasMatch())
+      << run.out;
+  EXPECT_EQ(run.err, "");
+}
+
+// Without XDG_RUNTIME_DIR Qt would warn on stderr; gbrview makes a private folder of mode 0700
+// under the temporary folder, or gives an existing one of its own that mode, and prints nothing.
+TEST(CliTest, WithoutARuntimeFolderStderrStaysEmpty) {
+  for (const bool existing : {false, true}) {
+    SCOPED_TRACE(existing ? "a folder left open to all" : "no folder yet");
+    QTemporaryDir temporary;
+    ASSERT_TRUE(temporary.isValid());
+    const QString runtime = temporary.filePath(QString("tarvex-runtime-%1").arg(::getuid()));
+    const QFile::Permissions openToAll =
+        QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther;
+    if (existing) {
+      ASSERT_TRUE(QDir().mkdir(runtime) && QFile::setPermissions(runtime, openToAll));
+    }
+    QFile drill(temporary.filePath("board.drl"));
+    ASSERT_TRUE(drill.open(QIODevice::WriteOnly) && drill.write(Drill) > 0);
+    drill.close();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("XDG_RUNTIME_DIR");
+    environment.insert("TMPDIR", temporary.path());
+    QProcess cli;
+    cli.setProcessEnvironment(environment);
+    cli.start(binary("gbrview"),
+              {"render", "-o", temporary.filePath("board.png"), drill.fileName()});
+    ASSERT_TRUE(cli.waitForFinished(60000));
+    EXPECT_EQ(cli.exitCode(), 0);
+    EXPECT_EQ(cli.readAllStandardError().toStdString(), "");
+    const QFile::Permissions ownerGroupOther = QFileInfo(runtime).permissions() & 0x7077;
+    EXPECT_EQ(ownerGroupOther.toInt(),
+              (QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner).toInt());
+  }
 }
 
 }  // namespace

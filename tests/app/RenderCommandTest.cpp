@@ -55,6 +55,34 @@ TEST_F(RenderCommandTest, DrillHolesLandOnTheirPixelsWithTheirSize) {
   EXPECT_NEAR(litPixels, discs, 0.12 * discs);
 }
 
+// The window -5,-5,10,10 at 254 dpi: 150 pixels square, the 2 mm hole at (5, 5) centred on pixel
+// (100, 50), the 1 mm hole at (2, 8) on pixel (70, 20). Each spelling of the options draws the
+// same picture.
+TEST_F(RenderCommandTest, OptionsAfterAnEqualsSignAndNegativeWindowsDrawTheSamePicture) {
+  const QStringList spellings[] = {
+      {"--dpi", "254", "--window", "-5,-5,10,10", "-o"},
+      {"--dpi=254", "--window=-5,-5,10,10", "-o"},
+      {"--window=-5,-5,10,10", "--dpi", "254", "--output"},
+  };
+  QImage first;
+  for (const QStringList& options : spellings) {
+    SCOPED_TRACE(options.join(' ').toStdString());
+    const QString png = folder.filePath("spelt.png");
+    QFile::remove(png);
+    const test::ProcessRun run =
+        test::runGbrview(QStringList{"render", "--mono"} + options + QStringList{png, drill});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const QImage image(png);
+    ASSERT_EQ(image.size(), QSize(150, 150));
+    EXPECT_TRUE(lit(image, 100, 50));
+    EXPECT_TRUE(lit(image, 70, 20));
+    EXPECT_FALSE(lit(image, 50, 100));
+    if (first.isNull())
+      first = image;
+    EXPECT_EQ(image, first);
+  }
+}
+
 TEST_F(RenderCommandTest, WithoutAWindowThePictureFramesTheHolesWithAMargin) {
   const QString png = folder.filePath("framed.png");
   const test::ProcessRun run = test::runGbrview({"render", "--dpi", "254", "-o", png, drill});

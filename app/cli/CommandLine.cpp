@@ -1,0 +1,211 @@
+#include "app/cli/CommandLine.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QFile>
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+const char* const GbrviewUsage =
+    "usage:\n"
+    "  gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] -o OUT.(png|pdf|svg) "
+    "FILE...\n"
+    "  gbrview info FILE [--json]\n"
+    "  gbrview --help | --version\n"
+    "\n"
+    "An option's value follows as the next argument or after \"=\": --dpi 600 or --dpi=600.\n"
+    "\n"
+    "render  draws the files into one picture; --window is a world rectangle in millimetres\n"
+    "        (default: all layers), --dpi the resolution of a PNG (default 300), --mono white on\n"
+    "        black (clear elements black), --layer the layer of the first Gerber file\n"
+    "        (1 to 31). Gerber files (RS-274-X and RS-274-D) and Excellon drill files render:\n"
+    "        drill files go to the drill layer, Gerber files to the first empty of layers\n"
+    "        3, 4, 1, 6, 2, 5, 7, 8, ... Files of other kinds (HPGL, DXF) do not render in this\n"
+    "        build; such a file fails (exit 1) and the other files still render.\n"
+    "info    prints what a scan of FILE finds, as text or as JSON: for a Gerber file its format,\n"
+    "        extents, apertures with their draws and flashes, the counts of draws, arcs,\n"
+    "        flashes and regions, polarities, step and repeat and file attributes; for a drill\n"
+    "        file its format, tools, holes and extents.\n"
+    "Exit codes: 0 success, 1 a file failed, 2 bad arguments.\n";
+
+namespace {
+
+std::string bytesOf(const QString& argument) { return QFile::encodeName(argument).toStdString(); }
+
+std::optional<double> parseNumber(std::string_view text) {
+  double value = 0.0;
+  const char* end = text.data() + text.size();
+  auto [ptr, error] = std::from_chars(text.data(), end, value);
+  if (text.empty() || error != std::errc() || ptr != end || !std::isfinite(value))
+    return std::nullopt;
+  return value;
+}
+
+std::optional<int> parseWhole(std::string_view text) {
+  int value = 0;
+  const char* end = text.data() + text.size();
+  auto [ptr, error] = std::from_chars(text.data(), end, value);
+  if (text.empty() || error != std::errc() || ptr != end)
+    return std::nullopt;
+  return value;
+}
+
+std::optional<WindowMm> parseWindow(std::string_view text) {
+  std::vector<double> values;
+  while (true) {
+    const auto comma = text.find(',');
+    const auto value = parseNumber(text.substr(0, comma));
+    if (!value)
+      return std::nullopt;
+    values.push_back(*value);
+    if (comma == std::string_view::npos)
+      break;
+    text.remove_prefix(comma + 1);
+  }
+  if (values.size() != 4 || values[2] <= values[0] || values[3] <= values[1])
+    return std::nullopt;
+  return WindowMm{values[0], values[1], values[2], values[3]};
+}
+
+bool hasPictureExtension(const QString& path) {
+  const QString name = path.section('/', -1);
+  const qsizetype dot = name.lastIndexOf('.');
+  if (dot < 0)
+    return false;
+  const QString extension = name.mid(dot + 1).toLower();
+  return extension == "png" || extension == "pdf" || extension == "svg";
+}
+
+// The value of an option given at most once; an error text when it was given more often.
+std::string oneValue(const QCommandLineParser& parser, const QCommandLineOption& option,
+                     std::string& value) {
+  const QStringList values = parser.values(option);
+  if (values.size() > 1)
+    return "--" + option.names().constLast().toStdString() + " is given more than once";
+  value = values.isEmpty() ? std::string() : values.front().toStdString();
+  return {};
+}
+
+// Parses the arguments of a verb with its options and -h/--help. False with the error in out, or
+// with out.command Help when the usage was asked for.
+bool parseVerb(QCommandLineParser& parser, const QStringList& arguments, CliArguments& out) {
+  const QCommandLineOption help(QStringList{"h", "help"});
+  parser.addOption(help);
+  if (!parser.parse(arguments)) {
+    out.error = parser.errorText().toStdString();
+    return false;
+  }
+  if (parser.isSet(help))
+    out.command = CliCommand::Help;
+  return !parser.isSet(help);
+}
+
+// An error text for the arguments after "render", empty when they are usable.
+std::string parseRender(const QStringList& arguments, CliArguments& out) {
+  QCommandLineParser parser;
+  const QCommandLineOption dpi("dpi", {}, "N"), window("window", {}, "x0,y0,x1,y1"), mono("mono"),
+      layer("layer", {}, "N"), output(QStringList{"o", "output"}, {}, "OUT");
+  parser.addOptions({dpi, window, mono, layer, output});
+  if (!parseVerb(parser, arguments, out))
+    return out.error;
+  RenderOptions& render = out.render;
+  std::string value;
+  if (std::string error = oneValue(parser, dpi, value); !error.empty())
+    return error;
+  if (parser.isSet(dpi)) {
+    const auto number = parseNumber(value);
+    if (!number)
+      return "--dpi needs one number";
+    render.dpi = *number;
+  }
+  if (std::string error = oneValue(parser, window, value); !error.empty())
+    return error;
+  if (parser.isSet(window)) {
+    render.window = parseWindow(value);
+    if (!render.window)
+      return "--window must be x0,y0,x1,y1 in millimetres with x1 > x0 and y1 > y0";
+  }
+  render.mono = parser.isSet(mono);
+  if (std::string error = oneValue(parser, layer, value); !error.empty())
+    return error;
+  if (parser.isSet(layer)) {
+    render.layer = parseWhole(value);
+    if (!render.layer || *render.layer < 1 || *render.layer > 31)
+      return "--layer must be a layer number from 1 to 31";
+  }
+  if (std::string error = oneValue(parser, output, value); !error.empty())
+    return error;
+  if (!parser.isSet(output))
+    return "render needs an output file (-o OUT)";
+  if (!hasPictureExtension(parser.value(output)))
+    return "the output file must end in .png, .pdf or .svg";
+  render.output = bytesOf(parser.value(output));
+  for (const QString& file : parser.positionalArguments())
+    render.files.push_back(bytesOf(file));
+  if (render.files.empty())
+    return "render needs at least one input file";
+  return {};
+}
+
+std::string parseInfo(const QStringList& arguments, CliArguments& out) {
+  QCommandLineParser parser;
+  const QCommandLineOption json("json");
+  parser.addOption(json);
+  if (!parseVerb(parser, arguments, out))
+    return out.error;
+  out.json = parser.isSet(json);
+  const QStringList files = parser.positionalArguments();
+  if (files.isEmpty())
+    return "info needs a file";
+  if (files.size() > 1)
+    return "info takes one file";
+  out.infoFile = bytesOf(files.front());
+  return {};
+}
+
+}  // namespace
+
+CliArguments parseCliArguments(const QStringList& arguments) {
+  CliArguments out;
+  // Step one: the options before the verb, and the verb. Everything after the verb is left to the
+  // verb's own parser.
+  QCommandLineParser top;
+  top.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+  const QCommandLineOption help(QStringList{"h", "help"}), version(QStringList{"v", "version"});
+  top.addOptions({help, version});
+  if (!top.parse(arguments)) {
+    out.error = top.errorText().toStdString();
+    return out;
+  }
+  if (top.isSet(help) || top.isSet(version)) {
+    out.command = top.isSet(help) ? CliCommand::Help : CliCommand::Version;
+    return out;
+  }
+  QStringList rest = top.positionalArguments();
+  if (rest.isEmpty()) {
+    out.error = "no command given";
+    return out;
+  }
+  const QString verb = rest.takeFirst();
+  rest.prepend(arguments.value(0));
+  if (verb == "help") {
+    out.command = CliCommand::Help;
+  } else if (verb == "render" || verb == "info") {
+    const bool render = verb == "render";
+    out.command = render ? CliCommand::Render : CliCommand::Info;
+    out.error = render ? parseRender(rest, out) : parseInfo(rest, out);
+    if (!out.error.empty())
+      out.command = CliCommand::Bad;
+  } else {
+    out.error = "unknown command " + verb.toStdString();
+  }
+  return out;
+}
+
+}  // namespace tvx

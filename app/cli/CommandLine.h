@@ -1,0 +1,35 @@
+// The command line of gbrview: a verb, then the verb's options and files. Options take their value
+// as the next argument or after "=" (--dpi 300, --dpi=300); a value may start with "-"
+// (--window -5,-5,10,10).
+#pragma once
+
+#include "app/cli/RenderFiles.h"
+
+#include <QStringList>
+
+#include <string>
+
+namespace tvx {
+
+// The usage text, for --help and after every bad argument.
+extern const char* const GbrviewUsage;
+
+// Exit codes of gbrview.
+inline constexpr int ExitFileFailed = 1;
+inline constexpr int ExitBadArguments = 2;
+
+enum class CliCommand { Help, Version, Render, Info, Bad };
+
+struct CliArguments {
+  CliCommand command = CliCommand::Bad;
+  std::string error;     // why the arguments are bad
+  RenderOptions render;  // for Render
+  std::string infoFile;  // for Info
+  bool json = false;
+};
+
+// Parses the arguments as main() receives them: the program's name first. File names come back in
+// the bytes the system gave (QFile::encodeName of the argument).
+CliArguments parseCliArguments(const QStringList& arguments);
+
+}  // namespace tvx
