@@ -178,7 +178,11 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   };
   main.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   main.setDisplayFile = [this](bool reported) { displayFileReported_ = reported; };
-  main.redraw = [this] {
+  main.redraw = [this](bool fit) {
+    if (!fit) {
+      applyViewChange(view_->ATB_RedrawButtonClick(zoommode::Current));
+      return;
+    }
     view_->ZoomModeFlag = zoommode::Board;
     applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
   };

@@ -142,8 +142,11 @@ void ImportDialogModel::ImportFile() {
   if (!layer.Files.empty() && (layer.Files.front().FilterMask & filter::AF_IPP) != 0 &&
       mainWindow_.showHoles)
     mainWindow_.showHoles();
+  const bool again = number == lastLayer_ && state.Job.SourcePath == lastSource_;
+  lastLayer_ = number;
+  lastSource_ = state.Job.SourcePath;
   if (mainWindow_.redraw)
-    mainWindow_.redraw();
+    mainWindow_.redraw(!again);
   topmost = false;
 }
 

@@ -23,7 +23,8 @@ struct MainWindowLink {
   std::function<void()> markProjectChanged;
   std::function<void(int32_t layer, bool checked)> checkActiveCategory;  // M_ActiveCategories
   std::function<void()> showHoles;  // the viewer's hole display flag on
-  std::function<void()> redraw;     // ATB_RedrawButtonClick
+  // ATB_RedrawButtonClick: fitted to the data, or with the view kept as it is.
+  std::function<void(bool fit)> redraw;
   // The main window's message line, where reading a whole file shows its progress.
   std::function<void(const std::string&)> editMsgLine;
 };
@@ -76,6 +77,10 @@ private:
   ImportSession& session_;
   std::span<LayerRecord> layers_;
   MainWindowLink mainWindow_;
+  // The file and layer of the last import: importing them again keeps the view, so that the user
+  // sees what a changed value did.
+  std::string lastSource_;
+  int32_t lastLayer_ = 0;
 };
 
 }  // namespace tvx

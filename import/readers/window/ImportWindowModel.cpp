@@ -117,7 +117,7 @@ void ImportWindowModel::cmdClear() {
   if (LayerRecord* layer = dialogLayer()) {
     EnsureLayerSymbol(session_.store, *layer, true);
     if (mainWindow_.redraw)
-      mainWindow_.redraw();
+      mainWindow_.redraw(true);
     if (layer->Mask != DrillLayerMask)
       DialogLayer = 0;
   }

@@ -205,7 +205,8 @@ void GBRVIEWER_IMPORT::refresh() {
   MsgLine_->setText(QString::fromStdString(stages.messageLine));
   F_InchMM_[size_t(m.OffsetUnit == 1 ? 1 : 0)]->setChecked(true);
 
-  if (!placeKept_ && !isVisible())
+  // Until the user sizes it, a window that was not placed follows its rows as they come and go.
+  if (!placeKept_ && (!isVisible() || size() == fittedSize_))
     fitToContent();
 
   const bool wasShown = F_Viewer_->isVisible();
@@ -235,7 +236,8 @@ void GBRVIEWER_IMPORT::fitToContent() {
   QSize most(1024, 768);
   if (const QScreen* shown = screen())
     most = shown->availableGeometry().size() * 9 / 10;
-  resize(QSize(width, height).boundedTo(most));
+  fittedSize_ = QSize(width, height).boundedTo(most);
+  resize(fittedSize_);
 }
 
 void GBRVIEWER_IMPORT::SizeControls(int splitterPosition) {

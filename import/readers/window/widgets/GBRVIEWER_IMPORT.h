@@ -7,6 +7,7 @@
 #include "platform/InterfaceFont.h"
 
 #include <QMainWindow>
+#include <QSize>
 
 #include <array>
 #include <functional>
@@ -66,6 +67,7 @@ private:
   UserStore* places_ = nullptr;
   bool unloaded_ = false;
   bool placeKept_ = false;  // the stored place was usable; otherwise the size follows the rows
+  QSize fittedSize_;        // the size fitToContent gave last
 };
 
 }  // namespace tvx

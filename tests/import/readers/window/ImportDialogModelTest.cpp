@@ -22,7 +22,7 @@ protected:
     window.setDisplayFile = [this](bool) { events.push_back("display file"); };
     window.markProjectChanged = [this] { events.push_back("changed"); };
     window.showHoles = [this] { events.push_back("holes"); };
-    window.redraw = [this] { events.push_back("redraw"); };
+    window.redraw = [this](bool fit) { events.push_back(fit ? "redraw" : "redraw kept"); };
     window.checkActiveCategory = [this](int32_t layer, bool on) {
       if (on)
         events.push_back("check " + std::to_string(layer));
@@ -207,7 +207,8 @@ TEST_F(ImportDialogModelTest, ImportFileWritesTheLayerCentresItAndPutsItOnTop) {
   EXPECT_TRUE(layers[29].LastFile.empty());
   EXPECT_FALSE(model().filterButtonVisible);
   EXPECT_EQ(model().LayerOrder[0], 30);
-  EXPECT_EQ(events, (std::vector<std::string>{"changed", "check 30", "holes", "redraw"}));
+  // The same file into the same layer again: the view stays where the user had it.
+  EXPECT_EQ(events, (std::vector<std::string>{"changed", "check 30", "holes", "redraw kept"}));
   EXPECT_EQ(store.OA_GetCount(store.S_SymbolItemArray(layers[29].SymbolHandle)), 1)
       << "each import replaces the last one";
 }

@@ -118,6 +118,9 @@ TEST_F(ImportWindowCommit, OffsetsReachTheEdgeOfTheWorldAndNoFurther) {
   commit("AFS_XO", "10");
   EXPECT_EQ(world.layer(1).Files.at(0).OffsetX, 1000000);
   EXPECT_EQ(trackX(), x + 1000000) << "the layer was imported again, moved";
+  // The first import fitted the view to the data; the re-run keeps it, so the move shows.
+  EXPECT_EQ(world.fits, 1);
+  EXPECT_GE(world.redraws, 2);
 
   commit("AFS_YO", "-2200");
   EXPECT_EQ(world.layer(1).OffsetY, -220000000) << "exactly the edge is taken";

@@ -43,7 +43,10 @@ struct ImportWindowWorld : ImportWorld {
   // The owners of a window over this world, its actions recorded in events.
   ImportWindowOwners makeOwners() {
     ImportWindowOwners owners{*session, tables->Layers, highlights, {}, {}, ClearColour, 0};
-    owners.mainWindow.redraw = [this] { ++redraws; };
+    owners.mainWindow.redraw = [this](bool fit) {
+      ++redraws;
+      fits += fit;
+    };
     owners.mainWindow.setDisplayFile = [this](bool reported) {
       events.push_back(reported ? "display file" : "display file after 93");
     };
@@ -106,6 +109,7 @@ struct ImportWindowWorld : ImportWorld {
   std::string nextFile;
   std::vector<std::string> events;
   int redraws = 0;
+  int fits = 0;  // redraws fitted to the data
 };
 
 }  // namespace tvx::test
