@@ -147,30 +147,6 @@ TEST(ArtSections, TooShortAFileIsReported) {
   EXPECT_EQ(reporting.prompts.shown[0].prompt, "Artwork File - Incorrect format");
 }
 
-TEST(ArtSections, PassResultReadsBackTheSame) {
-  test::GerberPass pass;
-  ASSERT_EQ(pass.run("%AMTHERMAL*7,0,0,$1,$2,0.01,45*%%ADD10C,0.01*%%ADD11R,0.02X0.02*%"
-                     "%ADD12THERMAL,0.08X0.06*%%ADD13P,0.05X8*%D10*X0Y0D02*X100Y0D01*D11*X5Y5D03*"
-                     "D12*X6Y6D03*X7Y7D03*D13*X8Y8D03*M02*"),
-            0);
-  GerberScan back;
-  ASSERT_EQ(pass.readBack(back), 0);
-  EXPECT_EQ(back.Header, pass.scan.Header);
-  const auto used = [](const std::vector<ApertureUse>& list) {
-    std::vector<ApertureUse> out;
-    for (const ApertureUse& row : list)
-      if (row.Uses > 0)
-        out.push_back(row);
-    return out;
-  };
-  EXPECT_EQ(back.Lists.DrawList, used(pass.scan.Lists.DrawList));
-  EXPECT_EQ(back.Lists.SquarePadList, used(pass.scan.Lists.SquarePadList));
-  EXPECT_EQ(back.Lists.PrimitiveList, pass.scan.Lists.PrimitiveList);
-  ASSERT_EQ(back.Lists.SpecialList.size(), 2u);
-  EXPECT_EQ(findRow(back.Lists.SpecialList, 12)->Uses, 2);
-  EXPECT_EQ(back.Lists.PrimitiveList[0].Text, "THERMAL");
-}
-
 TEST(ArtStream, WriterKeepsEveryRecordAcrossItsBuffers) {
   test::TempDir dir;
   const std::string path = dir.file("stream.art");

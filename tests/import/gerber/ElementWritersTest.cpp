@@ -11,6 +11,7 @@ namespace {
 
 using test::ClearCode;
 using test::LayerColour;
+using test::typesOf;
 
 class ElementWriters : public test::DrawFixture {};
 
@@ -34,14 +35,11 @@ TEST_F(ElementWriters, DiscsPassTheArcFilterOnlyWithTheBitOrForce) {
   writer().AddDisc(100.4, 200.6, 50.5, 7, StyleOpen, force::Disc, flashword::Single, 10);
   ASSERT_EQ(items().size(), 1u);
   const ItemRecord disc = items()[0];
-  EXPECT_EQ(disc.Type, ItemCircle);
-  EXPECT_EQ(disc.X, 100);
-  EXPECT_EQ(disc.Y, 201);
-  EXPECT_EQ(disc.Width, 50) << "a half goes to the even neighbour";
-  EXPECT_EQ(disc.LineWidth, 7);
-  EXPECT_EQ(disc.Link, 10);
+  // A half of the width goes to the even neighbour.
+  EXPECT_EQ((std::array{disc.Type, disc.X, disc.Y, disc.Width, disc.LineWidth, disc.Link,
+                        int(disc.Colour)}),
+            (std::array<int32_t, 7>{ItemCircle, 100, 201, 50, 7, 10, LayerColour}));
   EXPECT_EQ(disc.Attributes & (attr::Flashed | attr::Shown), attr::Flashed | attr::Shown);
-  EXPECT_EQ(disc.Colour, LayerColour);
 
   file.Tag = "|D10*|";
   writer().AddDisc(0, 0, 10, 0, StyleFilled, force::Disc, flashword::Single, 10);
@@ -61,14 +59,13 @@ TEST_F(ElementWriters, ClearPolarityAndHolesTakeTheClearColour) {
   writer().AddHole(0, 0, -1, -1, 11);
   const auto all = items();
   ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(all[0].Colour, ClearCode);
-  EXPECT_EQ(all[0].LineWidth, 0) << "a filled box has no line width";
-  EXPECT_EQ(all[1].Type, ItemCircle);
-  EXPECT_EQ(all[1].Width, 20);
-  EXPECT_EQ(all[1].Colour, ClearCode);
-  EXPECT_EQ(all[2].Type, ItemRectangle);
+  EXPECT_EQ(std::pair(int(all[0].Colour), all[0].LineWidth), std::pair(ClearCode, 0))
+      << "a filled box has no line width";
+  EXPECT_EQ((std::array{all[1].Type, all[1].Width, int(all[1].Colour)}),
+            (std::array<int32_t, 3>{ItemCircle, 20, ClearCode}));
+  EXPECT_EQ(std::pair(all[2].Type, int(all[2].Style)),
+            std::pair(int32_t(ItemRectangle), int(StyleFilled)));
   EXPECT_EQ(test::box(all[2]), (test::Box{-20, -10, 40, 20}));
-  EXPECT_EQ(all[2].Style, StyleFilled);
   EXPECT_EQ(all[2].Attributes & flashword::Piece, flashword::Piece);
 }
 
@@ -80,15 +77,12 @@ TEST_F(ElementWriters, StrokesTakeTheirPenFromTheAperture) {
   // A square pen on a single point is the square itself.
   writer().AddStroke(500, 500, 500, 500, 200, SquareAperture, 11, force::None, 0);
   const auto all = items();
-  ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(all[0].Type, ItemLine);
+  ASSERT_EQ(typesOf(all), (std::vector<int32_t>{ItemLine, ItemRectangle, ItemRectangle}));
   EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width, all[0].Height, all[0].LineWidth}),
             (std::array{1000, 2000, 3000, 4000, 250}));
-  EXPECT_EQ(all[1].Type, ItemRectangle);
   // a = 500 x 3/5 = 300, b = 500 x 4/5 = 400: the corner lies half a side behind and beside.
   EXPECT_EQ(test::box(all[1]), (test::Box{100, -700, 6000, 1000}));
-  EXPECT_EQ(all[1].Angle, 53130);
-  EXPECT_EQ(all[1].Style, StyleFilled);
+  EXPECT_EQ(std::pair(all[1].Angle, int(all[1].Style)), std::pair(53130, int(StyleFilled)));
   EXPECT_EQ((std::array{all[2].X, all[2].Y, all[2].Width, all[2].Height, all[2].Angle}),
             (std::array{400, 400, 200, 200, 0}));
 
@@ -140,9 +134,9 @@ TEST_F(ElementWriters, ArcsRunCounterClockwiseFromStartToEnd) {
   writer().AddArc({100, 100}, 50, {100, 50}, {150, 100}, 12, 14, force::None);
   ASSERT_EQ(items().size(), 1u);
   const ItemRecord arc = items()[0];
-  EXPECT_EQ(arc.Type, ItemArc);
-  EXPECT_EQ((std::array{arc.X, arc.Y, arc.Width, arc.Height, arc.Sweep, arc.LineWidth, arc.Link}),
-            (std::array{100, 100, 50, 270000, 90000, 12, 14}));
+  EXPECT_EQ((std::array{arc.Type, arc.X, arc.Y, arc.Width, arc.Height, arc.Sweep, arc.LineWidth,
+                        arc.Link}),
+            (std::array<int32_t, 8>{ItemArc, 100, 100, 50, 270000, 90000, 12, 14}));
   EXPECT_EQ(arc.Attributes & attr::Flashed, 0);
 }
 
@@ -169,13 +163,10 @@ TEST_F(ElementWriters, OutlinesNeedThePolygonFilterAndMarkTheirEnds) {
 }
 
 TEST(OutlineArcs, AngleOfCoversEveryQuadrant) {
-  EXPECT_DOUBLE_EQ(AngleOf(0, 0), 90);
-  EXPECT_DOUBLE_EQ(AngleOf(0, -1), 270);
-  EXPECT_DOUBLE_EQ(AngleOf(1, 1), 45);
-  EXPECT_DOUBLE_EQ(AngleOf(-1, 1), 135);
-  EXPECT_DOUBLE_EQ(AngleOf(-1, -1), 225);
-  EXPECT_DOUBLE_EQ(AngleOf(1, -1), 315);
-  EXPECT_DOUBLE_EQ(AngleOf(-1, 0), 180);
+  const std::array<double, 3> cases[] = {{0, 0, 90},    {0, -1, 270}, {1, 1, 45},  {-1, 1, 135},
+                                         {-1, -1, 225}, {1, -1, 315}, {-1, 0, 180}};
+  for (const auto& [x, y, degrees] : cases)
+    EXPECT_DOUBLE_EQ(AngleOf(x, y), degrees) << x << "," << y;
 }
 
 TEST(OutlineArcs, ArcThroughThreePoints) {

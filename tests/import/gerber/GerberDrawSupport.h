@@ -66,16 +66,7 @@ protected:
     };
   }
 
-  std::vector<ItemRecord> items() const {
-    std::vector<ItemRecord> all;
-    const ArrayHandle array = k.store.S_SymbolItemArray(layer.SymbolHandle);
-    for (int32_t i = 1; i <= k.store.OA_GetCount(array); ++i) {
-      ItemRecord r;
-      k.store.I_ReadItem(k.store.OA_Object(array, i), r);
-      all.push_back(r);
-    }
-    return all;
-  }
+  std::vector<ItemRecord> items() const { return itemsOf(k.store, layer); }
   void clearLayer() { EnsureLayerSymbol(k.store, layer, true); }
 
   // The layer drawn on a black image of w x h pixels, scale store units per pixel, centred on the

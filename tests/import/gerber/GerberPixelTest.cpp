@@ -1,4 +1,4 @@
-// Flashes as the drawing engine paints them: the pieces of a thermal, a moire and a turned outline
+// Flashes as the drawing engine paints them: the pieces of a thermal and a turned outline
 // land where the aperture says, and a painted hole shows the clear colour.
 #include "GerberDrawSupport.h"
 
@@ -50,21 +50,6 @@ TEST_F(GerberPixels, AThermalIsFourSectorsWithGapsOnTheAxes) {
     EXPECT_EQ(atPolar(9000, centre), none);
     EXPECT_EQ(atPolar(3000, centre), none);
   }
-}
-
-TEST_F(GerberPixels, AMoireIsRingsAndACross) {
-  // Outer 16000, rings 1000 thick with 1000 gaps, three of them; cross 500 wide, 18000 long.
-  flashMacro(6, {0, 0, 16000, 1000, 1000, 3, 500, 18000, 0});
-  for (const double radius : {7500.0, 5500.0, 3500.0}) {
-    SCOPED_TRACE(radius);
-    EXPECT_EQ(atPolar(radius, 45), ink);
-    EXPECT_EQ(atPolar(radius - 1000, 45), none) << "between rings";
-  }
-  EXPECT_EQ(atPolar(1500, 45), none) << "inside the last ring";
-  EXPECT_EQ(at(0, 8600), ink) << "the cross reaches beyond the rings";
-  EXPECT_EQ(at(-8600, 0), ink);
-  EXPECT_EQ(at(0, 9600), none);
-  EXPECT_EQ(at(8600, 1000), none);
 }
 
 TEST_F(GerberPixels, AnOutlineTurnsAboutTheFlashPoint) {

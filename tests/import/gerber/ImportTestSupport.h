@@ -10,6 +10,8 @@
 #include "platform/UserPrompts.h"
 #include "store/LayerRecord.h"
 
+#include "support/ItemBuilder.h"
+
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -125,14 +127,26 @@ inline ObjectHandle addItem(Store& store, SymbolId symbol, const ItemRecord& rec
 }
 
 inline ItemRecord line(int32_t x, int32_t y, int32_t dx, int32_t dy) {
-  ItemRecord r;
-  r.Type = ItemLine;
-  r.Attributes = attr::Shown;
-  r.X = x;
-  r.Y = y;
-  r.Width = dx;
-  r.Height = dy;
-  return r;
+  return Item(ItemLine).at(x, y).size(dx, dy);
+}
+
+// The items of a layer, and the texts of the message boxes shown, in their order.
+inline std::vector<ItemRecord> itemsOf(const Store& store, const LayerRecord& layer) {
+  std::vector<ItemRecord> all;
+  const ArrayHandle array = store.S_SymbolItemArray(layer.SymbolHandle);
+  for (int32_t i = 1; i <= store.OA_GetCount(array); ++i) {
+    ItemRecord r;
+    store.I_ReadItem(store.OA_Object(array, i), r);
+    all.push_back(r);
+  }
+  return all;
+}
+
+inline std::vector<std::string> boxesOf(const ScriptedPrompts& prompts) {
+  std::vector<std::string> texts;
+  for (const auto& shown : prompts.shown)
+    texts.push_back(shown.prompt);
+  return texts;
 }
 
 }  // namespace tvx::test

@@ -67,24 +67,6 @@ inline std::vector<Pad> padsOf(const Store& store, const LayerRecord& layer) {
   return pads;
 }
 
-inline std::vector<ItemRecord> itemsOf(const Store& store, const LayerRecord& layer) {
-  std::vector<ItemRecord> all;
-  const ArrayHandle array = store.S_SymbolItemArray(layer.SymbolHandle);
-  for (int32_t i = 1; i <= store.OA_GetCount(array); ++i) {
-    ItemRecord r;
-    store.I_ReadItem(store.OA_Object(array, i), r);
-    all.push_back(r);
-  }
-  return all;
-}
-
-inline std::vector<std::string> boxesOf(const ScriptedPrompts& prompts) {
-  std::vector<std::string> texts;
-  for (const auto& shown : prompts.shown)
-    texts.push_back(shown.prompt);
-  return texts;
-}
-
 // A component's import state over real layer tables, its settings and files in a folder of its own.
 struct ImportWorld {
   ImportWorld() {
@@ -121,15 +103,9 @@ struct ImportWorld {
 inline std::vector<std::pair<std::string, std::string>> manifestFiles(const std::string& corpus,
                                                                       const std::string& prefix) {
   std::vector<std::pair<std::string, std::string>> files;
-  std::ifstream in(corpus + "/MANIFEST.tsv");
-  std::string line;
-  std::getline(in, line);  // column names
-  while (std::getline(in, line)) {
-    const size_t tab = line.find('\t');
-    const std::string format = line.substr(tab + 1, line.find('\t', tab + 1) - tab - 1);
-    if (tab != std::string::npos && format.rfind(prefix, 0) == 0)
-      files.emplace_back(line.substr(0, tab), format);
-  }
+  for (const ManifestEntry& e : readManifest(corpus))
+    if (e.format.rfind(prefix, 0) == 0)
+      files.emplace_back(e.path, e.format);
   return files;
 }
 
