@@ -10,7 +10,7 @@ packages=(
   cmake ninja-build g++ make pkg-config
   qt6-base-dev qt6-svg-dev libgl-dev
   libgtest-dev googletest libgmock-dev libbenchmark-dev
-  xvfb xauth
+  xvfb xauth xdotool
   "$@"
 )
 
