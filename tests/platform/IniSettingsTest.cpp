@@ -209,23 +209,6 @@ TEST_F(IniSettings, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
   EXPECT_EQ(services_.GetIniString("GBRVIEWER", "Key39", ""), "value number 39");
 }
 
-TEST_F(IniSettings, AFolderWithoutWriteAccessKeepsTheOldFile) {
-  const std::string original = "[A]\nx=1\n";
-  writeFile(path_, original);
-  const std::string folder = dir_.path().toStdString();
-  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
-  const bool writable = ::access(folder.c_str(), W_OK) == 0;  // root writes anyway
-  int32_t status = 0;
-  if (!writable)
-    services_.WriteIniString("A", "x", "2", status);
-  fs::permissions(folder, fs::perms::owner_all);
-  if (writable)
-    GTEST_SKIP() << "the folder stays writable for this user";
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(readFile(path_), original);
-  EXPECT_EQ(services_.GetIniString("A", "x", ""), "1");
-}
-
 TEST(IniDocument, ValueEncodingRoundTripsThroughTheText) {
   for (const std::string& value : {std::string(""), std::string(" a"), std::string("a "),
                                    std::string("\"q\""), std::string("\"x"), std::string("\t")}) {

@@ -8,6 +8,7 @@
 #include "viewer/ViewState.h"
 
 #include "support/GuiTestApplication.h"
+#include "support/ItemBuilder.h"
 
 #include <QImage>
 #include <gtest/gtest.h>
@@ -60,21 +61,13 @@ protected:
 
   // A shown, filled circle of radius 0 at (x, y), in palette colour 15.
   static ItemRecord dotRecord(int32_t x, int32_t y) {
-    return {{.Type = ItemCircle,
-             .Attributes = attr::Shown,
-             .X = x,
-             .Y = y,
-             .Colour = 15,
-             .Style = StyleFilled}};
+    return Item(ItemCircle).at(x, y).colour(15).filled();
   }
   // A filled rectangle from (x0, y0) to (x1, y1) in layer (1 to 3).
   void addBox(int layer, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
-    ItemRecord r = dotRecord(x0, y0);
-    r.Type = ItemRectangle;
-    r.Width = x1 - x0;
-    r.Height = y1 - y0;
     k.store.OA_Add(k.store.S_SymbolItemArray(layers[size_t(layer - 1)].SymbolHandle),
-                   k.store.I_MakeItem(r));
+                   k.store.I_MakeItem(
+                       Item(ItemRectangle).at(x0, y0).colour(15).filled().size(x1 - x0, y1 - y0)));
   }
 
   // The world point of a picture pixel through the view's device, as last opened.
