@@ -146,13 +146,25 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
   ImportSession::BatchOptions options;
   options.noCenter = settings_.NoCenter;
   options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
-  options.afterEach = [&](const std::string&, const ImportResult& result) {
-    if (result.status != StatusOk || result.layer == 0)
+  // The message line ends with how the import went: the last file's outcome, or the first failure.
+  std::string outcome;
+  bool failed = false;
+  options.afterEach = [&](const std::string& path, const ImportResult& result) {
+    const bool ok = result.status == StatusOk && result.layer != 0;
+    if (!failed) {
+      const std::string name = result.layer != 0 ? tables_->layer(result.layer).DisplayName : path;
+      outcome = name + " " +
+                (ok ? context_.services.LocalMessage("Import successful", "62320")
+                    : context_.services.LocalMessage("Import failed", "62319"));
+    }
+    failed = failed || !ok;
+    if (!ok)
       return;
     makeLayerCurrent(result.layer);
     ++imported;
   };
   import_->importFiles(tables_->Layers, files, options);
+  EditMsgLine(outcome);
   importRunning_ = false;
   setImportControlsEnabled(true);
   M_FSI_Click(1);

@@ -322,3 +322,20 @@ TEST_F(UserRoad, AGerberFileIntoALayerThenADrillFile) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(UserRoad, FilesOnTheCommandLineEndWithTheOutcomeInTheMessageLine) {
+  const QDir samples(QDir(TVX_SOURCE_DIR).filePath("samples"));
+  host.start(test::binary("tarvex-gbrviewer"),
+             {samples.filePath("demo-top.gbr"), samples.filePath("demo.drl")});
+  ASSERT_TRUE(host.waitForStarted(10000));
+  QString line;
+  waitUntil([&] {
+    line = messageLine();
+    return line.endsWith("Import successful") || line.endsWith("Import failed");
+  });
+  EXPECT_EQ(line, "Drill Template Import successful");
+}
+
+}  // namespace
