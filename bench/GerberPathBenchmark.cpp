@@ -18,6 +18,8 @@
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
+#include "BenchRunner.h"
+
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -155,8 +157,6 @@ QGuiApplication& application() {
   static int argc = 1;
   static char name[] = "bench_gerber_path";
   static char* argv[] = {name, nullptr};
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");  // no display needed
   static QGuiApplication app(argc, argv);
   return app;
 }
@@ -238,19 +238,4 @@ BENCHMARK(BM_GerberPath100MB)->Iterations(1)->Unit(benchmark::kMillisecond)->Use
 }  // namespace tvx
 
 // The 100 MB run is left out unless a filter is given.
-int main(int argc, char** argv) {
-  std::vector<char*> args(argv, argv + argc);
-  bool filtered = false;
-  for (int i = 1; i < argc; ++i)
-    filtered = filtered || std::string(argv[i]).rfind("--benchmark_filter", 0) == 0;
-  static char defaultFilter[] = "--benchmark_filter=-100MB";
-  if (!filtered)
-    args.push_back(defaultFilter);
-  int count = int(args.size());
-  benchmark::Initialize(&count, args.data());
-  if (benchmark::ReportUnrecognizedArguments(count, args.data()))
-    return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+int main(int argc, char** argv) { return bench::runBenchmarks(argc, argv, "-100MB"); }
