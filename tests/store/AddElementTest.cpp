@@ -1,9 +1,13 @@
 #include "store/AddElement.h"
 
+#include "support/ItemBuilder.h"
+
 #include <gtest/gtest.h>
 
 namespace tvx {
 namespace {
+
+using test::Item;
 
 class AddElementTest : public ::testing::Test {
 protected:
@@ -24,11 +28,7 @@ protected:
 };
 
 TEST_F(AddElementTest, ItemsKeepLinkAndGapAndGoToTheirPlace) {
-  const ItemRecord r{{.Type = ItemLine,
-                      .Attributes = attr::Shown | attr::Flashed,
-                      .Link = 10,
-                      .Gap = 7,
-                      .Width = 100}};
+  const ItemRecord r = Item(ItemLine, attr::Shown | attr::Flashed).link(10).gap(7).size(100);
   EXPECT_EQ(addAndRead(r), r);
   EXPECT_EQ(index, 1);
 
@@ -52,14 +52,7 @@ TEST_F(AddElementTest, ItemsKeepLinkAndGapAndGoToTheirPlace) {
 }
 
 TEST_F(AddElementTest, TextTakesSizesStyleAndTextBit) {
-  ItemRecord r{{.Type = ItemVectorText,
-                .Attributes = attr::Shown,
-                .Colour = 5,
-                .Style = 32,
-                .LineWidth = 12,
-                .Angle = 90000,
-                .Width = 250,
-                .Height = 180}};
+  ItemRecord r = Item(ItemVectorText).colour(5).style(32).pen(12).angle(90000).size(250, 180);
   ItemRecord back = addAndRead(r, "R12");
   EXPECT_EQ(std::tuple(back.Text, back.Width, back.Height, back.Style),
             std::tuple(std::string("R12"), 250, 180, uint8_t(32)));
@@ -73,12 +66,8 @@ TEST_F(AddElementTest, TextTakesSizesStyleAndTextBit) {
 }
 
 TEST_F(AddElementTest, PadEntryTakesRotationPadStackAndMask) {
-  const ItemRecord r{{.Type = ItemPadEntry,
-                      .Attributes = attr::Shown | attr::Flashed,
-                      .Link = 23,
-                      .X = 1000,
-                      .Y = -2000,
-                      .Angle = 45000}};
+  const ItemRecord r =
+      Item(ItemPadEntry, attr::Shown | attr::Flashed).link(23).at(1000, -2000).angle(45000);
   AddElement(store, status, PlaceSymbolItems, symbol, r, "", index, "");
   ASSERT_EQ(status, 0);
   EntryRecord e;
@@ -93,7 +82,7 @@ TEST_F(AddElementTest, MissingSymbolFailsWithoutLeaking) {
   for (int32_t type : {ItemCircle, ItemPadEntry}) {
     SCOPED_TRACE(type);
     status = 0;
-    AddElement(store, status, PlaceSymbolItems, -76599, ItemRecord{{.Type = type}}, "", index, "");
+    AddElement(store, status, PlaceSymbolItems, -76599, Item(type, 0), "", index, "");
     EXPECT_EQ(status, 1);
     EXPECT_EQ(index, 0);
   }

@@ -1,17 +1,14 @@
 #include "store/ElementRuns.h"
 
+#include "support/ItemBuilder.h"
+
 #include <gtest/gtest.h>
 
 namespace tvx {
 namespace {
 
 ItemRecord side(int32_t x, int32_t y, int32_t dx, int32_t dy, int32_t bits) {
-  return {{.Type = ItemLine,
-           .Attributes = attr::Shown | attr::PolygonSide | bits,
-           .X = x,
-           .Y = y,
-           .Width = dx,
-           .Height = dy}};
+  return test::Item(ItemLine, attr::Shown | attr::PolygonSide | bits).at(x, y).size(dx, dy);
 }
 
 class ElementRunsTest : public ::testing::Test {
@@ -65,7 +62,7 @@ TEST_F(ElementRunsTest, FramesOfSelectionsAndSingleElements) {
 
   SymbolId before = store.S_CreateSymbol(0, "");
   store.OM_Delete(store.DB_SymbMap(), before);
-  EXPECT_EQ(ExtentOfElement(store, {{.Type = ItemCircle, .X = 10, .Width = 5}}),
+  EXPECT_EQ(ExtentOfElement(store, test::Item(ItemCircle, 0).at(10, 0).size(5)),
             (FrameRect{5, -5, 15, 5}));
   EXPECT_EQ(store.S_Symbol(before), 0) << "the scratch symbol is gone again";
   EXPECT_EQ(store.S_CreateSymbol(0, ""), before) << "and its key is free";

@@ -5,6 +5,8 @@
 #include "kernel/Kernel.h"
 #include "store/Layers.h"
 
+#include "support/ItemBuilder.h"
+
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -34,13 +36,9 @@ protected:
   // A shown item of type in layer, of colour and style, with a size of 1000 by 500.
   ObjectHandle addItem(int32_t layer, int32_t type, int32_t colour = 3, int32_t style = StyleOpen,
                        int32_t attributes = attr::Shown) {
-    return addItem(layer, {{.Type = type,
-                            .Attributes = attributes,
-                            .Colour = uint8_t(colour),
-                            .Style = uint8_t(style),
-                            .Width = 1000,
-                            .Height = 500},
-                           "T"});
+    Item r = Item(type, attributes).colour(colour).style(style).size(1000, 500);
+    r.Text = "T";
+    return addItem(layer, r);
   }
   ObjectHandle addItem(int32_t layer, const ItemRecord& r) {
     ObjectHandle item = k.store.I_MakeItem(r);
@@ -52,8 +50,7 @@ protected:
     const SymbolId symbol = tables.layer(layer).SymbolHandle;
     ObjectHandle padStack = k.store.S_MakePadStack();
     k.store.OM_Add(k.store.S_SymbolPadStackMap(symbol), padStack, key);
-    ObjectHandle item =
-        k.store.I_MakeItem({{.Type = ItemCircle, .Colour = uint8_t(colour), .Width = 5000}});
+    ObjectHandle item = k.store.I_MakeItem(Item(ItemCircle, 0).colour(colour).size(5000));
     k.store.OA_Add(k.store.S_PadStackItemArray(padStack), item);
     k.store.S_ChangePadPadStack(symbol, k.store.S_InsertEntry(symbol, -1, x, y), key);
     return item;
