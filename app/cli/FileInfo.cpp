@@ -84,8 +84,8 @@ void gatherGerber(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompt
   info.fileAttributes = fileAttributesOf(session.gerberScan.FileAttributes);
   if (!countGerberStream(session.state.Job.IntermediatePath, info.stream)) {
     info.importStatus = 1;
-    info.messages.push_back("the intermediate file " + session.state.Job.IntermediatePath +
-                            " ends before its drawing stream does");
+    info.messages.push_back("the drawing stream of " + session.state.Job.IntermediatePath +
+                            " cannot be read to its end");
   }
   info.apertures = aperturesByDCode(describeApertures(session.gerberScan.Lists), info.stream);
 }
