@@ -103,6 +103,7 @@ std::vector<ApertureUses> aperturesByDCode(const std::vector<ApertureInfo>& rows
     if (first || row.Role != ApertureRole::Draw) {
       uses.Shape = row.Shape;
       uses.MacroName = row.MacroName;
+      uses.Values = row.Values;
     }
     if (row.Size != 0)
       uses.Size = row.Size;

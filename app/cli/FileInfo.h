@@ -23,7 +23,8 @@ struct ApertureUses {
   int32_t DCode = 0;
   ApertureShape Shape = ApertureShape::Round;  // a pad row's shape before a draw row's
   std::string MacroName;
-  int32_t Size = 0;  // store units; 0 for special apertures
+  int32_t Size = 0;            // store units; 0 for special apertures
+  std::vector<double> Values;  // a special aperture's primitive values, as the scan keeps them
   bool Defined = false;
   int64_t Draws = 0;  // operations in the file
   int64_t Flashes = 0;

@@ -64,6 +64,25 @@ std::string shapeName(const ApertureUses& a) {
   return apertureShapeWord(a.Shape) + (a.MacroName.empty() ? "" : " " + a.MacroName);
 }
 
+// Width and height of a rectangle or an oval, in store units; false for other shapes.
+bool sidesOf(const ApertureUses& a, double& width, double& height) {
+  const bool sided = a.Shape == ApertureShape::Rectangle || a.Shape == ApertureShape::Oval;
+  if (!sided || a.Values.size() < 2)
+    return false;
+  width = a.Values[0];
+  height = a.Values[1];
+  return true;
+}
+
+// The size of an aperture: the width of a draw or round aperture, the side of a square, width by
+// height of a rectangle or an oval; empty for the other special shapes.
+std::string sizeText(const ApertureUses& a) {
+  double width = 0, height = 0;
+  if (sidesOf(a, width, height))
+    return fixed(width / UnitsPerMm, 5) + " x " + fixed(height / UnitsPerMm, 5) + " mm";
+  return a.Size != 0 ? fixed(a.Size / UnitsPerMm, 5) + " mm" : std::string();
+}
+
 std::string extentsLine(const FileInfo& info) {
   if (!info.hasExtents)
     return "extents mm: none\n";
@@ -142,9 +161,9 @@ std::string gerberText(const FileInfo& info) {
   out += "apertures: " + std::to_string(info.apertures.size()) + "\n";
   for (const ApertureUses& a : info.apertures)
     out += "  D" + std::to_string(a.DCode) + "  " + shapeName(a) +
-           (a.Size != 0 ? "  " + fixed(a.Size / UnitsPerMm, 5) + " mm" : "") + "  draws " +
-           std::to_string(a.Draws) + "  flashes " + std::to_string(a.Flashes) + "  uses " +
-           fixed(a.Uses, 0) + (a.Defined ? "" : "  (not defined)") + "\n";
+           (sizeText(a).empty() ? "" : "  " + sizeText(a)) + "  draws " + std::to_string(a.Draws) +
+           "  flashes " + std::to_string(a.Flashes) + "  uses " + fixed(a.Uses, 0) +
+           (a.Defined ? "" : "  (not defined)") + "\n";
   const GerberStreamCounts& s = info.stream;
   out += "draws: " + std::to_string(s.Draws) + "\narcs: " + std::to_string(s.Arcs) +
          "\nflashes: " + std::to_string(s.Flashes) + "\nregions: " + std::to_string(s.Regions) +
@@ -169,15 +188,22 @@ std::string gerberText(const FileInfo& info) {
 QJsonObject gerberJson(const FileInfo& info) {
   const GerberFormat& f = info.gerberFormat;
   QJsonArray apertures;
-  for (const ApertureUses& a : info.apertures)
-    apertures.append(QJsonObject{{"dCode", a.DCode},
-                                 {"shape", apertureShapeWord(a.Shape)},
-                                 {"macro", q(a.MacroName)},
-                                 {"sizeMm", rounded(a.Size / UnitsPerMm, 5)},
-                                 {"defined", a.Defined},
-                                 {"draws", qint64(a.Draws)},
-                                 {"flashes", qint64(a.Flashes)},
-                                 {"uses", a.Uses}});
+  for (const ApertureUses& a : info.apertures) {
+    QJsonObject aperture{{"dCode", a.DCode},
+                         {"shape", apertureShapeWord(a.Shape)},
+                         {"macro", q(a.MacroName)},
+                         {"sizeMm", rounded(a.Size / UnitsPerMm, 5)},
+                         {"defined", a.Defined},
+                         {"draws", qint64(a.Draws)},
+                         {"flashes", qint64(a.Flashes)},
+                         {"uses", a.Uses}};
+    double width = 0, height = 0;
+    if (sidesOf(a, width, height)) {
+      aperture["widthMm"] = rounded(width / UnitsPerMm, 5);
+      aperture["heightMm"] = rounded(height / UnitsPerMm, 5);
+    }
+    apertures.append(aperture);
+  }
   const GerberStreamCounts& s = info.stream;
   QJsonArray stepRepeats;
   for (const StepRepeatBlock& b : s.StepRepeats)

@@ -91,7 +91,7 @@ TEST_F(FileInfoTest, AGerberFileReportsItsAperturesWithTheirUses) {
   for (const std::string line :
        {"format: inch, leading zeros omitted, X 2.4, Y 2.4, scale X 1 Y 1\n",
         "  D10  round  0.25400 mm  draws 1  flashes 0  uses 1\n",
-        "  D11  rectangle  draws 0  flashes 2  uses 2\n",
+        "  D11  rectangle  1.52400 x 1.01600 mm  draws 0  flashes 2  uses 2\n",
         "  D12  round  0.50800 mm  draws 0  flashes 0  uses 0\n", "step and repeat: none\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line << "in\n" << text;
   EXPECT_EQ(text.find("file attributes:"), std::string::npos) << "none in the file";
@@ -144,7 +144,7 @@ TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
   ASSERT_EQ(apertures.size(), 3);
   const Aperture expected[] = {
       {10, "  D10  round  0.20000 mm  draws 2  flashes 0  uses 2\n", 2, 0, 2},
-      {11, "  D11  rectangle  draws 0  flashes 3  uses 8\n", 0, 3, 8},
+      {11, "  D11  rectangle  1.00000 x 0.50000 mm  draws 0  flashes 3  uses 8\n", 0, 3, 8},
       {12, "  D12  round  0.10000 mm  draws 1  flashes 0  uses 1\n", 1, 0, 1},
   };
   for (int i = 0; i < 3; ++i) {
@@ -169,6 +169,7 @@ TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
   EXPECT_EQ(gerber["format"].toObject()["decimalDigitsY"].toInt(), 4);
   EXPECT_DOUBLE_EQ(gerber["extentsMm"].toObject()["maxX"].toDouble(), 9.0);
   EXPECT_EQ(gerber["layerPolarity"].toObject()["clear"].toInt(), 1);
+  EXPECT_DOUBLE_EQ(apertures[1].toObject()["heightMm"].toDouble(), 0.5);
   const QJsonArray blocks = gerber["stepRepeat"].toArray();
   ASSERT_EQ(blocks.size(), 1) << "the closing SR is no block";
   EXPECT_EQ(blocks[0].toObject()["copiesY"].toInt(), 3);
