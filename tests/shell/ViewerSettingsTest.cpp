@@ -58,9 +58,6 @@ TEST_F(ViewerSettingsTest, MissingSectionsGiveTheDefaults) {
   const ViewerSettings s = readAll("Tarvex Pro");
   EXPECT_EQ(s.JobDir, "C:\\Tarvex Pro\\JOB");
   EXPECT_EQ(s.ImpDir, s.JobDir) << "ImpDir defaults to the job folder";
-  EXPECT_EQ(s.SysName, "Fabrication Graphics (Gerber/Excellon/DXF/HPGL) Viewer & Import");
-  EXPECT_EQ(viewOptionsText(s.VIEW), "1,1,1,0,0,0,1");
-  EXPECT_EQ(s.Categories.Layout[61 - 32].Name, "Board Outline");
 
   // The default tables reach the kernel: 0.1 inch and 2 mm raster, 2 pixels pick distance,
   // precision row 12 of each unit.

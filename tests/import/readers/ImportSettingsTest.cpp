@@ -1,5 +1,5 @@
-// The import settings: defaults of an empty settings file, lenient reading of hand-edited values,
-// and values written by one run read back the same by the next.
+// The import settings: lenient reading of hand-edited values, and values written by one run read
+// back the same by the next.
 #include "import/readers/ImportSettings.h"
 
 #include "platform/IniFile.h"
@@ -27,19 +27,6 @@ protected:
   test::TempDir folder;
   SystemServices services;
 };
-
-TEST_F(ImportSettingsTest, AnEmptySettingsFileGivesTheDefaults) {
-  writeSettings("");
-  ExcellonFormat excellon{7, 7, 7, 7};
-  GerberFormat gerber{1, {9, 9}, {9, 9}, 1, {3.0, 3.0}};
-  DxfFormat dxf{0, 4.0};
-  LoadExcellonSettings(services, excellon);
-  LoadGerberSettings(services, gerber);
-  LoadDxfSettings(services, dxf);
-  EXPECT_EQ(excellon, (ExcellonFormat{0, 2, 4, 0}));                    // inch, 2.4
-  EXPECT_EQ(gerber, (GerberFormat{0, {2, 2}, {3, 3}, 0, {1.0, 1.0}}));  // inch, 2.3
-  EXPECT_EQ(dxf, (DxfFormat{1, 1.0}));  // millimetres, unlike the other two
-}
 
 TEST_F(ImportSettingsTest, HandEditedValuesAreReadLenientlyAndWithoutRangeChecks) {
   writeSettings("[DXF]\nXYunit=0\nScale=1,5\n"

@@ -1,0 +1,281 @@
+// The component as its host sees it: load, the close request with its refusals, unload, the end
+// of the class and shared windows; the host commands it takes (addressing, verbs and what each
+// changes); and the commands it sends.
+#include "ComponentTestSupport.h"
+#include "shell/HostCommands.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QTemporaryDir>
+
+namespace tvx::test {
+namespace {
+
+TEST_F(ComponentTest, LoadShowsTheWindowInTheRequestedState) {
+  EXPECT_FALSE(window()->isLoaded());
+  EXPECT_FALSE(window()->isVisible());
+  kernel.strings.E_SetString(IniFileString, "/tmp/tarvex-test/tarvex.ini");
+  for (int16_t mode : {windowstate::Maximised, windowstate::Minimised, windowstate::Normal}) {
+    SCOPED_TRACE(mode);
+    int16_t iMode = mode;
+    EXPECT_EQ(component->Load(iMode), -1);
+    EXPECT_EQ(iMode, mode);
+    EXPECT_TRUE(window()->isLoaded());
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_EQ(window()->windowStateCode(), mode);
+  }
+  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
+  EXPECT_EQ(services.iniFile(), "/tmp/tarvex-test/tarvex.ini") << "the host's settings file";
+  EXPECT_EQ(window()->currentFunction(), 1);
+  EXPECT_TRUE(sent.empty());
+}
+
+// A running tool refuses first (the window stays minimised), then a minimised window is restored
+// instead of closed, then the import dialog refuses without touching the state; "EX" and the
+// user's close take the same path.
+TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
+  load(windowstate::Minimised);
+  window()->setPointerToolActive(true);
+  window()->setImportDialogVisible(true);
+  component->NotifyMe("TARVEX", "All,EX");
+  EXPECT_FALSE(window()->close());
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Minimised);
+  EXPECT_TRUE(window()->isVisible());
+  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
+
+  window()->setPointerToolActive(false);
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
+
+  component->NotifyMe("TARVEX", "All,MX");
+  component->NotifyMe("TARVEX", "All,EX");
+  EXPECT_FALSE(window()->close());
+  EXPECT_TRUE(window()->isLoaded());
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
+  EXPECT_TRUE(sent.empty());
+
+  window()->setImportDialogVisible(false);
+  EXPECT_TRUE(window()->close());
+  EXPECT_FALSE(window()->isLoaded());
+  EXPECT_EQ(sent, shutdownOnly());
+  // Siblings now see the viewer as not running.
+  ASSERT_NE(kernel.strings.E_GetString(ComponentName), nullptr);
+  EXPECT_EQ(kernelString(ComponentName), "");
+}
+
+// The end of the class unloads despite a refusing dialog, and reports the shutdown only once.
+TEST_F(ComponentTest, EndOfTheClassUnloadsWithoutRefusalAndReportsOnce) {
+  for (bool exitFirst : {false, true}) {
+    SCOPED_TRACE(exitFirst);
+    sent.clear();
+    if (!component)
+      component = makeComponent(sent);
+    load();
+    window()->setImportDialogVisible(!exitFirst);
+    if (exitFirst)
+      component->NotifyMe("TARVEX", "All,EX");
+    component.reset();
+    EXPECT_EQ(clsTVNGBRVIEWER::mainWindow(), nullptr);
+    EXPECT_EQ(sent, shutdownOnly());
+    EXPECT_EQ(kernelString(ComponentName), "");
+  }
+}
+
+TEST_F(ComponentTest, ASecondInstanceSharesTheWindow) {
+  GBRVIEWER_MAIN* first = window();
+  ASSERT_NE(first, nullptr);
+  Sent secondSent;
+  std::unique_ptr<clsTVNGBRVIEWER> second = makeComponent(secondSent);
+  EXPECT_EQ(window(), first);
+  EXPECT_EQ(component->SeverPath(), "");
+  second->setSeverPath("/srv/tarvex");
+  EXPECT_EQ(component->SeverPath(), "/srv/tarvex");
+
+  // A command through either instance acts on the one window; both hosts hear what it sends.
+  int16_t mode = windowstate::Normal;
+  EXPECT_EQ(second->Load(mode), -1);
+  component->NotifyMe("TARVEX", "All,MX");
+  EXPECT_EQ(first->windowStateCode(), windowstate::Maximised);
+  second->NotifyMe("TARVEX", "All,EX");
+  EXPECT_EQ(sent, shutdownOnly());
+  EXPECT_EQ(secondSent, shutdownOnly());
+
+  // The first instance's end takes the window along; the second is left without one.
+  component.reset();
+  EXPECT_EQ(window(), nullptr);
+  EXPECT_EQ(second->Load(mode), 0);
+  EXPECT_EQ(second->SeverPath(), "");
+  second->NotifyMe("TARVEX", "All,EX");
+  EXPECT_EQ(secondSent, shutdownOnly());
+
+  // A new class creates a new window.
+  second.reset();
+  component = makeComponent(sent);
+  EXPECT_NE(window(), nullptr);
+}
+
+TEST_F(ComponentTest, WindowCanBeLoadedAgainAfterShutdown) {
+  load();
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
+  ASSERT_FALSE(window()->isLoaded());
+  EXPECT_FALSE(window()->isVisible());
+  component->NotifyMe("TARVEX", "All,EX");
+  EXPECT_EQ(sent, shutdownOnly()) << "an unloaded window has nothing more to report";
+  window()->setPointerToolActive(true);
+  load(windowstate::Maximised);
+  EXPECT_FALSE(window()->pointerToolActive()) << "start-up sets every member to its zero state";
+  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
+}
+
+TEST_F(ComponentTest, CommandsNotAddressedToTheViewerChangeNothing) {
+  load(windowstate::Normal);
+  const char* ignored[] = {
+      "",                  // empty
+      "TVNGBRVIEWER",      // no verb
+      "TVNGBRVIEWER,",     // empty verb
+      "All",               // no verb
+      "tvngbrviewer,MX",   // addressee compared with case
+      "ALL,MX",            // the same for the second form
+      "all,EX",            //
+      "TVNLAYPS,MX",       // another module
+      "TARVEX,EX",         //
+      " TVNGBRVIEWER,MX",  // a blank is part of the item
+      "TVNGBRVIEWER,MX ",  // the same for the verb
+      "TVNGBRVIEWER,mx",   // verb compared with case
+      "TVNGBRVIEWER,ex",   //
+      "TVNGBRVIEWER,QQ",   // unknown verb
+      "TVNGBRVIEWER;MX",   // wrong delimiter: one item
+      ",MX",               // empty addressee
+  };
+
+  // The addressee comes from the command only: the first argument neither helps nor hinders.
+  for (const char* aname : {"TARVEX", "TVNGBRVIEWER", ""})
+    for (const char* command : ignored) {
+      SCOPED_TRACE(std::string(aname) + " / " + command);
+      component->NotifyMe(aname, command);
+      EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
+      EXPECT_TRUE(window()->isVisible());
+    }
+  EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(ComponentTest, WindowStateVerbsUnderBothAddresses) {
+  load(windowstate::Normal);
+  const struct {
+    const char* verb;  // items after the verb are not looked at
+    int16_t code;
+    Qt::WindowStates state;
+  } steps[] = {{"MX", windowstate::Maximised, Qt::WindowMaximized},
+               {"MN", windowstate::Minimised, Qt::WindowMinimized},
+               {"DF", windowstate::Normal, Qt::WindowNoState},
+               {"MX,1,2", windowstate::Maximised, Qt::WindowMaximized},
+               {"DF,extra", windowstate::Normal, Qt::WindowNoState}};
+  for (const std::string address : {"TVNGBRVIEWER", "All"})
+    for (const auto& step : steps) {
+      SCOPED_TRACE(address + "," + step.verb);
+      component->NotifyMe("TVNLAYPS", address + "," + step.verb);
+      EXPECT_EQ(window()->windowStateCode(), step.code);
+      EXPECT_EQ(window()->windowState(), step.state);
+    }
+  EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(ComponentTest, UpdateReappliesSettingsAndSelectsFunctionOne) {
+  load(windowstate::Maximised);
+  services.SetDatabaseUnitsPerMm(1);
+  window()->M_FSI_Click(7);
+  ASSERT_EQ(window()->currentFunction(), 7);
+
+  const int32_t rebuildsBefore = window()->redraw().rebuilds();
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,UP");
+  EXPECT_EQ(services.DatabaseUnitsPerMm(), 100000);
+  EXPECT_EQ(window()->currentFunction(), 1);
+  EXPECT_GT(window()->redraw().rebuilds(), rebuildsBefore);
+  // The window keeps its state and stays loaded.
+  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
+  EXPECT_TRUE(window()->isLoaded());
+  EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(ComponentTest, LanguageChangeReadsThePathBackFromTheKernel) {
+  QTemporaryDir folder, empty;
+  QFile catalogue(QDir(folder.path()).filePath("GBRVIEWER.MSG"));
+  ASSERT_TRUE(catalogue.open(QIODevice::WriteOnly));
+  catalogue.write("62450\tBetrachter\n62999\tEbenen\n");
+  catalogue.close();
+  load(windowstate::Normal);
+  const QString builtInTitle = window()->windowTitle();
+  // A control of the window with a message id in its tag follows the language too.
+  auto* label = new QLabel("Layers", window());
+  label->setProperty("Tag", "62999");
+
+  // Until "LZ" the window keeps the path it had.
+  const std::string pathAtLoad = window()->languagePath();
+  ASSERT_NE(pathAtLoad, folder.path().toStdString());
+  kernel.strings.E_SetString(LanguagePathString, folder.path().toStdString());
+  EXPECT_EQ(window()->languagePath(), pathAtLoad);
+  component->NotifyMe("TARVEX", "All,LZ");
+  EXPECT_EQ(window()->languagePath(), folder.path().toStdString());
+  EXPECT_EQ(window()->windowTitle().toStdString(), "Betrachter");
+  EXPECT_EQ(label->text().toStdString(), "Ebenen");
+
+  // A language folder without a catalogue: the built-in texts return.
+  kernel.strings.E_SetString(LanguagePathString, empty.path().toStdString());
+  component->NotifyMe("TARVEX", "TVNGBRVIEWER,LZ");
+  EXPECT_EQ(window()->languagePath(), empty.path().toStdString());
+  EXPECT_EQ(window()->windowTitle(), builtInTitle);
+  EXPECT_EQ(label->text().toStdString(), "Layers");
+  EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(ComponentTest, SendToModuleReachesOnlyRunningSiblings) {
+  load();
+  SendToModule("TVNLAYPS", "GIE");  // never set: not running
+  kernel.strings.E_SetString("TVNLAYPS", "");
+  SendToModule("TVNLAYPS", "GIE");      // cleared: not running
+  SendToModule("TVNGBRVIEWER", "GIE");  // this component, although its string is set
+  ASSERT_EQ(kernelString("TVNGBRVIEWER"), RunningMarker);
+  EXPECT_TRUE(sent.empty());
+
+  kernel.strings.E_SetString("TARVEX", "x");
+  kernel.strings.E_SetString("TVNLAYPS", "1");
+  SendToModule("TARVEX", "FMG,TVNGBRVIEWER");
+  SendToModule("TVNLAYPS", "GIE");
+  const Sent expected{{"TARVEX", "TARVEX,FMG,TVNGBRVIEWER"}, {"TVNLAYPS", "TVNLAYPS,GIE"}};
+  EXPECT_EQ(sent, expected);
+
+  // The module name is compared with case: a differently spelt name is another module.
+  SendToModule("tvnlayps", "GIE");
+  EXPECT_EQ(sent, expected);
+  // Without a window nothing is sent.
+  component.reset();
+  sent.clear();
+  SendToModule("TVNLAYPS", "GIE");
+  EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(ComponentTest, SendOperationsPassTheirTextsUnchanged) {
+  load();
+  window()->AP_SendCmd("TVNLAYPS", "TVNLAYPS,GIE,1");
+  window()->AP_SendCmdAll("HELLO,1");
+  int16_t mode = 3;
+  window()->AP_Shell("TARVEX", mode, "/boards/a b.gbr");
+  mode = -1;
+  window()->AP_Shell("TARVEX", mode, "");
+  mode = 0;
+  window()->AP_Shell("", mode, "x,y");
+  const Sent expected{{"TVNLAYPS", "TVNLAYPS,GIE,1"},
+                      {"TVNGBRVIEWER", "HELLO,1"},
+                      {"TARVEX", "SHELL,3,/boards/a b.gbr"},
+                      {"TARVEX", "SHELL,-1,"},
+                      {"", "SHELL,0,x,y"}};
+  EXPECT_EQ(sent, expected);
+  EXPECT_EQ(mode, 0);
+  // Sending does not disturb the window.
+  EXPECT_TRUE(window()->isLoaded());
+}
+
+}  // namespace
+}  // namespace tvx::test
