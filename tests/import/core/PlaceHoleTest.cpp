@@ -42,16 +42,7 @@ protected:
 
 ItemRecord marker(int32_t type, int32_t xy, int32_t width, int32_t height, uint8_t style,
                   int32_t colour) {
-  ItemRecord r;
-  r.Type = type;
-  r.Attributes = attr::Shown;
-  r.X = r.Y = xy;
-  r.Width = width;
-  r.Height = height;
-  r.Style = style;
-  r.Colour = static_cast<uint8_t>(colour);
-  r.LineWidth = 20320;
-  return r;
+  return test::Item(type).at(xy, xy).size(width, height).style(style).colour(colour).pen(20320);
 }
 
 TEST_F(PlaceHoleTest, EachPadKindGetsItsMarkerAndHoleSize) {
