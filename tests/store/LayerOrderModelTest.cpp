@@ -47,7 +47,6 @@ protected:
     for (int32_t layer : layers)
       tables.layer(layer).Listed = true;
   }
-  std::string name(int32_t layer) const { return tables.layer(layer).DisplayName; }
 
   std::unique_ptr<LayerOrderModel> model_;
   int redraws_ = 0;
@@ -64,10 +63,8 @@ TEST_F(LayerOrderModelTest, FormFillListsTheListedLayersInRowOrder) {
     const int32_t expect = row >= 1 && row <= 6 ? row - 1 : row == 30 ? 6 : row == 31 ? 7 : -1;
     EXPECT_EQ(m.ListPosition(row), expect) << row;
   }
-  EXPECT_EQ(m.listIndex(), 0);
-  EXPECT_FALSE(m.upEnabled());
-  EXPECT_TRUE(m.downEnabled());
-  EXPECT_FALSE(m.loading());
+  EXPECT_EQ(std::tuple(m.listIndex(), m.upEnabled(), m.downEnabled(), m.loading()),
+            std::tuple(0, false, true, false));
   EXPECT_EQ(m.workingOrder(), before);
   EXPECT_EQ(m.savedOrder(), before);
   EXPECT_EQ(tables.LayerOrder, before) << "filling changes nothing";
@@ -78,9 +75,8 @@ TEST_F(LayerOrderModelTest, FormFillListsTheListedLayersInRowOrder) {
   useCatalogue("62304\tLagen\n62305\tSichtbarkeit\n62308\tNicht leere\n");
   tables.layer(9).Listed = true;
   open();
-  EXPECT_EQ(model_->title(), "Lagen");
-  EXPECT_EQ(model_->tabCaption(), "Sichtbarkeit");
-  EXPECT_EQ(model_->tools()[2].Caption, "Nicht leere");
+  EXPECT_EQ(std::tuple(model_->title(), model_->tabCaption(), model_->tools()[2].Caption),
+            std::tuple("Lagen", "Sichtbarkeit", "Nicht leere"));
   EXPECT_EQ(model_->lines(), linesOf({1, 2, 3, 4, 5, 6, 9, 30, 31}, {1, 0, 1, 1, 1, 1, 1, 1, 1}));
   EXPECT_EQ(model_->ListPosition(30), 7);
 }

@@ -1,5 +1,7 @@
-// Building the 31 layers and their order: the catalogue's codes, captions and colours, symbols made
-// anew, and the colours stored in the settings.
+// Building the 31 layers and their order (the catalogue's codes, captions and colours, symbols made
+// anew, the colours stored in the settings), what a layer holds, and the colour slots of kernel
+// table 1 with the colour categories of the settings that fill it.
+#include "store/LayerSymbol.h"
 #include "store/LayerTestSupport.h"
 
 #include <set>
@@ -75,6 +77,146 @@ TEST_F(LayerTablesTest, StoredColoursNeedTwoValues) {
       << "the default stays the catalogue's";
   for (int32_t n : {1, 4})
     EXPECT_EQ(tables.layer(n).ColourRgb, tables.layer(n).DefaultColourRgb) << n;
+}
+
+class LayerContentsTest : public test::LayerTablesFixture {
+protected:
+  void SetUp() override {
+    LayerTablesFixture::SetUp();
+    build();
+  }
+};
+
+TEST_F(LayerContentsTest, TextSaysEmptyOrTheNumberOfElements) {
+  bool used = true;
+  const auto text = [&](const LayerRecord& layer) {
+    return LayerContentsText(k.store, services, layer, used);
+  };
+  EXPECT_EQ(text(tables.layer(5)), "Empty");
+  EXPECT_FALSE(used);
+  addItem(5, ItemLine);
+  EXPECT_EQ(text(tables.layer(5)), "1 elements");
+  EXPECT_TRUE(used);
+  addPad(5, 10, 0, 0, 3);  // entries count as well
+  EXPECT_EQ(text(tables.layer(5)), "2 elements");
+  LayerRecord missing = tables.layer(7);  // a symbol the store does not have reads as empty
+  missing.SymbolHandle = -1234;
+  EXPECT_EQ(text(missing), "Empty");
+  EXPECT_FALSE(used);
+  useCatalogue("62422\tLeer\n62421\tElemente\n");
+  EXPECT_EQ(text(tables.layer(5)), "2 Elemente");
+  EXPECT_EQ(text(tables.layer(9)), "Leer");
+}
+
+TEST_F(LayerContentsTest, CountsGoByTypeStyleAndPolygonSides) {
+  for (int32_t type : {ItemLine, ItemArc, ItemRectangle, ItemCircle, ItemTriangle})
+    for (int32_t style : {16, 0, 1})  // a style other than 16 counts as open
+      addItem(3, type, 3, style);
+  addItem(3, ItemVectorText);
+  addItem(3, ItemTrueTypeText, 3, StyleFilled);
+  // A polygon counts once, by its first side, whatever its sides' types; a first-side bit
+  // without the side bit is no polygon.
+  const int32_t side = attr::Shown | attr::PolygonSide;
+  addItem(3, ItemLine, 3, StyleFilled, side | attr::PolygonFirst);
+  addItem(3, ItemArc, 3, StyleFilled, side);
+  addItem(3, ItemLine, 3, StyleFilled, side | attr::PolygonLast);
+  addItem(3, ItemLine, 3, StyleOpen, attr::Shown | attr::PolygonFirst);
+  addPad(3, 10, 0, 0, 3);
+  addPad(3, 11, 5000, 0, 3);
+
+  LayerContents counts;
+  counts.fill(-7);
+  CountLayerContents(k.store, tables.layer(3), counts);
+  EXPECT_EQ(counts, (LayerContents{0, 4, 3, 1, 2, 1, 2, 1, 2, 2, 1, 2}));
+  CountLayerContents(k.store, tables.layer(4), counts);
+  EXPECT_EQ(counts, LayerContents{});
+}
+
+TEST_F(LayerContentsTest, FrameCoversEveryLayerHiddenOrNot) {
+  FrameRect frame{1, 2, 3, 4};
+  FrameLayers(k.store, tables.Layers, frame);
+  EXPECT_EQ(frame, FrameRect{}) << "nothing anywhere gives all zeros";
+
+  ASSERT_FALSE(tables.orderRow(9).Visible);  // layer 9 is hidden; its elements still count
+  ItemRecord r{{.Type = ItemLine, .X = -50000, .Y = 20000, .Width = 10000, .Height = 5000}};
+  addItem(9, r);
+  r.X = 300000;
+  r.Y = -70000;
+  addItem(2, r);
+  addPad(31, 1, 0, 400000, 31);  // entries reach as far as their pads
+  FrameLayers(k.store, tables.Layers, frame);
+  EXPECT_EQ(frame, (FrameRect{-50000, -70000, 310000, 405000}));
+
+  EnsureLayerSymbol(k.store, tables.layer(31), true);
+  FrameLayers(k.store, tables.Layers, frame);
+  EXPECT_EQ(frame, (FrameRect{-50000, -70000, 310000, 25000}));
+}
+
+class ColourSlotsTest : public test::LayerTablesFixture {
+protected:
+  uint8_t* table() { return k.strings.E_SysTable(1); }
+  void markTable() { std::fill_n(table(), ColourSlotCount, uint8_t(0xEE)); }
+  // Reads the group into a marked table; each row writes its colour to its own slot and a slot
+  // without a row keeps the mark. Returns the number of rows.
+  int readGroup(CategoryGroup group) {
+    markTable();
+    readCategoryGroup(services, k.strings, group, categories);
+    const bool layout = group == CategoryGroup::Layout;
+    const auto& rows = layout ? categories.Layout : categories.Schematic;
+    int count = 0;
+    for (int32_t i = 0; i < 32; ++i) {
+      const int32_t key = layout ? 32 + i : i;
+      SCOPED_TRACE(key);
+      if (rows[size_t(i)].isEmpty()) {
+        EXPECT_EQ(table()[key], 0xEE) << "no row, no write";
+        continue;
+      }
+      ++count;
+      EXPECT_EQ(rows[size_t(i)].Slot, key);
+      EXPECT_EQ(table()[key], rows[size_t(i)].Colour);
+    }
+    for (int32_t key = layout ? 0 : 32; key < (layout ? 32 : 64); ++key)
+      EXPECT_EQ(table()[key], 0xEE) << "the other group's slot " << key;
+    return count;
+  }
+};
+
+TEST_F(ColourSlotsTest, SlotsFollowTableOneAndNameThemselvesByCode) {
+  for (int slot = 0; slot < ColourSlotCount; ++slot)
+    table()[slot] = uint8_t((slot * 7 + 3) % PaletteSize);
+  colours.build(k.strings);
+  for (int32_t slot = 0; slot < ColourSlotCount; ++slot) {
+    EXPECT_EQ(colours[slot].ColourNumber, table()[slot]) << slot;
+    EXPECT_EQ(uint32_t(colours[slot].Rgb), paletteRgb()[table()[slot]]) << slot;
+    EXPECT_EQ(colours[slot].Code, slot < 32 ? 32 + slot : 64 + (slot - 32)) << slot;
+  }
+  EXPECT_EQ(colours.ClearColour(), colours[60].Code);
+  EXPECT_EQ(colours.highlightColour(false), colours[36].Code);
+  EXPECT_EQ(colours.highlightColour(true), 12);
+  EXPECT_EQ(colours.backgroundColour(), colours[63].Code);
+}
+
+TEST_F(ColourSlotsTest, CategoryRowsAreWrittenThroughToTableOne) {
+  EXPECT_EQ(readGroup(CategoryGroup::Layout), 11);
+  EXPECT_EQ(table()[60], 15) << "the defaults are read";
+  colours.build(k.strings);
+  EXPECT_EQ(colours[colourslot::ClearColour].ColourNumber, 15);
+
+  // Settings replace rows one by one; an empty row and a key outside the group write nothing.
+  setSetting("CATEGORIES", "63", "Background,15,dark room");
+  setSetting("CATEGORIES", "61", "\"Outline, board\",5");
+  setSetting("CATEGORIES", "36", "");
+  setSetting("CATEGORIES", "40", "Not a layout key,9,");
+  EXPECT_EQ(readGroup(CategoryGroup::Layout), 10);
+  EXPECT_EQ(categories.LayoutBackground, 15);
+  EXPECT_EQ(categories.Layout[63 - 32].Remark, "dark room");
+  EXPECT_EQ(categories.Layout[61 - 32].Name, "Outline, board");
+  EXPECT_EQ(std::vector<uint8_t>(table() + 60, table() + 64), (std::vector<uint8_t>{15, 5, 7, 15}));
+
+  // The schematic group fills the low slots and leaves the layout's alone.
+  EXPECT_EQ(readGroup(CategoryGroup::Schematic), 23);
+  EXPECT_EQ(categories.Schematic[14].Name, "Simvex \"GND\" Marker");
+  EXPECT_EQ(categories.Schematic[31].Remark, " ");
 }
 
 }  // namespace

@@ -1,15 +1,67 @@
-// Window places in the per-user store and the corrections that keep a window within reach.
-#include "platform/widgets/WindowPlace.h"
+// Window helpers: top-most windows, waiting while a flag is set and the printer's state; window
+// places in the per-user store and the corrections that keep a window within reach.
 #include "platform/UserStore.h"
+#include "platform/widgets/WindowHelpers.h"
+#include "platform/widgets/WindowPlace.h"
 #include "support/WidgetTestApplication.h"
 
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QWidget>
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
-#include <QWidget>
+#include <vector>
 
 namespace tvx {
 namespace {
+
+TEST(WindowHelpersTest, SetTopMostKeepsPlaceSizeAndVisibility) {
+  test::widgetTestApplication();
+  QWidget shown, hidden;
+  shown.setGeometry(120, 80, 320, 240);
+  shown.show();
+  hidden.setGeometry(10, 20, 200, 100);
+  for (bool flag : {true, false}) {
+    for (QWidget* window : {&shown, &hidden}) {
+      const bool visible = window->isVisible();
+      const QRect before = window->geometry();
+      SetTopMost(*window, flag);
+      EXPECT_EQ(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint), flag);
+      EXPECT_EQ(window->isVisible(), visible);
+      EXPECT_EQ(window->geometry(), before);
+    }
+  }
+}
+
+TEST(WindowHelpersTest, WaitWhileSetServesEventsUntilTheFlagIsCleared) {
+  test::widgetTestApplication();
+  int16_t running = 0;
+  std::vector<int> seen;  // what the event handlers saw, in order
+  QTimer::singleShot(0, [&] { seen.push_back(running); });
+  QTimer::singleShot(150, [&] { seen.push_back(running); });
+  QTimer::singleShot(300, [&] {
+    seen.push_back(running);
+    running = 0;  // the modeless step ends
+  });
+  WaitWhileSet(running);
+  EXPECT_EQ(running, 0);
+  EXPECT_EQ(seen, (std::vector<int>{-1, -1, -1})) << "the flag is set before events are served";
+
+  bool open = false;
+  bool sawSet = false;
+  QTimer::singleShot(0, [&] {
+    sawSet = open;
+    open = false;
+  });
+  WaitWhileSet(open);
+  EXPECT_TRUE(sawSet);
+}
+
+TEST(WindowHelpersTest, PrinterReadyNeedsAPrinterAndAReadableDefault) {
+  EXPECT_FALSE(IsPrinterReady(PrinterState{0, true}));
+  EXPECT_FALSE(IsPrinterReady(PrinterState{2, false}));
+  EXPECT_TRUE(IsPrinterReady(PrinterState{1, true}));
+}
 
 // A work area of 1280 x 800 pixels: 19200 x 12000 twips, fortieths of 480 and 300.
 constexpr WorkArea Work{1280 * TwipsPerPixel, 800 * TwipsPerPixel};
