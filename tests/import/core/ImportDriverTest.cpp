@@ -1,9 +1,17 @@
+// The import driver: layer symbols made and replaced, centring, every file through its reader; the
+// binding of a file's kind to the layers; and the status messages with their icons.
 #include "import/core/ImportDriver.h"
+#include "import/core/ImportJob.h"
+#include "import/core/ReportStatus.h"
+#include "import/core/StatusCodes.h"
+#include "import/gerber/ImportTestSupport.h"
 #include "store/LayerSymbol.h"
 
-#include "import/gerber/ImportTestSupport.h"
-
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
 
 namespace tvx {
 namespace {
@@ -163,6 +171,238 @@ TEST_F(ImportDriverTest, EveryFileGoesThroughItsReaderAndTheLoopGoesOnAfterAFail
   importLayer(status, layer);
   EXPECT_EQ(status, 0);
   EXPECT_EQ(itemCount(layer), 2) << "append keeps the earlier import";
+}
+
+class LayerBindingTest : public ::testing::Test {
+protected:
+  void bindKind(ImportKind kind, bool noCenter = true) {
+    state.Job.Kind = kind;
+    bindLayers(state, layers, noCenter, readers);
+  }
+  std::vector<int32_t> choices() const {
+    std::vector<int32_t> numbers;
+    for (const LayerChoice& c : state.LayerChoices)
+      numbers.push_back(c.LayerNumber);
+    return numbers;
+  }
+  // A layer left as an earlier import left it, to see what binding renews.
+  void dirty(LayerRecord& layer) {
+    layer.Files = {LayerFileRecord{}, LayerFileRecord{}};
+    layer.Files[0].OffsetX = 500;
+    layer.Files[0].Tools = {{1, 2, 3, 4}};
+    layer.Mirror = true;
+  }
+
+  ImportState state;
+  ReaderTable readers;
+  std::array<LayerRecord, LayerCount> layers = test::makeLayers();
+};
+
+TEST_F(LayerBindingTest, GerberKindsOfferTheListedLayersAndBindNone) {
+  layers[6].Listed = true;   // an inner layer the user has listed
+  layers[1].Listed = false;  // and a hidden one
+  for (ImportKind kind : {ImportKind::ArtworkRS274X, ImportKind::ArtworkRS274D,
+                          ImportKind::DrillingRS274X, ImportKind::DrillingRS274D}) {
+    SCOPED_TRACE(static_cast<int>(kind));
+    state.DialogLayer = 5;
+    state.LayerListIndex = 2;
+    state.Job.Prepared = false;
+    bindKind(kind);
+    EXPECT_EQ(choices(), (std::vector<int32_t>{1, 3, 4, 5, 6, 7, 30, 31}));
+    EXPECT_EQ(state.LayerChoices[6].LayerName, "Board Outline/Cut-outs");
+    EXPECT_EQ(state.DialogLayer, 0);
+    EXPECT_EQ(state.LayerListIndex, 2);
+    EXPECT_TRUE(state.Job.Prepared);
+  }
+}
+
+TEST_F(LayerBindingTest, HpglAndDxfAreBoundToTheOutlineAtOnce) {
+  state.Job.SourcePath = "/boards/outline.dxf";
+  layers[29].Listed = false;  // bound whether listed or not
+  layers[29].ColourNumber = 12;
+  for (ImportKind kind : {ImportKind::Hpgl, ImportKind::Dxf}) {
+    for (bool noCenter : {true, false}) {
+      SCOPED_TRACE(testing::Message() << static_cast<int>(kind) << " " << noCenter);
+      dirty(layers[29]);
+      state.LayerListIndex = 3;
+      bindKind(kind, noCenter);
+      const LayerRecord& outline = layers[29];
+      EXPECT_EQ(state.DialogLayer, 30);
+      EXPECT_EQ(state.CurrentSymbol, -76530);
+      EXPECT_EQ(state.LayerListIndex, 0);
+      // HPGL goes only into the outline; DXF may be moved to any listed artwork layer.
+      const std::vector<int32_t> offered = kind == ImportKind::Hpgl
+                                               ? std::vector<int32_t>{30}
+                                               : std::vector<int32_t>{30, 1, 2, 3, 4, 5, 6};
+      EXPECT_EQ(choices(), offered);
+      ASSERT_EQ(outline.Files.size(), 1u);
+      const LayerFileRecord& file = outline.Files[0];
+      EXPECT_EQ(file.ReaderCode, kind == ImportKind::Hpgl ? ReaderHpgl : ReaderDxf);
+      EXPECT_EQ(file.FileName, "/boards/outline.dxf");
+      EXPECT_EQ(file.Colour, 12);
+      EXPECT_EQ(file.OffsetX, 0);
+      EXPECT_TRUE(file.Tools.empty());
+      EXPECT_EQ(outline.OriginalCoordinates, noCenter);
+      EXPECT_EQ(file.OriginalCoordinates, noCenter);
+      EXPECT_TRUE(state.Job.Prepared);
+    }
+  }
+}
+
+TEST_F(LayerBindingTest, DrillFilesAreBoundToTheDrillLayerAndScanned) {
+  state.Job.ExcellonText = "M48|INCH|T1C0.8|%|T1|X1Y1|";
+  std::vector<std::string> scans;
+  test::ScriptedReader excellon;
+  excellon.onPrepare = [&](ImportJob& job, LayerFileRecord& file) {
+    scans.push_back(job.ExcellonText);
+    file.Tools = {{1, 80000, 1, 1}};
+    job.Kind = ImportKind::ExcellonFormatOne;
+  };
+  readers.add(ReaderExcellon, excellon);
+  LayerRecord& drill = layers[30];
+  for (ImportKind kind : {ImportKind::ExcellonFormatTwo, ImportKind::ExcellonFormatOne}) {
+    SCOPED_TRACE(static_cast<int>(kind));
+    scans.clear();
+    dirty(drill);
+    bindKind(kind, false);
+    EXPECT_EQ(state.DialogLayer, 31);
+    EXPECT_EQ(choices(), std::vector<int32_t>{31});
+    ASSERT_EQ(drill.Files.size(), 1u);
+    const LayerFileRecord& file = drill.Files[0];
+    EXPECT_EQ(file.ReaderCode, ReaderExcellon);
+    EXPECT_EQ(file.Tag, " ");
+    EXPECT_EQ(file.FilterMask, 50);
+    EXPECT_TRUE(file.Mirror);
+    EXPECT_FALSE(file.OriginalCoordinates);
+    EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 80000, 1, 1}}));
+    EXPECT_EQ(scans, std::vector<std::string>{state.Job.ExcellonText});
+    EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatOne) << "the scan's kind is the job's";
+  }
+
+  // Without a drill reader the kind stays; without a listed drill layer nothing is bound.
+  readers = ReaderTable{};
+  bindKind(ImportKind::ExcellonFormatTwo);
+  EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatTwo);
+  EXPECT_EQ(state.DialogLayer, 31);
+  drill.Listed = false;
+  bindKind(ImportKind::ExcellonFormatTwo);
+  EXPECT_EQ(state.DialogLayer, 0);
+  EXPECT_TRUE(state.LayerChoices.empty());
+  EXPECT_TRUE(state.Job.Prepared);
+}
+
+constexpr int Ex = msgbox::Exclamation;
+constexpr int Cr = msgbox::Critical;
+
+struct StatusCase {
+  int32_t status;
+  int icon;
+  const char* defaults;  // the text with an empty catalogue
+  const char* byId;      // the text when every id's entry reads "<id>"
+};
+
+// Name is "F.GBR" and the format 3.4 throughout.
+const StatusCase Cases[] = {
+    {StatusReported, Cr, "Range Error - format:3.4", "<62379>3.4"},
+    {StatusIncorrectFormat, Ex, "Artwork File - Incorrect format", "<62380>"},
+    {StatusNoVectorFont, Ex, "Can't load local vector font, default assumed.F.GBR", "<62381>F.GBR"},
+    {StatusCannotLoad, Ex, "Can't load F.GBR", "<62382>F.GBR"},
+    {StatusSaveFailed, Ex, "Save of F.GBR failed", "<62383>F.GBR<62384>"},
+    {StatusOutsideLimits, 0,
+     "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.",
+     "<62385>\r\n<62386>"},
+    {StatusApertureMissing, 0,
+     "F.GBR aperture not found in the list during import.\r\nSelect proper Aperture Table and "
+     "import again.",
+     "F.GBR<62387>\r\n<62388>"},
+    {StatusExtents, 0,
+     "Coordinates outside limits\r\nCheck parameters for F.GBR file and import again.",
+     "<62385>\r\n<62389>F.GBR <62390>"},
+    {StatusNotSupported, Ex, "F.GBR - import of files in this format is not supported",
+     "F.GBR - <62391>"},
+    {StatusNotFormatTwo, Ex,
+     "F.GBR - this is not Format 2 File.\r\nFormat parameters and/or tools sizes might need "
+     "adjustment for correct import",
+     "F.GBR - <62392>\r\n<62393>"},
+    {StatusPolygonTooComplex, Ex, "Polygon to complex F.GBR", "<62395>F.GBR"},
+    {StatusPathNotClosed, Ex, "This path is not a closed shapeF.GBR", "<62396>F.GBR"},
+    {StatusNoLayers, Ex, "F.GBR No available layers", "F.GBR <62397>"},
+    {StatusNoData, Ex, "No data to output", "<62398>"},
+    {StatusCompleted, 0, "F.GBR Completed", "F.GBR <62399>"},
+    {StatusNoAperture, Ex, "F.GBR No aperture defined for selected item", "F.GBR <4953>"},
+    // Both texts of StatusExtentsTruncated stand under the id "loc", which no catalogue holds.
+    {StatusExtentsTruncated, Ex,
+     "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range.",
+     "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range."},
+    {StatusBadStepping, Ex, "Incorrect stepping parametersF.GBR", "<62400>F.GBR"},
+    {StatusNoRotationPoints, Ex, "Set Point(s) to define rotation.", "<62401>"},
+    {StatusOutOfRange, Ex, "Out of RangeF.GBR", "<62402>F.GBR"},
+    {StatusNothingToImport, Ex, "Nothing to importF.GBR", "<151219>F.GBR"},
+    {StatusOk, Cr, "Unknown Error", "<62403>"},
+    {95, Cr, "Unknown Error", "<62403>"},
+    {-1, Cr, "Unknown Error", "<62403>"},
+};
+
+// A catalogue in which every id used by the status table reads as itself in angle brackets.
+void writeMarkerCatalogue(const std::string& folder) {
+  std::ofstream out(folder + "/GBRVIEWER.MSG");
+  std::regex idPattern("<([0-9]+)>");
+  for (const StatusCase& c : Cases) {
+    std::string text = c.byId;
+    for (std::sregex_iterator it(text.begin(), text.end(), idPattern), end; it != end; ++it)
+      out << (*it)[1] << "\t<" << (*it)[1] << ">\n";
+  }
+}
+
+TEST(ReportStatusTest, EveryCodeHasItsTextAndIcon) {
+  test::Reporting r;
+  r.digits = {3, 4};
+  for (const StatusCase& c : Cases) {
+    SCOPED_TRACE(c.status);
+    StatusMessage m = statusMessage(r.services, c.status, "F.GBR", r.digits);
+    EXPECT_EQ(m.text, c.defaults);
+    EXPECT_EQ(m.icon, c.icon);
+  }
+  test::TempDir dir;
+  writeMarkerCatalogue(dir.path().string());
+  r.services.loadCatalogue(dir.path().string());
+  for (const StatusCase& c : Cases) {
+    SCOPED_TRACE(c.status);
+    EXPECT_EQ(statusMessage(r.services, c.status, "F.GBR", r.digits).text, c.byId);
+  }
+}
+
+TEST(ReportStatusTest, BoxIsSystemModalWithBothTitles) {
+  test::Reporting r;
+  r.titles.dialogTitle = "Import Parameters";
+  r.digits = {2, 5};
+  r.reporter.ReportStatus(StatusReported, "");
+  r.titles.dialogTitle.clear();
+  r.reporter.ReportStatus(StatusCompleted, "Layer 3");
+  r.reporter.ReportStatus(StatusIncorrectFormat, "");
+  ASSERT_EQ(r.prompts.shown.size(), 3u);
+  EXPECT_EQ(r.prompts.shown[0].prompt, "Range Error - format:2.5");
+  EXPECT_EQ(r.prompts.shown[0].flags, msgbox::Critical | msgbox::SystemModal);
+  EXPECT_EQ(r.prompts.shown[0].title, "Tarvex Viewer (Import Parameters)");
+  EXPECT_EQ(r.prompts.shown[1].flags, msgbox::SystemModal);
+  EXPECT_EQ(r.prompts.shown[1].title, "Tarvex Viewer");
+  EXPECT_EQ(r.prompts.shown[2].flags, msgbox::Exclamation | msgbox::SystemModal);
+}
+
+TEST(ImportKindTest, EveryKindHasItsOwnCatalogueTextAndOthersAreUnknown) {
+  std::set<std::string_view> ids, texts;
+  for (int32_t k = 1; k <= 8; ++k) {
+    const CatalogueText t = importKindText(static_cast<ImportKind>(k));
+    EXPECT_FALSE(t.id.empty()) << k;
+    EXPECT_TRUE(ids.insert(t.id).second && texts.insert(t.text).second) << k;
+  }
+  const auto text = [](int32_t k) {
+    const CatalogueText t = importKindText(static_cast<ImportKind>(k));
+    return std::pair(std::string(t.id), std::string(t.text));
+  };
+  EXPECT_EQ(text(7), std::pair(std::string("62375"), std::string("HPGL Format file")));
+  for (int32_t k : {0, 9})
+    EXPECT_EQ(text(k), std::pair(std::string(), std::string("unknown file"))) << k;
 }
 
 }  // namespace

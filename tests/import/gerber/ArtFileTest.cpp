@@ -1,10 +1,18 @@
+// TMP.ART: the layout of a record, random access by record number, truncated files; the table
+// part with its sections written by the pass and read back, edited sizes written into place, and
+// the buffered record streams underneath.
 #include "import/gerber/ArtFile.h"
-
+#include "GerberPassSupport.h"
+#include "import/gerber/ApertureSummary.h"
+#include "import/gerber/ArtSections.h"
+#include "import/gerber/ArtStream.h"
 #include "import/gerber/ImportTestSupport.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 namespace tvx {
 namespace {
@@ -104,6 +112,196 @@ TEST(ArtFileTest, TruncatedFileIsReadAsFarAsWholeRecordsGo) {
   EXPECT_FALSE(missing.open(dir.file("NONE.ART")));
   ArtRecord r;
   EXPECT_FALSE(missing.read(1, r));
+}
+
+using test::findRow;
+using ::testing::ElementsAre;
+
+ApertureLists sampleLists() {
+  ApertureLists lists;
+  lists.DrawList = {{10, 2540, 3}, {11, 0, 0}, {12, LinkToSquarePad, 1.5}};
+  lists.RoundPadList = {{10, 2540, 4}};
+  lists.SquarePadList = {{12, 5080, 1}, {13, 5080, 0}};
+  lists.SpecialList = {{20, 1, 2}, {21, 4, 0}, {22, 6, 5}};
+  lists.PrimitiveList = {
+      {primitive::Macro, 20, 1, 1, "AB"},        {primitive::Macro, 20, 0, 900, ""},
+      {primitive::Macro, 20, -3, 0, ""},         {primitive::Oval, 21, 0, 7, ""},
+      {primitive::Oval, 21, 0, 8, ""},           {primitive::RegularPolygon, 22, 0, 3000, ""},
+      {primitive::RegularPolygon, 22, 0, 6, ""},
+  };
+  return lists;
+}
+
+TEST(ArtSections, OnlyUsedAperturesAreWrittenWithTheirPrimitivesAndMacroName) {
+  const ApertureLists lists = sampleLists();
+  using namespace artrecord;
+  constexpr uint8_t Macro = primitive::Macro, Polygon = primitive::RegularPolygon;
+  EXPECT_THAT(sectionRecords(lists, 0),
+              ElementsAre(ArtRecord{DrawSection, 10, 2540, 3},
+                          ArtRecord{DrawSection, 12, LinkToSquarePad, 1.5},
+                          ArtRecord{DrawSectionEnd, 0, 0, 0}));
+  EXPECT_THAT(sectionRecords(lists, 2), ElementsAre(ArtRecord{SquarePadSection, 12, 5080, 1},
+                                                    ArtRecord{SquarePadSectionEnd, 0, 0, 0}));
+  EXPECT_THAT(sectionRecords(lists, 3),
+              ElementsAre(ArtRecord{SpecialSection, 20, 1, 2},
+                          ArtRecord{MacroNameCharacter, 20, 1, 'A'},
+                          ArtRecord{MacroNameCharacter, 20, 2, 'B'}, ArtRecord{Macro, 20, 1, 1},
+                          ArtRecord{Macro, 20, 0, 900}, ArtRecord{Macro, 20, -3, 0},
+                          ArtRecord{SpecialSection, 22, 6, 5}, ArtRecord{Polygon, 22, 0, 3000},
+                          ArtRecord{Polygon, 22, 0, 6}, ArtRecord{SpecialSectionEnd, 0, 0, 0}));
+}
+
+// Writes the four sections behind a minimal header and stream, the way the pass does.
+std::string writeArt(const test::TempDir& dir, const ApertureLists& lists, ArtHeader& header) {
+  const std::string path = dir.file("TMP.ART");
+  ArtWriter out;
+  EXPECT_TRUE(out.create(path));
+  for (int32_t n = 1; n <= artrecord::HeaderRecords; ++n)
+    out.append({artrecord::Header, 0, 0, 0});
+  out.append({artrecord::Flash, 10, 1, 2});
+  out.append({artrecord::EndOfStream, 0, 0, 0});
+  for (int which = 0; which < 4; ++which) {
+    header.SectionRecords[size_t(which)] = out.recordCount() + 1;
+    for (const ArtRecord& r : sectionRecords(lists, which))
+      out.append(r);
+  }
+  const auto records = headerRecords(header);
+  for (int32_t n = 1; n <= artrecord::HeaderRecords; ++n)
+    out.writeAt(n, records[size_t(n - 1)]);
+  EXPECT_TRUE(out.close());
+  return path;
+}
+
+// LoadArtHeader over the file at path into scan: its status, -1 when the file does not open.
+int32_t loadHeader(const std::string& path, GerberScan& scan, test::Reporting& reporting) {
+  ArtFile art;
+  if (!art.open(path))
+    return -1;
+  int32_t status = -1;
+  LoadArtHeader(status, art, false, scan, reporting.reporter);
+  return status;
+}
+
+TEST(ArtSections, LoadArtHeaderReadsWhatThePassWrote) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  ArtHeader header;
+  header.MinX = -5;
+  header.MaxY = 7.5;
+  header.FeatureFlags = featureflag::DarkLayer;
+  header.UnitX = header.UnitY = 2540000;
+  GerberScan scan;
+  scan.Lists.DrawList = {{99, 1, 1}};  // emptied on reading
+  ASSERT_EQ(loadHeader(writeArt(dir, sampleLists(), header), scan, reporting), 0);
+  EXPECT_EQ(scan.Header, header);
+  EXPECT_THAT(scan.Lists.DrawList,
+              ElementsAre(ApertureUse{10, 2540, 3}, ApertureUse{12, LinkToSquarePad, 1.5}));
+  EXPECT_THAT(scan.Lists.RoundPadList, ElementsAre(ApertureUse{10, 2540, 4}));
+  EXPECT_THAT(scan.Lists.SquarePadList, ElementsAre(ApertureUse{12, 5080, 1}));
+  // The special rows point at their primitive rows anew.
+  EXPECT_THAT(scan.Lists.SpecialList, ElementsAre(ApertureUse{20, 1, 2}, ApertureUse{22, 4, 5}));
+  ASSERT_EQ(scan.Lists.PrimitiveList.size(), 5u);
+  EXPECT_EQ(scan.Lists.PrimitiveList[0], (PrimitiveRow{primitive::Macro, 20, 1, 1, "AB"}));
+  EXPECT_EQ(scan.Lists.PrimitiveList[3],
+            (PrimitiveRow{primitive::RegularPolygon, 22, 0, 3000, ""}));
+  EXPECT_TRUE(reporting.prompts.shown.empty());
+}
+
+TEST(ArtSections, WriteBackPutsEditedSizesIntoTheFile) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  ArtHeader header;
+  const std::string path = writeArt(dir, sampleLists(), header);
+  const std::string before = test::readBytes(path);
+
+  GerberScan scan;
+  int32_t status = -1;
+  {
+    ArtFile art;
+    ASSERT_TRUE(art.open(path));
+    LoadArtHeader(status, art, false, scan, reporting.reporter);
+    ASSERT_EQ(status, 0);
+    scan.Lists.RoundPadList[0].Size = 9999;
+    scan.Lists.PrimitiveList[1].Value = 1234;
+    LoadArtHeader(status, art, true, scan, reporting.reporter);
+    ASSERT_EQ(status, 0);
+  }
+  const std::string after = test::readBytes(path);
+  ASSERT_EQ(after.size(), before.size());
+  GerberScan again;
+  ASSERT_EQ(loadHeader(path, again, reporting), 0);
+  EXPECT_EQ(again.Lists.RoundPadList[0].Size, 9999);
+  EXPECT_EQ(again.Lists.PrimitiveList[1].Value, 1234);
+  EXPECT_EQ(again.Lists.DrawList, scan.Lists.DrawList);
+}
+
+TEST(ArtSections, TooShortAFileIsReported) {
+  test::TempDir dir;
+  test::Reporting reporting;
+  const std::string path = dir.file("TMP.ART");
+  std::ofstream(path, std::ios::binary) << std::string(21 * 3, '\0');
+  GerberScan scan;
+  EXPECT_EQ(loadHeader(path, scan, reporting), 1);
+  ASSERT_EQ(reporting.prompts.shown.size(), 1u);
+  EXPECT_EQ(reporting.prompts.shown[0].prompt, "Artwork File - Incorrect format");
+}
+
+TEST(ArtStream, WriterKeepsEveryRecordAcrossItsBuffers) {
+  test::TempDir dir;
+  const std::string path = dir.file("stream.art");
+  const int32_t count = int32_t(ArtWriter::BufferRecords) * 2 + 17;
+  ArtWriter out;
+  ASSERT_TRUE(out.create(path));
+  for (int32_t n = 1; n <= count; ++n)
+    ASSERT_TRUE(out.append({uint8_t(n % 200), n, n * 0.5, -n * 1.0}));
+  ASSERT_TRUE(out.writeAt(2, {77, -1, 1, 2}));
+  ASSERT_TRUE(out.append({9, 0, 0, 0}));
+  EXPECT_FALSE(out.writeAt(count + 2, {}));
+  EXPECT_TRUE(out.failed()) << "a failed write stays failed";
+  EXPECT_FALSE(out.append({}));
+  EXPECT_FALSE(out.close());
+
+  ArtFile in;
+  ASSERT_TRUE(in.open(path));
+  ASSERT_EQ(in.recordCount(), count + 1);
+  ArtRecord record;
+  for (int32_t n = 1; n <= count; ++n) {
+    ASSERT_TRUE(in.read(n, record));
+    if (n == 2)
+      EXPECT_EQ(record, (ArtRecord{77, -1, 1, 2}));
+    else
+      ASSERT_EQ(record, (ArtRecord{uint8_t(n % 200), n, n * 0.5, -n * 1.0}));
+  }
+}
+
+TEST(ApertureSummary, ShapesUsesAndUndefinedCodes) {
+  test::GerberPass pass;
+  ASSERT_EQ(pass.run("%AMDOT*1,1,$1,0,0*%%ADD10C,0.01*%%ADD11R,0.02X0.02*%%ADD12DOT,0.05*%"
+                     "%ADD13O,0.02X0.04*%D10*X0Y0D02*X1Y1D01*X2Y2D01*D11*X3Y3D01*D12*X4Y4D03*"
+                     "D13*X5Y5D03*D77*X6Y6D03*M02*"),
+            0);
+  const std::vector<ApertureInfo> rows = describeApertures(pass.scan.Lists);
+  // One row as "<role>/<shape> <size> x<uses>", with " undefined" for a code without definition.
+  const auto row = [&rows](int32_t code, ApertureRole role) -> std::string {
+    for (const ApertureInfo& r : rows)
+      if (r.DCode == code && r.Role == role)
+        return std::string(apertureRoleWord(r.Role)) + "/" + apertureShapeWord(r.Shape) + " " +
+               std::to_string(r.Size) + " x" + std::to_string(int(r.Uses)) +
+               (r.Defined ? "" : " undefined");
+    return "none";
+  };
+  EXPECT_EQ(row(10, ApertureRole::Draw), "draw/round 25400 x2");
+  EXPECT_EQ(row(11, ApertureRole::Draw), "draw/square 0 x1") << "a draw linked to a square pad";
+  EXPECT_EQ(row(12, ApertureRole::SpecialPad), "special/macro 0 x1");
+  EXPECT_EQ(row(13, ApertureRole::SpecialPad), "special/oval 0 x1");
+  EXPECT_EQ(row(77, ApertureRole::RoundPad), "round pad/round 0 x1 undefined");
+  const auto macro = std::find_if(rows.begin(), rows.end(), [](const ApertureInfo& r) {
+    return r.Shape == ApertureShape::Macro;
+  });
+  ASSERT_NE(macro, rows.end());
+  EXPECT_EQ(macro->MacroName, "DOT");
+  EXPECT_THAT(macro->Values, ElementsAre(1, 127000, 0, 0));
+  EXPECT_STREQ(apertureShapeWord(ApertureShape::RegularPolygon), "polygon");
 }
 
 }  // namespace
