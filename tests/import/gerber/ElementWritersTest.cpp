@@ -242,14 +242,11 @@ TEST_F(ApertureExpansion, RoundAndSquarePadsIgnoreTheLineAndArcFilters) {
   flash(1000, 1000, 501, RoundAperture, 10);
   flash(1000, 1000, 400, SquareAperture, 11);
   const auto all = items();
-  ASSERT_EQ(all.size(), 2u);
-  EXPECT_EQ(all[0].Type, ItemCircle);
-  EXPECT_EQ(all[0].Width, 250);
-  EXPECT_EQ(all[0].Style, StyleFilled);
-  EXPECT_EQ(all[0].Attributes, attr::Flashed + attr::Shown);
-  EXPECT_EQ(all[1].Type, ItemRectangle);
+  ASSERT_EQ(typesOf(all), (std::vector<int32_t>{ItemCircle, ItemRectangle}));
+  EXPECT_EQ(std::pair(all[0].Width, int(all[0].Style)), std::pair(250, int(StyleFilled)));
   EXPECT_EQ(test::box(all[1]), (test::Box{800, 800, 400, 400}));
-  EXPECT_EQ(all[1].Attributes, attr::Flashed + attr::Shown);
+  for (const ItemRecord& r : all)
+    EXPECT_EQ(r.Attributes, attr::Flashed + attr::Shown);
 }
 
 TEST_F(ApertureExpansion, SpecialShapesWithTheirHoles) {
@@ -264,13 +261,10 @@ TEST_F(ApertureExpansion, SpecialShapesWithTheirHoles) {
   flash(0, 0, withHole, SpecialAperture, 12);
   auto all = items();
   ASSERT_EQ(all.size(), 2u) << "a disc, then its painted hole";
-  EXPECT_EQ(all[0].Width, 500);
-  EXPECT_EQ(all[0].Colour, LayerColour);
-  EXPECT_EQ(all[0].Attributes, attr::Flashed + attr::FlashPiece + attr::Shown);
-  EXPECT_EQ(all[1].Type, ItemCircle);
-  EXPECT_EQ(all[1].Width, 200);
-  EXPECT_EQ(all[1].Colour, ClearCode);
-  EXPECT_EQ(all[1].Style, StyleFilled);
+  EXPECT_EQ((std::array{all[0].Width, int(all[0].Colour), all[0].Attributes}),
+            (std::array{500, LayerColour, attr::Flashed + attr::FlashPiece + attr::Shown}));
+  EXPECT_EQ((std::array{all[1].Type, all[1].Width, int(all[1].Colour), int(all[1].Style)}),
+            (std::array<int32_t, 4>{ItemCircle, 200, ClearCode, StyleFilled}));
 
   clearLayer();
   flash(0, 0, rect, SpecialAperture, 13);

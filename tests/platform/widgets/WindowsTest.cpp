@@ -5,6 +5,7 @@
 #include "platform/widgets/WindowPlace.h"
 #include "support/WidgetTestApplication.h"
 
+#include <QPrinterInfo>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QWidget>
@@ -61,6 +62,11 @@ TEST(WindowHelpersTest, PrinterReadyNeedsAPrinterAndAReadableDefault) {
   EXPECT_FALSE(IsPrinterReady(PrinterState{0, true}));
   EXPECT_FALSE(IsPrinterReady(PrinterState{2, false}));
   EXPECT_TRUE(IsPrinterReady(PrinterState{1, true}));
+  test::widgetTestApplication();
+  EXPECT_EQ(probePrinters().Count, QPrinterInfo::availablePrinterNames().size());
+  if (QPrinterInfo::availablePrinterNames().isEmpty()) {
+    EXPECT_FALSE(IsPrinterReady()) << "no printer listed";
+  }
 }
 
 // A work area of 1280 x 800 pixels: 19200 x 12000 twips, fortieths of 480 and 300.
