@@ -1,0 +1,463 @@
+// The service object and its parts: the message catalogue, the yes/no question and the path
+// helper; the settings file with its lenient reading, writes that keep the rest of the file and
+// atomic replacement; the mark glyphs; and the token list of the host's commands.
+#include "platform/SystemServices.h"
+#include "kernel/Kernel.h"
+#include "platform/IniFile.h"
+#include "platform/MarkGlyphs.h"
+#include "platform/MessageCatalogue.h"
+#include "platform/TokenList.h"
+#include "platform/UserPrompts.h"
+#include "support/GuiTestApplication.h"
+
+#include <QImage>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tvx {
+namespace {
+
+TEST(MessageCatalogue, LinesAreReadLeniently) {
+  MessageCatalogue c;
+  c.parse("\xEF\xBB\xBF"
+          "62380\tArtwork File - Incorrect format\r\n"
+          "# 62381\tcomment\n"
+          "\n"
+          "62451\tCan't read file: \n"
+          "625 Delete element?\n"       // no tab: skipped
+          "62A\tnot an id\n"            // id not all digits: skipped
+          "\tno id\n"                   // empty id: skipped
+          "6290\t\n"                    // empty text: skipped
+          "62380\tsecond definition\n"  // the first line counts
+          "151217\tTwo\\nlines\\tand a \\\\ backslash\\x\n"
+          "62101\tClear all elements");  // last line without a line break
+  struct Case {
+    const char* id;
+    const char* expected;  // nullptr: no entry
+  } cases[] = {
+      {"62380", "Artwork File - Incorrect format"},
+      {"62381", nullptr},
+      {"62451", "Can't read file: "},
+      {"625", nullptr},
+      {"62A", nullptr},
+      {"6290", nullptr},
+      {"151217", "Two\nlines\tand a \\ backslash\\x"},
+      {"62101", "Clear all elements"},
+  };
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.id);
+    const std::string* text = c.find(k.id);
+    if (!k.expected) {
+      EXPECT_EQ(text, nullptr);
+    } else {
+      ASSERT_NE(text, nullptr);
+      EXPECT_EQ(*text, k.expected);
+    }
+  }
+  EXPECT_EQ(c.size(), 4u);
+  EXPECT_EQ(MessageCatalogue::unescape(MessageCatalogue::escape("a\\b\nc\td\\n")), "a\\b\nc\td\\n");
+}
+
+TEST(SystemServicesCatalogue, LookupFallsBackToTheDefaultText) {
+  QTemporaryDir dir;
+  ASSERT_TRUE(dir.isValid());
+  const std::string folder = dir.path().toStdString();
+  // The file name is matched case-blind.
+  std::ofstream(folder + "/gbrviewer.msg") << "62185\tNeuzeichnen...\n";
+
+  SystemServices services;
+  EXPECT_EQ(services.LocalMessage("Redraw in progress....", "62185"), "Redraw in progress....");
+  services.loadCatalogue(folder);
+  EXPECT_EQ(services.LocalMessage("Redraw in progress....", "62185"), "Neuzeichnen...");
+  EXPECT_EQ(services.LocalMessage("Select Object", "62100"), "Select Object");
+
+  // Loading a folder without a catalogue forgets the previous language.
+  services.loadCatalogue(folder + "/missing");
+  EXPECT_EQ(services.LocalMessage("Redraw in progress....", "62185"), "Redraw in progress....");
+}
+
+TEST(SystemServicesQuestion, AskYesNoGoesThroughThePrompts) {
+  SystemServices silent;
+  EXPECT_FALSE(silent.AskYesNo("Delete Selected items", "Fabrication Editor"));
+
+  ScriptedPrompts prompts;
+  SystemServices services(&prompts);
+  prompts.answers = {answer::No, answer::Yes, answer::Cancel};
+  EXPECT_FALSE(services.AskYesNo("Clear all elements", "Fabrication Editor"));
+  EXPECT_TRUE(services.AskYesNo("second", "t"));
+  EXPECT_FALSE(services.AskYesNo("third", "t"));
+  ASSERT_EQ(prompts.shown.size(), 3u);
+  EXPECT_EQ(prompts.shown[0].prompt, "Clear all elements");
+  EXPECT_EQ(prompts.shown[0].title, "Fabrication Editor");
+  EXPECT_EQ(prompts.shown[0].flags & 0xF, msgbox::YesNo);
+}
+
+TEST(SystemServicesPaths, EnsureBackslashAddsOneSeparatorOnly) {
+  struct Case {
+    std::string in, out;
+  } cases[] = {{"/opt/tarvex", "/opt/tarvex/"},
+               {"/opt/tarvex/", "/opt/tarvex/"},
+               {"C:\\Tarvex\\", "C:\\Tarvex\\"},
+               {"relative", "relative/"},
+               {"", ""}};
+  for (Case& c : cases) {
+    SCOPED_TRACE(c.in);
+    std::string path = c.in;
+    EXPECT_EQ(SystemServices::EnsureBackslash(path), c.out);
+    EXPECT_EQ(path, c.out);
+  }
+  EXPECT_EQ(SystemServices::StringFromPointer(nullptr), "");
+  EXPECT_EQ(SystemServices::StringFromPointer("TVN"), "TVN");
+}
+
+// The catalogues that ship: every line is a valid entry with an id of its own, and the German one
+// translates every message the English one holds.
+std::vector<std::string> shippedIds(const std::string& language, MessageCatalogue& catalogue) {
+  const std::string folder = std::string(TVX_SOURCE_DIR) + "/data/COUNTRY/" + language;
+  EXPECT_TRUE(catalogue.load(folder)) << folder;
+  std::ifstream in(folder + "/GBRVIEWER.MSG", std::ios::binary);
+  std::vector<std::string> ids;
+  for (std::string line; std::getline(in, line);)
+    if (!line.empty() && line[0] != '#')
+      ids.push_back(line.substr(0, line.find('\t')));
+  EXPECT_EQ(catalogue.size(), ids.size()) << language << ": a line is skipped or holds an id twice";
+  return ids;
+}
+
+TEST(ShippedCatalogues, GermanTranslatesEveryEnglishMessage) {
+  MessageCatalogue english, german;
+  const std::vector<std::string> ids = shippedIds("English", english);
+  shippedIds("German", german);
+  EXPECT_GT(ids.size(), 100u);
+  EXPECT_EQ(german.size(), english.size()) << "German holds ids English has not";
+  for (const std::string& id : ids)
+    EXPECT_NE(german.find(id), nullptr) << "missing in German: " << id;
+
+  SystemServices services;
+  services.loadCatalogue(std::string(TVX_SOURCE_DIR) + "/data/COUNTRY/German");
+  EXPECT_EQ(services.LocalMessage("Can't read file: ", "62451"),
+            "Datei kann nicht gelesen werden: ");
+  EXPECT_EQ(services.LocalMessage("Delete element?", "625"), "Element l\xC3\xB6schen?");
+}
+
+namespace fs = std::filesystem;
+
+std::string readFile(const std::string& path) {
+  std::string text;
+  EXPECT_TRUE(readWholeFile(path, text)) << path;
+  return text;
+}
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream out(path, std::ios::binary);
+  out << text;
+}
+
+class IniSettings : public ::testing::Test {
+protected:
+  void SetUp() override {
+    ASSERT_TRUE(dir_.isValid());
+    path_ = dir_.filePath("tarvex.ini").toStdString();
+    services_.SetIniFile(path_);
+  }
+
+  QTemporaryDir dir_;
+  std::string path_;
+  SystemServices services_;
+};
+
+TEST_F(IniSettings, ValuesWrittenReadBackTheSameInAFreshServiceObject) {
+  const std::vector<std::pair<std::string, std::string>> values = {
+      {"Plain", "English,English,65535"},
+      {"Empty", ""},
+      {"Blanks", "  padded both ends  "},
+      {"Quoted", "\"already quoted\""},
+      {"Equals", "a=b=c"},
+      {"Semicolon", "; not a comment"},
+      {"Utf8", "Gr\xC3\xB6\xC3\x9F"
+               "e \xE6\x96\xB0"},
+      {"Brackets", "[not a section]"},
+      {"LoneQuote", "\""},
+  };
+  int32_t status = -1;
+  for (const auto& [key, value] : values) {
+    services_.WriteIniString("GBRVIEWER", key, value, status);
+    ASSERT_EQ(status, 0) << key;
+  }
+  SystemServices fresh;
+  fresh.SetIniFile(path_);
+  for (const auto& [key, value] : values) {
+    SCOPED_TRACE(key);
+    EXPECT_EQ(fresh.GetIniString("GBRVIEWER", key, "default"), value);
+    EXPECT_EQ(services_.GetIniString("GBRVIEWER", key, "default"), value);
+  }
+  // Overwriting keeps one line per key.
+  services_.WriteIniString("GBRVIEWER", "Plain", "German,German,0", status);
+  EXPECT_EQ(fresh.GetIniString("gbrviewer", "PLAIN", ""), "German,German,0");
+  IniDocument doc(readFile(path_));
+  EXPECT_EQ(doc.keys("GBRVIEWER").size(), values.size());
+}
+
+TEST_F(IniSettings, LenientReadingOfUntidyFiles) {
+  writeFile(path_, "\xEF\xBB\xBF"
+                   "TopKey=outside any section\r\n"
+                   "garbage line without equals\r\n"
+                   "=value without key\r\n"
+                   "[ Country ]\r\n"
+                   "  Number = 2  \r\n"
+                   "Number=3\r\n"
+                   "Default=\r\n"
+                   "; Number=9\r\n"
+                   "[Images\r\n"
+                   "IMGHEIGHT=24\r\n");
+  struct Case {
+    const char* section;
+    const char* key;
+    const char* expected;
+  } cases[] = {
+      {"", "TopKey", "outside any section"},
+      {"COUNTRY", "number", "2"},  // first of duplicate keys, trimmed, case-blind
+      {"Country", "Default", ""},  // present but empty: not the default
+      {"Country", "Missing", "dflt"},
+      {"IMAGES", "IMGHEIGHT", "24"},  // header without its closing bracket
+      {"Nowhere", "Number", "dflt"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.section) + "/" + c.key);
+    EXPECT_EQ(services_.GetIniString(c.section, c.key, "dflt"), c.expected);
+  }
+}
+
+// Changed values keep their line's place; a new key lands behind the last key of its own
+// section, a new section at the end; every other byte stays as it was.
+TEST_F(IniSettings, WritingKeepsEveryOtherLineByteForByte) {
+  writeFile(path_, "\xEF\xBB\xBF; settings of the suite\r\n[GBRVIEWER]\r\ngarbage line\r\n"
+                   "Zoom = 5   \r\nGrid=1\r\n\r\n# another comment\r\n[COUNTRY]\r\nNumber=1\r\n");
+  int32_t status = -1;
+  for (const auto& [section, key, value] : {std::tuple{"GBRVIEWER", "Grid", "2"},
+                                            {"GBRVIEWER", "Zoom", "7"},
+                                            {"GBRVIEWER", "Ruler", "0"},
+                                            {"PRINT", "Copies", "2"}}) {
+    services_.WriteIniString(section, key, value, status);
+    ASSERT_EQ(status, 0) << key;
+  }
+  EXPECT_EQ(readFile(path_),
+            "\xEF\xBB\xBF; settings of the suite\r\n[GBRVIEWER]\r\ngarbage line\r\n"
+            "Zoom = 7\r\nGrid=2\r\nRuler=0\r\n\r\n# another comment\r\n"
+            "[COUNTRY]\r\nNumber=1\r\n\r\n[PRINT]\r\nCopies=2\r\n");
+}
+
+TEST_F(IniSettings, LfFilesStayLfAndAMissingFileIsCreated) {
+  writeFile(path_, "[A]\nx=1");  // no final line break
+  int32_t status = -1;
+  services_.WriteIniString("A", "y", "2", status);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2");
+  services_.WriteIniString("B", "z", "3", status);
+  EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2\n\n[B]\nz=3\n");
+
+  const std::string other = dir_.filePath("new.ini").toStdString();
+  services_.SetIniFile(other);
+  EXPECT_EQ(services_.GetIniString("A", "x", "none"), "none");
+  services_.WriteIniString("A", "x", "5", status);
+  ASSERT_EQ(status, 0);
+  EXPECT_EQ(readFile(other), "[A]\nx=5\n");
+
+  // A change by another writer is seen and kept.
+  writeFile(other, "[A]\nx=22\ny=other writer\n");
+  EXPECT_EQ(services_.GetIniString("A", "x", ""), "22");
+  services_.WriteIniString("A", "z", "mine", status);
+  EXPECT_EQ(readFile(other), "[A]\nx=22\ny=other writer\nz=mine\n");
+}
+
+TEST_F(IniSettings, UnwritableValuesAndPlacesGiveStatusOneAndChangeNothing) {
+  writeFile(path_, "[A]\nx=1\n");
+  for (const auto& [key, value] : {std::pair{"x", "two\nlines"}, {"", "no key"}, {"k=v", "v"}}) {
+    SCOPED_TRACE(key);
+    int32_t status = 0;
+    services_.WriteIniString("A", key, value, status);
+    EXPECT_EQ(status, 1);
+  }
+  EXPECT_EQ(readFile(path_), "[A]\nx=1\n");
+  EXPECT_EQ(services_.GetIniString("A", "x", ""), "1");
+
+  // A folder that does not exist, a "folder" that is a file, and no file at all.
+  for (const std::string& bad : {dir_.filePath("no/such/folder/t.ini").toStdString(),
+                                 dir_.filePath("tarvex.ini/t.ini").toStdString(), std::string()}) {
+    SCOPED_TRACE(bad);
+    SystemServices services;
+    if (!bad.empty())
+      services.SetIniFile(bad);
+    int32_t status = 0;
+    services.WriteIniString("A", "x", "2", status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(services.GetIniString("A", "x", "dflt"), "dflt");
+  }
+}
+
+// A write that fails half way (the disk fills up) must leave the old file as it was and no
+// temporary behind. The file size limit makes every write beyond it fail, also for root; it is
+// set in a child process so that nothing else of the test run is limited.
+TEST_F(IniSettings, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
+  std::string original = "[GBRVIEWER]\n";
+  for (int i = 0; i < 40; ++i)
+    original += "Key" + std::to_string(i) + "=value number " + std::to_string(i) + "\n";
+  writeFile(path_, original);
+  const std::string big(4000, 'x');
+
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{256, 256};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    SystemServices services;
+    services.SetIniFile(path_);
+    int32_t status = 0;
+    services.WriteIniString("GBRVIEWER", "Big", big, status);
+    _exit(status == 1 ? 0 : 3);
+  }
+  int wstatus = 0;
+  ASSERT_EQ(waitpid(child, &wstatus, 0), child);
+  ASSERT_TRUE(WIFEXITED(wstatus));
+  EXPECT_EQ(WEXITSTATUS(wstatus), 0) << "the failed write did not give status 1";
+  EXPECT_EQ(readFile(path_), original);
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_.path().toStdString()), {}), 1)
+      << "a temporary file was left behind";
+
+  // Without the limit the same write succeeds.
+  int32_t status = -1;
+  services_.WriteIniString("GBRVIEWER", "Big", big, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(services_.GetIniString("GBRVIEWER", "Big", ""), big);
+  EXPECT_EQ(services_.GetIniString("GBRVIEWER", "Key39", ""), "value number 39");
+}
+
+TEST(IniDocument, ValueEncodingRoundTripsThroughTheText) {
+  for (const std::string& value : {std::string(""), std::string(" a"), std::string("a "),
+                                   std::string("\"q\""), std::string("\"x"), std::string("\t")}) {
+    SCOPED_TRACE("[" + value + "]");
+    IniDocument doc;
+    ASSERT_TRUE(doc.setValue("S", "k", value));
+    IniDocument again(doc.text());
+    EXPECT_EQ(again.value("S", "k").value_or("<missing>"), value);
+  }
+}
+
+// Each glyph marks its point and stays within its size; drawn twice in exclusive-or it is gone.
+TEST(MarkGlyphs, GlyphsMarkTheirPointAndEraseThemselves) {
+  test::guiTestApplication();
+  Kernel k;
+  SystemServices services;
+  services.setGraphics(&k.graphics);
+  for (int glyph : {1, 5, 6, 7, 8, 10}) {
+    SCOPED_TRACE(glyph);
+    QImage image(60, 60, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    const QImage blank = image;
+    int32_t dev = k.graphics.G_GetDC(&image);
+    ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 60, 60, 0, 0, 4}, 0), 1);
+    services.DrawMarkGlyph(dev, 4, std::to_string(glyph), 0, 0, 15, 0, 2000, 2000);
+    k.graphics.G_CloseDC(dev, 0);
+    int lit = 0, far = 0;
+    for (int py = 0; py < 60; ++py)
+      for (int px = 0; px < 60; ++px)
+        if (image.pixel(px, py) != blank.pixel(px, py)) {
+          ++lit;
+          far += std::abs(px - 30) > 12 || std::abs(py - 30) > 12;
+        }
+    EXPECT_GT(lit, 5);
+    EXPECT_EQ(far, 0) << "a 2000-unit glyph stays within 10 pixels of its point";
+
+    image = blank;
+    ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 60, 60, 0, 0, 4}, 0), 1);
+    services.DrawMarkGlyph(dev, 6, std::to_string(glyph), 0, 0, 15, 30000, 2000, 2000);
+    services.DrawMarkGlyph(dev, 6, std::to_string(glyph), 0, 0, 15, 30000, 2000, 2000);
+    k.graphics.G_CloseDC(dev, 0);
+    EXPECT_EQ(image, blank);
+    k.graphics.G_DeleteDC(dev);
+  }
+  EXPECT_FALSE(drawMarkGlyph(k.graphics, 1, 4, 2, 0, 0, 15, 0, 10, 10)) << "no glyph 2";
+}
+
+std::vector<std::string> itemsOf(const TokenList& list) {
+  std::vector<std::string> items;
+  for (int32_t i = 1; i <= list.Count(); ++i)
+    items.push_back(list.Item(i));
+  return items;
+}
+
+TEST(TokenListTest, ParseCutsAtEveryDelimiter) {
+  struct Case {
+    std::string text;
+    std::string delimiter;
+    std::vector<std::string> items;
+  };
+  const Case cases[] = {
+      {"TVNGBRVIEWER,MX", ",", {"TVNGBRVIEWER", "MX"}},
+      {"TVNGBRVIEWER", ",", {"TVNGBRVIEWER"}},
+      {"", ",", {}},
+      {"a,,b", ",", {"a", "", "b"}},
+      {"a,b,", ",", {"a", "b", ""}},
+      {",a", ",", {"", "a"}},
+      {" a , b ", ",", {" a ", " b "}},
+      {"a<>b<>c", "<>", {"a", "b", "c"}},
+      {"a<b>c", "<>", {"a<b>c"}},
+      {"a,b", "", {"a,b"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE("'" + c.text + "' at '" + c.delimiter + "'");
+    TokenList list;
+    list.Parse(c.text, c.delimiter);
+    EXPECT_EQ(list.Count(), static_cast<int32_t>(c.items.size()));
+    EXPECT_EQ(itemsOf(list), c.items);
+  }
+}
+
+TEST(TokenListTest, IndexOutsideTheItemsYieldsEmptyText) {
+  TokenList list;
+  EXPECT_EQ(list.Count(), 0);
+  EXPECT_EQ(list.Item(1), "");
+  list.Parse("a,b", ",");
+  for (int32_t index : {0, -1, 3, 1000}) {
+    SCOPED_TRACE(index);
+    EXPECT_EQ(list.Item(index), "");
+    EXPECT_EQ(list.ItemValue(index), 0.0);
+  }
+  // A new text replaces the old items.
+  list.Parse("c", ",");
+  EXPECT_EQ(list.Count(), 1);
+  EXPECT_EQ(list.Item(1), "c");
+  EXPECT_EQ(list.Item(2), "");
+}
+
+TEST(TokenListTest, ItemValueReadsLeniently) {
+  struct Case {
+    std::string item;
+    double value;
+  };
+  const Case cases[] = {
+      {"12", 12.0}, {"-3.25", -3.25}, {"2,5", 2.5},     {"1,2,3", 1.2},  {"  7", 7.0},
+      {"+4", 4.0},  {"+-4", 0.0},     {"12.5mm", 12.5}, {"1e3", 1000.0}, {"abc", 0.0},
+      {"", 0.0},    {"-", 0.0},       {".5", 0.5},      {"1e999", 0.0},  {"0,001", 0.001},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE("'" + c.item + "'");
+    TokenList list;
+    list.Parse("x;" + c.item, ";");
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_DOUBLE_EQ(list.ItemValue(2), c.value);
+  }
+}
+
+}  // namespace
+}  // namespace tvx
