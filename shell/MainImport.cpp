@@ -56,8 +56,10 @@ void GBRVIEWER_MAIN::M_FSIimport_Click() {
   request->setNameFilters(importFileFilters());
   request->selectNameFilter(importFileFilters().front());
   request->setDirectory(QString::fromStdString(settings_.ImpDir));
-  connect(request, &QFileDialog::fileSelected, this,
-          [this](const QString& file) { importChosenFile(file.toStdString()); });
+  // The import starts once the request has gone from the screen.
+  connect(request, &QFileDialog::fileSelected, this, [this](const QString& file) {
+    QTimer::singleShot(0, this, [this, path = file.toStdString()] { importChosenFile(path); });
+  });
   connect(request, &QFileDialog::rejected, this, [this] { M_FSI_Click(1); });
   fileRequest_ = request;
   request->open();

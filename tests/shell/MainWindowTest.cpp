@@ -178,6 +178,7 @@ TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
   const int32_t precision = window()->view().m_Precision;
   request->selectFile(QString::fromStdString(path));
   QMetaObject::invokeMethod(request, "accept");
+  QCoreApplication::processEvents();  // the import starts once the request has gone
 
   // The import window takes the file and imports it at once: a drill file has its layer.
   EXPECT_EQ(drillEntries(), 3);
