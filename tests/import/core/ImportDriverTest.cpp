@@ -235,15 +235,13 @@ TEST_F(LayerBindingTest, HpglAndDxfAreBoundToTheOutlineAtOnce) {
                                                ? std::vector<int32_t>{30}
                                                : std::vector<int32_t>{30, 1, 2, 3, 4, 5, 6};
       EXPECT_EQ(choices(), offered);
-      ASSERT_EQ(outline.Files.size(), 1u);
-      const LayerFileRecord& file = outline.Files[0];
-      EXPECT_EQ(file.ReaderCode, kind == ImportKind::Hpgl ? ReaderHpgl : ReaderDxf);
-      EXPECT_EQ(file.FileName, "/boards/outline.dxf");
-      EXPECT_EQ(file.Colour, 12);
-      EXPECT_EQ(file.OffsetX, 0);
-      EXPECT_TRUE(file.Tools.empty());
+      LayerFileRecord file;
+      file.FileName = "/boards/outline.dxf";
+      file.Colour = 12;
+      file.ReaderCode = kind == ImportKind::Hpgl ? ReaderHpgl : ReaderDxf;
+      file.OriginalCoordinates = noCenter;
+      EXPECT_EQ(outline.Files, std::vector<LayerFileRecord>{file});
       EXPECT_EQ(outline.OriginalCoordinates, noCenter);
-      EXPECT_EQ(file.OriginalCoordinates, noCenter);
       EXPECT_TRUE(state.Job.Prepared);
     }
   }
@@ -267,14 +265,13 @@ TEST_F(LayerBindingTest, DrillFilesAreBoundToTheDrillLayerAndScanned) {
     bindKind(kind, false);
     EXPECT_EQ(state.DialogLayer, 31);
     EXPECT_EQ(choices(), std::vector<int32_t>{31});
-    ASSERT_EQ(drill.Files.size(), 1u);
-    const LayerFileRecord& file = drill.Files[0];
-    EXPECT_EQ(file.ReaderCode, ReaderExcellon);
-    EXPECT_EQ(file.Tag, " ");
-    EXPECT_EQ(file.FilterMask, 50);
-    EXPECT_TRUE(file.Mirror);
-    EXPECT_FALSE(file.OriginalCoordinates);
-    EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 80000, 1, 1}}));
+    LayerFileRecord file;
+    file.ReaderCode = ReaderExcellon;
+    file.FilterMask = 50;
+    file.Colour = drill.ColourNumber;
+    file.Mirror = true;
+    file.Tools = {{1, 80000, 1, 1}};
+    EXPECT_EQ(drill.Files, std::vector<LayerFileRecord>{file});
     EXPECT_EQ(scans, std::vector<std::string>{state.Job.ExcellonText});
     EXPECT_EQ(state.Job.Kind, ImportKind::ExcellonFormatOne) << "the scan's kind is the job's";
   }
