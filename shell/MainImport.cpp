@@ -135,8 +135,10 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   syncMenuChecks();
   currentFunction_ = 0;
   M_FSI_Click(1);
-  if (displayFile)
+  if (displayFile) {
+    EditMsgLine(std::string());  // the reading is over
     askToDisplayFile(path, false);
+  }
 }
 
 int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {

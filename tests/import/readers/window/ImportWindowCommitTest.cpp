@@ -85,6 +85,15 @@ TEST_F(ImportWindowCommit, OpeningAFileEndsInItsRowsOrInItsText) {
       EXPECT_EQ(fresh.events.back(), "main line " + fresh.nextFile + " Completed");
     }
   }
+  // Taken as Gerber by the user's choice of kind, text that is none: the pass rejects it, says so
+  // once, and the file is offered as text.
+  test::ImportWindowWorld chosen;
+  chosen.openAs("chosen.gbr", gerber + std::string(101, 'q') + "M02*", ImportKind::ArtworkRS274X);
+  EXPECT_EQ(chosen.events.back(), "main line ");
+  EXPECT_NE(std::find(chosen.events.begin(), chosen.events.end(), "display file"),
+            chosen.events.end());
+  EXPECT_EQ(chosen.boxes().size(), 1u);
+
   openArtwork();
   EXPECT_EQ(world.events.back(), "main line Silkscreen Top Import successful");
 }
