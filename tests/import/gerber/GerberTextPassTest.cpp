@@ -18,6 +18,7 @@ using test::findRow;
 using test::GerberPass;
 using test::inches;
 using test::typesOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 
 constexpr uint8_t Flash = artrecord::Flash, Start = artrecord::PathStart,
@@ -162,13 +163,8 @@ TEST(GerberTextPass, UndefinedDCodesAreKeptWithSizeZero) {
   GerberPass pass;
   ASSERT_EQ(pass.run("%ADD10C,0.01*%D99*X0Y0D02*X100Y0D01*D98*X5Y5D03*M02*"), 0);
   const ApertureLists& lists = pass.scan.Lists;
-  const ApertureUse* draw = findRow(lists.DrawList, 99);
-  ASSERT_NE(draw, nullptr);
-  EXPECT_EQ(draw->Size, 0);
-  EXPECT_EQ(draw->Uses, 1);
-  const ApertureUse* flash = findRow(lists.RoundPadList, 98);
-  ASSERT_NE(flash, nullptr);
-  EXPECT_EQ(flash->Size, 0);
+  EXPECT_THAT(lists.DrawList, Contains(ApertureUse{99, 0, 1}));
+  EXPECT_THAT(lists.RoundPadList, Contains(ApertureUse{98, 0, 1}));
   EXPECT_FALSE(lists.DefinedDCodes.count(99));
   EXPECT_TRUE(lists.DefinedDCodes.count(10));
   EXPECT_EQ(pass.stream().back().N, 98);
@@ -237,19 +233,16 @@ TEST(GerberTextPass, SingleQuadrantCentreByDirection) {
     for (double si : {1.0, -1.0}) {
       double cx = 0, cy = 0;
       ASSERT_TRUE(arcCentre(74, c.mode, 0, 0, c.ex, c.ey, si * i, -si * j, cx, cy));
-      EXPECT_EQ(cx, c.cx);
-      EXPECT_EQ(cy, c.cy);
+      EXPECT_EQ(std::pair(cx, cy), std::pair(c.cx, c.cy));
     }
   }
   double cx = 7, cy = 7;
   // A tie goes to the first line that fits: no travel at all is the first counter-clockwise line.
   ASSERT_TRUE(arcCentre(74, 3, 1, 1, 1, 1, i, j, cx, cy));
-  EXPECT_EQ(cx, 1 - i);
-  EXPECT_EQ(cy, 1 - j);
+  EXPECT_EQ(std::pair(cx, cy), std::pair(1 - i, 1 - j));
   EXPECT_FALSE(arcCentre(74, 1, 0, 0, 1, 1, i, j, cx, cy)) << "no arc mode";
   ASSERT_TRUE(arcCentre(75, 1, 10, 10, 1, 1, -i, j, cx, cy));
-  EXPECT_EQ(cx, 10 - i);
-  EXPECT_EQ(cy, 10 + j);
+  EXPECT_EQ(std::pair(cx, cy), std::pair(10 - i, 10 + j));
 }
 
 TEST(GerberTextPass, ProgressIsShownAndTheEventLoopServed) {
@@ -304,10 +297,7 @@ TEST(GerberTextPass, ReadsTheSourceFromDiskInPieces) {
   std::string text = "%FSLAX24Y24*%%ADD10C,0.01*%D10*X0Y0D02*";
   for (int n = 1; n <= 20000; ++n)
     text += "X" + std::to_string(n) + "Y" + std::to_string(n % 97) + "D01*\n";
-  {
-    std::ofstream out(source, std::ios::binary);
-    out << text << "M02*\n";
-  }
+  std::ofstream(source, std::ios::binary) << text << "M02*\n";
   ASSERT_EQ(pass.runFile(source), 0);
   EXPECT_EQ(findRow(pass.scan.Lists.DrawList, 10)->Uses, 20000);
   EXPECT_DOUBLE_EQ(pass.scan.Header.MaxX, inches(2.0));

@@ -174,16 +174,11 @@ TEST_F(ImportSettingsTest, HandEditedValuesAreReadLenientlyAndWithoutRangeChecks
                 "[GERBER]\nXYFormBX=-4\nXScale= 2.25mm\nYScale=1e3\n");
   DxfFormat dxf;
   LoadDxfSettings(services, dxf);
-  EXPECT_EQ(dxf.DxfUnit, 0);
-  EXPECT_DOUBLE_EQ(dxf.DxfScale, 1.5);  // the first comma is the decimal point
-
+  EXPECT_EQ(dxf, (DxfFormat{0, 1.5}));  // the first comma is the decimal point
   ExcellonFormat excellon;
   LoadExcellonSettings(services, excellon);
-  EXPECT_EQ(excellon.XYunit, 7);   // out of range, kept
-  EXPECT_EQ(excellon.XYFormB, 2);  // a half goes to the even neighbour
-  EXPECT_EQ(excellon.XYFormA, 4);
-  EXPECT_EQ(excellon.OMZeros, 0);  // no number in the text
-
+  // 7 is out of range and kept, halves go to the even neighbour, "none" holds no number.
+  EXPECT_EQ(excellon, (ExcellonFormat{7, 2, 4, 0}));
   GerberFormat gerber;
   LoadGerberSettings(services, gerber);
   EXPECT_EQ(gerber.IntegerDigits[AxisX], -4);
@@ -224,12 +219,10 @@ TEST_F(ImportSettingsTest, SavedGroupsReadBackTheSameInAFreshServiceObject) {
 }
 
 TEST(SettingTextTest, NumbersThatAreNotNegativeBeginWithABlank) {
-  EXPECT_EQ(settingText(2), " 2");
-  EXPECT_EQ(settingText(0), " 0");
-  EXPECT_EQ(settingText(1.5), " 1.5");
-  EXPECT_EQ(settingText(-3), "-3");
-  EXPECT_EQ(settingText(-0.25), "-0.25");
-  EXPECT_EQ(settingText(1e20), " 1e+20");
+  const std::pair<double, const char*> cases[] = {{2, " 2"},  {0, " 0"},        {1.5, " 1.5"},
+                                                  {-3, "-3"}, {-0.25, "-0.25"}, {1e20, " 1e+20"}};
+  for (const auto& [value, text] : cases)
+    EXPECT_EQ(settingText(value), text) << value;
 }
 
 }  // namespace
