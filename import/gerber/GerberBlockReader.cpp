@@ -200,7 +200,7 @@ void GerberBlockReader::interpretG() {
     ArcMode = false;
     InPolygon = true;
     PolygonStart = true;
-    InterpolationMode = 36;
+    InterpolationMode = RegionMode;
   } else if (code == "37") {
     ArcMode = false;
     PolygonEnd = true;

@@ -30,6 +30,9 @@ inline constexpr int32_t Garbage = 92;        // text that is no Gerber
 // 0 for a character outside it.
 int gerberCharacterPosition(unsigned char c);
 
+// The interpolation mode of a region (G36), as the path start of each of its contours carries it.
+inline constexpr int32_t RegionMode = 36;
+
 class GerberBlockReader {
 public:
   // Gives the next piece of the text: false at the end of the text, or with status set when the
@@ -68,7 +71,7 @@ public:
   double I = 0, J = 0;  // centre offsets
   int32_t Operation = 0;
   int32_t CurrentD = 0;
-  double InterpolationMode = 1;  // last G01, G02, G03 or G36 as a number
+  double InterpolationMode = 1;  // last G01, G02, G03 or G36 (RegionMode) as a number
   bool ArcMode = false;          // after G02 or G03
   double QuadrantMode = 74;      // last G74 or G75
   bool InPolygon = false;

@@ -5,6 +5,7 @@
 #include "import/core/StatusCodes.h"
 #include "import/gerber/ApertureExpansion.h"
 #include "import/gerber/ApertureLabel.h"
+#include "import/gerber/GerberBlockReader.h"
 #include "import/gerber/GerberFormat.h"
 #include "kernel/PlaneGeometry.h"
 #include "kernel/Store.h"
@@ -21,7 +22,7 @@ constexpr int32_t FirstPolygonId = 10000;
 // Modes of the pen.
 namespace mode {
 constexpr int32_t None = 0, Line = 1, Clockwise = 2, CounterClockwise = 3, Circle = 4;
-constexpr int32_t Polygon = 36;
+constexpr int32_t Polygon = RegionMode;
 }  // namespace mode
 
 int32_t mirrored(int32_t m, bool mirror) {
@@ -258,13 +259,18 @@ void DrawingPass::run(int32_t& status) {
       flash(record.N);
       break;
     case artrecord::PathStart:
-    case artrecord::PolygonArcStart:
+    case artrecord::PolygonArcStart: {
+      const bool contour = record.Type == artrecord::PathStart && record.N == mode::Polygon;
+      // A region of several contours: each one is complete when the next one starts.
+      if (contour && points_.size() > 1)
+        polygonEnd();
       prevX_ = curX_;
       prevY_ = curY_;
       mode_ = record.N;
-      if (record.Type == artrecord::PathStart ? record.N == mode::Polygon : points_.empty())
+      if (contour || (record.Type == artrecord::PolygonArcStart && points_.empty()))
         openPolygon();
       break;
+    }
     case artrecord::PathPoint:
       if (mode_ == mode::Polygon)
         points_.push_back({outlinepoint::Straight, curX_, curY_});

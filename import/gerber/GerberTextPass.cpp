@@ -202,7 +202,7 @@ bool TextPass::writeOperation(int32_t& status) {
     if (!put({artrecord::ArcCentreOrPolygonEnd, -1, 0, 0}))
       return writeFailed(status), false;
     // G36 again behind the G37: the next polygon starts at once.
-    if (reader_.InterpolationMode == 36)
+    if (reader_.InterpolationMode == RegionMode)
       reader_.InPolygon = true;
   }
   switch (reader_.Operation) {
@@ -274,8 +274,11 @@ bool TextPass::draw(int32_t& status) {
     needStart_ = true;
   }
   if (needStart_) {
-    if (!put({polygonArc ? artrecord::PolygonArcStart : artrecord::PathStart,
-              toInt32(r.InterpolationMode), prevX_, prevY_}))
+    // A straight side that starts a contour of a region says so, even after an arc side left its
+    // direction in the interpolation mode: it starts a new outline.
+    const double startMode = r.InPolygon && !polygonArc ? RegionMode : r.InterpolationMode;
+    if (!put({polygonArc ? artrecord::PolygonArcStart : artrecord::PathStart, toInt32(startMode),
+              prevX_, prevY_}))
       return writeFailed(status), false;
     needStart_ = false;
   }

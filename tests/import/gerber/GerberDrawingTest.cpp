@@ -165,6 +165,18 @@ TEST_F(GerberDrawing, PolygonsAreNumberedFrom10001AndNeedTheirFilter) {
   EXPECT_TRUE(items().empty());
 }
 
+TEST_F(GerberDrawing, EachContourOfARegionIsAPolygonOfItsOwn) {
+  // The second contour starts (D02) after an arc side and a G01 of the first.
+  ASSERT_EQ(drawText("G36*X0Y0D02*G01X1000Y0D01*G75*G03X1000Y1000I0J500D01*G01X0Y1000D01*"
+                     "X0Y0D01*X2000Y0D02*X3000Y0D01*X3000Y1000D01*G37*"),
+            0);
+  const auto all = items();
+  EXPECT_EQ(typesOf(all), (std::vector<int32_t>{ItemLine, ItemArc, ItemLine, ItemLine, ItemLine,
+                                                ItemLine, ItemLine}));
+  EXPECT_EQ((std::array{all.front().Link, all.back().Link}), (std::array{10001, 10002}));
+  EXPECT_EQ(all[4].X, 200000) << "the second outline is a side of the region, not a stroke";
+}
+
 TEST_F(GerberDrawing, PolygonArcsFlatterThanTwoDegreesBecomeTwoSides) {
   // A quarter arc stays an arc; an arc of about one degree on a 10 mm radius does not.
   ASSERT_EQ(drawText("G36*X0Y0D02*G01X10000Y0D01*G75*G03X0Y10000I-10000J0D01*G01X0Y0D01*G37*"), 0);
