@@ -174,25 +174,13 @@ TEST_F(HostTest, TheDrillFileOfTheCommandLineShowsItsHolesOnly) {
 
 TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
   ASSERT_TRUE(QFileInfo(binary("gbrview")).isExecutable()) << "build the target gbrview first";
+  // Refused by the command line (whose own tests hold the reasons) or by the render's check.
   const QStringList bad[] = {
       {},
       {"draw", "a.gbr"},
-      {"render"},
-      {"render", "a.gbr"},
-      {"render", "-o", "out.png"},
-      {"render", "-o", "out.jpg", "a.gbr"},
       {"render", "--dpi", "0", "-o", "out.png", "a.gbr"},
-      {"render", "--dpi", "many", "-o", "out.png", "a.gbr"},
-      {"render", "--window", "0,0,10", "-o", "out.png", "a.gbr"},
-      {"render", "--window", "10,0,0,10", "-o", "out.png", "a.gbr"},
-      {"render", "--window=0,0,10", "-o", "out.png", "a.gbr"},
-      {"render", "--window=-5,-5,10", "-o", "out.png", "a.gbr"},
-      {"render", "--layer", "32", "-o", "out.png", "a.gbr"},
-      {"render", "--colour", "-o", "out.png", "a.gbr"},
       {"render", "-o", "out.png", "a.gbr", "--dpi"},
-      {"info"},
       {"info", "a.gbr", "b.gbr"},
-      {"info", "--xml", "a.gbr"},
   };
   for (const QStringList& arguments : bad) {
     SCOPED_TRACE(arguments.join(' ').toStdString());
