@@ -9,8 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -55,17 +57,10 @@ TEST(ParseList, FieldsQuotesAndCommas) {
 
 TEST(ParseList, EveryFieldAlsoGivesItsNumber) {
   ParsedList list = ParseList("OSTKEY,1,8,\"2,5\",x,-7e1");
-  ASSERT_EQ(list.count(), 6);
-  EXPECT_EQ(list.Values[0], 6);
-  EXPECT_EQ(list.Values[1], 0);
-  EXPECT_EQ(list.Values[3], 8);
-  EXPECT_DOUBLE_EQ(list.Values[4], 2.5);
-  EXPECT_EQ(list.Values[6], -70);
+  EXPECT_EQ(list.Values, (std::vector<double>{6, 0, 1, 8, 2.5, 0, -70}));
   // Outside 1..count the accessors give an empty text and 0 instead of reading past the end.
-  EXPECT_EQ(list.token(0), "");
-  EXPECT_EQ(list.token(7), "");
-  EXPECT_EQ(list.value(7), 0);
-  EXPECT_EQ(list.value(-1), 0);
+  EXPECT_EQ(std::tuple(list.token(0), list.token(7), list.value(7), list.value(-1)),
+            std::tuple("", "", 0, 0));
 }
 
 TEST(SplitAt, CutsAtEverySeparator) {
@@ -73,40 +68,31 @@ TEST(SplitAt, CutsAtEverySeparator) {
     const char* text;
     const char* separator;
     Fields expected;
-  } cases[] = {
-      {"0.0100X0.0200", "X", {"0.0100", "0.0200"}},
-      {"", "X", {}},  // empty text: no field at all
-      {"0.5", "X", {"0.5"}},
-      {"1X2X", "X", {"1", "2", ""}},  // separator at the end: a further, empty field
-      {"X1", "X", {"", "1"}},
-      {"1XX2", "X", {"1", "", "2"}},
-      {"a<>b<>c", "<>", {"a", "b", "c"}},  // a separator of several characters
-      {"a,b", "", {"a,b"}},
-  };
+  } cases[] = {{"0.0100X0.0200", "X", {"0.0100", "0.0200"}},
+               {"", "X", {}},  // empty text: no field at all
+               {"0.5", "X", {"0.5"}},
+               {"1X2X", "X", {"1", "2", ""}},  // separator at the end: a further, empty field
+               {"X1", "X", {"", "1"}},
+               {"1XX2", "X", {"1", "", "2"}},
+               {"a<>b<>c", "<>", {"a", "b", "c"}},  // a separator of several characters
+               {"a,b", "", {"a,b"}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.text) + " at " + c.separator);
-    ParsedList list = SplitAt(c.text, c.separator);
-    EXPECT_EQ(fieldsOf(list), c.expected);
+    EXPECT_EQ(fieldsOf(SplitAt(c.text, c.separator)), c.expected);
   }
-  ParsedList numbers = SplitAt("0.01X0.02X", "X");
-  ASSERT_EQ(numbers.count(), 3);
-  EXPECT_DOUBLE_EQ(numbers.Values[1], 0.01);
-  EXPECT_DOUBLE_EQ(numbers.Values[2], 0.02);
-  EXPECT_EQ(numbers.Values[3], 0);
+  EXPECT_EQ(SplitAt("0.01X0.02X", "X").Values, (std::vector<double>{3, 0.01, 0.02, 0}));
 }
 
 TEST(ToNumber, ReadsTheLeadingNumberLikeVal) {
   struct Case {
     const char* text;
     double expected;
-  } cases[] = {
-      {"", 0},      {"3,5", 3.5},     {"0,25", 0.25},   {"1,2,3", 1.2}, {"12mm", 12},
-      {"  42", 42}, {"\t-3.5", -3.5}, {"+7", 7},        {"-0,5", -0.5}, {",5", 0.5},
-      {".5", 0.5},  {"5.", 5},        {"1.5,3", 1.5},   {"1e3", 1000},  {"2.5E-2", 0.025},
-      {"1D2", 100}, {"1e", 1},        {"1e+", 1},       {"3e2x", 300},  {"abc", 0},
-      {"-", 0},     {".", 0},         {"- 5", 0},       {"0x10", 0},    {"007", 7},
-      {"1 2", 1},   {"1e999", 0},     {"12,5mm", 12.5},
-  };
+  } cases[] = {{"", 0},      {"3,5", 3.5},     {"0,25", 0.25},  {"1,2,3", 1.2}, {"12mm", 12},
+               {"  42", 42}, {"\t-3.5", -3.5}, {"+7", 7},       {"-0,5", -0.5}, {",5", 0.5},
+               {".5", 0.5},  {"5.", 5},        {"1.5,3", 1.5},  {"1e3", 1000},  {"2.5E-2", 0.025},
+               {"1D2", 100}, {"1e", 1},        {"1e+", 1},      {"3e2x", 300},  {"abc", 0},
+               {"-", 0},     {".", 0},         {"- 5", 0},      {"0x10", 0},    {"007", 7},
+               {"1 2", 1},   {"1e999", 0},     {"12,5mm", 12.5}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     EXPECT_DOUBLE_EQ(ToNumber(c.text), c.expected);
@@ -115,21 +101,21 @@ TEST(ToNumber, ReadsTheLeadingNumberLikeVal) {
 }
 
 TEST(TextHelpers, PathPartFirstWordStripQuotes) {
-  EXPECT_EQ(PathPart("/boards/demo/top.gbr", false), "top.gbr");
-  EXPECT_EQ(PathPart("/boards/demo/top.gbr", true), "/boards/demo");
-  EXPECT_EQ(PathPart("C:\\boards\\demo\\top.gbr", false), "top.gbr");
-  EXPECT_EQ(PathPart("C:\\boards\\demo\\top.gbr", true), "C:\\boards\\demo");
-  EXPECT_EQ(PathPart("C:top.gbr", false), "top.gbr");
-  EXPECT_EQ(PathPart("C:top.gbr", true), "C");
-  EXPECT_EQ(PathPart("top.gbr", true), "top.gbr");  // no separator: the whole path
-  EXPECT_EQ(PathPart("top.gbr", false), "top.gbr");
-  EXPECT_EQ(PathPart("/boards/", false), "");
-  EXPECT_EQ(PathPart("mixed/dir\\file", true), "mixed/dir");
+  // The file name and the folder of each path; without a separator both are the whole path.
+  const std::array<const char*, 3> paths[] = {
+      {"/boards/demo/top.gbr", "top.gbr", "/boards/demo"},
+      {"C:\\boards\\demo\\top.gbr", "top.gbr", "C:\\boards\\demo"},
+      {"C:top.gbr", "top.gbr", "C"},
+      {"top.gbr", "top.gbr", "top.gbr"},
+      {"/boards/", "", "/boards"},
+      {"mixed/dir\\file", "file", "mixed/dir"}};
+  for (const auto& [path, file, folder] : paths)
+    EXPECT_EQ(std::tuple(PathPart(path, false), PathPart(path, true)), std::tuple(file, folder))
+        << path;
 
-  EXPECT_EQ(FirstWord("notepad.exe file.txt"), "notepad.exe");
-  EXPECT_EQ(FirstWord("single"), "single");
-  EXPECT_EQ(FirstWord(" leading"), "");
-  EXPECT_EQ(FirstWord(""), "");
+  EXPECT_EQ(std::tuple(FirstWord("notepad.exe file.txt"), FirstWord("single"),
+                       FirstWord(" leading"), FirstWord("")),
+            std::tuple("notepad.exe", "single", "", ""));
 
   EXPECT_EQ(StripQuotes("  \"C:\\My Boards\\top.gbr\"  "), "C:\\My Boards\\top.gbr");
   EXPECT_EQ(StripQuotes("a\"b\"c"), "abc");
@@ -148,21 +134,17 @@ void expectPicture(const char* picture, const Cases& cases) {
 
 TEST(FormatNumberTest, LengthPicturesOfThePanels) {
   // Inch and millimetre lengths: required and one optional decimal.
-  const Cases inch = {
-      {0, "0.0000"},        {25.4, "25.4000"},     {0.123456, "0.12346"},
-      {9.99995, "9.99995"}, {9.999995, "10.0000"}, {1.000005, "1.00001"},
-      {0.000004, "0.0000"}, {-3.25, "-3.2500"},    {-0.0393701, "-0.03937"},
-  };
+  const Cases inch = {{0, "0.0000"},        {25.4, "25.4000"},     {0.123456, "0.12346"},
+                      {9.99995, "9.99995"}, {9.999995, "10.0000"}, {1.000005, "1.00001"},
+                      {0.000004, "0.0000"}, {-3.25, "-3.2500"},    {-0.0393701, "-0.03937"}};
   expectPicture("#0.0000#", inch);
-  const Cases mm = {
-      {1234.5678, "1234.5678"}, {1234.56789, "1234.5679"}, {12345.6, "12345.600"},
-      {2.00005, "2.0001"},      {-0.5, "-0.500"},
-  };
-  expectPicture("###0.000#", mm);
-  const Cases fixed = {
-      {9.99995, "10.000"}, {2.675, "2.675"},    {2.6755, "2.676"},
-      {0.0005, "0.001"},   {-0.0005, "-0.001"}, {123456.7, "123456.700"},
-  };
+  expectPicture("###0.000#", {{1234.5678, "1234.5678"},
+                              {1234.56789, "1234.5679"},
+                              {12345.6, "12345.600"},
+                              {2.00005, "2.0001"},
+                              {-0.5, "-0.500"}});
+  const Cases fixed = {{9.99995, "10.000"}, {2.675, "2.675"},    {2.6755, "2.676"},
+                       {0.0005, "0.001"},   {-0.0005, "-0.001"}, {123456.7, "123456.700"}};
   expectPicture("#0.000", fixed);
   expectPicture("###0.0", {{0.05, "0.1"}, {0.04, "0.0"}, {-99.95, "-100.0"}});
 }
@@ -179,9 +161,8 @@ TEST(FormatNumberTest, PicturesWithoutAnIntegerZero) {
   expectPicture("#.00", {{0.5, ".50"}, {0, ".00"}, {1.005, "1.01"}, {-0.25, "-.25"}});
   // The ruler labels: the point stays when no decimal is left.
   const Cases ruler = {
-      {0, "."},         {2, "2."}, {2.5, "2.5"}, {0.0005, ".001"}, {1234.5678, "1234.568"},
-      {-1.25, "-1.25"},
-  };
+      {0, "."},        {2, "2."}, {2.5, "2.5"}, {0.0005, ".001"}, {1234.5678, "1234.568"},
+      {-1.25, "-1.25"}};
   expectPicture("###.###", ruler);
   expectPicture("######.###", {{1000, "1000."}, {1234567.0001, "1234567."}});
 }
