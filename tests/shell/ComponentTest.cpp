@@ -4,10 +4,11 @@
 #include "ComponentTestSupport.h"
 #include "shell/HostCommands.h"
 
-#include <QDir>
-#include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
+
+#include <fstream>
+#include <tuple>
 
 namespace tvx::test {
 namespace {
@@ -20,10 +21,9 @@ TEST_F(ComponentTest, LoadShowsTheWindowInTheRequestedState) {
     SCOPED_TRACE(mode);
     int16_t iMode = mode;
     EXPECT_EQ(component->Load(iMode), -1);
-    EXPECT_EQ(iMode, mode);
-    EXPECT_TRUE(window()->isLoaded());
-    EXPECT_TRUE(window()->isVisible());
-    EXPECT_EQ(window()->windowStateCode(), mode);
+    EXPECT_EQ(
+        std::tuple(iMode, window()->isLoaded(), window()->isVisible(), window()->windowStateCode()),
+        std::tuple(mode, true, true, mode));
   }
   EXPECT_EQ(kernelString(ComponentName), RunningMarker);
   EXPECT_EQ(services.iniFile(), "/tmp/tarvex-test/tarvex.ini") << "the host's settings file";
@@ -40,9 +40,9 @@ TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
   window()->setImportDialogVisible(true);
   component->NotifyMe("TARVEX", "All,EX");
   EXPECT_FALSE(window()->close());
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Minimised);
-  EXPECT_TRUE(window()->isVisible());
-  EXPECT_EQ(kernelString(ComponentName), RunningMarker);
+  EXPECT_EQ(
+      std::tuple(window()->windowStateCode(), window()->isVisible(), kernelString(ComponentName)),
+      std::tuple(windowstate::Minimised, true, std::string(RunningMarker)));
 
   window()->setPointerToolActive(false);
   component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
@@ -51,17 +51,15 @@ TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
   component->NotifyMe("TARVEX", "All,MX");
   component->NotifyMe("TARVEX", "All,EX");
   EXPECT_FALSE(window()->close());
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
-  EXPECT_TRUE(sent.empty());
+  EXPECT_EQ(std::tuple(window()->isLoaded(), window()->windowStateCode(), sent.size()),
+            std::tuple(true, windowstate::Maximised, 0u));
 
   window()->setImportDialogVisible(false);
   EXPECT_TRUE(window()->close());
   EXPECT_FALSE(window()->isLoaded());
   EXPECT_EQ(sent, shutdownOnly());
   // Siblings now see the viewer as not running.
-  ASSERT_NE(kernel.strings.E_GetString(ComponentName), nullptr);
-  EXPECT_EQ(kernelString(ComponentName), "");
+  EXPECT_STREQ(kernel.strings.E_GetString(ComponentName), "");
 }
 
 // The end of the class unloads despite a refusing dialog, and reports the shutdown only once.
@@ -131,32 +129,32 @@ TEST_F(ComponentTest, WindowCanBeLoadedAgainAfterShutdown) {
 
 TEST_F(ComponentTest, CommandsNotAddressedToTheViewerChangeNothing) {
   load(windowstate::Normal);
-  const char* ignored[] = {
-      "",                  // empty
-      "TVNGBRVIEWER",      // no verb
-      "TVNGBRVIEWER,",     // empty verb
-      "All",               // no verb
-      "tvngbrviewer,MX",   // addressee compared with case
-      "ALL,MX",            // the same for the second form
-      "all,EX",            //
-      "TVNLAYPS,MX",       // another module
-      "TARVEX,EX",         //
-      " TVNGBRVIEWER,MX",  // a blank is part of the item
-      "TVNGBRVIEWER,MX ",  // the same for the verb
-      "TVNGBRVIEWER,mx",   // verb compared with case
-      "TVNGBRVIEWER,ex",   //
-      "TVNGBRVIEWER,QQ",   // unknown verb
-      "TVNGBRVIEWER;MX",   // wrong delimiter: one item
-      ",MX",               // empty addressee
-  };
+  // No or an empty verb or addressee, both compared with case and blanks, another module, an
+  // unknown verb, and the wrong delimiter.
+  const char* ignored[] = {"",
+                           "TVNGBRVIEWER",
+                           "TVNGBRVIEWER,",
+                           "All",
+                           "tvngbrviewer,MX",
+                           "ALL,MX",
+                           "all,EX",
+                           "TVNLAYPS,MX",
+                           "TARVEX,EX",
+                           " TVNGBRVIEWER,MX",
+                           "TVNGBRVIEWER,MX ",
+                           "TVNGBRVIEWER,mx",
+                           "TVNGBRVIEWER,ex",
+                           "TVNGBRVIEWER,QQ",
+                           "TVNGBRVIEWER;MX",
+                           ",MX"};
 
   // The addressee comes from the command only: the first argument neither helps nor hinders.
   for (const char* aname : {"TARVEX", "TVNGBRVIEWER", ""})
     for (const char* command : ignored) {
       SCOPED_TRACE(std::string(aname) + " / " + command);
       component->NotifyMe(aname, command);
-      EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
-      EXPECT_TRUE(window()->isVisible());
+      EXPECT_EQ(std::tuple(window()->windowStateCode(), window()->isVisible()),
+                std::tuple(windowstate::Normal, true));
     }
   EXPECT_TRUE(sent.empty());
 }
@@ -176,8 +174,8 @@ TEST_F(ComponentTest, WindowStateVerbsUnderBothAddresses) {
     for (const auto& step : steps) {
       SCOPED_TRACE(address + "," + step.verb);
       component->NotifyMe("TVNLAYPS", address + "," + step.verb);
-      EXPECT_EQ(window()->windowStateCode(), step.code);
-      EXPECT_EQ(window()->windowState(), step.state);
+      EXPECT_EQ(std::tuple(window()->windowStateCode(), window()->windowState()),
+                std::tuple(step.code, step.state));
     }
   EXPECT_TRUE(sent.empty());
 }
@@ -190,21 +188,17 @@ TEST_F(ComponentTest, UpdateReappliesSettingsAndSelectsFunctionOne) {
 
   const int32_t rebuildsBefore = window()->redraw().rebuilds();
   component->NotifyMe("TARVEX", "TVNGBRVIEWER,UP");
-  EXPECT_EQ(services.DatabaseUnitsPerMm(), 100000);
-  EXPECT_EQ(window()->currentFunction(), 1);
   EXPECT_GT(window()->redraw().rebuilds(), rebuildsBefore);
   // The window keeps its state and stays loaded.
-  EXPECT_EQ(window()->windowStateCode(), windowstate::Maximised);
-  EXPECT_TRUE(window()->isLoaded());
-  EXPECT_TRUE(sent.empty());
+  EXPECT_EQ(std::tuple(services.DatabaseUnitsPerMm(), window()->currentFunction(),
+                       window()->windowStateCode(), window()->isLoaded(), sent.size()),
+            std::tuple(100000, 1, windowstate::Maximised, true, 0u));
 }
 
 TEST_F(ComponentTest, LanguageChangeReadsThePathBackFromTheKernel) {
   QTemporaryDir folder, empty;
-  QFile catalogue(QDir(folder.path()).filePath("GBRVIEWER.MSG"));
-  ASSERT_TRUE(catalogue.open(QIODevice::WriteOnly));
-  catalogue.write("62450\tBetrachter\n62999\tEbenen\n");
-  catalogue.close();
+  std::ofstream(folder.filePath("GBRVIEWER.MSG").toStdString())
+      << "62450\tBetrachter\n62999\tEbenen\n";
   load(windowstate::Normal);
   const QString builtInTitle = window()->windowTitle();
   // A control of the window with a message id in its tag follows the language too.
@@ -217,16 +211,14 @@ TEST_F(ComponentTest, LanguageChangeReadsThePathBackFromTheKernel) {
   kernel.strings.E_SetString(LanguagePathString, folder.path().toStdString());
   EXPECT_EQ(window()->languagePath(), pathAtLoad);
   component->NotifyMe("TARVEX", "All,LZ");
-  EXPECT_EQ(window()->languagePath(), folder.path().toStdString());
-  EXPECT_EQ(window()->windowTitle().toStdString(), "Betrachter");
-  EXPECT_EQ(label->text().toStdString(), "Ebenen");
+  EXPECT_EQ(std::tuple(window()->languagePath(), window()->windowTitle(), label->text()),
+            std::tuple(folder.path().toStdString(), "Betrachter", "Ebenen"));
 
   // A language folder without a catalogue: the built-in texts return.
   kernel.strings.E_SetString(LanguagePathString, empty.path().toStdString());
   component->NotifyMe("TARVEX", "TVNGBRVIEWER,LZ");
-  EXPECT_EQ(window()->languagePath(), empty.path().toStdString());
-  EXPECT_EQ(window()->windowTitle(), builtInTitle);
-  EXPECT_EQ(label->text().toStdString(), "Layers");
+  EXPECT_EQ(std::tuple(window()->languagePath(), window()->windowTitle(), label->text()),
+            std::tuple(empty.path().toStdString(), builtInTitle, "Layers"));
   EXPECT_TRUE(sent.empty());
 }
 

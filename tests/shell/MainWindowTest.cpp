@@ -18,6 +18,9 @@
 #include <QTextBrowser>
 #include <QToolButton>
 
+#include <fstream>
+#include <tuple>
+
 namespace tvx::test {
 
 namespace {
@@ -36,10 +39,9 @@ protected:
   }
 
   std::string write(const char* name, const std::string& text) {
-    QFile file(folder.filePath(name));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(text.data(), qint64(text.size()));
-    return file.fileName().toStdString();
+    const std::string path = folder.filePath(name).toStdString();
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
   }
   int32_t drillEntries() {
     return kernel.store.OA_GetCount(
@@ -58,16 +60,14 @@ TEST_F(MainWindowTest, StartUpEndsIdleWithTheFileRequestOpen) {
   write("tarvex.ini", "[GBRVIEWER]\nUNIT=1\nVIEW=1,0,0,1,1,1,0\n");
   load();
   GBRVIEWER_MAIN& w = *window();
-  EXPECT_FALSE(w.ExitAnyWay());
   EXPECT_NE(w.CPDcId(), 0);
-  EXPECT_EQ(w.busyPicture(), IdlePicture);
-  EXPECT_TRUE(w.viewPicture()->isEnabled());
-  EXPECT_EQ(w.languagePath(), kernelString(LanguagePathString));
+  EXPECT_EQ(std::tuple(w.ExitAnyWay(), w.busyPicture(), w.viewPicture()->isEnabled(),
+                       w.languagePath(), w.view().DisplayUnit),
+            std::tuple(false, IdlePicture, true, kernelString(LanguagePathString), 1));
   ASSERT_NE(w.statusPanel(BusyPanel), nullptr);
   ASSERT_NE(w.statusPanel(MessagePanel), nullptr);
 
   // The viewer's settings reached the view and its menu entries; mono never starts on.
-  EXPECT_EQ(w.view().DisplayUnit, 1);
   for (const char* on : {"M_Mm", "M_Mirror", "M_Sbars"})
     EXPECT_TRUE(w.menuEntry(on)->isChecked()) << on;
   for (const char* off : {"M_Inches", "M_TrueSize", "M_Mono"})
@@ -92,13 +92,12 @@ TEST_F(MainWindowTest, AMissingMenuFileEndsStartUp) {
   window()->setAppPath(empty.path().toStdString());
   int16_t mode = windowstate::Normal;
   EXPECT_EQ(component->Load(mode), 0);
-  EXPECT_FALSE(window()->isVisible());
-  EXPECT_FALSE(window()->isLoaded());
-  EXPECT_EQ(sent, shutdownOnly());
+  EXPECT_EQ(std::tuple(window()->isVisible(), window()->isLoaded(), sent),
+            std::tuple(false, false, shutdownOnly()));
   // Nothing was released or written: the start-up had not got that far.
-  EXPECT_EQ(kernelString(ComponentName), "");
-  EXPECT_TRUE(places.values.empty());
-  EXPECT_FALSE(QFile::exists(QString::fromStdString(ini)));
+  EXPECT_EQ(std::tuple(kernelString(ComponentName), places.values.empty(),
+                       QFile::exists(QString::fromStdString(ini))),
+            std::tuple("", true, false));
 }
 
 TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
@@ -107,9 +106,9 @@ TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
     SCOPED_TRACE("nothing saved: the whole work area");
     load();
     const QRect got = window()->geometry();
-    EXPECT_LE(std::abs(got.width() - area.width()), 4);
-    EXPECT_LE(std::abs(got.height() - area.height()), 4);
-    EXPECT_LE(std::abs(got.left() - area.left()), 4);
+    for (int gap :
+         {got.width() - area.width(), got.height() - area.height(), got.left() - area.left()})
+      EXPECT_LE(std::abs(gap), 4);
     component->NotifyMe("TARVEX", "All,EX");
   }
   // The unload saved the place in twips.
@@ -124,8 +123,7 @@ TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
                          std::string("GBRVIEWER_MAIN") + key, value);
     load();
     EXPECT_LT(window()->x(), area.width());
-    EXPECT_EQ(window()->y(), 10);
-    EXPECT_EQ(window()->size(), QSize(700, 600));
+    EXPECT_EQ(std::tuple(window()->y(), window()->size()), std::tuple(10, QSize(700, 600)));
   }
 }
 
@@ -142,12 +140,12 @@ TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecksAndAreWritten) {
   GBRVIEWER_MAIN& w = *window();
   const int32_t rebuilds = w.redraw().rebuilds();
   w.menuEntry("M_Mirror")->trigger();
-  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
-  EXPECT_EQ(w.view().ViewFlags & viewflag::Mirror, viewflag::Mirror);
+  EXPECT_EQ(std::tuple(w.menuEntry("M_Mirror")->isChecked(), w.view().ViewFlags & viewflag::Mirror),
+            std::tuple(true, viewflag::Mirror));
   for (bool mono : {true, false, true}) {
     w.menuEntry("M_Mono")->trigger();
-    EXPECT_EQ(w.menuEntry("M_Mono")->isChecked(), mono);
-    EXPECT_EQ(w.layerTables().orderRow(1).Mono, mono);
+    EXPECT_EQ(std::tuple(w.menuEntry("M_Mono")->isChecked(), w.layerTables().orderRow(1).Mono),
+              std::tuple(mono, mono));
   }
   EXPECT_EQ(w.redraw().rebuilds(), rebuilds + 4);
 
@@ -155,9 +153,9 @@ TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecksAndAreWritten) {
   w.view().m_Precision = 4321;
   w.view().ViewCenterX = 1270000;
   component->NotifyMe("TARVEX", "All,UP");
-  EXPECT_EQ(w.view().m_Precision, 4321);
-  EXPECT_EQ(w.view().ViewCenterX, 1270000);
-  EXPECT_TRUE(w.menuEntry("M_Mirror")->isChecked());
+  EXPECT_EQ(
+      std::tuple(w.view().m_Precision, w.view().ViewCenterX, w.menuEntry("M_Mirror")->isChecked()),
+      std::tuple(4321, 1270000, true));
 
   w.M_Mm_Click();
   component->NotifyMe("TARVEX", "All,EX");
@@ -165,9 +163,10 @@ TEST_F(MainWindowTest, DisplayOptionsFromTheMenuKeepTheirChecksAndAreWritten) {
   EXPECT_EQ(w.CPDcId(), 0);
   SystemServices reader;
   reader.SetIniFile(ini);
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "UNIT", ""), "1");
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "VIEW", ""), "1,1,1,1,1,0,1");
-  EXPECT_EQ(reader.GetIniString("GBRVIEWER", "GRID", ""), "1");
+  EXPECT_EQ(std::tuple(reader.GetIniString("GBRVIEWER", "UNIT", ""),
+                       reader.GetIniString("GBRVIEWER", "VIEW", ""),
+                       reader.GetIniString("GBRVIEWER", "GRID", "")),
+            std::tuple("1", "1,1,1,1,1,0,1", "1"));
 }
 
 TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
@@ -181,13 +180,11 @@ TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
   QCoreApplication::processEvents();  // the import starts once the request has gone
 
   // The import window takes the file and imports it at once: a drill file has its layer.
-  EXPECT_EQ(drillEntries(), 3);
-  EXPECT_TRUE(prompts.shown.empty());
-  EXPECT_TRUE(window()->isEnabled());
+  EXPECT_EQ(std::tuple(drillEntries(), prompts.shown.size(), window()->isEnabled()),
+            std::tuple(3, 0u, true));
   GBRVIEWER_IMPORT* importWindow = window()->importWindow();
   ASSERT_NE(importWindow, nullptr);
-  EXPECT_TRUE(importWindow->isVisible());
-  EXPECT_TRUE(window()->importDialogVisible());
+  EXPECT_TRUE(importWindow->isVisible() && window()->importDialogVisible());
   EXPECT_GT(importWindow->grid().rowCount(), 0);
   // A second file request waits until the window is closed.
   window()->importChosenFile(path);
@@ -196,14 +193,15 @@ TEST_F(MainWindowTest, AnExcellonFileGoesIntoTheDrillLayerAndIsFitted) {
   // Closing it makes the imported layer the current one, on top.
   importWindow->close();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  EXPECT_EQ(window()->importWindow(), nullptr);
-  EXPECT_FALSE(window()->importDialogVisible());
-  EXPECT_EQ(window()->layerTables().CurrentLayer, DrillLayer);
-  EXPECT_EQ(window()->layerTables().orderRow(1).LayerNumber, DrillLayer);
-  EXPECT_TRUE(window()->layerTables().layer(DrillLayer).Active);
+  EXPECT_EQ(std::tuple(window()->importWindow(), window()->importDialogVisible()),
+            std::tuple(nullptr, false));
+  const LayerTables& layers = window()->layerTables();
+  EXPECT_EQ(std::tuple(layers.CurrentLayer, layers.orderRow(1).LayerNumber,
+                       layers.layer(DrillLayer).Active),
+            std::tuple(DrillLayer, DrillLayer, true));
   EXPECT_NE(window()->view().m_Precision, precision);
-  EXPECT_EQ(window()->settings().ImpDir, folder.path().toStdString());
-  EXPECT_EQ(window()->currentFunction(), 1);
+  EXPECT_EQ(std::tuple(window()->settings().ImpDir, window()->currentFunction()),
+            std::tuple(folder.path().toStdString(), 1));
 }
 
 TEST_F(MainWindowTest, AnUnknownFileIsReportedAndMayBeOpenedAsText) {
@@ -216,15 +214,14 @@ TEST_F(MainWindowTest, AnUnknownFileIsReportedAndMayBeOpenedAsText) {
   window()->importChosenFile(path);
   ASSERT_EQ(prompts.shown.size(), 2u);
   EXPECT_NE(prompts.shown[0].prompt.find(path), std::string::npos);
-  EXPECT_EQ(prompts.shown[1].prompt, "Display file?");
-  EXPECT_EQ(prompts.shown[1].title, "Unrecognized  format");
-  EXPECT_TRUE(opened.source().isEmpty());
+  EXPECT_EQ(std::tuple(prompts.shown[1].prompt, prompts.shown[1].title, opened.source().isEmpty()),
+            std::tuple("Display file?", "Unrecognized  format", true));
 
   prompts.answers = {answer::Ok, answer::Yes};
   window()->importChosenFile(path);
-  EXPECT_EQ(opened.source().toLocalFile().toStdString(), path);
-  EXPECT_EQ(drillEntries(), 0);
-  EXPECT_TRUE(window()->isEnabled());
+  EXPECT_EQ(std::tuple(opened.source().toLocalFile().toStdString(), drillEntries(),
+                       window()->isEnabled()),
+            std::tuple(path, 0, true));
   QDesktopServices::unsetUrlHandler("file");
 }
 
@@ -238,10 +235,8 @@ TEST_F(MainWindowTest, HostFilesAreImportedInPlaceOfTheRequest) {
   ASSERT_FALSE(prompts.shown.empty());
   EXPECT_NE(prompts.shown.back().prompt.find("missing.drl"), std::string::npos);
   const FrameRect seen = window()->view().ViewRect;
-  EXPECT_LE(seen.MinX, 254000);
-  EXPECT_GE(seen.MaxX, 1270000);
-  EXPECT_LE(seen.MinY, 254000);
-  EXPECT_GE(seen.MaxY, 1016000);
+  EXPECT_TRUE(seen.MinX <= 254000 && seen.MaxX >= 1270000 && seen.MinY <= 254000 &&
+              seen.MaxY >= 1016000);
 }
 
 }  // namespace

@@ -74,9 +74,8 @@ TEST_F(MenuFileTest, ShortLinesSetWhatTheyHaveAndNothingElse) {
   expected2.Keys[3].Options[4].Group = 9;
   expected2.Keys[3].Options[5] = {1, 1, 0, 1, "Caption", "Description"};
   expected2.Keys[3].Options[6] = {1, 1, 1, 0, "C", "D"};
-  EXPECT_EQ(table_[2], expected2);
-  EXPECT_EQ(table_[0], FunctionRecord{});
-  EXPECT_EQ(table_[1], FunctionRecord{});
+  EXPECT_EQ(std::tuple(table_[0], table_[1], table_[2]),
+            std::tuple(FunctionRecord{}, FunctionRecord{}, expected2));
 }
 
 TEST_F(MenuFileTest, NumbersOutsideTheTableAreFileErrorsAndWriteNothing) {
@@ -90,10 +89,9 @@ TEST_F(MenuFileTest, NumbersOutsideTheTableAreFileErrorsAndWriteNothing) {
                    "OSTKEY,99999999999,0,0,0,0,0,Huge,no\n"
                    "FSIKEY,1,9,0,1,0,0,0,Still read,after the faults\n"
                    "ENDMENU\n"));
-  EXPECT_EQ(table_[11].Name, "Last");
-  EXPECT_EQ(key(1, 10).Caption, "Last key");
-  EXPECT_EQ(key(1, 10).Options[10].Caption, "End");
-  EXPECT_EQ(key(1, 9).Caption, "Still read");
+  EXPECT_EQ(std::tuple(table_[11].Name, key(1, 10).Caption, key(1, 10).Options[10].Caption,
+                       key(1, 9).Caption),
+            std::tuple("Last", "Last key", "End", "Still read"));
   for (const FunctionRecord& f : table_)
     for (const KeyRecord& k : f.Keys) {
       EXPECT_NE(k.Caption, "Beyond");
@@ -113,25 +111,21 @@ TEST_F(MenuFileTest, NumbersOutsideTheTableAreFileErrorsAndWriteNothing) {
 
 TEST_F(MenuFileTest, EndmenuEndsTheReadingAndItsAbsenceReadsToTheEnd) {
   ASSERT_TRUE(read("FSI,1,1,0,Before\nENDMENU\nFSI,2,1,0,After\n"));
-  EXPECT_EQ(table_[1].Name, "Before");
-  EXPECT_EQ(table_[2].Name, "");
+  EXPECT_EQ(std::tuple(table_[1].Name, table_[2].Name), std::tuple("Before", ""));
 
   // A second reading empties the table first.
   ASSERT_TRUE(read("\xEF\xBB\xBF"
                    "FSI,2,1,0,First\r\n\r\nREM a remark\r\nUNKNOWN,1,2,3\r\n"
                    "  fsikey ,2,0,0,1\r\nFSI,3,1,0,Last line without ending"));
-  EXPECT_EQ(table_[1], FunctionRecord{});
-  EXPECT_EQ(table_[2].Name, "First");
-  EXPECT_EQ(key(2, 0).Shown, 1);
-  EXPECT_EQ(table_[3].Name, "Last line without ending");
+  EXPECT_EQ(std::tuple(table_[1], table_[2].Name, key(2, 0).Shown, table_[3].Name),
+            std::tuple(FunctionRecord{}, "First", 1, "Last line without ending"));
 }
 
 TEST_F(MenuFileTest, TheFileNameIsFoundCaseBlindAndAMissingFileIsReported) {
   const std::string folder = dir_.path().toStdString();
   std::ofstream(folder + "/gbrviewer.men") << "FSI,1,1,0,Lower case name\n";
-  const std::string found = menuFilePath(folder);
-  EXPECT_EQ(found, folder + "/gbrviewer.men");
-  ASSERT_TRUE(ReadMenuFile(table_, found, services_));
+  ASSERT_EQ(menuFilePath(folder), folder + "/gbrviewer.men");
+  ASSERT_TRUE(ReadMenuFile(table_, menuFilePath(folder), services_));
   EXPECT_EQ(table_[1].Name, "Lower case name");
 
   const std::string missing = menuFilePath(folder + "/none");
@@ -169,9 +163,10 @@ TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
   ScriptedPrompts prompts;
   FunctionTable english = shippedMenu("English", prompts);
   const FunctionRecord& f1 = english[1];
-  EXPECT_EQ(f1.Name, "Fabrication Editor");
-  EXPECT_FALSE(f1.Prompt.empty());
-  EXPECT_EQ(f1.Keys[0].Command, 1);  // layer properties run at once
+  // Layer properties (key 0) and clear all elements (key 7, option 0) run at once.
+  EXPECT_EQ(
+      std::tuple(f1.Name, f1.Prompt.empty(), f1.Keys[0].Command, f1.Keys[7].Options[0].Command),
+      std::tuple("Fabrication Editor", false, 1, 1));
   for (int k : {0, 1, 7, 8})
     EXPECT_TRUE(f1.Keys[size_t(k)].Shown && !f1.Keys[size_t(k)].Caption.empty()) << "key " << k;
   EXPECT_NE(f1.Keys[size_t(f1.CurrentKey)].Checked, 0);
@@ -179,7 +174,6 @@ TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
     EXPECT_NE(f1.Keys[8].Options[size_t(r)].Shown, 0) << "align option " << r;
   for (int k : {0, 7, 8})
     EXPECT_FALSE(f1.Keys[size_t(k)].Options[10].Caption.empty()) << "row 10 of key " << k;
-  EXPECT_EQ(f1.Keys[7].Options[0].Command, 1);  // clear all elements
   std::set<std::string> shortcuts;
   for (const KeyRecord& k : f1.Keys)
     EXPECT_TRUE(!k.Shown || shortcuts.insert(k.Shortcut).second)
@@ -211,20 +205,17 @@ TEST(CountryTable, RowsAndDefaultsFromTheSettings) {
   SystemServices services;
   services.SetIniFile(ini);
   CountryTable t = ReadCountryTable(services);
-  EXPECT_EQ(t.Number, 3);
-  EXPECT_EQ(t.Default, 2);
-  ASSERT_EQ(t.Rows.size(), 3u);
-  EXPECT_EQ(t.Rows[0], (CountryRow{"English", "English", 0}));
-  EXPECT_EQ(t.Rows[1], (CountryRow{"Deutsch", "German", 65535}));  // empty value: left as it was
-  EXPECT_EQ(t.Rows[2], (CountryRow{"English", "English", 238}));
+  EXPECT_EQ(std::tuple(t.Number, t.Default), std::tuple(3, 2));
+  // An empty value is left as it was; an empty language is English.
+  EXPECT_EQ(t.Rows, (std::vector<CountryRow>{{"English", "English", 0},
+                                             {"Deutsch", "German", 65535},
+                                             {"English", "English", 238}}));
   EXPECT_EQ(t.DefaultRow, t.Rows[1]);
 
   // No settings at all: one language, the built-in row.
   SystemServices bare;
   CountryTable none = ReadCountryTable(bare);
-  EXPECT_EQ(none.Number, 1);
-  EXPECT_EQ(none.Default, 1);
-  EXPECT_EQ(none.DefaultRow, CountryRow{});
+  EXPECT_EQ(std::tuple(none.Number, none.Default, none.DefaultRow), std::tuple(1, 1, CountryRow{}));
   // A default that names a missing row gives the built-in row.
   std::ofstream(ini) << "[COUNTRY]\nNumber=1\nDefault=7\n1=Deutsch,German,0\n";
   EXPECT_EQ(ReadCountryTable(services).DefaultRow, CountryRow{});
@@ -247,27 +238,28 @@ TEST(Language, TheDefaultRowLeadsToItsCatalogueAndMenuFile) {
   ASSERT_EQ(status, 0);
 
   std::string path = ApplyLanguage(appPath, services, strings);
-  EXPECT_EQ(path, appPath + "/COUNTRY/English");
-  ASSERT_NE(strings.E_GetString("LANGUAGEPATH"), nullptr);
-  EXPECT_EQ(std::string(strings.E_GetString("LANGUAGEPATH")), path);
-  EXPECT_EQ(services.LocalMessage("x", "62451"), "Can't read file: ");
+  EXPECT_EQ(
+      std::tuple(path, SystemServices::StringFromPointer(strings.E_GetString("LANGUAGEPATH")),
+                 services.LocalMessage("x", "62451")),
+      std::tuple(appPath + "/COUNTRY/English", appPath + "/COUNTRY/English", "Can't read file: "));
 
   services.WriteIniString("COUNTRY", "Default", "2", status);
   path = ApplyLanguage(appPath, services, strings);
-  EXPECT_EQ(path, appPath + "/COUNTRY/German");
-  EXPECT_EQ(services.LocalMessage("Can't read file: ", "62451"),
-            "Datei kann nicht gelesen werden: ");
+  EXPECT_EQ(std::tuple(path, services.LocalMessage("Can't read file: ", "62451")),
+            std::tuple(appPath + "/COUNTRY/German", "Datei kann nicht gelesen werden: "));
   FunctionTable table{};
   ASSERT_TRUE(ReadMenuFile(table, menuFilePath(path), services));
   EXPECT_EQ(table[1].Name, "Fertigungseditor");
 
   // The host may point the kernel string elsewhere; the language is then read back from it.
   strings.E_SetString("LANGUAGEPATH", appPath + "/COUNTRY/English");
-  EXPECT_EQ(ReloadLanguage(path, services, strings), appPath + "/COUNTRY/English");
-  EXPECT_EQ(services.LocalMessage("x", "62451"), "Can't read file: ");
+  EXPECT_EQ(
+      (std::tuple{ReloadLanguage(path, services, strings), services.LocalMessage("x", "62451")}),
+      std::tuple(appPath + "/COUNTRY/English", "Can't read file: "));
   KernelStrings empty;
-  EXPECT_EQ(ReloadLanguage(path, services, empty), path);
-  EXPECT_EQ(services.LocalMessage("x", "62451"), "Datei kann nicht gelesen werden: ");
+  EXPECT_EQ(
+      (std::tuple{ReloadLanguage(path, services, empty), services.LocalMessage("x", "62451")}),
+      std::tuple(path, "Datei kann nicht gelesen werden: "));
 }
 
 }  // namespace

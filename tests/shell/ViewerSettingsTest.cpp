@@ -82,8 +82,7 @@ TEST_F(ViewerSettingsTest, StoredValuesAreCorrectedOnReading) {
       {"MEASURE", "7", 0},   {"MEASURE", "3", 0},   {"MEASURE", "2", 2},
       {"MEASURE", "-1", -1}, {"NoCenter", "0", 0},  {"NoCenter", "1", 1},
       {"NoCenter", "5", 1},  {"NoCenter", "-1", 1}, {"UNIT", "mm", 0},
-      {"UNIT", "1", 1},      {"UNIT", "2.5", 2},    {"RULER_TYPE_CUSTOM", "0,75", 0.75},
-  };
+      {"UNIT", "1", 1},      {"UNIT", "2.5", 2},    {"RULER_TYPE_CUSTOM", "0,75", 0.75}};
   for (const auto& [key, value, expected] : cases) {
     SCOPED_TRACE(std::string(key) + "=" + value);
     useFile(std::string("[GBRVIEWER]\r\n") + key + "=" + value + "\r\n");
@@ -98,8 +97,7 @@ TEST_F(ViewerSettingsTest, ViewFieldsMissingAtTheEndReadAsOff) {
       {"", "0,0,0,0,0,0,0"},
       {"-1,0,0,0,0,-1,-1", "1,0,0,0,0,1,1"},   // booleans stored as -1 read as on
       {"1,1,1,1,1,1,1,1,1", "1,1,1,1,1,1,1"},  // extra fields are ignored
-      {"x,2,0,0.5,0,0,0", "0,1,0,1,0,0,0"},
-  };
+      {"x,2,0,0.5,0,0,0", "0,1,0,1,0,0,0"}};
   for (const auto& [text, read] : cases) {
     SCOPED_TRACE(text);
     useFile(std::string("[GBRVIEWER]\r\nVIEW=") + text + "\r\n");
