@@ -95,21 +95,17 @@ TEST_F(RedrawTest, GuardsKeepAPaintFromRebuilding) {
     SCOPED_TRACE(busyShown.size());
     redraw.*g.flag = true;
     redraw.ViewPicture_Paint();
-    EXPECT_EQ(redraw.*g.flag, g.after);
-    EXPECT_EQ(redraw.PaintBusy, paintBusy);
-    EXPECT_EQ(busyShown, std::vector<bool>(paintBusy ? 0 : 1, true));
-    EXPECT_TRUE(redraw.RedrawPending);
-    EXPECT_EQ(redraw.rebuilds(), 0);
+    EXPECT_EQ(std::tuple(redraw.*g.flag, redraw.PaintBusy, busyShown, redraw.RedrawPending,
+                         redraw.rebuilds()),
+              std::tuple(g.after, paintBusy, std::vector<bool>(paintBusy ? 0 : 1, true), true, 0));
     redraw.*g.flag = false;
     busyShown.clear();
   }
   redraw.ResizePending = true;
   redraw.ViewPicture_Paint();
-  EXPECT_EQ(redraw.rebuilds(), 1);
-  EXPECT_FALSE(redraw.RedrawPending);
-  EXPECT_FALSE(redraw.ResizePending);
-  EXPECT_FALSE(redraw.PaintBusy);
-  EXPECT_EQ(busyShown, (std::vector<bool>{true, false}));
+  EXPECT_EQ(std::tuple(redraw.rebuilds(), redraw.RedrawPending, redraw.ResizePending,
+                       redraw.PaintBusy, busyShown),
+            std::tuple(1, false, false, false, std::vector<bool>{true, false}));
 }
 
 TEST_F(RedrawTest, OnlyARebuildDrawsAndRowOneLiesOnTop) {
@@ -152,14 +148,13 @@ TEST_F(RedrawTest, MonoSetsTheBackgroundSlotsOnlyForThePass) {
 
   redraw.RedrawScreen();
   redraw.toggle(DisplayOption::Mono);
-  ASSERT_EQ(duringPass.size(), 2u);
-  EXPECT_EQ(duringPass[0], std::make_pair(ownDot, ownBackground));
-  EXPECT_EQ(duringPass[1], std::make_pair(int(MonoGridDotColour), int(MonoBackgroundColour)));
-  EXPECT_EQ(table[colourslot::GridDot], ownDot);
-  EXPECT_EQ(table[colourslot::Background], ownBackground);
+  EXPECT_EQ(duringPass, (std::vector<std::pair<int, int>>{
+                            {ownDot, ownBackground}, {MonoGridDotColour, MonoBackgroundColour}}));
+  EXPECT_EQ(std::tuple(int(table[colourslot::GridDot]), int(table[colourslot::Background])),
+            std::tuple(ownDot, ownBackground));
   // Paper-like: the background is the mono background, the layer in the mono colour.
-  EXPECT_EQ(pixelAt(-500000, 400000), paletteColour(MonoBackgroundColour));
-  EXPECT_EQ(pixelAt(0, 0), paletteColour(redraw.MonoColour));
+  EXPECT_EQ(std::tuple(pixelAt(-500000, 400000), pixelAt(0, 0)),
+            std::tuple(paletteColour(MonoBackgroundColour), paletteColour(redraw.MonoColour)));
   for (const LayerOrderRow& row : tables.LayerOrder)
     EXPECT_TRUE(row.Mono);
   EXPECT_EQ(redraw.HighlightColour, MonoHighlightColour);
@@ -176,10 +171,10 @@ TEST_F(RedrawTest, ARasterTooFineIsAdjustedWithMessageAndBeep) {
 
   redraw.RasterStep = 10000;  // one pixel apart: too fine
   redraw.RedrawScreen();
-  EXPECT_EQ(prompts.beeps, 1);
-  EXPECT_EQ(redraw.MessageLine,
-            "Selected raster cannot be displayed in current precision. Raster interval adjusted");
-  EXPECT_EQ(panel, redraw.MessageLine + " ");
+  EXPECT_EQ(std::tuple(prompts.beeps, panel),
+            std::tuple(1, "Selected raster cannot be displayed in current precision. Raster "
+                          "interval adjusted "));
+  EXPECT_EQ(redraw.MessageLine + " ", panel);
   ASSERT_EQ(shownSteps.size(), 2u);
   EXPECT_GE(shownSteps[1] / Precision, Graphics::MinimumGridPixels);
 
@@ -198,15 +193,14 @@ TEST_F(RedrawTest, ApertureHighlightRecoloursItsItemsAndTellsWhatItIs) {
 
   redraw.EditMsgLine("left by a tool");
   redraw.RedrawScreen();
-  EXPECT_EQ(redraw.MessageLine, "left by a tool");
-  EXPECT_EQ(pixelAt(-300000, 0), layerColour);
+  EXPECT_EQ(std::tuple(redraw.MessageLine, pixelAt(-300000, 0)),
+            std::tuple("left by a tool", layerColour));
 
   redraw.HLDCode = 10;
   redraw.HLDCodeText = "D10 round 2 mm";
   redraw.RedrawScreen();
-  EXPECT_EQ(pixelAt(-300000, 0), highlight);
-  EXPECT_EQ(pixelAt(300000, 0), layerColour);
-  EXPECT_EQ(redraw.MessageLine, "D10 round 2 mm");
+  EXPECT_EQ(std::tuple(pixelAt(-300000, 0), pixelAt(300000, 0), redraw.MessageLine),
+            std::tuple(highlight, layerColour, "D10 round 2 mm"));
   // The item keeps its own colour in the store.
   EXPECT_EQ(kernel.store.itemFields(marked)->Colour, tables.layer(3).ColourNumber);
 }
@@ -227,18 +221,17 @@ TEST_F(RedrawTest, DisplayOptionsToggleTheirFlagsAndAreRemembered) {
     redraw.toggle(c.option);
     EXPECT_EQ((view.ViewFlags ^ start) & c.bit, c.bit);
     EXPECT_EQ(redraw.isChecked(c.option), ((view.ViewFlags & c.bit) != 0) == c.checkedWhenSet);
-    EXPECT_NE(redraw.isChecked(c.option), before);
-    EXPECT_EQ(redraw.RememberedViewFlags, view.ViewFlags);
-    EXPECT_EQ(redraw.rebuilds(), rebuilds + 1);
+    EXPECT_EQ(std::tuple(redraw.isChecked(c.option), redraw.RememberedViewFlags, redraw.rebuilds()),
+              std::tuple(!before, view.ViewFlags, rebuilds + 1));
   }
   // Pad positions are not remembered.
   const int32_t remembered = redraw.RememberedViewFlags;
   view.PadPositions = 0;
   redraw.RememberedViewFlags = 0;
   redraw.toggle(DisplayOption::PadPosition);
-  EXPECT_EQ(view.PadPositions, 1);
-  EXPECT_TRUE(redraw.isChecked(DisplayOption::PadPosition));
-  EXPECT_EQ(redraw.RememberedViewFlags, 0);
+  EXPECT_EQ(std::tuple(view.PadPositions, redraw.isChecked(DisplayOption::PadPosition),
+                       redraw.RememberedViewFlags),
+            std::tuple(1, true, 0));
   EXPECT_NE(remembered, 0);
 }
 
@@ -246,8 +239,8 @@ TEST_F(RedrawTest, FocusCentresOnThePointAndMarksIt) {
   redraw.RedrawScreen();
   const int32_t before = redraw.rebuilds();
   redraw.RedrawScreenFocus(500000, -200000);
-  EXPECT_EQ(std::pair(view.ViewCenterX, view.ViewCenterY), std::pair(500000, 200000));
-  EXPECT_EQ(redraw.rebuilds(), before + 1);
+  EXPECT_EQ(std::tuple(view.ViewCenterX, view.ViewCenterY, redraw.rebuilds()),
+            std::tuple(500000, 200000, before + 1));
   // The mark lies at the picture's centre, where the background was.
   ASSERT_NE(paletteColour(colours[colourslot::Highlight].ColourNumber), backgroundColour());
   const QImage* image = kernel.graphics.shadowImage(view.device());

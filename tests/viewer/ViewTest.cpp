@@ -15,21 +15,15 @@ using ViewCoordinatesTest = test::ViewFixture;
 using Point = std::array<int32_t, 2>;
 
 TEST_F(ViewCoordinatesTest, OpenViewPassesTheNegatedCentreAndPointsAreClampedToTheWorld) {
-  view.m_Precision = 100;
-  view.ViewCenterX = 5000;
-  view.ViewCenterY = -7000;  // world Y 7000
   for (int32_t mirror : {0, viewflag::Mirror}) {
-    view.ViewFlags = mirror;
+    place(100, mirror, 5000, -7000);  // world Y 7000
     ASSERT_EQ(view.OpenView(1), 1);
     EXPECT_EQ(view.ViewRect, (FrameRect{5000 - 20000, 7000 - 15000, 5000 + 20000, 7000 + 15000}));
     EXPECT_EQ(worldOf(Width / 2, Height / 2), (Point{5000, 7000}));
     // The top of the picture is the high Y; mirrored, the left is the high X.
     EXPECT_EQ(worldOf(0, 0), (Point{mirror ? view.ViewRect.MaxX : view.ViewRect.MinX, 22000}));
   }
-  view.m_Precision = 1000000;
-  view.ViewCenterX = 210000000;
-  view.ViewCenterY = -100000000;
-  view.ViewFlags = 0;
+  place(1000000, 0, 210000000, -100000000);
   ASSERT_EQ(view.OpenView(2), 1);
   EXPECT_EQ(worldOf(Width - 1, Height / 2), (Point{WorldExtent, 100000000})) << "axis by axis";
   EXPECT_EQ(worldOf(0, 0), (Point{10000000, WorldExtent}));
@@ -58,10 +52,8 @@ TEST_F(ViewCoordinatesTest, PixelsAndWorldPointsAreEachOthersInverseThroughTheDe
   for (int trial = 0; trial < 24; ++trial) {
     const int32_t s = trial < 2 ? 1 + trial : precisionOf(random);
     const bool mirror = trial % 2;
-    view.m_Precision = s;
-    view.ViewCenterX = centreOf(random);
-    view.ViewCenterY = centreOf(random);
-    view.ViewFlags = mirror ? viewflag::Mirror : 0;
+    const int32_t cx = centreOf(random);
+    place(s, mirror ? viewflag::Mirror : 0, cx, centreOf(random));
     SCOPED_TRACE(testing::Message() << "precision " << s << " mirror " << mirror);
     ASSERT_EQ(view.OpenView(1), 1);
     const FrameRect seen = view.ViewRect;
@@ -95,14 +87,10 @@ TEST_F(ViewCoordinatesTest, KeepingTheViewInTheWorld) {
       {"far outside", 10000, 0, 2000000000, -2000000000, 10000, 218000000, -218500000},
       {"mirrored", 10000, 1, 219000000, 0, 10000, 218000000, 0},
       {"larger than the world", 2540000, 0, 100000000, -100000000, 1100000, 0, -55000000},
-      {"larger, mirrored", 2540000, 1, -100000000, 3, 1100000, 0, 3},
-  };
+      {"larger, mirrored", 2540000, 1, -100000000, 3, 1100000, 0, 3}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    view.m_Precision = c.precision;
-    view.ViewFlags = c.mirror;
-    view.ViewCenterX = c.cx;
-    view.ViewCenterY = c.cy;
+    place(c.precision, c.mirror, c.cx, c.cy);
     view.PrecisionText.clear();
     const ViewChange change = view.keepInWorld();
     EXPECT_EQ(zoom(), (std::array{c.expectedPrecision, c.expectedX, c.expectedY}));
@@ -214,8 +202,7 @@ TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
   view.DisplayUnit = mm;
   view.PrecisionText = "0,05";  // the redraw button applies what was typed
   view.ATB_RedrawButtonClick(zoommode::Current);
-  EXPECT_EQ(view.m_Precision, 5000);
-  EXPECT_EQ(view.PrecisionText, "0.050");
+  EXPECT_EQ(std::tuple(view.m_Precision, view.PrecisionText), std::tuple(5000, "0.050"));
 }
 
 TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
@@ -245,8 +232,7 @@ TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
       {"fit", zoommode::Board, false, 10000 + 635, 3000000, 2500000},
       {"fit, ruler", zoommode::Board, true, (4000000 + RulerMargin) / Width + 635,
        3000000 - RulerMargin / 2, 2500000 - RulerMargin / 2},
-      {"actual size", zoommode::ActualBoard, false, ActualSizePrecision, 3000000, 2500000},
-  };
+      {"actual size", zoommode::ActualBoard, false, ActualSizePrecision, 3000000, 2500000}};
   addBox(1, 1000000, 2000000, 5000000, 3000000);
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -275,9 +261,9 @@ TEST_F(ViewZoomTest, BoxZoomFramesTheBoxThroughTheShownPrecision) {
   ViewChange change = view.boxZoom(0, 0, 1233881, 1000);
   // 1233881 / 400 pixels = 3084.7, truncated to 3084 units (0.03084 mm): the combo shows
   // "0.0308" and the redraw in mode 0 reads that back.
-  EXPECT_EQ(view.PrecisionText, "0.0308");
-  EXPECT_EQ(zoom(), (Zoom{3080, 616940, -500})) << "616940.5 to the even neighbour";
-  EXPECT_EQ(view.ZoomModeFlag, zoommode::Current);
+  EXPECT_EQ(std::tuple(view.PrecisionText, zoom(), view.ZoomModeFlag),
+            std::tuple("0.0308", Zoom{3080, 616940, -500}, zoommode::Current))
+      << "616940.5 to the even neighbour";
   EXPECT_TRUE(change.ModeTool && change.Redraw && change.ScrollBars && change.Precision);
   view.DisplayUnit = displayunit::Inch;
   view.boxZoom(0, 0, 4000000, -1500000);  // 10000 units: "0.00394" inch
@@ -293,9 +279,8 @@ TEST_F(ViewZoomTest, BoxZoomFramesTheBoxThroughTheShownPrecision) {
       {0, 0, WorldExtent + 1, 1000},      // a corner outside the world
       {-200000000, 0, 200000000, 1000}};  // wider than half the world
   for (const auto& [sx, sy, ex, ey] : rejected) {
-    EXPECT_FALSE(view.boxZoom(sx, sy, ex, ey).any());
-    EXPECT_EQ(view.ViewCenterX, 15);
-    EXPECT_EQ(view.ZoomModeFlag, zoommode::Board);
+    EXPECT_EQ((std::tuple{view.boxZoom(sx, sy, ex, ey).any(), view.ViewCenterX, view.ZoomModeFlag}),
+              std::tuple(false, 15, zoommode::Board));
   }
   EXPECT_TRUE(view.boxZoom(-WorldExtent, 0, 0, 1000).any()) << "the limits are inside";
 }
@@ -310,10 +295,7 @@ TEST_F(ViewZoomTest, WheelKeepsThePointUnderThePointer) {
                                           << p[0] << "," << p[1]);
           const int32_t start = view.tables().defaultPrecision(unit);
           view.DisplayUnit = unit;
-          view.ViewFlags = mirror;
-          view.m_Precision = start;
-          view.ViewCenterX = 1234567;
-          view.ViewCenterY = -7654321;
+          place(start, mirror, 1234567, -7654321);
           ASSERT_EQ(view.OpenView(2), 1);
           const Point before = worldOf(p[0], p[1]);
           EXPECT_TRUE(view.wheelZoom(rotation, p[0], p[1]).Redraw);
@@ -339,16 +321,17 @@ TEST_F(ViewZoomTest, PanningUnitSwitchAndTheRememberedView) {
   EXPECT_EQ(change.EraseRulerUnit, displayunit::Inch) << "erased in the old unit";
   EXPECT_TRUE(change.DrawRuler && change.Combos && change.UnitTool && change.Precision);
   EXPECT_FALSE(change.Redraw) << "the artwork is not drawn again";
-  EXPECT_EQ(view.PrecisionText, "0.010");
-  EXPECT_EQ(view.precisionComboRows()[11], "0.250");
-  EXPECT_EQ(view.rasterComboRows()[1], "2.000");
+  EXPECT_EQ(
+      std::tuple(view.PrecisionText, view.precisionComboRows()[11], view.rasterComboRows()[1]),
+      std::tuple("0.010", "0.250", "2.000"));
   change = view.M_Mm_Click();
   EXPECT_FALSE(change.Combos || change.DrawRuler || change.EraseRulerUnit >= 0);
   view.RulerOn = false;
   change = view.M_Inches_Click();
   EXPECT_TRUE(change.Combos && change.EraseRulerUnit < 0 && !change.DrawRuler);
-  EXPECT_EQ(view.precisionComboRows()[0], "0.0001") << "254 units, a ten-thousandth of an inch";
-  EXPECT_EQ(view.rasterComboRows()[6], "0.1000");
+  EXPECT_EQ(std::tuple(view.precisionComboRows()[0], view.rasterComboRows()[6]),
+            std::tuple("0.0001", "0.1000"))
+      << "254 units, a ten-thousandth of an inch";
 
   EXPECT_FALSE(view.exchangeViewHistory().any()) << "the first exchange only remembers";
   view.m_Precision = 5000;
@@ -373,24 +356,21 @@ TEST(ViewTablesTest, CurrentRowsAndDefaultPrecisionComeFromTheKernel) {
   Kernel k;
   test::writeStartupTables(k.strings);
   ViewTables t = ReadViewTables(k.strings);
-  EXPECT_EQ(t.defaultPrecision(displayunit::Inch), 25400);
-  EXPECT_EQ(t.defaultPrecision(displayunit::Millimetre), 25000);
-  EXPECT_EQ(t.currentGridStep(displayunit::Millimetre), 200000);
-  EXPECT_EQ(t.currentPickPixels(), 2);
-  EXPECT_EQ(t.currentAngleStep(), 15000);
-  EXPECT_EQ(t.gridRows(displayunit::Millimetre).size(), 12u);
-  EXPECT_EQ(t.precisionRows(displayunit::Millimetre).back(), 250000);
+  const int32_t in = displayunit::Inch, mm = displayunit::Millimetre;
+  EXPECT_EQ(std::tuple(t.defaultPrecision(in), t.defaultPrecision(mm), t.currentGridStep(mm),
+                       t.currentPickPixels(), t.currentAngleStep(), t.gridRows(mm).size(),
+                       t.precisionRows(mm).back()),
+            std::tuple(25400, 25000, 200000, 2, 15000, 12u, 250000));
   // No current row, a row beyond the group, and a current row that holds 0 all give 12700.
   int32_t* precision = reinterpret_cast<int32_t*>(k.strings.E_SysTable(21));
   precision[0] = 16;
   precision[16] = 0;
   t = ReadViewTables(k.strings);
-  EXPECT_EQ(t.defaultPrecision(displayunit::Inch), 12700);
-  EXPECT_EQ(t.defaultPrecision(displayunit::Millimetre), 12700);
+  EXPECT_EQ(std::tuple(t.defaultPrecision(in), t.defaultPrecision(mm)), std::tuple(12700, 12700));
   precision[16] = 3;
-  EXPECT_EQ(ReadViewTables(k.strings).defaultPrecision(displayunit::Millimetre), 1000);
+  EXPECT_EQ(ReadViewTables(k.strings).defaultPrecision(mm), 1000);
   precision[19] = 0;
-  EXPECT_EQ(ReadViewTables(k.strings).defaultPrecision(displayunit::Millimetre), 12700);
+  EXPECT_EQ(ReadViewTables(k.strings).defaultPrecision(mm), 12700);
 }
 
 TEST(ViewTablesTest, WheelStepsAlongTheRowsOfTheUnit) {
@@ -414,17 +394,15 @@ TEST(ViewTablesTest, WheelStepsAlongTheRowsOfTheUnit) {
 using ViewSettingsTest = test::ViewFixture;
 
 TEST_F(ViewSettingsTest, ViewZoomAndUnitSettings) {
-  view.applyViewSetting("1,1,1,0,0,0,1");
-  EXPECT_TRUE(view.RulerOn);
-  EXPECT_EQ(view.ViewFlags, viewflag::ScreenView | viewflag::PadFrames) << "true size clears 32";
-  EXPECT_EQ(view.PadPositions, 1);
+  view.applyViewSetting("1,1,1,0,0,0,1");  // true size clears 32
+  EXPECT_EQ(std::tuple(view.RulerOn, view.ViewFlags, view.PadPositions),
+            std::tuple(true, viewflag::ScreenView | viewflag::PadFrames, 1));
   EXPECT_EQ(view.viewSettingText(), "1,1,1,0,0,0,1");
   view.applyViewSetting("0,0,0,1");  // the missing fields read as 0
   EXPECT_EQ(view.ViewFlags, viewflag::ScreenView | viewflag::Outline | viewflag::Mirror);
   EXPECT_EQ(view.viewSettingText(), "0,0,0,1,0,0,0");
   view.applyViewSetting("-1,1,0,0,1,-1,-1");  // monochrome is not applied; booleans go out as 1
-  EXPECT_EQ(view.MonoFlags, 0);
-  EXPECT_TRUE(view.ScrollBarsOn);
+  EXPECT_EQ(std::tuple(view.MonoFlags, view.ScrollBarsOn), std::tuple(0, true));
   view.MonoFlags = MonoFlag;
   EXPECT_EQ(view.viewSettingText(), "1,1,0,0,1,1,1");
 

@@ -70,6 +70,14 @@ protected:
                        Item(ItemRectangle).at(x0, y0).colour(15).filled().size(x1 - x0, y1 - y0)));
   }
 
+  // Sets the precision, the view flags and the stored centre (Y negated).
+  void place(int32_t precision, int32_t flags, int32_t cx, int32_t cy) {
+    view.m_Precision = precision;
+    view.ViewFlags = flags;
+    view.ViewCenterX = cx;
+    view.ViewCenterY = cy;
+  }
+
   // The world point of a picture pixel through the view's device, as last opened.
   std::array<int32_t, 2> worldOf(int32_t px, int32_t py) {
     std::array<int32_t, 2> w{};
