@@ -65,10 +65,9 @@ TEST_F(LayerOrderModelTest, FormFillListsTheListedLayersInRowOrder) {
   }
   EXPECT_EQ(std::tuple(m.listIndex(), m.upEnabled(), m.downEnabled(), m.loading()),
             std::tuple(0, false, true, false));
-  EXPECT_EQ(m.workingOrder(), before);
-  EXPECT_EQ(m.savedOrder(), before);
-  EXPECT_EQ(tables.LayerOrder, before) << "filling changes nothing";
-  EXPECT_EQ(redraws_, 0);
+  EXPECT_EQ(std::tuple(m.workingOrder(), m.savedOrder(), tables.LayerOrder, redraws_),
+            std::tuple(before, before, before, 0))
+      << "filling changes nothing";
   EXPECT_EQ(m.tools().size(), 3u);
 
   // Texts come from the catalogue; an inner layer listed later gets a line in its row's place.
@@ -84,8 +83,7 @@ TEST_F(LayerOrderModelTest, FormFillListsTheListedLayersInRowOrder) {
 TEST_F(LayerOrderModelTest, EmptyAndSingleLineListsCannotMove) {
   listOnly({});
   LayerOrderModel& m = open();
-  EXPECT_TRUE(m.lines().empty());
-  EXPECT_EQ(m.listIndex(), -1);
+  EXPECT_EQ(std::tuple(m.lines().size(), m.listIndex()), std::tuple(0u, -1));
   m.cmdUp_Click();
   m.cmdDown_Click();
   EXPECT_EQ(m.lstSearchSeq_Click(0, true), true) << "no line 0: nothing happens";
@@ -100,8 +98,8 @@ TEST_F(LayerOrderModelTest, EmptyAndSingleLineListsCannotMove) {
   EXPECT_FALSE(model_->upEnabled() || model_->downEnabled());
   model_->cmdUp_Click();
   model_->cmdDown_Click();
-  EXPECT_EQ(tables.LayerOrder, before);
-  EXPECT_EQ(redraws_, 1) << "only the click redrew";
+  EXPECT_EQ(std::tuple(tables.LayerOrder, redraws_), std::tuple(before, 1))
+      << "only the click redrew";
 }
 
 TEST_F(LayerOrderModelTest, UpAndDownExchangeRowsAndSkipRowsWithoutALine) {
@@ -115,38 +113,33 @@ TEST_F(LayerOrderModelTest, UpAndDownExchangeRowsAndSkipRowsWithoutALine) {
   m.lstSearchSeq_Click(6, true);
   EXPECT_TRUE(m.upEnabled() && m.downEnabled());
   m.cmdUp_Click();
-  EXPECT_EQ(m.listIndex(), 5);
   std::vector<int32_t> expected = start;
   std::swap(expected[5], expected[29]);
-  EXPECT_EQ(order(), expected);
-  EXPECT_TRUE(tables.orderRow(6).Visible);
-  EXPECT_FALSE(tables.orderRow(30).Visible);
+  EXPECT_EQ(std::tuple(m.listIndex(), order(), tables.orderRow(6).Visible,
+                       tables.orderRow(30).Visible, redraws_),
+            std::tuple(5, expected, true, false, 2))
+      << "the click and the move redrew";
   EXPECT_EQ(m.lines(), linesOf({1, 2, 3, 4, 5, 30, 6, 31}, {1, 0, 1, 1, 1, 1, 0, 1}));
   EXPECT_EQ(tables.LayerOrder, m.workingOrder());
-  EXPECT_EQ(redraws_, 2) << "the click and the move";
 
   // Up to the top; at line 0 Up is disabled and does nothing.
   for (int i = 0; i < 5; ++i)
     m.cmdUp_Click();
-  EXPECT_EQ(m.listIndex(), 0);
-  EXPECT_FALSE(m.upEnabled());
-  EXPECT_TRUE(m.downEnabled());
+  EXPECT_EQ(std::tuple(m.listIndex(), m.upEnabled(), m.downEnabled()), std::tuple(0, false, true));
   const std::vector<int32_t> top = order();
   EXPECT_EQ(std::vector<int32_t>(top.begin(), top.begin() + 6),
             (std::vector<int32_t>{30, 1, 2, 3, 4, 5}));
   EXPECT_FALSE(tables.orderRow(3).Visible) << "layer 2's hidden row moved down with it";
   const int redrawsAtTop = redraws_;
   m.cmdUp_Click();
-  EXPECT_EQ(tables.orderRow(1).LayerNumber, 30);
-  EXPECT_EQ(redraws_, redrawsAtTop);
+  EXPECT_EQ(std::tuple(tables.orderRow(1).LayerNumber, redraws_), std::tuple(30, redrawsAtTop));
 
   // Down to the bottom: Down is disabled on the last line; then up again to where it came from.
   for (int i = 0; i < 7; ++i)
     m.cmdDown_Click();
-  EXPECT_EQ(m.listIndex(), 7);
-  EXPECT_FALSE(m.downEnabled());
-  EXPECT_EQ(std::pair(tables.orderRow(30).LayerNumber, tables.orderRow(31).LayerNumber),
-            std::pair(31, 30));
+  EXPECT_EQ(std::tuple(m.listIndex(), m.downEnabled(), tables.orderRow(30).LayerNumber,
+                       tables.orderRow(31).LayerNumber),
+            std::tuple(7, false, 31, 30));
   m.cmdDown_Click();
   EXPECT_EQ(tables.orderRow(31).LayerNumber, 30);
   m.cmdUp_Click();
@@ -159,24 +152,19 @@ TEST_F(LayerOrderModelTest, UpAndDownExchangeRowsAndSkipRowsWithoutALine) {
 TEST_F(LayerOrderModelTest, ClicksSetVisibilityButTheActiveLayerStaysVisible) {
   LayerOrderModel& m = open();
   EXPECT_FALSE(m.lstSearchSeq_Click(1, false));
-  EXPECT_FALSE(tables.orderRow(2).Visible);
-  EXPECT_FALSE(m.workingOrder()[1].Visible);
-  EXPECT_EQ(m.listIndex(), 1);
-  EXPECT_EQ(redraws_, 1);
+  EXPECT_EQ(
+      std::tuple(tables.orderRow(2).Visible, m.workingOrder()[1].Visible, m.listIndex(), redraws_),
+      std::tuple(false, false, 1, 1));
   EXPECT_TRUE(m.lstSearchSeq_Click(1, true));
-  EXPECT_TRUE(tables.orderRow(2).Visible);
-  EXPECT_EQ(redraws_, 2);
+  EXPECT_EQ(std::tuple(tables.orderRow(2).Visible, redraws_), std::tuple(true, 2));
 
   tables.layer(4).Active = true;
   EXPECT_TRUE(m.lstSearchSeq_Click(3, false)) << "the active layer cannot be hidden";
-  EXPECT_TRUE(tables.orderRow(4).Visible);
-  EXPECT_TRUE(m.lines()[3].Selected);
-  EXPECT_EQ(redraws_, 3);
-
+  EXPECT_EQ(std::tuple(tables.orderRow(4).Visible, m.lines()[3].Selected, redraws_),
+            std::tuple(true, true, 3));
   EXPECT_TRUE(m.lstSearchSeq_Click(8, true)) << "no such line";
   EXPECT_FALSE(m.lstSearchSeq_Click(-1, false));
-  EXPECT_EQ(redraws_, 3);
-  EXPECT_EQ(m.listIndex(), 3);
+  EXPECT_EQ(std::tuple(redraws_, m.listIndex()), std::tuple(3, 3));
 }
 
 TEST_F(LayerOrderModelTest, SelectionToolsKeepTheActiveLayerAndUnlistedRows) {
@@ -187,16 +175,15 @@ TEST_F(LayerOrderModelTest, SelectionToolsKeepTheActiveLayerAndUnlistedRows) {
   LayerOrderModel& m = open();
 
   m.ATB_UnSelectAll();
-  EXPECT_EQ(selections(), (std::vector<bool>{0, 0, 1, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(redraws_, 1);
+  EXPECT_EQ(std::tuple(selections(), redraws_),
+            std::tuple(std::vector<bool>{0, 0, 1, 0, 0, 0, 0, 0}, 1));
   for (int32_t row = 1; row <= 31; ++row)
     EXPECT_EQ(tables.orderRow(row).Visible, row == 3 || row == 12) << row;
 
   m.ATB_SelectAll();
-  EXPECT_EQ(selections(), std::vector<bool>(8, true));
-  EXPECT_TRUE(tables.orderRow(30).Visible);
-  EXPECT_FALSE(tables.orderRow(11).Visible);
-  EXPECT_EQ(redraws_, 2);
+  EXPECT_EQ(
+      std::tuple(selections(), tables.orderRow(30).Visible, tables.orderRow(11).Visible, redraws_),
+      std::tuple(std::vector<bool>(8, true), true, false, 2));
 
   // Not empty: layer 5 (an item) and 31 (an entry), and the active layer 3 although empty. The
   // lines follow their layers after a move.
@@ -204,10 +191,9 @@ TEST_F(LayerOrderModelTest, SelectionToolsKeepTheActiveLayerAndUnlistedRows) {
   m.cmdUp_Click();  // layer 5 now on line 3, layer 4 on line 4
   m.ATB_SelectAllUsed();
   EXPECT_EQ(m.lines(), linesOf({1, 2, 3, 5, 4, 6, 30, 31}, {0, 0, 1, 1, 0, 0, 0, 1}));
-  EXPECT_EQ(std::pair(tables.orderRow(4).LayerNumber, tables.orderRow(4).Visible),
-            std::pair(5, true));
-  EXPECT_TRUE(tables.orderRow(12).Visible);
-  EXPECT_EQ(redraws_, 5);
+  EXPECT_EQ(std::tuple(tables.orderRow(4).LayerNumber, tables.orderRow(4).Visible,
+                       tables.orderRow(12).Visible, redraws_),
+            std::tuple(5, true, true, 5));
 
   // Keys of the menu, trimmed and in any case.
   const std::pair<const char*, long> keys[] = {
@@ -217,9 +203,8 @@ TEST_F(LayerOrderModelTest, SelectionToolsKeepTheActiveLayerAndUnlistedRows) {
     EXPECT_EQ(std::ranges::count(selections(), true), selected) << key;
   }
   EXPECT_EQ(redraws_, 8);
-  EXPECT_FALSE(m.runTool("ATB_SelectNone"));
-  EXPECT_FALSE(m.runTool(""));
-  EXPECT_EQ(redraws_, 8);
+  EXPECT_EQ((std::tuple{m.runTool("ATB_SelectNone"), m.runTool(""), redraws_}),
+            std::tuple(false, false, 8));
 }
 
 TEST_F(LayerOrderModelTest, CancelRestoresTheRowsAndOkKeepsThem) {
@@ -235,8 +220,8 @@ TEST_F(LayerOrderModelTest, CancelRestoresTheRowsAndOkKeepsThem) {
   EXPECT_EQ(redraws_, 5) << "the picture follows each click";
 
   m.cmdCancel_Click();
-  EXPECT_EQ(tables.LayerOrder, before);
-  EXPECT_EQ(redraws_, 5) << "the main window redraws after closing";
+  EXPECT_EQ(std::tuple(tables.LayerOrder, redraws_), std::tuple(before, 5))
+      << "the main window redraws after closing";
 
   // OK keeps what the user made.
   LayerOrderModel& again = open();
@@ -247,8 +232,8 @@ TEST_F(LayerOrderModelTest, CancelRestoresTheRowsAndOkKeepsThem) {
   tables.LayerOrder = before;  // another part of the viewer changed LayerOrder meanwhile
   again.cmdOK_Click();
   EXPECT_EQ(tables.LayerOrder, working);
-  EXPECT_EQ(std::pair(tables.orderRow(3).LayerNumber, tables.orderRow(4).LayerNumber),
-            std::pair(4, 3));
+  EXPECT_EQ(std::tuple(tables.orderRow(3).LayerNumber, tables.orderRow(4).LayerNumber),
+            std::tuple(4, 3));
 }
 
 }  // namespace
