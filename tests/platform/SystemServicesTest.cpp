@@ -43,16 +43,14 @@ TEST(MessageCatalogue, LinesAreReadLeniently) {
   struct Case {
     const char* id;
     const char* expected;  // nullptr: no entry
-  } cases[] = {
-      {"62380", "Artwork File - Incorrect format"},
-      {"62381", nullptr},
-      {"62451", "Can't read file: "},
-      {"625", nullptr},
-      {"62A", nullptr},
-      {"6290", nullptr},
-      {"151217", "Two\nlines\tand a \\ backslash\\x"},
-      {"62101", "Clear all elements"},
-  };
+  } cases[] = {{"62380", "Artwork File - Incorrect format"},
+               {"62381", nullptr},
+               {"62451", "Can't read file: "},
+               {"625", nullptr},
+               {"62A", nullptr},
+               {"6290", nullptr},
+               {"151217", "Two\nlines\tand a \\ backslash\\x"},
+               {"62101", "Clear all elements"}};
   for (const Case& k : cases) {
     SCOPED_TRACE(k.id);
     const std::string* text = c.find(k.id);
@@ -186,8 +184,7 @@ TEST_F(IniSettings, ValuesWrittenReadBackTheSameInAFreshServiceObject) {
       {"Utf8", "Gr\xC3\xB6\xC3\x9F"
                "e \xE6\x96\xB0"},
       {"Brackets", "[not a section]"},
-      {"LoneQuote", "\""},
-  };
+      {"LoneQuote", "\""}};
   int32_t status = -1;
   for (const auto& [key, value] : values) {
     services_.WriteIniString("GBRVIEWER", key, value, status);
@@ -223,14 +220,12 @@ TEST_F(IniSettings, LenientReadingOfUntidyFiles) {
     const char* section;
     const char* key;
     const char* expected;
-  } cases[] = {
-      {"", "TopKey", "outside any section"},
-      {"COUNTRY", "number", "2"},  // first of duplicate keys, trimmed, case-blind
-      {"Country", "Default", ""},  // present but empty: not the default
-      {"Country", "Missing", "dflt"},
-      {"IMAGES", "IMGHEIGHT", "24"},  // header without its closing bracket
-      {"Nowhere", "Number", "dflt"},
-  };
+  } cases[] = {{"", "TopKey", "outside any section"},
+               {"COUNTRY", "number", "2"},  // first of duplicate keys, trimmed, case-blind
+               {"Country", "Default", ""},  // present but empty: not the default
+               {"Country", "Missing", "dflt"},
+               {"IMAGES", "IMGHEIGHT", "24"},  // header without its closing bracket
+               {"Nowhere", "Number", "dflt"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.section) + "/" + c.key);
     EXPECT_EQ(services_.GetIniString(c.section, c.key, "dflt"), c.expected);
@@ -402,18 +397,16 @@ TEST(TokenListTest, ParseCutsAtEveryDelimiter) {
     std::string delimiter;
     std::vector<std::string> items;
   };
-  const Case cases[] = {
-      {"TVNGBRVIEWER,MX", ",", {"TVNGBRVIEWER", "MX"}},
-      {"TVNGBRVIEWER", ",", {"TVNGBRVIEWER"}},
-      {"", ",", {}},
-      {"a,,b", ",", {"a", "", "b"}},
-      {"a,b,", ",", {"a", "b", ""}},
-      {",a", ",", {"", "a"}},
-      {" a , b ", ",", {" a ", " b "}},
-      {"a<>b<>c", "<>", {"a", "b", "c"}},
-      {"a<b>c", "<>", {"a<b>c"}},
-      {"a,b", "", {"a,b"}},
-  };
+  const Case cases[] = {{"TVNGBRVIEWER,MX", ",", {"TVNGBRVIEWER", "MX"}},
+                        {"TVNGBRVIEWER", ",", {"TVNGBRVIEWER"}},
+                        {"", ",", {}},
+                        {"a,,b", ",", {"a", "", "b"}},
+                        {"a,b,", ",", {"a", "b", ""}},
+                        {",a", ",", {"", "a"}},
+                        {" a , b ", ",", {" a ", " b "}},
+                        {"a<>b<>c", "<>", {"a", "b", "c"}},
+                        {"a<b>c", "<>", {"a<b>c"}},
+                        {"a,b", "", {"a,b"}}};
   for (const Case& c : cases) {
     SCOPED_TRACE("'" + c.text + "' at '" + c.delimiter + "'");
     TokenList list;
@@ -445,11 +438,10 @@ TEST(TokenListTest, ItemValueReadsLeniently) {
     std::string item;
     double value;
   };
-  const Case cases[] = {
-      {"12", 12.0}, {"-3.25", -3.25}, {"2,5", 2.5},     {"1,2,3", 1.2},  {"  7", 7.0},
-      {"+4", 4.0},  {"+-4", 0.0},     {"12.5mm", 12.5}, {"1e3", 1000.0}, {"abc", 0.0},
-      {"", 0.0},    {"-", 0.0},       {".5", 0.5},      {"1e999", 0.0},  {"0,001", 0.001},
-  };
+  const Case cases[] = {{"12", 12.0},    {"-3.25", -3.25}, {"2,5", 2.5},    {"1,2,3", 1.2},
+                        {"  7", 7.0},    {"+4", 4.0},      {"+-4", 0.0},    {"12.5mm", 12.5},
+                        {"1e3", 1000.0}, {"abc", 0.0},     {"", 0.0},       {"-", 0.0},
+                        {".5", 0.5},     {"1e999", 0.0},   {"0,001", 0.001}};
   for (const Case& c : cases) {
     SCOPED_TRACE("'" + c.item + "'");
     TokenList list;

@@ -216,16 +216,14 @@ TEST(InterfaceFont, CharacterSetsAndScriptsByLanguage) {
     const char* locale;
     CjkScript script;
     int32_t charset;
-  } cases[] = {
-      {"en_US", CjkScript::None, 0},
-      {"zh_TW", CjkScript::TraditionalChinese, 136},
-      {"zh_HK", CjkScript::TraditionalChinese, 136},
-      {"zh_CN", CjkScript::SimplifiedChinese, 134},
-      {"ja_JP", CjkScript::Japanese, 128},
-      {"ko_KR", CjkScript::Korean, 129},
-      {"ru_RU", CjkScript::None, 204},
-      {"pl_PL", CjkScript::None, 238},
-  };
+  } cases[] = {{"en_US", CjkScript::None, 0},
+               {"zh_TW", CjkScript::TraditionalChinese, 136},
+               {"zh_HK", CjkScript::TraditionalChinese, 136},
+               {"zh_CN", CjkScript::SimplifiedChinese, 134},
+               {"ja_JP", CjkScript::Japanese, 128},
+               {"ko_KR", CjkScript::Korean, 129},
+               {"ru_RU", CjkScript::None, 204},
+               {"pl_PL", CjkScript::None, 238}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.locale);
     QLocale locale(c.locale);
@@ -345,8 +343,7 @@ TEST(WindowPlaceTest, CorrectionsOfTheStoredPlace) {
       {"300", "450", "0.4", "5000", true, {300, 450, 5000, PresentHeight}},
       // Whole numbers, a half to the even neighbour; text without a number is -1.
       {" 300 ", "+450", "4000.5", "5001.5", true, {300, 450, 5002, 4000}},
-      {"abc", "450", "4000", "12mm", false, {0, 450, PresentWidth, 4000}},
-  };
+      {"abc", "450", "4000", "12mm", false, {0, 450, PresentWidth, 4000}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.top) + "|" + c.left + "|" + c.height + "|" + c.width);
     MemoryUserStore store;
