@@ -10,18 +10,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <fstream>
-
 namespace tvx {
 namespace {
 
 class FileInfoTest : public ::testing::Test {
 protected:
-  std::string write(const std::string& name, const std::string& text) {
-    const std::string path = folder.file(name);
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
-  }
   static QJsonObject parse(const std::string& json) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(json), &error);
@@ -36,7 +29,7 @@ constexpr const char* Drill = "M48\nMETRIC,TZ\nT1C0.8\nT2C1.0\n%\nT1\nX1000Y-200
                               "T2\nX5000Y8000\nX20000Y3000\nM30\n";
 
 TEST_F(FileInfoTest, ADrillFileReportsFormatToolsExtentsAndPads) {
-  const std::string path = write("board \"quoted\".drl", Drill);
+  const std::string path = folder.write("board \"quoted\".drl", Drill);
   const FileInfo info = gatherFileInfo(path);
   EXPECT_FALSE(info.failed());
   EXPECT_EQ(info.tools, (std::vector<ToolEntry>{{1, 80000, 1, 2}, {2, 100000, 1, 2}}));
@@ -66,10 +59,10 @@ TEST_F(FileInfoTest, ADrillFileReportsFormatToolsExtentsAndPads) {
 }
 
 TEST_F(FileInfoTest, AGerberFileReportsItsAperturesWithTheirUses) {
-  const std::string path = write("top.gbr", "%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.0100*%\n"
-                                            "%ADD11R,0.0600X0.0400*%\n%ADD12C,0.02*%\nD11*\n"
-                                            "X0Y0D03*\nX10000Y0D03*\nD10*\nX0Y0D02*\n"
-                                            "X10000Y0D01*\nM02*\n");
+  const std::string path = folder.write("top.gbr", "%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.0100*%\n"
+                                                   "%ADD11R,0.0600X0.0400*%\n%ADD12C,0.02*%\nD11*\n"
+                                                   "X0Y0D03*\nX10000Y0D03*\nD10*\nX0Y0D02*\n"
+                                                   "X10000Y0D01*\nM02*\n");
   const FileInfo info = gatherFileInfo(path);
   ASSERT_TRUE(info.gerber);
   EXPECT_FALSE(info.failed());
@@ -108,7 +101,7 @@ constexpr const char* CountedGerber = "%TF.FileFunction,Copper,L1,Top*%\n%TF.Par
                                       "X0Y0D01*\nG37*\nM02*\n";
 
 TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
-  const FileInfo info = gatherFileInfo(write("counted.gbr", CountedGerber));
+  const FileInfo info = gatherFileInfo(folder.write("counted.gbr", CountedGerber));
   ASSERT_TRUE(info.gerber);
   ASSERT_FALSE(info.failed()) << fileInfoText(info);
   const std::string text = fileInfoText(info);
@@ -152,7 +145,7 @@ TEST_F(FileInfoTest, OtherFilesReportTheirKindOnly) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    const FileInfo info = gatherFileInfo(write("other.txt", c.text));
+    const FileInfo info = gatherFileInfo(folder.write("other.txt", c.text));
     EXPECT_FALSE(info.excellon);
     EXPECT_FALSE(info.failed());
     const std::string text = fileInfoText(info);
@@ -177,7 +170,7 @@ TEST_F(FileInfoTest, FailuresExitWithOneAndNameTheFile) {
 
   // A drill file whose import fails still reports what the scan found.
   const std::string far =
-      write("far.drl", "M48\nMETRIC\nT1C1\n%\nT1\nX1.0Y1.0\nX9999999999.0Y1.0\n");
+      folder.write("far.drl", "M48\nMETRIC\nT1C1\n%\nT1\nX1.0Y1.0\nX9999999999.0Y1.0\n");
   out.clear();
   err.clear();
   EXPECT_EQ(runInfoCommand(far, false, out, err), 1);

@@ -206,12 +206,6 @@ TEST(RecogniseTextTest, MatchesAcrossChunkBoundaries) {
 
 class FileRecogniserTest : public ::testing::Test {
 protected:
-  std::string write(const std::string& name, const std::string& bytes) {
-    const std::string path = dir_.file(name);
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
-  }
-
   test::TempDir dir_;
   ScriptedPrompts prompts_;
   SystemServices services_{&prompts_};
@@ -221,7 +215,7 @@ protected:
 
 TEST_F(FileRecogniserTest, LoadWholeFileKeepsEveryByteAndNamesTheFile) {
   const std::string bytes("G04 x*\r\nX1\0\0Y2D03*\n\xFF\x01 end", 23);
-  const std::string path = write("bytes.gbr", bytes);
+  const std::string path = dir_.write("bytes.gbr", bytes);
   std::vector<std::string> lines;
   recogniser_.editMsgLine = [&](const std::string& line) { lines.push_back(line); };
   std::string text = "stale";
@@ -232,7 +226,7 @@ TEST_F(FileRecogniserTest, LoadWholeFileKeepsEveryByteAndNamesTheFile) {
   EXPECT_EQ(files_.openCount(), 0);
 
   // The word comes from the catalogue.
-  std::ofstream(dir_.file("GBRVIEWER.MSG")) << "62441\tVerarbeitung\n";
+  dir_.write("GBRVIEWER.MSG", "62441\tVerarbeitung\n");
   services_.loadCatalogue(dir_.path().string());
   ASSERT_TRUE(recogniser_.LoadWholeFile(path, text));
   EXPECT_EQ(lines.back(), path + " Verarbeitung");
@@ -276,7 +270,7 @@ TEST_F(FileRecogniserTest, KindsOfFilesWithEmptyAndBinaryContents) {
   };
   for (const FileCase& c : cases) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(recogniser_.RecogniseFile(write(c.name, c.bytes)), c.kind);
+    EXPECT_EQ(recogniser_.RecogniseFile(dir_.write(c.name, c.bytes)), c.kind);
     EXPECT_EQ(unit, c.unit);
   }
   EXPECT_TRUE(prompts_.shown.empty());

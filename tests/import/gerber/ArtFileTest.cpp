@@ -48,11 +48,8 @@ TEST(ArtRecordTest, LayoutIsTwentyOneLittleEndianBytesFieldByField) {
 
 TEST(ArtFileTest, RandomAccessByRecordNumber) {
   TempDir dir;
-  const std::string path = dir.file("TMP.ART");
-  {
-    std::ofstream old(path, std::ios::binary);
-    old << std::string(100, 'x');  // an earlier scan's file is removed, not overwritten in part
-  }
+  // An earlier scan's file is removed, not overwritten in part.
+  const std::string path = dir.write("TMP.ART", std::string(100, 'x'));
   ArtFile art;
   ASSERT_TRUE(art.create(path));
   EXPECT_EQ(art.recordCount(), 0);
@@ -238,8 +235,7 @@ TEST(ArtSections, WriteBackPutsEditedSizesIntoTheFile) {
 TEST(ArtSections, TooShortAFileIsReported) {
   test::TempDir dir;
   test::Reporting reporting;
-  const std::string path = dir.file("TMP.ART");
-  std::ofstream(path, std::ios::binary) << std::string(21 * 3, '\0');
+  const std::string path = dir.write("TMP.ART", std::string(21 * 3, '\0'));
   GerberScan scan;
   EXPECT_EQ(loadHeader(path, scan, reporting), 1);
   ASSERT_EQ(reporting.prompts.shown.size(), 1u);

@@ -79,6 +79,11 @@ public:
     std::filesystem::remove_all(path_, ec);
   }
   std::string file(const std::string& name) const { return (path_ / name).string(); }
+  // Writes the bytes into the file of that name; its path.
+  std::string write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(file(name), std::ios::binary) << bytes;
+    return file(name);
+  }
   const std::filesystem::path& path() const { return path_; }
 
 private:

@@ -283,12 +283,6 @@ TEST_F(ImportExcellonTest, ASecondProgramUsesItsOwnTools) {
 
 class ReadExcellonTextTest : public ::testing::Test {
 protected:
-  std::string write(const std::string& bytes) {
-    const std::string path = folder.file("drill.txt");
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
-  }
-
   test::TempDir folder;
   test::Reporting reporting;
   FileLayer files{reporting.services, &reporting.prompts};
@@ -297,8 +291,9 @@ protected:
 TEST_F(ReadExcellonTextTest, LinesBecomeUpperCaseBlocksWithoutComments) {
   std::string text;
   std::vector<std::string> lines;
-  const std::string path =
-      write("m48\r\n  inch,lz ; comment\r\n\r\n;only a comment\n\tT1c0.02\rx1y1  \n   \nM30");
+  const std::string path = folder.write(
+      "drill.txt",
+      "m48\r\n  inch,lz ; comment\r\n\r\n;only a comment\n\tT1c0.02\rx1y1  \n   \nM30");
   EXPECT_TRUE(ReadExcellonText(files, reporting.services, path, text,
                                [&](const std::string& line) { lines.push_back(line); }));
   EXPECT_EQ(text, "M48|INCH,LZ |T1C0.02|X1Y1|M30|");
@@ -306,10 +301,11 @@ TEST_F(ReadExcellonTextTest, LinesBecomeUpperCaseBlocksWithoutComments) {
   EXPECT_TRUE(reporting.prompts.shown.empty());
   EXPECT_EQ(files.openCount(), 0);
 
-  EXPECT_TRUE(ReadExcellonText(files, reporting.services, write(""), text));
+  EXPECT_TRUE(ReadExcellonText(files, reporting.services, folder.write("drill.txt", ""), text));
   EXPECT_EQ(text, "");
   const std::string longLine(3'000'000, '7');
-  EXPECT_TRUE(ReadExcellonText(files, reporting.services, write("x" + longLine), text));
+  EXPECT_TRUE(
+      ReadExcellonText(files, reporting.services, folder.write("drill.txt", "x" + longLine), text));
   EXPECT_EQ(text, "X" + longLine + "|");
 }
 

@@ -78,9 +78,7 @@ struct ImportWorld {
     session->state.Job.WorkDirectory = folder.path().string();
   }
   std::string write(const std::string& name, const std::string& text) const {
-    const std::string path = folder.file(name);
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
+    return folder.write(name, text);
   }
   ImportResult run(const std::string& path, const ImportOptions& options = {}) {
     return session->importFile(tables->Layers, path, options);

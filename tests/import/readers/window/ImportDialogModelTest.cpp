@@ -5,7 +5,6 @@
 
 #include "import/readers/excellon/ExcellonTestSupport.h"
 
-#include <fstream>
 #include <memory>
 
 namespace tvx {
@@ -39,11 +38,6 @@ protected:
       model_->programTitle = "Tarvex Viewer";
     }
     return *model_;
-  }
-  std::string write(const std::string& name, const std::string& text) const {
-    const std::string path = folder.file(name);
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
   }
   std::vector<std::string> boxes() const { return test::boxesOf(reporting.prompts); }
 
@@ -100,7 +94,7 @@ TEST_F(ImportDialogModelTest, GerberStageOneScansIntoTheWorkDirectoryAndOffersLa
 
 TEST_F(ImportDialogModelTest, ExcellonStageOneReadsScansAndBindsTheDrillLayer) {
   // Recognised as Format Two but without a unit in its header: told, and read as Format One.
-  state.Job.SourcePath = write("holes.drl", "M48\nT1C0.02\n%\nT1\nX01Y01\nM30\n");
+  state.Job.SourcePath = folder.write("holes.drl", "M48\nT1C0.02\n%\nT1\nX01Y01\nM30\n");
   state.Job.Kind = ImportKind::ExcellonFormatTwo;
   EXPECT_TRUE(model().ApplyFile());
   EXPECT_EQ(boxes(), std::vector<std::string>{
@@ -117,7 +111,7 @@ TEST_F(ImportDialogModelTest, ExcellonStageOneReadsScansAndBindsTheDrillLayer) {
 
   // Not Excellon after all: shown as text, no binding.
   state.DialogLayer = 0;
-  state.Job.SourcePath = write("notes.drl", "hello\n");
+  state.Job.SourcePath = folder.write("notes.drl", "hello\n");
   EXPECT_FALSE(model().ApplyFile());
   EXPECT_EQ(events, std::vector<std::string>{"display file"});
   EXPECT_EQ(state.DialogLayer, 0);
