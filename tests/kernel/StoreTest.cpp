@@ -49,9 +49,8 @@ TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
   for (int i = 0; i < 3000; ++i)
     s.deleteFreeObject(s.S_MakePadStack());
   ObjectHandle fresh = s.S_MakePadStack();
-  EXPECT_EQ(s.I_ReadItem(item, r), 0);
-  EXPECT_EQ(s.OA_GetCount(items), 0);
-  EXPECT_EQ(s.O_Mask(item, 1, 1), 0);
+  EXPECT_EQ(std::tuple(s.I_ReadItem(item, r), s.OA_GetCount(items), s.O_Mask(item, 1, 1)),
+            std::tuple(0, 0, 0));
   EXPECT_GT(s.S_ReadPadStack(fresh, p), 0);
 }
 
@@ -76,12 +75,11 @@ TEST(StoreMaps, SymbolKeysAndWalks) {
   EXPECT_EQ(s.S_CreateSymbol(-76501, "$$GIS_CAT-76501"), -76501);
   EXPECT_EQ(s.S_CreateSymbol(-76501, "again"), 0) << "a used id is refused";
   // Scratch symbols take the lowest free positive key, and a freed key is used again.
-  SymbolId a = s.S_CreateSymbol(0, "");
-  EXPECT_EQ(a, 1);
+  EXPECT_EQ(s.S_CreateSymbol(0, ""), 1);
   EXPECT_EQ(s.S_CreateSymbol(0, ""), 2);
-  ASSERT_EQ(s.OM_Delete(map, a), 1);
-  EXPECT_EQ(s.S_Symbol(a), 0);
-  EXPECT_EQ(s.S_CreateSymbol(0, ""), a);
+  ASSERT_EQ(s.OM_Delete(map, 1), 1);
+  EXPECT_EQ(s.S_Symbol(1), 0);
+  EXPECT_EQ(s.S_CreateSymbol(0, ""), 1);
 
   // OM_Add under a used key fails and the map stays as it was.
   ObjectHandle pad1 = s.S_MakePadStack(), pad2 = s.S_MakePadStack();
@@ -126,13 +124,12 @@ TEST(StoreArrays, IndicesInsertDeleteAndMasks) {
   EXPECT_EQ(s.OA_Delete(a, 4), 0);
   // A hidden element still counts; OA_SearchMask finds marks from the first index on.
   s.O_Mask(h[1], 0, attr::Shown);
-  EXPECT_EQ(s.OA_GetCount(a), 3);
   s.O_Mask(h[2], attr::Selected, attr::Selected);
-  EXPECT_EQ(s.OA_SearchMask(a, 1, attr::Selected), 3);
-  EXPECT_EQ(s.OA_SearchMask(a, 4, attr::Selected), 0);
+  EXPECT_EQ(std::tuple(s.OA_GetCount(a), s.OA_SearchMask(a, 1, attr::Selected),
+                       s.OA_SearchMask(a, 4, attr::Selected)),
+            std::tuple(3, 3, 0));
   s.OA_MaskAll(a, 0, -1);
-  EXPECT_EQ(s.O_GetStatus(h[2]), 0);
-  EXPECT_EQ(s.OA_SearchMask(a, 1, -1), 0);
+  EXPECT_EQ(std::tuple(s.O_GetStatus(h[2]), s.OA_SearchMask(a, 1, -1)), std::tuple(0, 0));
 }
 
 TEST(StoreItems, RecordsRoundTripAndLinkGapAreSeparate) {
@@ -171,14 +168,12 @@ TEST(StoreStrings, KernelStringsAndTables) {
   KernelStrings k;
   EXPECT_EQ(k.E_GetString("TVNLAYPS"), nullptr);
   k.E_SetString("TVNLAYPS", "");
-  ASSERT_NE(k.E_GetString("TVNLAYPS"), nullptr);
   EXPECT_STREQ(k.E_GetString("TVNLAYPS"), "");
   // A table is copied in and out whole; the view reads table 5 as 26 whole numbers.
   int32_t grid[26] = {1, 254000}, back[26] = {};
   KernelStrings::E_MemCopy(k.E_SysTable(5), grid, sizeof grid);
   KernelStrings::E_MemCopy(back, k.E_SysTable(5), sizeof back);
-  EXPECT_EQ(back[1], 254000);
-  EXPECT_EQ(k.E_SysTable(99), nullptr);
+  EXPECT_EQ(std::tuple(back[1], k.E_SysTable(99)), std::tuple(254000, nullptr));
 }
 
 using test::Item;
@@ -215,25 +210,22 @@ TEST(ItemCover, ShapesArePickedWithinTolerance) {
   auto covers = [](const ItemRecord& r, double x, double y, double tol) {
     return itemCovers(r, r.Text.size(), x, y, tol);
   };
-  ItemRecord ln = Item(ItemLine).size(1000).pen(100);
+  // Each shape with a point it covers and one it does not, at the same tolerance.
+  const ItemRecord ln = Item(ItemLine).size(1000).pen(100);
   EXPECT_TRUE(covers(ln, 500, 60, 10));  // pen half 50 + tolerance 10
   EXPECT_FALSE(covers(ln, 500, 61, 0));
   EXPECT_TRUE(covers(ln, 1050, 0, 0));  // round end
-  ItemRecord ring = Item(ItemCircle).size(1000).pen(20);
-  EXPECT_FALSE(covers(ring, 0, 0, 5));
-  EXPECT_TRUE(covers(ring, 1005, 0, 0));
-  ItemRecord disc = Item(ItemCircle).size(1000).pen(20).filled();
-  EXPECT_TRUE(covers(disc, 0, 0, 0));
-  EXPECT_FALSE(covers(disc, 1005, 0, 0)) << "no pen on a filled area";
-  ItemRecord arc = Item(ItemArc).size(1000).sweep(90000);
-  EXPECT_TRUE(covers(arc, 0, 1000, 1));
-  EXPECT_FALSE(covers(arc, 0, -1000, 1));
-  ItemRecord box = Item(ItemRectangle).size(200, 100).filled().angle(90000);
-  EXPECT_TRUE(covers(box, -50, 150, 0));
-  EXPECT_FALSE(covers(box, 50, 150, 0));
-  ItemRecord open = Item(ItemRectangle).size(200, 100);
-  EXPECT_FALSE(covers(open, 100, 50, 10));
-  EXPECT_TRUE(covers(open, 100, 95, 10));
+  const std::tuple<ItemRecord, int, int, int, int, int> cases[] = {
+      {Item(ItemCircle).size(1000).pen(20), 1005, 0, 0, 0, 5},
+      {Item(ItemCircle).size(1000).pen(20).filled(), 0, 0, 1005, 0, 0},  // no pen on a filled area
+      {Item(ItemArc).size(1000).sweep(90000), 0, 1000, 0, -1000, 1},
+      {Item(ItemRectangle).size(200, 100).filled().angle(90000), -50, 150, 50, 150, 0},
+      {Item(ItemRectangle).size(200, 100), 100, 95, 100, 50, 10}};
+  for (const auto& [r, inX, inY, outX, outY, tol] : cases) {
+    SCOPED_TRACE(testing::Message() << r.Type << " style " << int(r.Style));
+    EXPECT_TRUE(covers(r, inX, inY, tol));
+    EXPECT_FALSE(covers(r, outX, outY, tol));
+  }
 }
 
 // The indexed search must give exactly what a walk of the whole array gives.
@@ -366,16 +358,15 @@ TEST(StoreCover, ItemsBesideEntriesIgnoreThePadStacks) {
   ASSERT_EQ(s.S_InsertEntry(3, -1, 0, 0), 1);
   s.S_ChangePadPadStack(3, 1, 10);
   ASSERT_TRUE(s.itemsInBox(items, FrameRect{0, -100, 25000, 100}, inBox));
-  EXPECT_EQ(inBox.size(), 3u);
-  EXPECT_EQ(s.OA_Cover(items, 1, 30000, 0, 10, 0), 4);
+  EXPECT_EQ(std::tuple(inBox.size(), s.OA_Cover(items, 1, 30000, 0, 10, 0)), std::tuple(3u, 4));
 }
 
 TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
   Store s;
   s.S_CreateSymbol(3, "S");
   FrameRect f;
-  EXPECT_EQ(s.S_FrameSymbolItems(3, -1, f), 0) << "no items, no frame";
-  EXPECT_EQ(f, FrameRect{});
+  EXPECT_EQ(std::tuple(s.S_FrameSymbolItems(3, -1, f), f), std::tuple(0, FrameRect{}))
+      << "no items, no frame";
   ArrayHandle a = s.S_SymbolItemArray(3);
   const ObjectHandle far = s.I_MakeItem(Item(ItemCircle).at(5000, 5000).size(10));
   s.OA_Add(a, s.I_MakeItem(Item(ItemLine).size(100, 100)));
@@ -437,16 +428,16 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   ASSERT_EQ(s.OA_GetCount(s.S_SymbolItemArray(-76551)), 1);
   ItemRecord r;
   s.I_ReadItem(s.S_SymbolItem(-76551, 1), r);
-  EXPECT_EQ(std::pair(r.Text, r.Link), std::pair(std::string("J1"), 12));
+  EXPECT_EQ(std::tuple(r.Text, r.Link), std::tuple("J1", 12));
   EXPECT_EQ(s.OM_Object(s.S_SymbolPadStackMap(-76551), 99), 0) << "old pad stacks are gone";
   ObjectHandle padCopy = s.OM_Object(s.S_SymbolPadStackMap(-76551), 11);
   PadStackRecord pr;
-  ASSERT_GT(s.S_ReadPadStack(padCopy, pr), 0);
-  EXPECT_EQ(std::pair(pr.HoleDiameter, s.OA_GetCount(s.S_PadStackItemArray(padCopy))),
-            std::pair(800, 1));
   EntryRecord er;
-  ASSERT_EQ(s.OA_GetCount(s.S_SymbolEntryArray(-76551)), 1);
-  ASSERT_NE(s.S_ReadEntry(-76551, 1, er), 0);
+  ASSERT_GT(s.S_ReadPadStack(padCopy, pr), 0);
+  ASSERT_EQ(std::tuple(pr.HoleDiameter, s.OA_GetCount(s.S_PadStackItemArray(padCopy)),
+                       s.OA_GetCount(s.S_SymbolEntryArray(-76551)),
+                       s.S_ReadEntry(-76551, 1, er) != 0),
+            std::tuple(800, 1, 1, true));
   EXPECT_EQ(std::tuple(er.X, er.Rotation, er.PadStack, er.Attributes),
             std::tuple(300, 45000, 11, attr::Shown));
 
