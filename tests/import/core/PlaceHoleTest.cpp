@@ -17,13 +17,10 @@ protected:
   ObjectHandle padStack(const LayerRecord& layer, int32_t code) const {
     return store.OM_Object(store.S_SymbolPadStackMap(layer.SymbolHandle), code);
   }
-  PadStackRecord hole(const LayerRecord& layer, int32_t code) const {
+  // The hole diameter and kind of a tool's pad stack.
+  std::pair<int32_t, int32_t> holeOf(const LayerRecord& layer, int32_t code) const {
     PadStackRecord record;
     EXPECT_NE(store.S_ReadPadStack(padStack(layer, code), record), 0) << "tool " << code;
-    return record;
-  }
-  std::pair<int32_t, int32_t> holeOf(const LayerRecord& layer, int32_t code) const {
-    const PadStackRecord record = hole(layer, code);
     return {record.HoleDiameter, record.HoleKind};
   }
   std::vector<ItemRecord> markers(const LayerRecord& layer, int32_t code) const {
@@ -113,7 +110,7 @@ TEST_F(PlaceHoleTest, TheDrillLayerDropsToolsWithoutASize) {
   EXPECT_EQ(PlaceHole(store, 0, 0, 1, artwork, file), HolePlacement::Placed);
   EXPECT_EQ(PlaceHole(store, 90000, 0, 7, artwork, file), HolePlacement::Placed);
   EXPECT_EQ(padsOf(store, artwork), (std::vector<Pad>{{0, 0, 1}, {90000, 0, 7}}));
-  EXPECT_EQ(hole(artwork, 7).HoleDiameter, 0);
+  EXPECT_EQ(holeOf(artwork, 7).first, 0);
 }
 
 TEST_F(PlaceHoleTest, APadStackKeepsTheHoleSizeOfTheFirstFile) {
@@ -121,7 +118,7 @@ TEST_F(PlaceHoleTest, APadStackKeepsTheHoleSizeOfTheFirstFile) {
   EXPECT_EQ(PlaceHole(store, 0, 0, 3, drill, drillFile({{3, 600, 1, 0}})), HolePlacement::Placed);
   EXPECT_EQ(PlaceHole(store, 5000, 0, 3, drill, drillFile({{3, 900, 1, 0}})),
             HolePlacement::Placed);
-  EXPECT_EQ(hole(drill, 3).HoleDiameter, 600);
+  EXPECT_EQ(holeOf(drill, 3).first, 600);
   EXPECT_EQ(markers(drill, 3).size(), 1u);
 }
 

@@ -157,9 +157,8 @@ TEST_F(ElementWriters, OutlinesNeedThePolygonFilterAndMarkTheirEnds) {
   EXPECT_EQ(test::box(all[0]), (test::Box{5000, -5000, 1000, 0}));
   for (size_t i = 0; i < all.size(); ++i) {
     SCOPED_TRACE(i);
-    EXPECT_EQ(all[i].Link, 10001);
-    EXPECT_EQ(all[i].Style, StyleFilled);
-    EXPECT_EQ(all[i].LineWidth, 1);
+    EXPECT_EQ((std::array{all[i].Link, int(all[i].Style), all[i].LineWidth}),
+              (std::array{10001, int(StyleFilled), 1}));
     EXPECT_NE(all[i].Attributes & attr::PolygonSide, 0);
     EXPECT_EQ((all[i].Attributes & attr::PolygonFirst) != 0, i == 0);
     EXPECT_EQ((all[i].Attributes & attr::PolygonLast) != 0, i == 3);
@@ -325,10 +324,10 @@ TEST_F(ApertureExpansion, MacroPrimitivesPunchThroughAndTurn) {
   FlashAperture(writer(), 5000, 6000, first, SpecialAperture, D);
   auto all = items();
   ASSERT_EQ(all.size(), 5u);
-  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width}), (std::array{5100, 6200, 1000}));
-  EXPECT_EQ(all[0].Colour, LayerColour);
-  EXPECT_EQ(all[1].Width, 500);
-  EXPECT_EQ(all[1].Colour, ClearCode) << "exposure off";
+  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width, int(all[0].Colour)}),
+            (std::array{5100, 6200, 1000, LayerColour}));
+  EXPECT_EQ(std::pair(all[1].Width, int(all[1].Colour)), std::pair(500, ClearCode))
+      << "exposure off";
   EXPECT_FALSE(file.ClearPolarity) << "the file's polarity comes back";
   EXPECT_EQ(all[2].Colour, LayerColour);
   // Corner (-200, -100) turned by 90 about the flash point: (100, -200); the box turns with it.
@@ -372,9 +371,7 @@ TEST_F(ApertureExpansion, OutlinesPolygonsAndThermalsNeedThePolygonFilter) {
     lasts += (r.Attributes & attr::PolygonLast) != 0;
     arcs += r.Type == ItemArc;
   }
-  EXPECT_EQ(firsts, 6);
-  EXPECT_EQ(lasts, 6);
-  EXPECT_EQ(arcs, 8);
+  EXPECT_EQ(std::tuple(firsts, lasts, arcs), std::tuple(6, 6, 8));
   // The pentagon starts at its rotation, 0: on the X axis, radius 1000.
   EXPECT_EQ((std::array{all[3].X, all[3].Y}), (std::array{1000, 0}));
   // First sector about 45 degrees: W = 500, mean radius 750, outer arc of radius 1000.
@@ -396,10 +393,9 @@ TEST_F(ApertureExpansion, MoireRingsAndCross) {
   ASSERT_EQ(all.size(), 5u);
   for (int i = 0; i < 3; ++i) {
     SCOPED_TRACE(i);
-    EXPECT_EQ(all[size_t(i)].Type, ItemCircle);
-    EXPECT_EQ(all[size_t(i)].Style, StyleOpen);
-    EXPECT_EQ(all[size_t(i)].LineWidth, 100);
-    EXPECT_EQ(all[size_t(i)].Width, 950 - 250 * i);
+    const ItemRecord& r = all[size_t(i)];
+    EXPECT_EQ((std::array{r.Type, int(r.Style), r.LineWidth, r.Width}),
+              (std::array{int(ItemCircle), int(StyleOpen), 100, 950 - 250 * i}));
   }
   EXPECT_EQ((std::array{all[3].X, all[3].Y, all[3].Width, all[3].Height, all[3].LineWidth}),
             (std::array{-1100, 100, 2400, 0, 50}));
