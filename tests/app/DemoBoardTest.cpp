@@ -36,10 +36,9 @@ bool litAt(const QImage& image, double x, double y, bool near) {
   return false;
 }
 
+// clang-format off
 const Layer Layers[] = {
-    {"demo-top.gbr",
-     false,
-     {
+    {"demo-top.gbr", false, {
          {"pour", 2.0, 15.0, true},
          {"outside the pour", 0.5, 15.0, false},
          {"oval pad U1.2", 18.73, 11.19, true},
@@ -55,9 +54,7 @@ const Layer Layers[] = {
          {"0805 pad C2.1", 24.05, 5.5, true},
          {"clearance beside C2.1", 24.05, 6.55, false},
      }},
-    {"demo-bottom.gbr",
-     false,
-     {
+    {"demo-bottom.gbr", false, {
          {"corner pour", 30.0, 2.0, true},
          {"no pour in the upper half", 30.0, 25.0, false},
          {"notch cut by the arc inside the pour", 26.0, 8.5, false},
@@ -69,9 +66,7 @@ const Layer Layers[] = {
          {"relief ring of that thermal", 34.52, 1.52, false},
          {"supply track", 10.5, 8.19, true},
      }},
-    {"demo.drl",
-     false,
-     {
+    {"demo.drl", false, {
          {"1.0 mm hole of J1.1", 5.0, 11.19, true},
          {"beside that hole", 5.7, 11.19, false},
          {"3.0 mm mounting hole", 4.7, 3.5, true},
@@ -79,24 +74,18 @@ const Layer Layers[] = {
          {"no hole under the 0805", 24.05, 5.5, false},
          {"via V2", 34.0, 12.0, true},
      }},
-    {"demo-mask-top.gbr",
-     false,
-     {
+    {"demo-mask-top.gbr", false, {
          {"opening over C1.1, 0.1 mm wider than the pad", 15.85, 5.0, true},
          {"beyond that opening", 16.05, 5.0, false},
          {"tented via V1", 10.0, 22.0, false},
      }},
-    {"demo-silk-top.gbr",
-     true,
-     {
+    {"demo-silk-top.gbr", true, {
          {"pin-1 notch of U1, bulging into the body", 16.0, 15.0, true},
          {"left of U1", 14.0, 15.0, false},
          {"circle of C1", 16.27, 7.6, true},
          {"inside the circle of C1", 16.27, 5.0, false},
      }},
-    {"demo-outline.gbr",
-     true,
-     {
+    {"demo-outline.gbr", true, {
          {"lower edge", 20.0, 0.0, true},
          {"rounded corner", 0.586, 0.586, true},
          {"right edge", 40.0, 15.0, true},
@@ -104,6 +93,7 @@ const Layer Layers[] = {
          {"inside the board", 20.0, 15.0, false},
      }},
 };
+// clang-format on
 
 TEST(DemoBoardTest, EachLayerLightsItsCopperAndLeavesItsClearancesDark) {
   ASSERT_TRUE(QFileInfo(test::binary("gbrview")).isExecutable()) << "build the target gbrview";
