@@ -26,11 +26,10 @@ TEST(GerberImport, AnArtworkFileGoesIntoTheLayerChosenWithItsPadPositions) {
   const auto all = world.items(first);
   ASSERT_EQ(all.size(), 3u);
   // Own coordinates are kept: the track runs from 0 to 1 inch, 2540000 units.
-  EXPECT_EQ(all[0].Type, ItemRectangle);
-  EXPECT_EQ((std::array{all[0].X, all[0].Y, all[0].Width}), (std::array{-76200, -76200, 152400}));
-  EXPECT_EQ(all[2].Type, ItemLine);
-  EXPECT_EQ((std::array{all[2].X, all[2].Width, all[2].LineWidth}),
-            (std::array{0, 2540000, 25400}));
+  EXPECT_EQ((std::array{all[0].Type, all[0].X, all[0].Y, all[0].Width}),
+            (std::array<int32_t, 4>{ItemRectangle, -76200, -76200, 152400}));
+  EXPECT_EQ((std::array{all[2].Type, all[2].X, all[2].Width, all[2].LineWidth}),
+            (std::array<int32_t, 4>{ItemLine, 0, 2540000, 25400}));
   EXPECT_EQ(world.pads(first), (std::vector<test::Pad>{{0, 0, 11}, {2540000, 0, 11}}));
   EXPECT_EQ(world.layer(first).Files.at(0).FileName, world.session->state.Job.IntermediatePath);
   EXPECT_EQ(world.layer(first).LastFile, path);

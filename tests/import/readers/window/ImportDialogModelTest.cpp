@@ -178,8 +178,7 @@ TEST_F(ImportDialogModelTest, ImportFileWritesTheLayerCentresItAndPutsItOnTop) {
   EXPECT_EQ(layers[29].LastFile, "/boards/edge.plt");
   FrameRect frame;
   ASSERT_NE(store.S_FrameSymbolItems(layers[29].SymbolHandle, -1, frame), 0);
-  EXPECT_EQ(frame.MinX, -200000 + 1000);
-  EXPECT_EQ(frame.MinY, -200000);
+  EXPECT_EQ(std::pair(frame.MinX, frame.MinY), std::pair(-200000 + 1000, -200000));
   EXPECT_EQ(model().LayerOrder[0], 30);
   EXPECT_EQ(model().LayerOrder[29], 1) << "the old first entry takes the imported layer's place";
   for (const LayerRecord& layer : layers)
