@@ -31,8 +31,7 @@ protected:
 
 TEST_F(AddElementTest, ItemsKeepLinkAndGapAndGoToTheirPlace) {
   const ItemRecord r = Item(ItemLine, attr::Shown | attr::Flashed).link(10).gap(7).size(100);
-  EXPECT_EQ(addAndRead(r), r);
-  EXPECT_EQ(index, 1);
+  EXPECT_EQ(std::tuple(addAndRead(r), index), std::tuple(r, 1));
 
   // Each place names its own array; the two layout text places mark the item as text.
   struct Case {
@@ -46,25 +45,23 @@ TEST_F(AddElementTest, ItemsKeepLinkAndGapAndGoToTheirPlace) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.place);
     AddElement(store, status, c.place, symbol, r, "", index, "");
-    ASSERT_EQ(status, 0);
-    EXPECT_EQ(index, 1);
-    int32_t st = store.O_GetStatus(store.OA_Object(c.array, 1));
-    EXPECT_EQ((st & attr::Text) != 0, c.text);
+    const int32_t st = store.O_GetStatus(store.OA_Object(c.array, 1));
+    EXPECT_EQ(std::tuple(status, index, (st & attr::Text) != 0), std::tuple(0, 1, c.text));
   }
 }
 
 TEST_F(AddElementTest, TextTakesSizesStyleAndTextBit) {
   ItemRecord r = Item(ItemVectorText).colour(5).style(32).pen(12).angle(90000).size(250, 180);
   ItemRecord back = addAndRead(r, "R12");
-  EXPECT_EQ(std::tuple(back.Text, back.Width, back.Height, back.Style),
-            std::tuple(std::string("R12"), 250, 180, uint8_t(32)));
-  EXPECT_EQ(back.Attributes, attr::Shown);  // I_ChangeItemAttr replaced the word
+  // I_ChangeItemAttr replaced the attribute word.
+  EXPECT_EQ(std::tuple(back.Text, back.Width, back.Height, back.Style, back.Attributes),
+            std::tuple("R12", 250, 180, uint8_t(32), attr::Shown));
 
   r.Type = ItemTrueTypeText;
   r.Style = 0;
   back = addAndRead(r, "TOP", "DejaVu Sans");
-  EXPECT_EQ(back.Face, "DejaVu Sans");
-  EXPECT_NE(back.Attributes & attr::Text, 0);
+  EXPECT_EQ(std::tuple(back.Face, back.Attributes & attr::Text),
+            std::tuple("DejaVu Sans", attr::Text));
 }
 
 TEST_F(AddElementTest, PadEntryTakesRotationPadStackAndMask) {
@@ -85,8 +82,7 @@ TEST_F(AddElementTest, MissingSymbolFailsWithoutLeaking) {
     SCOPED_TRACE(type);
     status = 0;
     AddElement(store, status, PlaceSymbolItems, -76599, Item(type, 0), "", index, "");
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(index, 0);
+    EXPECT_EQ(std::tuple(status, index), std::tuple(1, 0));
   }
   EXPECT_EQ(store.liveObjectCount(), live);
 }
@@ -121,8 +117,9 @@ TEST_F(ElementRunsTest, RunsAreFoundFromAnySide) {
     ASSERT_TRUE(FindPolygonRun(store, items, i, first, last));
     EXPECT_EQ(std::pair(first, last), i == 6 ? std::pair(6, 6) : std::pair(2, 5));
   }
-  EXPECT_FALSE(FindPolygonRun(store, items, 1, first, last)) << "not a side";
-  EXPECT_FALSE(FindPolygonRun(store, items, 9, first, last));
+  EXPECT_FALSE(FindPolygonRun(store, items, 1, first, last) ||
+               FindPolygonRun(store, items, 9, first, last))
+      << "not a side, no item";
 
   // A run without its last side is broken, not extended into the next run.
   store.O_Mask(store.OA_Object(items, 5), 0, attr::PolygonLast);
@@ -140,8 +137,9 @@ TEST_F(ElementRunsTest, DeletingARunTakesAllItsSidesOnly) {
 TEST_F(ElementRunsTest, FramesOfSelectionsAndSingleElements) {
   FrameRect f;
   ASSERT_TRUE(FrameOfSelection(store, sym, {3, 6}, f));
-  EXPECT_EQ(f, (FrameRect{100, 0, 510, 500}));
-  EXPECT_EQ(store.OA_SearchMask(items, 1, attr::PolygonFrameMark), 0) << "marks are cleared";
+  EXPECT_EQ(std::tuple(f, store.OA_SearchMask(items, 1, attr::PolygonFrameMark)),
+            std::tuple(FrameRect{100, 0, 510, 500}, 0))
+      << "marks are cleared";
   EXPECT_FALSE(FrameOfSelection(store, sym, {}, f));
 
   SymbolId before = store.S_CreateSymbol(0, "");

@@ -24,12 +24,11 @@ TEST_F(LayerTablesTest, FieldsFollowTheCatalogue) {
     EXPECT_EQ(uint32_t(layer.DefaultColourRgb), paletteRgb().at(size_t(layer.ColourNumber)));
     EXPECT_EQ(layer.ColourRgb, layer.DefaultColourRgb);
   }
-  EXPECT_EQ(*codes.begin(), 96);  // the artwork layers take the editor's codes 96 to 127
-  EXPECT_EQ(*codes.rbegin(), 127);
-  // Captions through the catalogue, the default where it has none, trailing blank and all.
-  EXPECT_EQ(tables.layer(1).DisplayName, "Siebdruck oben");
-  EXPECT_EQ(tables.layer(17).DisplayName, "Innenlage (K)");
-  EXPECT_EQ(tables.layer(8).DisplayName, "Artwork Inner Layer (B) ");
+  // The artwork layers take the editor's codes 96 to 127. Captions come through the catalogue, the
+  // default where it has none, trailing blank and all.
+  EXPECT_EQ(std::tuple(*codes.begin(), *codes.rbegin(), tables.layer(1).DisplayName,
+                       tables.layer(17).DisplayName, tables.layer(8).DisplayName),
+            std::tuple(96, 127, "Siebdruck oben", "Innenlage (K)", "Artwork Inner Layer (B) "));
 }
 
 TEST_F(LayerTablesTest, BuildingStartsRowsAndSymbolsAfresh) {
@@ -46,8 +45,10 @@ TEST_F(LayerTablesTest, BuildingStartsRowsAndSymbolsAfresh) {
       const LayerRecord& layer = tables.layer(n);
       EXPECT_EQ(tables.orderRow(n), (LayerOrderRow{n, layer.Listed, mono, 0, 1, 1}));
       const ObjectHandle symbol = store.S_Symbol(layer.SymbolHandle);
-      EXPECT_EQ(SystemServices::StringFromPointer(store.O_GetName(symbol)), layer.SymbolName);
-      EXPECT_EQ(store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle)), 0) << n;
+      EXPECT_EQ(std::tuple(SystemServices::StringFromPointer(store.O_GetName(symbol)),
+                           store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle))),
+                std::tuple(layer.SymbolName, 0))
+          << n;
     }
   }
 }
@@ -64,8 +65,9 @@ TEST_F(LayerTablesTest, StoredColoursNeedTwoValues) {
       {"garbage", false, -1, -1}};
   for (const auto& [text, taken, number, rgb] : cases) {
     int32_t gotNumber = -1, gotRgb = -1;
-    EXPECT_EQ(parseStoredColour(text, gotNumber, gotRgb), taken) << text;
-    EXPECT_EQ(std::pair(gotNumber, gotRgb), std::pair(number, rgb)) << text;
+    EXPECT_EQ((std::tuple{parseStoredColour(text, gotNumber, gotRgb), gotNumber, gotRgb}),
+              std::tuple(taken, number, rgb))
+        << text;
   }
   setSetting("GERBERVIEWERCOLORS", "$$GIS_CAT-76503", " 14, 2631935");
   setSetting("GERBERVIEWERCOLORS", "$$GIS_CAT-76504", "14");
@@ -92,20 +94,17 @@ TEST_F(LayerContentsTest, TextSaysEmptyOrTheNumberOfElements) {
   const auto text = [&](const LayerRecord& layer) {
     return LayerContentsText(k.store, services, layer, used);
   };
-  EXPECT_EQ(text(tables.layer(5)), "Empty");
-  EXPECT_FALSE(used);
+  EXPECT_EQ((std::tuple{text(tables.layer(5)), used}), std::tuple("Empty", false));
   addItem(5, ItemLine);
-  EXPECT_EQ(text(tables.layer(5)), "1 elements");
-  EXPECT_TRUE(used);
+  EXPECT_EQ((std::tuple{text(tables.layer(5)), used}), std::tuple("1 elements", true));
   addPad(5, 10, 0, 0, 3);  // entries count as well
   EXPECT_EQ(text(tables.layer(5)), "2 elements");
   LayerRecord missing = tables.layer(7);  // a symbol the store does not have reads as empty
   missing.SymbolHandle = -1234;
-  EXPECT_EQ(text(missing), "Empty");
-  EXPECT_FALSE(used);
+  EXPECT_EQ((std::tuple{text(missing), used}), std::tuple("Empty", false));
   useCatalogue("62422\tLeer\n62421\tElemente\n");
-  EXPECT_EQ(text(tables.layer(5)), "2 Elemente");
-  EXPECT_EQ(text(tables.layer(9)), "Leer");
+  EXPECT_EQ(std::tuple(text(tables.layer(5)), text(tables.layer(9))),
+            std::tuple("2 Elemente", "Leer"));
 }
 
 TEST_F(LayerContentsTest, CountsGoByTypeStyleAndPolygonSides) {
@@ -186,21 +185,23 @@ TEST_F(ColourSlotsTest, SlotsFollowTableOneAndNameThemselvesByCode) {
     table()[slot] = uint8_t((slot * 7 + 3) % PaletteSize);
   colours.build(k.strings);
   for (int32_t slot = 0; slot < ColourSlotCount; ++slot) {
-    EXPECT_EQ(colours[slot].ColourNumber, table()[slot]) << slot;
-    EXPECT_EQ(uint32_t(colours[slot].Rgb), paletteRgb()[table()[slot]]) << slot;
-    EXPECT_EQ(colours[slot].Code, slot < 32 ? 32 + slot : 64 + (slot - 32)) << slot;
+    EXPECT_EQ(
+        std::tuple(colours[slot].ColourNumber, uint32_t(colours[slot].Rgb), colours[slot].Code),
+        std::tuple(table()[slot], paletteRgb()[table()[slot]],
+                   slot < 32 ? 32 + slot : 64 + (slot - 32)))
+        << slot;
   }
-  EXPECT_EQ(colours.ClearColour(), colours[60].Code);
-  EXPECT_EQ(colours.highlightColour(false), colours[36].Code);
-  EXPECT_EQ(colours.highlightColour(true), 12);
-  EXPECT_EQ(colours.backgroundColour(), colours[63].Code);
+  EXPECT_EQ(std::tuple(colours.ClearColour(), colours.highlightColour(false),
+                       colours.highlightColour(true), colours.backgroundColour()),
+            std::tuple(colours[60].Code, colours[36].Code, 12, colours[63].Code));
 }
 
 TEST_F(ColourSlotsTest, CategoryRowsAreWrittenThroughToTableOne) {
   EXPECT_EQ(readGroup(CategoryGroup::Layout), 11);
-  EXPECT_EQ(table()[60], 15) << "the defaults are read";
   colours.build(k.strings);
-  EXPECT_EQ(colours[colourslot::ClearColour].ColourNumber, 15);
+  EXPECT_EQ(std::tuple(table()[60], colours[colourslot::ClearColour].ColourNumber),
+            std::tuple(15, 15))
+      << "the defaults are read";
 
   // Settings replace rows one by one; an empty row and a key outside the group write nothing.
   setSetting("CATEGORIES", "63", "Background,15,dark room");
@@ -208,15 +209,15 @@ TEST_F(ColourSlotsTest, CategoryRowsAreWrittenThroughToTableOne) {
   setSetting("CATEGORIES", "36", "");
   setSetting("CATEGORIES", "40", "Not a layout key,9,");
   EXPECT_EQ(readGroup(CategoryGroup::Layout), 10);
-  EXPECT_EQ(categories.LayoutBackground, 15);
-  EXPECT_EQ(categories.Layout[63 - 32].Remark, "dark room");
-  EXPECT_EQ(categories.Layout[61 - 32].Name, "Outline, board");
+  EXPECT_EQ(std::tuple(categories.LayoutBackground, categories.Layout[63 - 32].Remark,
+                       categories.Layout[61 - 32].Name),
+            std::tuple(15, "dark room", "Outline, board"));
   EXPECT_EQ(std::vector<uint8_t>(table() + 60, table() + 64), (std::vector<uint8_t>{15, 5, 7, 15}));
 
   // The schematic group fills the low slots and leaves the layout's alone.
   EXPECT_EQ(readGroup(CategoryGroup::Schematic), 23);
-  EXPECT_EQ(categories.Schematic[14].Name, "Simvex \"GND\" Marker");
-  EXPECT_EQ(categories.Schematic[31].Remark, " ");
+  EXPECT_EQ(std::tuple(categories.Schematic[14].Name, categories.Schematic[31].Remark),
+            std::tuple("Simvex \"GND\" Marker", " "));
 }
 
 }  // namespace

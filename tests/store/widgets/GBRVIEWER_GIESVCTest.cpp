@@ -47,25 +47,23 @@ TEST_F(LayerOrderDialogTest, ButtonsListAndMenuDriveTheModel) {
   GBRVIEWER_GIESVC& d = *dialog;
   EXPECT_EQ(d.windowTitle().toStdString(), d.model().title());
   ASSERT_EQ(d.lstSearchSeq->count(), 8);
-  EXPECT_EQ(d.lstSearchSeq->item(6)->text().toStdString(), tables.layer(30).DisplayName);
-  EXPECT_EQ(listSelection(d), std::vector<bool>(8, true));
-  EXPECT_FALSE(d.cmdUp->isEnabled());
-  EXPECT_EQ(d.mnuOptions->actions().size(), 3);
-  EXPECT_EQ(redraws_, 0) << "opening draws nothing";
+  EXPECT_EQ(std::tuple(d.lstSearchSeq->item(6)->text().toStdString(), listSelection(d),
+                       d.cmdUp->isEnabled(), d.mnuOptions->actions().size(), redraws_),
+            std::tuple(tables.layer(30).DisplayName, std::vector<bool>(8, true), false, 3, 0))
+      << "opening draws nothing";
 
   // A click in the list: the line's selection becomes its row's visibility, and Up follows.
   d.lstSearchSeq->setCurrentRow(2, QItemSelectionModel::Toggle);
   QCoreApplication::processEvents();
-  EXPECT_EQ(d.model().listIndex(), 2);
-  EXPECT_FALSE(tables.orderRow(3).Visible);
-  EXPECT_TRUE(d.cmdUp->isEnabled());
+  EXPECT_EQ(std::tuple(d.model().listIndex(), tables.orderRow(3).Visible, d.cmdUp->isEnabled()),
+            std::tuple(2, false, true));
   d.cmdUp->click();
-  EXPECT_EQ(d.lstSearchSeq->item(1)->text().toStdString(), tables.layer(3).DisplayName);
-  EXPECT_EQ(listSelection(d), (std::vector<bool>{1, 0, 1, 1, 1, 1, 1, 1}));
-  EXPECT_EQ(d.lstSearchSeq->currentRow(), 1);
+  EXPECT_EQ(std::tuple(d.lstSearchSeq->item(1)->text().toStdString(), listSelection(d),
+                       d.lstSearchSeq->currentRow()),
+            std::tuple(tables.layer(3).DisplayName, std::vector<bool>{1, 0, 1, 1, 1, 1, 1, 1}, 1));
   d.cmdDown->click();
-  EXPECT_EQ(std::pair(tables.orderRow(3).LayerNumber, d.lstSearchSeq->currentRow()),
-            std::pair(3, 2));
+  EXPECT_EQ(std::tuple(tables.orderRow(3).LayerNumber, d.lstSearchSeq->currentRow()),
+            std::tuple(3, 2));
 
   // The active layer's line cannot be unselected from the list.
   d.lstSearchSeq->item(0)->setSelected(false);
@@ -73,14 +71,14 @@ TEST_F(LayerOrderDialogTest, ButtonsListAndMenuDriveTheModel) {
   EXPECT_TRUE(d.lstSearchSeq->item(0)->isSelected());
   const int redraws = redraws_;
   d.ATB_UnSelectAll->trigger();
-  EXPECT_EQ(listSelection(d), (std::vector<bool>{1, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(redraws_, redraws + 1);
+  EXPECT_EQ(std::tuple(listSelection(d), redraws_),
+            std::tuple(std::vector<bool>{1, 0, 0, 0, 0, 0, 0, 0}, redraws + 1));
 
   // Cancel puts the rows back and closes.
   d.cmdCancel->click();
-  EXPECT_EQ(tables.LayerOrder, before);
-  EXPECT_EQ(d.result(), QDialog::Rejected);
-  EXPECT_TRUE(userStore_.values.empty()) << "only the frame saves the place";
+  EXPECT_EQ(std::tuple(tables.LayerOrder, d.result(), userStore_.values.empty()),
+            std::tuple(before, QDialog::Rejected, true))
+      << "only the frame saves the place";
 }
 
 TEST_F(LayerOrderDialogTest, OkKeepsTheRowsAndTheFrameSavesThePlace) {
@@ -90,9 +88,8 @@ TEST_F(LayerOrderDialogTest, OkKeepsTheRowsAndTheFrameSavesThePlace) {
   d->cmdUp->click();
   const auto working = d->model().workingOrder();
   d->cmdOK->click();
-  EXPECT_EQ(tables.LayerOrder, working);
-  EXPECT_EQ(tables.orderRow(30).LayerNumber, 31);
-  EXPECT_EQ(d->result(), QDialog::Accepted);
+  EXPECT_EQ(std::tuple(tables.LayerOrder, tables.orderRow(30).LayerNumber, d->result()),
+            std::tuple(working, 31, QDialog::Accepted));
 
   const auto rows = tables.LayerOrder;
   d = open();
