@@ -23,8 +23,7 @@ protected:
   void SetUp() override { ASSERT_TRUE(dir_.isValid()); }
   std::string path(const char* name) const { return dir_.filePath(name).toStdString(); }
   void writeFile(const std::string& p, const std::string& text) {
-    std::ofstream out(p, std::ios::binary);
-    out << text;
+    std::ofstream(p, std::ios::binary) << text;
   }
 
   QTemporaryDir dir_;
@@ -39,8 +38,7 @@ TEST_F(FileLayerTest, LinesWithEveryEndingAndTheEndOfTheFile) {
   int32_t status = -1;
   int16_t handle = 0;
   files_.OpenForInput(status, handle, name);
-  ASSERT_EQ(status, 0);
-  EXPECT_EQ(handle, 1);
+  ASSERT_EQ(std::tuple(status, handle), std::tuple(0, 1));
   std::vector<std::string> lines;
   while (!files_.EndOfFile(handle)) {
     std::string line;
@@ -55,14 +53,11 @@ TEST_F(FileLayerTest, LinesWithEveryEndingAndTheEndOfTheFile) {
   // Reading past the end is a read error that names the file.
   std::string line = "stale";
   files_.ReadTextLine(status, handle, line);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(line, "");
-  ASSERT_EQ(prompts_.shown.size(), 1u);
-  EXPECT_EQ(prompts_.shown[0].prompt, "Can't read file: " + name);
-  EXPECT_EQ(prompts_.shown[0].flags, msgbox::Exclamation);
+  ASSERT_EQ(std::tuple(status, line, prompts_.shown.size()), std::tuple(1, "", 1u));
+  EXPECT_EQ(std::tuple(prompts_.shown[0].prompt, prompts_.shown[0].flags),
+            std::tuple("Can't read file: " + name, msgbox::Exclamation));
   files_.CloseFile(false, handle, name);
-  EXPECT_EQ(files_.openCount(), 0);
-  EXPECT_TRUE(std::filesystem::exists(name));
+  EXPECT_EQ(std::tuple(files_.openCount(), std::filesystem::exists(name)), std::tuple(0, true));
 }
 
 TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
@@ -79,13 +74,11 @@ TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
     status = 0;
     handle = 9;
     open();
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(handle, 0);
-    EXPECT_EQ(prompts_.shown.back().prompt, message);
+    EXPECT_EQ(std::tuple(status, handle, prompts_.shown.back().prompt), std::tuple(1, 0, message));
   }
   ASSERT_EQ(prompts_.shown.size(), opens.size());
-  EXPECT_EQ(prompts_.shown[0].title, std::generic_category().message(ENOENT));
-  EXPECT_EQ(files_.openCount(), 0);
+  EXPECT_EQ(std::tuple(prompts_.shown[0].title, files_.openCount()),
+            std::tuple(std::generic_category().message(ENOENT), 0));
 
   // The messages come from the catalogue of the language in use.
   writeFile(path("GBRVIEWER.MSG"), "62451\tDatei kann nicht gelesen werden: \n");
@@ -110,13 +103,11 @@ TEST_F(FileLayerTest, HandlesAreTheLowestFreeNumbers) {
   EXPECT_EQ((std::array<int16_t, 3>{h1, h2, h3}), (std::array<int16_t, 3>{1, 2, 3}));
   files_.CloseFile(false, h2, name);
   files_.OpenForInput(status, again, name);
-  EXPECT_EQ(again, 2);
   files_.CloseFile(false, 77, name);  // a number that is not open: passed over
-  EXPECT_EQ(files_.openCount(), 3);
   // Reading from a number that is not open fails like any read.
   std::string line;
   files_.ReadTextLine(status, 77, line);
-  EXPECT_EQ(status, 1);
+  EXPECT_EQ(std::tuple(again, files_.openCount(), status), std::tuple(2, 3, 1));
 }
 
 TEST_F(FileLayerTest, CharactersByCountOrByTheTextsLength) {
@@ -128,8 +119,7 @@ TEST_F(FileLayerTest, CharactersByCountOrByTheTextsLength) {
   ASSERT_EQ(status, 0);
   std::string text;
   files_.ReadCharacters(status, h, text, 0);  // count 0 and an empty text: nothing is read
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(text, "");
+  EXPECT_EQ(std::tuple(status, text), std::tuple(0, ""));
   files_.ReadCharacters(status, h, text, 4);
   EXPECT_EQ(text, "G04*");
   text = "xx";
@@ -137,8 +127,7 @@ TEST_F(FileLayerTest, CharactersByCountOrByTheTextsLength) {
   EXPECT_EQ(text, std::string("\0\xff", 2));
   text.clear();
   files_.ReadCharacters(status, h, text, 9);  // only 4 left
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(prompts_.shown.size(), 1u);
+  EXPECT_EQ(std::tuple(status, prompts_.shown.size()), std::tuple(1, 1u));
   files_.CloseFile(false, h, name);
 }
 
@@ -164,8 +153,8 @@ TEST_F(FileLayerTest, TextOutputEndsLinesWithCrLf) {
 
   // Closing with delete removes the file and frees its number.
   files_.CloseFile(true, in, path("in.txt"));
-  EXPECT_FALSE(std::filesystem::exists(path("in.txt")));
-  EXPECT_EQ(files_.openCount(), 0);
+  EXPECT_EQ(std::tuple(std::filesystem::exists(path("in.txt")), files_.openCount()),
+            std::tuple(false, 0));
 }
 
 }  // namespace

@@ -60,9 +60,8 @@ TEST(GridHelpersTest, StyleGridGreysCaptionsAndKeepsGreyedCells) {
   grid.SetCellBackColor(2, 0, 0xC0C0C0);  // a caption a dialog has greyed
   grid.SetCellBackColor(1, 1, 0x00FF00);
   StyleGrid(grid);
-  EXPECT_EQ(grid.fixedColour, 0xD1D1D1);
-  EXPECT_EQ(grid.fixedLines, 2);
-  EXPECT_EQ(grid.boldCells, (std::set<Cell>{{0, 0}, {0, 1}}));
+  EXPECT_EQ(std::tuple(grid.fixedColour, grid.fixedLines, grid.boldCells),
+            std::tuple(0xD1D1D1, 2, std::set<Cell>{{0, 0}, {0, 1}}));
   EXPECT_EQ(grid.back, (std::map<Cell, int32_t>{{{0, 0}, 0xE6E6E6},
                                                 {{1, 0}, 0xE6E6E6},
                                                 {{1, 1}, 0x00FF00},
@@ -75,9 +74,8 @@ TEST(GridHelpersTest, StyleGridGreysCaptionsAndKeepsGreyedCells) {
   EXPECT_EQ(narrow.boldCells, (std::set<Cell>{{0, 0}}));
   FakeGrid single(1, 2);  // only the fixed look
   StyleGrid(single);
-  EXPECT_EQ(single.fixedColour, 0xD1D1D1);
-  EXPECT_TRUE(single.boldCells.empty());
-  EXPECT_TRUE(single.back.empty());
+  EXPECT_EQ(std::tuple(single.fixedColour, single.boldCells.size(), single.back.size()),
+            std::tuple(0xD1D1D1, 0u, 0u));
 }
 
 TEST(GridHelpersTest, ScrollGridStepsOneRowWithinTheGrid) {
