@@ -42,10 +42,9 @@ TEST(GerberStreamCountsTest, CountsUpToTheEndRecordAcrossReads) {
 
     GerberStreamCounts counts;
     EXPECT_EQ(countGerberStream(path, counts), c.complete);
-    EXPECT_EQ(counts.Complete, c.complete);
-    EXPECT_EQ(counts.Flashes, c.counted);
-    EXPECT_EQ(counts.ByDCode[10].Flashes, (c.counted + 1) / 2);
-    EXPECT_EQ(counts.ByDCode[11].Flashes, c.counted / 2);
+    EXPECT_EQ(std::tuple(counts.Complete, counts.Flashes, counts.ByDCode[10].Flashes,
+                         counts.ByDCode[11].Flashes),
+              std::tuple(c.complete, c.counted, (c.counted + 1) / 2, c.counted / 2));
   }
   GerberStreamCounts counts;
   EXPECT_FALSE(countGerberStream(folder.file("missing.ART"), counts));
