@@ -23,7 +23,6 @@
 #include <fstream>
 #include <map>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -186,12 +185,8 @@ void PrintTo(const ReferenceRow& row, std::ostream* out) { *out << row.relpath; 
 
 std::vector<std::string> splitTabs(const std::string& line) {
   std::vector<std::string> fields;
-  std::string field;
-  std::istringstream in(line);
-  while (std::getline(in, field, '\t'))
-    fields.push_back(field);
-  if (!line.empty() && line.back() == '\t')
-    fields.emplace_back();
+  for (const QString& field : QString::fromStdString(line).split('\t'))
+    fields.push_back(field.toStdString());
   return fields;
 }
 
