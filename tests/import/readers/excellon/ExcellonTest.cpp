@@ -151,12 +151,11 @@ TEST_F(DecodeTest, AbsurdNumbersAndFormatsGiveFiniteValues) {
   EXPECT_EQ(reader.DecodeExcellonNumber(digits), 0.0);
 
   // A digit count edited by hand into the thousands.
-  format = {0, 2, 5000, 0};
-  digits = "5";
-  EXPECT_EQ(reader.DecodeExcellonNumber(digits), 0.0);
-  format = {0, 2, 5000, 1};
-  digits = "5";
-  EXPECT_EQ(reader.DecodeExcellonNumber(digits), 0.0);
+  for (const int32_t zeros : {0, 1}) {
+    format = {0, 2, 5000, zeros};
+    digits = "5";
+    EXPECT_EQ(reader.DecodeExcellonNumber(digits), 0.0) << zeros;
+  }
   format = {1, 600, 0, 1};
   digits = "7";
   EXPECT_DOUBLE_EQ(reader.DecodeExcellonNumber(digits), 7 * Mm);
@@ -377,8 +376,7 @@ TEST(ExcellonCorpusTest, EveryDrillFileImportsAndAccountsForEveryHole) {
       ++covered;
     }
     EXPECT_EQ(tally, (HoleTally{pads, expectedCovered, 0, 0}));
-    EXPECT_EQ(tally.total(), holes);
-    EXPECT_EQ(pads, holes - expectedCovered);
+    EXPECT_EQ(tally.total(), holes);  // so pads + covered = holes
   }
   EXPECT_EQ(chosen, ChosenAsExcellon.size()) << "a listed file left the manifest";
   EXPECT_EQ(covered, CoveredHoles.size()) << "a listed file left the manifest";
