@@ -56,8 +56,9 @@ protected:
 TEST_F(ViewerSettingsTest, MissingSectionsGiveTheDefaults) {
   useFile("[COUNTRY]\r\nLanguage=1\r\n");
   const ViewerSettings s = readAll("Tarvex Pro");
-  EXPECT_EQ(s.JobDir, "C:\\Tarvex Pro\\JOB");
-  EXPECT_EQ(s.ImpDir, s.JobDir) << "ImpDir defaults to the job folder";
+  EXPECT_EQ(std::tuple(s.JobDir, s.ImpDir),
+            std::tuple("C:\\Tarvex Pro\\JOB", "C:\\Tarvex Pro\\JOB"))
+      << "ImpDir defaults to the job folder";
 
   // The default tables reach the kernel: 0.1 inch and 2 mm raster, 2 pixels pick distance,
   // precision row 12 of each unit.
@@ -108,19 +109,13 @@ TEST_F(ViewerSettingsTest, ViewFieldsMissingAtTheEndReadAsOff) {
 TEST_F(ViewerSettingsTest, WritingThenReadingGivesTheSameSettings) {
   useFile("[GBRVIEWER]\r\nMEASURE=2\r\n");
   ViewerSettings written = readAll();
-  written.UNIT = 1;
-  written.ZOOM = 3.25;
-  written.RULER_TYPE = 2;
-  written.RULER_TYPE_CUSTOM = 1.0 / 3.0;
-  written.GRID = 3;
-  written.TOOLBARS = 1;
+  std::tie(written.UNIT, written.ZOOM, written.RULER_TYPE, written.RULER_TYPE_CUSTOM, written.GRID,
+           written.TOOLBARS) = std::tuple(1, 3.25, 2, 1.0 / 3.0, 3, 1);
   // Each VIEW field on alone, then all on, so no two fields can be exchanged.
   for (int field = 0; field <= 7; ++field) {
     SCOPED_TRACE(field);
-    bool on[7] = {};
-    for (int i = 0; i < 7; ++i)
-      on[i] = field == 7 || i == field;
-    written.VIEW = {on[0], on[1], on[2], on[3], on[4], on[5], on[6]};
+    const auto on = [&](int i) { return field == 7 || i == field; };
+    written.VIEW = {on(0), on(1), on(2), on(3), on(4), on(5), on(6)};
     int32_t status = -1;
     writeViewerSettings(status, *services_, written);
     ASSERT_EQ(status, 0);
@@ -130,8 +125,9 @@ TEST_F(ViewerSettingsTest, WritingThenReadingGivesTheSameSettings) {
     EXPECT_EQ(
         std::tie(read.UNIT, read.ZOOM, read.RULER_TYPE, read.GRID, read.TOOLBARS),
         std::tie(written.UNIT, written.ZOOM, written.RULER_TYPE, written.GRID, written.TOOLBARS));
-    EXPECT_EQ(read.RULER_TYPE_CUSTOM, written.RULER_TYPE_CUSTOM) << "no digit is lost";
-    EXPECT_EQ(read.MEASURE, 2) << "MEASURE is never written and keeps its value";
+    // No digit is lost; MEASURE is never written and keeps its value.
+    EXPECT_EQ(std::tuple(read.RULER_TYPE_CUSTOM, read.MEASURE),
+              std::tuple(written.RULER_TYPE_CUSTOM, 2));
   }
 }
 
@@ -145,22 +141,21 @@ TEST_F(ViewerSettingsTest, UnloadWritesItsKeysInOrderAndLeavesOthersAlone) {
   const IniDocument doc = fileDoc();
   EXPECT_EQ(doc.keys("GBRVIEWER"), (Texts{"MEASURE", "ImpDir", "UNIT", "VIEW", "ZOOM", "RULER_TYPE",
                                           "RULER_TYPE_CUSTOM", "GRID", "TOOLBARS"}));
-  EXPECT_EQ(doc.value("GBRVIEWER", "MEASURE"), "7") << "the stored text, not the corrected 0";
-  EXPECT_EQ(doc.value("GBRVIEWER", "ImpDir"), "D:\\boards");
-  EXPECT_EQ(doc.value("GBRVIEWER", "ZOOM"), "2.5");
-  EXPECT_FALSE(doc.value("Tarvex", "JobDir")) << "the suite's section is never written";
+  // MEASURE keeps the stored text, not the corrected 0; the suite's section is never written.
+  EXPECT_EQ(std::tuple(doc.value("GBRVIEWER", "MEASURE"), doc.value("GBRVIEWER", "ImpDir"),
+                       doc.value("GBRVIEWER", "ZOOM"), doc.value("Tarvex", "JobDir").has_value()),
+            std::tuple("7", "D:\\boards", "2.5", false));
 
   writeImpDir(status, *services_, "E:\\gerber");
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(fileDoc().value("GBRVIEWER", "ImpDir"), "E:\\gerber");
+  EXPECT_EQ(std::tuple(status, fileDoc().value("GBRVIEWER", "ImpDir")),
+            std::tuple(0, "E:\\gerber"));
 
   // A file that cannot be written gives status 1.
   services_->SetIniFile(dir_.filePath("no such folder/tarvex.ini").toStdString());
+  int32_t impStatus = -1;
   writeViewerSettings(status, *services_, s);
-  EXPECT_EQ(status, 1);
-  status = -1;
-  writeImpDir(status, *services_, "C:\\");
-  EXPECT_EQ(status, 1);
+  writeImpDir(impStatus, *services_, "C:\\");
+  EXPECT_EQ(std::tuple(status, impStatus), std::tuple(1, 1));
 }
 
 TEST_F(ViewerSettingsTest, MonochromeSavedOnStillStartsInColour) {
@@ -170,12 +165,12 @@ TEST_F(ViewerSettingsTest, MonochromeSavedOnStillStartsInColour) {
 
   ViewState view(k_.graphics, *services_);
   applyToView(s, view);
-  EXPECT_EQ(view.MonoFlags & MonoFlag, 0);
-  EXPECT_EQ(view.ViewFlags,
-            viewflag::ScreenView | viewflag::Outline | viewflag::PadFrames | viewflag::Mirror);
-  EXPECT_EQ(std::tie(view.RulerOn, view.ScrollBarsOn, view.PadPositions, view.DisplayUnit),
-            std::make_tuple(false, true, 0, 1));
-  EXPECT_EQ(view.ZoomFactor, 4.0);
+  EXPECT_EQ(
+      std::tuple(view.MonoFlags & MonoFlag, view.ViewFlags, view.RulerOn, view.ScrollBarsOn,
+                 view.PadPositions, view.DisplayUnit, view.ZoomFactor),
+      std::tuple(0,
+                 viewflag::ScreenView | viewflag::Outline | viewflag::PadFrames | viewflag::Mirror,
+                 false, true, 0, 1, 4.0));
 
   // Back from the view: the view's own monochrome state is what unload writes.
   ViewerSettings back = s;
@@ -183,8 +178,9 @@ TEST_F(ViewerSettingsTest, MonochromeSavedOnStillStartsInColour) {
   EXPECT_FALSE(back.VIEW.Monochrome);
   view.MonoFlags |= MonoFlag;
   takeFromView(view, back);
-  EXPECT_EQ(viewOptionsText(back.VIEW), "0,0,1,1,1,1,0");
-  EXPECT_EQ(viewOptionsText(back.VIEW), view.viewSettingText()) << "the view writes VIEW alike";
+  EXPECT_EQ(std::tuple(viewOptionsText(back.VIEW), view.viewSettingText()),
+            std::tuple("0,0,1,1,1,1,0", "0,0,1,1,1,1,0"))
+      << "the view writes VIEW alike";
 }
 
 TEST_F(ViewerSettingsTest, SuiteNamesAndSectionsOfTheirOwn) {
@@ -228,9 +224,8 @@ TEST_F(ViewerSettingsTest, KernelTablesAreWrittenAndReadBack) {
   EXPECT_EQ(std::vector<uint8_t>(k_.strings.E_SysTable(7), k_.strings.E_SysTable(7) + 28), angles)
       << "the angle table is the kernel's own";
   const ViewTables view = ReadViewTables(k_.strings);
-  EXPECT_EQ(view.currentGridStep(0), 100);
-  EXPECT_EQ(view.currentGridStep(1), 0);
-  EXPECT_EQ(view.currentPickPixels(), 4);
+  EXPECT_EQ(std::tuple(view.currentGridStep(0), view.currentGridStep(1), view.currentPickPixels()),
+            std::tuple(100, 0, 4));
 
   // Written tables replace the kernel's whole content, and read back the same.
   DefaultTables mine;
