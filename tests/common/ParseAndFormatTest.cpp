@@ -28,10 +28,7 @@ Fields fieldsOf(const ParsedList& list) {
 }
 
 TEST(ParseList, FieldsQuotesAndCommas) {
-  struct Case {
-    const char* text;
-    Fields expected;
-  } cases[] = {
+  const std::pair<const char*, Fields> cases[] = {
       {"FSI,1,0,0,Fabrication Editor,Select a key",
        {"FSI", "1", "0", "0", "Fabrication Editor", "Select a key"}},
       {"", {""}},         // empty text: one empty field
@@ -49,9 +46,9 @@ TEST(ParseList, FieldsQuotesAndCommas) {
       {"a\"b,c", {"a\"b", "c"}},                          // a quote inside a plain field is kept
       {" a , b ", {" a ", " b "}},                        // fields are taken as they stand
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(fieldsOf(ParseList(c.text)), c.expected);
+  for (const auto& [text, expected] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(fieldsOf(ParseList(text)), expected);
   }
 }
 
@@ -64,38 +61,33 @@ TEST(ParseList, EveryFieldAlsoGivesItsNumber) {
 }
 
 TEST(SplitAt, CutsAtEverySeparator) {
-  struct Case {
-    const char* text;
-    const char* separator;
-    Fields expected;
-  } cases[] = {{"0.0100X0.0200", "X", {"0.0100", "0.0200"}},
-               {"", "X", {}},  // empty text: no field at all
-               {"0.5", "X", {"0.5"}},
-               {"1X2X", "X", {"1", "2", ""}},  // separator at the end: a further, empty field
-               {"X1", "X", {"", "1"}},
-               {"1XX2", "X", {"1", "", "2"}},
-               {"a<>b<>c", "<>", {"a", "b", "c"}},  // a separator of several characters
-               {"a,b", "", {"a,b"}}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.text) + " at " + c.separator);
-    EXPECT_EQ(fieldsOf(SplitAt(c.text, c.separator)), c.expected);
+  const std::tuple<const char*, const char*, Fields> cases[] = {
+      {"0.0100X0.0200", "X", {"0.0100", "0.0200"}},
+      {"", "X", {}},  // empty text: no field at all
+      {"0.5", "X", {"0.5"}},
+      {"1X2X", "X", {"1", "2", ""}},  // separator at the end: a further, empty field
+      {"X1", "X", {"", "1"}},
+      {"1XX2", "X", {"1", "", "2"}},
+      {"a<>b<>c", "<>", {"a", "b", "c"}},  // a separator of several characters
+      {"a,b", "", {"a,b"}}};
+  for (const auto& [text, separator, expected] : cases) {
+    SCOPED_TRACE(std::string(text) + " at " + separator);
+    EXPECT_EQ(fieldsOf(SplitAt(text, separator)), expected);
   }
   EXPECT_EQ(SplitAt("0.01X0.02X", "X").Values, (std::vector<double>{3, 0.01, 0.02, 0}));
 }
 
 TEST(ToNumber, ReadsTheLeadingNumberLikeVal) {
-  struct Case {
-    const char* text;
-    double expected;
-  } cases[] = {{"", 0},      {"3,5", 3.5},     {"0,25", 0.25},  {"1,2,3", 1.2}, {"12mm", 12},
-               {"  42", 42}, {"\t-3.5", -3.5}, {"+7", 7},       {"-0,5", -0.5}, {",5", 0.5},
-               {".5", 0.5},  {"5.", 5},        {"1.5,3", 1.5},  {"1e3", 1000},  {"2.5E-2", 0.025},
-               {"1D2", 100}, {"1e", 1},        {"1e+", 1},      {"3e2x", 300},  {"abc", 0},
-               {"-", 0},     {".", 0},         {"- 5", 0},      {"0x10", 0},    {"007", 7},
-               {"1 2", 1},   {"1e999", 0},     {"12,5mm", 12.5}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_DOUBLE_EQ(ToNumber(c.text), c.expected);
+  const std::pair<const char*, double> cases[] = {
+      {"", 0},      {"3,5", 3.5},     {"0,25", 0.25},  {"1,2,3", 1.2}, {"12mm", 12},
+      {"  42", 42}, {"\t-3.5", -3.5}, {"+7", 7},       {"-0,5", -0.5}, {",5", 0.5},
+      {".5", 0.5},  {"5.", 5},        {"1.5,3", 1.5},  {"1e3", 1000},  {"2.5E-2", 0.025},
+      {"1D2", 100}, {"1e", 1},        {"1e+", 1},      {"3e2x", 300},  {"abc", 0},
+      {"-", 0},     {".", 0},         {"- 5", 0},      {"0x10", 0},    {"007", 7},
+      {"1 2", 1},   {"1e999", 0},     {"12,5mm", 12.5}};
+  for (const auto& [text, expected] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_DOUBLE_EQ(ToNumber(text), expected);
   }
   EXPECT_EQ(ToNumber("123456789012"), 123456789012.0);
 }

@@ -94,18 +94,16 @@ TEST(SystemServicesQuestion, AskYesNoGoesThroughThePrompts) {
 }
 
 TEST(SystemServicesPaths, EnsureBackslashAddsOneSeparatorOnly) {
-  struct Case {
-    std::string in, out;
-  } cases[] = {{"/opt/tarvex", "/opt/tarvex/"},
-               {"/opt/tarvex/", "/opt/tarvex/"},
-               {"C:\\Tarvex\\", "C:\\Tarvex\\"},
-               {"relative", "relative/"},
-               {"", ""}};
-  for (Case& c : cases) {
-    SCOPED_TRACE(c.in);
-    std::string path = c.in;
-    EXPECT_EQ(SystemServices::EnsureBackslash(path), c.out);
-    EXPECT_EQ(path, c.out);
+  const std::pair<std::string, std::string> cases[] = {{"/opt/tarvex", "/opt/tarvex/"},
+                                                       {"/opt/tarvex/", "/opt/tarvex/"},
+                                                       {"C:\\Tarvex\\", "C:\\Tarvex\\"},
+                                                       {"relative", "relative/"},
+                                                       {"", ""}};
+  for (const auto& [in, out] : cases) {
+    SCOPED_TRACE(in);
+    std::string path = in;
+    EXPECT_EQ(SystemServices::EnsureBackslash(path), out);
+    EXPECT_EQ(path, out);
   }
   EXPECT_EQ(SystemServices::StringFromPointer(nullptr) + SystemServices::StringFromPointer("TVN"),
             "TVN");
@@ -210,19 +208,16 @@ TEST_F(IniSettings, LenientReadingOfUntidyFiles) {
                    "; Number=9\r\n"
                    "[Images\r\n"
                    "IMGHEIGHT=24\r\n");
-  struct Case {
-    const char* section;
-    const char* key;
-    const char* expected;
-  } cases[] = {{"", "TopKey", "outside any section"},
-               {"COUNTRY", "number", "2"},  // first of duplicate keys, trimmed, case-blind
-               {"Country", "Default", ""},  // present but empty: not the default
-               {"Country", "Missing", "dflt"},
-               {"IMAGES", "IMGHEIGHT", "24"},  // header without its closing bracket
-               {"Nowhere", "Number", "dflt"}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.section) + "/" + c.key);
-    EXPECT_EQ(services_.GetIniString(c.section, c.key, "dflt"), c.expected);
+  const std::tuple<std::string, const char*, const char*> cases[] = {
+      {"", "TopKey", "outside any section"},
+      {"COUNTRY", "number", "2"},  // first of duplicate keys, trimmed, case-blind
+      {"Country", "Default", ""},  // present but empty: not the default
+      {"Country", "Missing", "dflt"},
+      {"IMAGES", "IMGHEIGHT", "24"},  // header without its closing bracket
+      {"Nowhere", "Number", "dflt"}};
+  for (const auto& [section, key, expected] : cases) {
+    SCOPED_TRACE(std::string(section) + "/" + key);
+    EXPECT_EQ(services_.GetIniString(section, key, "dflt"), expected);
   }
 }
 
@@ -385,26 +380,22 @@ std::vector<std::string> itemsOf(const TokenList& list) {
 }
 
 TEST(TokenListTest, ParseCutsAtEveryDelimiter) {
-  struct Case {
-    std::string text;
-    std::string delimiter;
-    std::vector<std::string> items;
-  };
-  const Case cases[] = {{"TVNGBRVIEWER,MX", ",", {"TVNGBRVIEWER", "MX"}},
-                        {"TVNGBRVIEWER", ",", {"TVNGBRVIEWER"}},
-                        {"", ",", {}},
-                        {"a,,b", ",", {"a", "", "b"}},
-                        {"a,b,", ",", {"a", "b", ""}},
-                        {",a", ",", {"", "a"}},
-                        {" a , b ", ",", {" a ", " b "}},
-                        {"a<>b<>c", "<>", {"a", "b", "c"}},
-                        {"a<b>c", "<>", {"a<b>c"}},
-                        {"a,b", "", {"a,b"}}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE("'" + c.text + "' at '" + c.delimiter + "'");
+  const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
+      {"TVNGBRVIEWER,MX", ",", {"TVNGBRVIEWER", "MX"}},
+      {"TVNGBRVIEWER", ",", {"TVNGBRVIEWER"}},
+      {"", ",", {}},
+      {"a,,b", ",", {"a", "", "b"}},
+      {"a,b,", ",", {"a", "b", ""}},
+      {",a", ",", {"", "a"}},
+      {" a , b ", ",", {" a ", " b "}},
+      {"a<>b<>c", "<>", {"a", "b", "c"}},
+      {"a<b>c", "<>", {"a<b>c"}},
+      {"a,b", "", {"a,b"}}};
+  for (const auto& [text, delimiter, items] : cases) {
+    SCOPED_TRACE("'" + text + "' at '" + delimiter + "'");
     TokenList list;
-    list.Parse(c.text, c.delimiter);
-    EXPECT_EQ(itemsOf(list), c.items);
+    list.Parse(text, delimiter);
+    EXPECT_EQ(itemsOf(list), items);
   }
 }
 
@@ -420,20 +411,16 @@ TEST(TokenListTest, IndexOutsideTheItemsYieldsEmptyText) {
 }
 
 TEST(TokenListTest, ItemValueReadsLeniently) {
-  struct Case {
-    std::string item;
-    double value;
-  };
-  const Case cases[] = {{"12", 12.0},    {"-3.25", -3.25}, {"2,5", 2.5},    {"1,2,3", 1.2},
-                        {"  7", 7.0},    {"+4", 4.0},      {"+-4", 0.0},    {"12.5mm", 12.5},
-                        {"1e3", 1000.0}, {"abc", 0.0},     {"", 0.0},       {"-", 0.0},
-                        {".5", 0.5},     {"1e999", 0.0},   {"0,001", 0.001}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE("'" + c.item + "'");
+  const std::pair<std::string, double> cases[] = {
+      {"12", 12.0}, {"-3.25", -3.25}, {"2,5", 2.5},     {"1,2,3", 1.2},  {"  7", 7.0},
+      {"+4", 4.0},  {"+-4", 0.0},     {"12.5mm", 12.5}, {"1e3", 1000.0}, {"abc", 0.0},
+      {"", 0.0},    {"-", 0.0},       {".5", 0.5},      {"1e999", 0.0},  {"0,001", 0.001}};
+  for (const auto& [item, value] : cases) {
+    SCOPED_TRACE("'" + item + "'");
     TokenList list;
-    list.Parse("x;" + c.item, ";");
+    list.Parse("x;" + item, ";");
     ASSERT_EQ(list.Count(), 2);
-    EXPECT_DOUBLE_EQ(list.ItemValue(2), c.value);
+    EXPECT_DOUBLE_EQ(list.ItemValue(2), value);
   }
 }
 

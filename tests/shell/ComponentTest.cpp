@@ -155,21 +155,19 @@ TEST_F(ComponentTest, CommandsNotAddressedToTheViewerChangeNothing) {
 
 TEST_F(ComponentTest, WindowStateVerbsUnderBothAddresses) {
   load(windowstate::Normal);
-  const struct {
-    const char* verb;  // items after the verb are not looked at
-    int16_t code;
-    Qt::WindowStates state;
-  } steps[] = {{"MX", windowstate::Maximised, Qt::WindowMaximized},
-               {"MN", windowstate::Minimised, Qt::WindowMinimized},
-               {"DF", windowstate::Normal, Qt::WindowNoState},
-               {"MX,1,2", windowstate::Maximised, Qt::WindowMaximized},
-               {"DF,extra", windowstate::Normal, Qt::WindowNoState}};
+  // Items after the verb are not looked at.
+  const std::tuple<const char*, int16_t, Qt::WindowStates> steps[] = {
+      {"MX", windowstate::Maximised, Qt::WindowMaximized},
+      {"MN", windowstate::Minimised, Qt::WindowMinimized},
+      {"DF", windowstate::Normal, Qt::WindowNoState},
+      {"MX,1,2", windowstate::Maximised, Qt::WindowMaximized},
+      {"DF,extra", windowstate::Normal, Qt::WindowNoState}};
   for (const std::string address : {"TVNGBRVIEWER", "All"})
-    for (const auto& step : steps) {
-      SCOPED_TRACE(address + "," + step.verb);
-      component->NotifyMe("TVNLAYPS", address + "," + step.verb);
+    for (const auto& [verb, code, state] : steps) {
+      SCOPED_TRACE(address + "," + verb);
+      component->NotifyMe("TVNLAYPS", address + "," + verb);
       EXPECT_EQ(std::tuple(window()->windowStateCode(), window()->windowState()),
-                std::tuple(step.code, step.state));
+                std::tuple(code, state));
     }
   EXPECT_TRUE(sent.empty());
 }

@@ -34,19 +34,16 @@ TEST_F(AddElementTest, ItemsKeepLinkAndGapAndGoToTheirPlace) {
   EXPECT_EQ(std::tuple(addAndRead(r), index), std::tuple(r, 1));
 
   // Each place names its own array; the two layout text places mark the item as text.
-  struct Case {
-    int32_t place;
-    ArrayHandle array;
-    bool text;
-  } cases[] = {{PlaceCompText, store.C_CompTextArray(symbol), false},
-               {PlaceLayoutCompText, store.L_CompTextArray(symbol), true},
-               {PlaceLayoutText, store.DB_LayoutTextArray(), true},
-               {PlaceBranchText, store.B_BranchTextArray(symbol), false}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.place);
-    AddElement(store, status, c.place, symbol, r, "", index, "");
-    const int32_t st = store.O_GetStatus(store.OA_Object(c.array, 1));
-    EXPECT_EQ(std::tuple(status, index, (st & attr::Text) != 0), std::tuple(0, 1, c.text));
+  const std::tuple<int32_t, ArrayHandle, bool> cases[] = {
+      {PlaceCompText, store.C_CompTextArray(symbol), false},
+      {PlaceLayoutCompText, store.L_CompTextArray(symbol), true},
+      {PlaceLayoutText, store.DB_LayoutTextArray(), true},
+      {PlaceBranchText, store.B_BranchTextArray(symbol), false}};
+  for (const auto& [place, array, text] : cases) {
+    SCOPED_TRACE(place);
+    AddElement(store, status, place, symbol, r, "", index, "");
+    const int32_t st = store.O_GetStatus(store.OA_Object(array, 1));
+    EXPECT_EQ(std::tuple(status, index, (st & attr::Text) != 0), std::tuple(0, 1, text));
   }
 }
 

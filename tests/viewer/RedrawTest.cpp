@@ -207,21 +207,18 @@ TEST_F(RedrawTest, ApertureHighlightRecoloursItsItemsAndTellsWhatItIs) {
 
 TEST_F(RedrawTest, DisplayOptionsToggleTheirFlagsAndAreRemembered) {
   const int32_t start = view.ViewFlags;
-  struct Case {
-    DisplayOption option;
-    int32_t bit;
-    bool checkedWhenSet;
-  };
-  for (const Case& c : {Case{DisplayOption::TrueSize, viewflag::Outline, false},
-                        Case{DisplayOption::PadFrame, viewflag::PadFrames, true},
-                        Case{DisplayOption::Mirror, viewflag::Mirror, true}}) {
-    SCOPED_TRACE(c.bit);
-    const bool before = redraw.isChecked(c.option);
+  const std::tuple<DisplayOption, int32_t, bool> cases[] = {
+      {DisplayOption::TrueSize, viewflag::Outline, false},
+      {DisplayOption::PadFrame, viewflag::PadFrames, true},
+      {DisplayOption::Mirror, viewflag::Mirror, true}};
+  for (const auto& [option, bit, checkedWhenSet] : cases) {
+    SCOPED_TRACE(bit);
+    const bool before = redraw.isChecked(option);
     const int32_t rebuilds = redraw.rebuilds();
-    redraw.toggle(c.option);
-    EXPECT_EQ((view.ViewFlags ^ start) & c.bit, c.bit);
-    EXPECT_EQ(redraw.isChecked(c.option), ((view.ViewFlags & c.bit) != 0) == c.checkedWhenSet);
-    EXPECT_EQ(std::tuple(redraw.isChecked(c.option), redraw.RememberedViewFlags, redraw.rebuilds()),
+    redraw.toggle(option);
+    EXPECT_EQ((view.ViewFlags ^ start) & bit, bit);
+    EXPECT_EQ(redraw.isChecked(option), ((view.ViewFlags & bit) != 0) == checkedWhenSet);
+    EXPECT_EQ(std::tuple(redraw.isChecked(option), redraw.RememberedViewFlags, redraw.rebuilds()),
               std::tuple(!before, view.ViewFlags, rebuilds + 1));
   }
   // Pad positions are not remembered.

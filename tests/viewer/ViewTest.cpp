@@ -73,11 +73,9 @@ TEST_F(ViewCoordinatesTest, PixelsAndWorldPointsAreEachOthersInverseThroughTheDe
 }
 
 TEST_F(ViewCoordinatesTest, KeepingTheViewInTheWorld) {
-  struct Case {
-    const char* what;
-    int32_t precision, mirror, cx, cy;  // cy is the stored, negated Y
-    int32_t expectedPrecision, expectedX, expectedY;
-  };
+  // What, precision, mirror, centre (Y negated), and the precision and centre expected.
+  using Case =
+      std::tuple<const char*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t>;
   // At 10000 units per pixel the half extents are 2000000 by 1500000. At 2540000 the picture
   // is larger than the world: 440000000 must just fit across the larger side, 400 pixels.
   const Case cases[] = {
@@ -88,14 +86,15 @@ TEST_F(ViewCoordinatesTest, KeepingTheViewInTheWorld) {
       {"mirrored", 10000, 1, 219000000, 0, 10000, 218000000, 0},
       {"larger than the world", 2540000, 0, 100000000, -100000000, 1100000, 0, -55000000},
       {"larger, mirrored", 2540000, 1, -100000000, 3, 1100000, 0, 3}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    place(c.precision, c.mirror, c.cx, c.cy);
+  for (const auto& [what, precision, mirror, cx, cy, expectedPrecision, expectedX, expectedY] :
+       cases) {
+    SCOPED_TRACE(what);
+    place(precision, mirror, cx, cy);
     view.PrecisionText.clear();
     const ViewChange change = view.keepInWorld();
-    EXPECT_EQ(zoom(), (std::array{c.expectedPrecision, c.expectedX, c.expectedY}));
+    EXPECT_EQ(zoom(), (std::array{expectedPrecision, expectedX, expectedY}));
     EXPECT_EQ(change.Precision, !view.PrecisionText.empty());
-    EXPECT_EQ(change.Precision, c.precision != c.expectedPrecision) << "a new precision is shown";
+    EXPECT_EQ(change.Precision, precision != expectedPrecision) << "a new precision is shown";
   }
 }
 
@@ -141,26 +140,21 @@ using ViewZoomTest = test::ViewFixture;
 using Zoom = std::array<int32_t, 3>;
 
 TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
-  struct Case {
-    int32_t precision;
-    double factor;
-    int32_t mode, expected;
-  };
-  const Case cases[] = {
+  const std::tuple<int32_t, double, int32_t, int32_t> cases[] = {
       {25400, 2, zoomstep::In, 12700},       {25400, 2, zoomstep::Out, 50800},
       {25401, 2, zoomstep::In, 12700},       {25403, 2, zoomstep::In, 12702},  // halves to even
       {100, 2, zoomstep::In, 100},           {1, 2, zoomstep::In, 100},
       {2540000, 2, zoomstep::Out, 2540000},  {2000000, 2, zoomstep::Out, 2540000},
       {25400, 2, zoomstep::Recentre, 25400}, {25400, -3, zoomstep::Out, 25400},  // factor 1
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.precision << " by " << c.factor << " mode " << c.mode);
-    view.m_Precision = c.precision;
-    view.ZoomFactor = c.factor;
+  for (const auto& [precision, factor, mode, expected] : cases) {
+    SCOPED_TRACE(testing::Message() << precision << " by " << factor << " mode " << mode);
+    view.m_Precision = precision;
+    view.ZoomFactor = factor;
     view.CursorX = 1000;
     view.CursorY = 2000;
-    const ViewChange change = view.ZoomStep(c.mode);
-    EXPECT_EQ(zoom(), (Zoom{c.expected, 1000, -2000}));
+    const ViewChange change = view.ZoomStep(mode);
+    EXPECT_EQ(zoom(), (Zoom{expected, 1000, -2000}));
     EXPECT_TRUE(change.Redraw && change.ScrollBars && change.Precision && change.RepeatPointerMove);
   }
   view.ViewCenterX = 5000;  // the tools zoom about the centre
@@ -170,12 +164,7 @@ TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
 
 TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
   const int32_t in = displayunit::Inch, mm = displayunit::Millimetre;
-  struct Case {
-    int32_t unit;
-    const char* text;
-    int32_t precision, expected;
-  };
-  const Case cases[] = {
+  const std::tuple<int32_t, const char*, int32_t, int32_t> cases[] = {
       {mm, "0,05", 25000, 5000},
       {mm, "0.05", 25000, 5000},
       {in, "0,05", 25400, 127000},
@@ -190,13 +179,13 @@ TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
       {in, "0", 12345, 12345},
       {in, "abc", 98765, 98765},  // shown
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    view.DisplayUnit = c.unit;
-    view.m_Precision = c.precision;
-    view.PrecisionText = c.text;
+  for (const auto& [unit, text, precision, expected] : cases) {
+    SCOPED_TRACE(text);
+    view.DisplayUnit = unit;
+    view.m_Precision = precision;
+    view.PrecisionText = text;
     view.applyTypedPrecision();
-    EXPECT_EQ(view.m_Precision, c.expected);
+    EXPECT_EQ(view.m_Precision, expected);
   }
   view.DisplayUnit = mm;
   view.PrecisionText = "0,05";  // the redraw button applies what was typed
@@ -220,12 +209,7 @@ TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
   view.ATB_RedrawButtonClick(zoommode::Center);
   EXPECT_EQ(centre(), (Point{0, 0}));
 
-  struct Case {
-    const char* what;
-    int32_t mode;
-    bool ruler;
-    int32_t precision, x, y;
-  };
+  using Case = std::tuple<const char*, int32_t, bool, int32_t, int32_t, int32_t>;
   // 4000000 by 1000000 on 400 by 300 pixels; the ruler adds its margin to both and moves the
   // centre by half of it, so that the margin is left and below.
   const Case cases[] = {
@@ -234,12 +218,12 @@ TEST_F(ViewZoomTest, RedrawModesCurrentCentreFitAndActualSize) {
        3000000 - RulerMargin / 2, 2500000 - RulerMargin / 2},
       {"actual size", zoommode::ActualBoard, false, ActualSizePrecision, 3000000, 2500000}};
   addBox(1, 1000000, 2000000, 5000000, 3000000);
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    view.RulerOn = c.ruler;
-    view.ATB_RedrawButtonClick(c.mode);
+  for (const auto& [what, mode, ruler, precision, x, y] : cases) {
+    SCOPED_TRACE(what);
+    view.RulerOn = ruler;
+    view.ATB_RedrawButtonClick(mode);
     EXPECT_EQ(std::tuple(zoom(), view.PrecisionText),
-              std::tuple(Zoom{c.precision, c.x, -c.y}, view.lengthText(c.precision)));
+              std::tuple(Zoom{precision, x, -y}, view.lengthText(precision)));
   }
   view.setFitSource([] { return FrameRect{-1000000, -1000000, 3000000, 2000000}; });
   view.ATB_RedrawButtonClick(zoommode::Board);  // the import's board rectangle

@@ -206,24 +206,20 @@ TEST(LocalizeForm, ClassicGreyBackgroundBecomesTheDesktopColour) {
 }
 
 TEST(InterfaceFont, CharacterSetsAndScriptsByLanguage) {
-  struct Case {
-    const char* locale;
-    CjkScript script;
-    int32_t charset;
-  } cases[] = {{"en_US", CjkScript::None, 0},
-               {"zh_TW", CjkScript::TraditionalChinese, 136},
-               {"zh_HK", CjkScript::TraditionalChinese, 136},
-               {"zh_CN", CjkScript::SimplifiedChinese, 134},
-               {"ja_JP", CjkScript::Japanese, 128},
-               {"ko_KR", CjkScript::Korean, 129},
-               {"ru_RU", CjkScript::None, 204},
-               {"pl_PL", CjkScript::None, 238}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.locale);
-    QLocale locale(c.locale);
-    EXPECT_EQ(
-        std::tuple(scriptNeeded(locale), charsetOf(locale), sampleCharacters(c.script).empty()),
-        std::tuple(c.script, c.charset, c.script == CjkScript::None));
+  const std::tuple<const char*, CjkScript, int32_t> cases[] = {
+      {"en_US", CjkScript::None, 0},
+      {"zh_TW", CjkScript::TraditionalChinese, 136},
+      {"zh_HK", CjkScript::TraditionalChinese, 136},
+      {"zh_CN", CjkScript::SimplifiedChinese, 134},
+      {"ja_JP", CjkScript::Japanese, 128},
+      {"ko_KR", CjkScript::Korean, 129},
+      {"ru_RU", CjkScript::None, 204},
+      {"pl_PL", CjkScript::None, 238}};
+  for (const auto& [name, script, charset] : cases) {
+    SCOPED_TRACE(name);
+    QLocale locale(name);
+    EXPECT_EQ(std::tuple(scriptNeeded(locale), charsetOf(locale), sampleCharacters(script).empty()),
+              std::tuple(script, charset, script == CjkScript::None));
   }
 }
 
@@ -313,38 +309,33 @@ constexpr int32_t PresentWidth = 6000, PresentHeight = 4500;
 // Top, Left, Width, Height, to compare whole places.
 auto fields(const WindowPlace& p) { return std::make_tuple(p.Top, p.Left, p.Width, p.Height); }
 
-struct Case {
-  const char *top, *left, *height, *width;
-  bool usable;
-  WindowPlace expected;
-};
-
 TEST(WindowPlaceTest, CorrectionsOfTheStoredPlace) {
-  const Case cases[] = {
-      {"1500", "3000", "7200", "9600", true, {1500, 3000, 9600, 7200}},
-      {"11700", "100", "4000", "5000", true, {11700, 100, 5000, 4000}},  // the fortieth fits
-      {"11701", "100", "4000", "5000", false, {0, 100, 5000, 4000}},     // bottom fortieth
-      {"12000", "100", "4000", "5000", false, {0, 100, 5000, 4000}},
-      {"100", "18720", "4000", "5000", true, {100, 18720, 5000, 4000}},
-      {"100", "18721", "4000", "5000", false, {100, 0, 5000, 4000}},  // right fortieth
-      {"13000", "25000", "4000", "5000", false, {0, 0, 5000, 4000}},  // beyond the work area
-      {"-1", "300", "4000", "5000", false, {0, 300, 5000, 4000}},
-      {"300", "-150", "4000", "5000", false, {300, 0, 5000, 4000}},
-      // Sizes below 1 take the present ones and leave the place usable.
-      {"300", "450", "0", "-20", true, {300, 450, PresentWidth, PresentHeight}},
-      {"300", "450", "0.4", "5000", true, {300, 450, 5000, PresentHeight}},
-      // Whole numbers, a half to the even neighbour; text without a number is -1.
-      {" 300 ", "+450", "4000.5", "5001.5", true, {300, 450, 5002, 4000}},
-      {"abc", "450", "4000", "12mm", false, {0, 450, PresentWidth, 4000}}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.top) + "|" + c.left + "|" + c.height + "|" + c.width);
+  // The stored top, left, height and width; whether the place is usable, and the place.
+  const std::tuple<const char*, const char*, const char*, const char*, bool, WindowPlace> cases[] =
+      {{"1500", "3000", "7200", "9600", true, {1500, 3000, 9600, 7200}},
+       {"11700", "100", "4000", "5000", true, {11700, 100, 5000, 4000}},  // the fortieth fits
+       {"11701", "100", "4000", "5000", false, {0, 100, 5000, 4000}},     // bottom fortieth
+       {"12000", "100", "4000", "5000", false, {0, 100, 5000, 4000}},
+       {"100", "18720", "4000", "5000", true, {100, 18720, 5000, 4000}},
+       {"100", "18721", "4000", "5000", false, {100, 0, 5000, 4000}},  // right fortieth
+       {"13000", "25000", "4000", "5000", false, {0, 0, 5000, 4000}},  // beyond the work area
+       {"-1", "300", "4000", "5000", false, {0, 300, 5000, 4000}},
+       {"300", "-150", "4000", "5000", false, {300, 0, 5000, 4000}},
+       // Sizes below 1 take the present ones and leave the place usable.
+       {"300", "450", "0", "-20", true, {300, 450, PresentWidth, PresentHeight}},
+       {"300", "450", "0.4", "5000", true, {300, 450, 5000, PresentHeight}},
+       // Whole numbers, a half to the even neighbour; text without a number is -1.
+       {" 300 ", "+450", "4000.5", "5001.5", true, {300, 450, 5002, 4000}},
+       {"abc", "450", "4000", "12mm", false, {0, 450, PresentWidth, 4000}}};
+  for (const auto& [top, left, height, width, usable, expected] : cases) {
+    SCOPED_TRACE(std::string(top) + "|" + left + "|" + height + "|" + width);
     MemoryUserStore store;
-    for (auto [key, value] : {std::pair{"_TOP", c.top}, std::pair{"_LEFT", c.left},
-                              std::pair{"_HEIGHT", c.height}, std::pair{"_WIDTH", c.width}})
+    for (auto [key, value] : {std::pair{"_TOP", top}, std::pair{"_LEFT", left},
+                              std::pair{"_HEIGHT", height}, std::pair{"_WIDTH", width}})
       store.SaveSetting("Tarvex", "TVNGBRVIEWER", std::string("W") + key, value);
     WindowPlace place;
-    EXPECT_EQ(RestoreWindowPlace(store, "W", Work, PresentWidth, PresentHeight, place), c.usable);
-    EXPECT_EQ(fields(place), fields(c.expected));
+    EXPECT_EQ(RestoreWindowPlace(store, "W", Work, PresentWidth, PresentHeight, place), usable);
+    EXPECT_EQ(fields(place), fields(expected));
   }
 }
 
