@@ -159,6 +159,12 @@ protected:
     path_ = dir_.filePath("tarvex.ini").toStdString();
     services_.SetIniFile(path_);
   }
+  // Writes one value through the service object and gives its status.
+  int32_t write(const std::string& section, const std::string& key, const std::string& value) {
+    int32_t status = -1;
+    services_.WriteIniString(section, key, value, status);
+    return status;
+  }
 
   QTemporaryDir dir_;
   std::string path_;
@@ -177,11 +183,8 @@ TEST_F(IniSettings, ValuesWrittenReadBackTheSameInAFreshServiceObject) {
                "e \xE6\x96\xB0"},
       {"Brackets", "[not a section]"},
       {"LoneQuote", "\""}};
-  int32_t status = -1;
-  for (const auto& [key, value] : values) {
-    services_.WriteIniString("GBRVIEWER", key, value, status);
-    ASSERT_EQ(status, 0) << key;
-  }
+  for (const auto& [key, value] : values)
+    ASSERT_EQ(write("GBRVIEWER", key, value), 0) << key;
   SystemServices fresh;
   fresh.SetIniFile(path_);
   for (const auto& [key, value] : values) {
@@ -190,7 +193,7 @@ TEST_F(IniSettings, ValuesWrittenReadBackTheSameInAFreshServiceObject) {
     EXPECT_EQ(services_.GetIniString("GBRVIEWER", key, "default"), value);
   }
   // Overwriting keeps one line per key.
-  services_.WriteIniString("GBRVIEWER", "Plain", "German,German,0", status);
+  write("GBRVIEWER", "Plain", "German,German,0");
   EXPECT_EQ(fresh.GetIniString("gbrviewer", "PLAIN", ""), "German,German,0");
   IniDocument doc(readFile(path_));
   EXPECT_EQ(doc.keys("GBRVIEWER").size(), values.size());
@@ -226,14 +229,11 @@ TEST_F(IniSettings, LenientReadingOfUntidyFiles) {
 TEST_F(IniSettings, WritingKeepsEveryOtherLineByteForByte) {
   writeFile(path_, "\xEF\xBB\xBF; settings of the suite\r\n[GBRVIEWER]\r\ngarbage line\r\n"
                    "Zoom = 5   \r\nGrid=1\r\n\r\n# another comment\r\n[COUNTRY]\r\nNumber=1\r\n");
-  int32_t status = -1;
   for (const auto& [section, key, value] : {std::tuple{"GBRVIEWER", "Grid", "2"},
                                             {"GBRVIEWER", "Zoom", "7"},
                                             {"GBRVIEWER", "Ruler", "0"},
-                                            {"PRINT", "Copies", "2"}}) {
-    services_.WriteIniString(section, key, value, status);
-    ASSERT_EQ(status, 0) << key;
-  }
+                                            {"PRINT", "Copies", "2"}})
+    ASSERT_EQ(write(section, key, value), 0) << key;
   EXPECT_EQ(readFile(path_),
             "\xEF\xBB\xBF; settings of the suite\r\n[GBRVIEWER]\r\ngarbage line\r\n"
             "Zoom = 7\r\nGrid=2\r\nRuler=0\r\n\r\n# another comment\r\n"
@@ -242,24 +242,21 @@ TEST_F(IniSettings, WritingKeepsEveryOtherLineByteForByte) {
 
 TEST_F(IniSettings, LfFilesStayLfAndAMissingFileIsCreated) {
   writeFile(path_, "[A]\nx=1");  // no final line break
-  int32_t status = -1;
-  services_.WriteIniString("A", "y", "2", status);
-  ASSERT_EQ(status, 0);
+  ASSERT_EQ(write("A", "y", "2"), 0);
   EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2");
-  services_.WriteIniString("B", "z", "3", status);
+  write("B", "z", "3");
   EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2\n\n[B]\nz=3\n");
 
   const std::string other = dir_.filePath("new.ini").toStdString();
   services_.SetIniFile(other);
   EXPECT_EQ(services_.GetIniString("A", "x", "none"), "none");
-  services_.WriteIniString("A", "x", "5", status);
-  ASSERT_EQ(status, 0);
+  ASSERT_EQ(write("A", "x", "5"), 0);
   EXPECT_EQ(readFile(other), "[A]\nx=5\n");
 
   // A change by another writer is seen and kept.
   writeFile(other, "[A]\nx=22\ny=other writer\n");
   EXPECT_EQ(services_.GetIniString("A", "x", ""), "22");
-  services_.WriteIniString("A", "z", "mine", status);
+  write("A", "z", "mine");
   EXPECT_EQ(readFile(other), "[A]\nx=22\ny=other writer\nz=mine\n");
 }
 
@@ -267,9 +264,7 @@ TEST_F(IniSettings, UnwritableValuesAndPlacesGiveStatusOneAndChangeNothing) {
   writeFile(path_, "[A]\nx=1\n");
   for (const auto& [key, value] : {std::pair{"x", "two\nlines"}, {"", "no key"}, {"k=v", "v"}}) {
     SCOPED_TRACE(key);
-    int32_t status = 0;
-    services_.WriteIniString("A", key, value, status);
-    EXPECT_EQ(status, 1);
+    EXPECT_EQ(write("A", key, value), 1);
   }
   EXPECT_EQ(std::tuple(readFile(path_), services_.GetIniString("A", "x", "")),
             std::tuple("[A]\nx=1\n", "1"));
@@ -318,11 +313,10 @@ TEST_F(IniSettings, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
       << "a temporary file was left behind";
 
   // Without the limit the same write succeeds.
-  int32_t status = -1;
-  services_.WriteIniString("GBRVIEWER", "Big", big, status);
-  EXPECT_EQ(std::tuple(status, services_.GetIniString("GBRVIEWER", "Big", ""),
-                       services_.GetIniString("GBRVIEWER", "Key39", "")),
-            std::tuple(0, big, "value number 39"));
+  EXPECT_EQ(
+      (std::tuple{write("GBRVIEWER", "Big", big), services_.GetIniString("GBRVIEWER", "Big", ""),
+                  services_.GetIniString("GBRVIEWER", "Key39", "")}),
+      std::tuple(0, big, "value number 39"));
 }
 
 TEST(IniDocument, ValueEncodingRoundTripsThroughTheText) {
