@@ -385,16 +385,13 @@ TEST(MacroExpansion, BadLinesBesideGoodOnes) {
   // A broken line is skipped; the good one keeps its code and count.
   auto rows = expand({"1,1,1,2", "1,1,1,0,0", "5,1,6"});
   ASSERT_EQ(rows.size(), 4u);
-  EXPECT_EQ(rows[0].Number, 1);
-  EXPECT_EQ(rows[3].Number, -4);
-  EXPECT_EQ(rows[1].Value, 100000);
+  EXPECT_EQ(std::tuple(rows[0].Number, rows[3].Number, rows[1].Value), std::tuple(1, -4, 100000.0));
   // An outline that claims three points and gives two is copied as it stands, in file units.
   rows = expand({"4,1,3,0,0,1,0,0,1,0", "1,1,1,0,0"});
   ASSERT_EQ(rows.size(), 9u + 4u);
-  EXPECT_EQ(rows[4].Value, 1) << "unconverted";
-  EXPECT_EQ(rows[8].Number, -9);
-  EXPECT_EQ(rows[9].Number, 1);
-  EXPECT_EQ(rows[10].Value, 100000) << "the circle behind it is converted";
+  // The outline's 1 stays unconverted; the circle behind it is converted.
+  EXPECT_EQ(std::tuple(rows[4].Value, rows[8].Number, rows[9].Number, rows[10].Value),
+            std::tuple(1.0, -9, 1, 100000.0));
 }
 
 TEST(MacroExpansion, MacroStoreKeepsLinesAndSkipsComments) {
@@ -405,13 +402,11 @@ TEST(MacroExpansion, MacroStoreKeepsLinesAndSkipsComments) {
   EXPECT_TRUE(store.MacroList.empty()) << "a macro without lines is no macro";
   store.define("THERMAL", Lines{"0 thermal", "7,0,0,$1,$2,$3,45", "$4=$1/2"});
   ASSERT_EQ(store.MacroList.size(), 1u);
-  EXPECT_EQ(store.MacroList[0].LineCount, 2);
-  EXPECT_EQ(store.MacroLineList[0].Primitive, 7);
-  EXPECT_EQ(store.MacroLineList[1].Primitive, 0);
-  EXPECT_EQ(store.find("THERMAL"), 0);
-  EXPECT_EQ(store.find("thermal"), -1);
-  EXPECT_EQ(primitiveCodeOf("21.9,1"), 21);
-  EXPECT_EQ(primitiveCodeOf("$1=5"), 0);
+  EXPECT_EQ(std::tuple(store.MacroList[0].LineCount, store.MacroLineList[0].Primitive,
+                       store.MacroLineList[1].Primitive),
+            std::tuple(2, 7, 0));
+  EXPECT_EQ(std::pair(store.find("THERMAL"), store.find("thermal")), std::pair(0, -1));
+  EXPECT_EQ(std::pair(primitiveCodeOf("21.9,1"), primitiveCodeOf("$1=5")), std::pair(21, 0));
 }
 
 TEST(MacroExpansion, ExpressionsOfRealFilesEvaluate) {
@@ -422,9 +417,9 @@ TEST(MacroExpansion, ExpressionsOfRealFilesEvaluate) {
   // An octagon whose size comes from the modifier, and a negative product.
   const auto octagon = expand({"5,1,8,0,0,1.08239X$1,22.5", "1,1,0-$1x2,0,0"}, "0.0610", Inches);
   ASSERT_EQ(octagon.size(), 10u);
-  EXPECT_EQ(octagon[4].Value, wholeNumber(1.08239 * 0.061 * 2540000));
-  EXPECT_EQ(octagon[5].Value, 22500);
-  EXPECT_EQ(octagon[7].Value, wholeNumber(-0.122 * 2540000));
+  EXPECT_EQ(
+      std::tuple(octagon[4].Value, octagon[5].Value, octagon[7].Value),
+      std::tuple(wholeNumber(1.08239 * 0.061 * 2540000), 22500.0, wholeNumber(-0.122 * 2540000)));
 }
 
 TEST(MacroExpansion, AMacroKeepsAtMostItsShareOfLines) {
