@@ -154,10 +154,8 @@ TEST(AccuracyComparison, EdgesWithinTwoPixelsAgreeAndWiderShiftsOrMissingFeature
       return m;
     };
     const Comparison result = compareMasks(mask(c.ours), mask(c.theirs));
-    EXPECT_EQ(result.pixels, c.width * c.height);
-    EXPECT_EQ(result.missing, c.missing);
-    EXPECT_EQ(result.extra, c.extra);
-    EXPECT_EQ(result.different, c.missing + c.extra);
+    EXPECT_EQ(std::tuple(result.pixels, result.missing, result.extra, result.different),
+              std::tuple(c.width * c.height, c.missing, c.extra, c.missing + c.extra));
     EXPECT_DOUBLE_EQ(result.share(), double(c.missing + c.extra) / (c.width * c.height));
   }
 }

@@ -210,9 +210,8 @@ TEST_F(LayerBindingTest, GerberKindsOfferTheListedLayersAndBindNone) {
     bindKind(kind);
     EXPECT_EQ(choices(), (std::vector<int32_t>{1, 3, 4, 5, 6, 7, 30, 31}));
     EXPECT_EQ(state.LayerChoices[6].LayerName, "Board Outline/Cut-outs");
-    EXPECT_EQ(state.DialogLayer, 0);
-    EXPECT_EQ(state.LayerListIndex, 2);
-    EXPECT_TRUE(state.Job.Prepared);
+    EXPECT_EQ(std::tuple(state.DialogLayer, state.LayerListIndex, state.Job.Prepared),
+              std::tuple(0, 2, true));
   }
 }
 

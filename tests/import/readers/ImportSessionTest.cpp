@@ -37,15 +37,13 @@ constexpr const char* FormatTwo = "M48\r\n; a comment\r\nINCH,TZ\r\nT1C0.02\r\nT
 TEST_F(ImportSessionTest, AFormatTwoFileGoesIntoTheDrillLayer) {
   const std::string path = write("board.txt", FormatTwo);
   const ImportResult result = run(path);
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.kind, ImportKind::ExcellonFormatTwo);
-  EXPECT_EQ(result.layer, DrillLayer);
+  EXPECT_EQ(std::tuple(result.status, result.kind, result.layer),
+            std::tuple(0, ImportKind::ExcellonFormatTwo, DrillLayer));
   EXPECT_TRUE(boxes().empty());
   // Inches, 2.4, right-aligned: "1000" is 0.1 inch = 254000 units. Own coordinates are kept.
   EXPECT_EQ(drillPads(),
             (std::vector<Pad>{{254000, 254000, 1}, {508000, 508000, 1}, {762000, 762000, 2}}));
-  EXPECT_EQ(result.scanned.MinX, 254000);
-  EXPECT_EQ(result.scanned.MaxY, 762000);
+  EXPECT_EQ(std::pair(result.scanned.MinX, result.scanned.MaxY), std::pair(254000.0, 762000.0));
   const LayerFileRecord& file = drill().Files.at(0);
   EXPECT_EQ(file.FileName, path);
   EXPECT_EQ(file.ReaderCode, ReaderExcellon);
