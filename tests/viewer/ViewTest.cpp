@@ -164,21 +164,14 @@ TEST_F(ViewZoomTest, ZoomStepsStopAtTheirLimitsAndCentreOnTheCursor) {
 
 TEST_F(ViewZoomTest, TypedPrecisionIsReadInTheDisplayUnit) {
   const int32_t in = displayunit::Inch, mm = displayunit::Millimetre;
+  // 0.000125 inch is 317.5 units, but the combo's inch is 25.4 in single precision, which gives
+  // 317.49999...: 317, not the even 318. The shown text changes nothing; then the limits, and
+  // texts without a usable number.
   const std::tuple<int32_t, const char*, int32_t, int32_t> cases[] = {
-      {mm, "0,05", 25000, 5000},
-      {mm, "0.05", 25000, 5000},
-      {in, "0,05", 25400, 127000},
-      // 0.000125 inch is 317.5 units, but the combo's inch is 25.4 in single precision, which
-      // gives 317.49999...: 317, not the even 318.
-      {in, "0.000125", 25400, 317},
-      {in, "0.0100", 25400, 25400},  // the shown text: no change
-      {mm, "0,0001", 25000, 100},
-      {mm, "-3", 25000, 100},
-      {in, "2", 25400, 2540000},  // limits
-      {mm, "", 12345, 12345},
-      {in, "0", 12345, 12345},
-      {in, "abc", 98765, 98765},  // shown
-  };
+      {mm, "0,05", 25000, 5000},    {mm, "0.05", 25000, 5000},    {in, "0,05", 25400, 127000},
+      {in, "0.000125", 25400, 317}, {in, "0.0100", 25400, 25400}, {mm, "0,0001", 25000, 100},
+      {mm, "-3", 25000, 100},       {in, "2", 25400, 2540000},    {mm, "", 12345, 12345},
+      {in, "0", 12345, 12345},      {in, "abc", 98765, 98765}};
   for (const auto& [unit, text, precision, expected] : cases) {
     SCOPED_TRACE(text);
     view.DisplayUnit = unit;
