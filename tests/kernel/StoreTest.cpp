@@ -28,17 +28,13 @@ TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
   FrameRect f;
   PadStackRecord p;
   for (int32_t bad : {0, -1, 123456789, items /* an array is not an item */}) {
-    SCOPED_TRACE(bad);
-    EXPECT_EQ(s.I_ReadItem(bad, r), 0);
-    EXPECT_EQ(s.I_FrameItem(bad, f), 0);
-    EXPECT_EQ(s.O_Mask(bad, 0, -1), 0);
-    EXPECT_EQ(s.I_ChangeItemXY(bad, r), 0);
-    EXPECT_EQ(s.OA_GetCount(bad == items ? item : bad), 0);
-    EXPECT_EQ(s.OA_Add(bad == items ? item : bad, item), 0);
-    EXPECT_EQ(s.OM_Object(bad, -76501), 0);
-    EXPECT_EQ(s.OM_Delete(bad, -76501), 0);
-    EXPECT_EQ(s.S_ReadPadStack(bad, p), 0);
-    EXPECT_EQ(s.O_GetName(bad), nullptr);
+    const int32_t notArray = bad == items ? item : bad;
+    EXPECT_EQ(std::tuple(s.I_ReadItem(bad, r), s.I_FrameItem(bad, f), s.O_Mask(bad, 0, -1),
+                         s.I_ChangeItemXY(bad, r), s.OA_GetCount(notArray),
+                         s.OA_Add(notArray, item), s.OM_Object(bad, -76501),
+                         s.OM_Delete(bad, -76501), s.S_ReadPadStack(bad, p), s.O_GetName(bad)),
+              std::tuple(0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr))
+        << bad;
   }
   EXPECT_EQ(s.liveObjectCount(), live);
   EXPECT_EQ(s.O_GetStatus(item), attr::Shown);
