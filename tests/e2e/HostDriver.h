@@ -1,0 +1,244 @@
+// What a test of the user's road needs: an X server of its own (Xvfb), the host started on it,
+// real X input through xdotool, and the host's own queries (TARVEX,IMPORTROWS and friends) and
+// view pictures to see what the user sees. Every window's road test derives from HostDriver.
+#pragma once
+
+#include "support/CliProcess.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+
+namespace test {
+
+// Polls until done() holds or the time is over; true when it held.
+inline bool waitUntil(const std::function<bool()>& done, int milliseconds = 10000) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  while (std::chrono::steady_clock::now() < end) {
+    if (done())
+      return true;
+    QThread::msleep(100);
+  }
+  return done();
+}
+
+// An X server for the test alone, on the first free display from :90.
+class XServer {
+public:
+  ~XServer() {
+    if (server_.state() != QProcess::NotRunning) {
+      server_.kill();
+      server_.waitForFinished(5000);
+    }
+  }
+  bool start(std::string& why) {
+    const QString program = QStandardPaths::findExecutable("Xvfb");
+    if (program.isEmpty()) {
+      why = "Xvfb is missing (tools/bootstrap.sh installs it)";
+      return false;
+    }
+    for (int number = 90; number < 140; ++number) {
+      const QString socket = QString("/tmp/.X11-unix/X%1").arg(number);
+      if (QFileInfo::exists(socket) || QFileInfo::exists(QString("/tmp/.X%1-lock").arg(number)))
+        continue;
+      display = QString(":%1").arg(number);
+      server_.start(program, {display, "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
+      if (server_.waitForStarted(5000) &&
+          waitUntil([&] { return QFileInfo::exists(socket); }, 10000))
+        return true;
+      server_.kill();
+      server_.waitForFinished(5000);
+    }
+    why = "no X server could be started";
+    return false;
+  }
+  QString display;
+
+private:
+  QProcess server_;
+};
+
+// A rectangle on the screen as the host tells it: x, y, width, height.
+struct ScreenRect {
+  int x = 0, y = 0, width = 0, height = 0;
+  bool valid() const { return width > 0 && height > 0; }
+};
+
+inline ScreenRect rectFrom(const QString& text) {
+  const QStringList parts = text.split(',');
+  if (parts.size() < 4)
+    return {};
+  const int n = int(parts.size());
+  return {parts[n - 4].toInt(), parts[n - 3].toInt(), parts[n - 2].toInt(), parts[n - 1].toInt()};
+}
+
+// The box around every pixel that is not the background (the colour of the corner).
+struct Ink {
+  int left = 0, top = 0, right = -1, bottom = -1;
+  long pixels = 0;
+  int width() const { return right - left + 1; }
+  int height() const { return bottom - top + 1; }
+};
+
+inline Ink inkOf(const QImage& picture) {
+  Ink ink;
+  if (picture.isNull())
+    return ink;
+  const QRgb background = picture.pixel(0, 0);
+  ink.left = picture.width();
+  ink.top = picture.height();
+  for (int y = 0; y < picture.height(); ++y)
+    for (int x = 0; x < picture.width(); ++x)
+      if (picture.pixel(x, y) != background) {
+        ++ink.pixels;
+        ink.left = std::min(ink.left, x);
+        ink.right = std::max(ink.right, x);
+        ink.top = std::min(ink.top, y);
+        ink.bottom = std::max(ink.bottom, y);
+      }
+  return ink;
+}
+
+// The pixels of after in colours that before does not hold: what a new layer added.
+inline long pixelsInNewColours(const QImage& before, const QImage& after) {
+  std::set<QRgb> known;
+  for (int y = 0; y < before.height(); ++y)
+    for (int x = 0; x < before.width(); ++x)
+      known.insert(before.pixel(x, y));
+  long added = 0;
+  for (int y = 0; y < after.height(); ++y)
+    for (int x = 0; x < after.width(); ++x)
+      added += known.count(after.pixel(x, y)) == 0;
+  return added;
+}
+
+class HostDriver : public ::testing::Test {
+protected:
+  void SetUp() override {
+    test::coreApplication();
+    ASSERT_TRUE(home.isValid());
+    std::string why;
+    ASSERT_TRUE(!QStandardPaths::findExecutable("xdotool").isEmpty())
+        << "xdotool is missing (tools/bootstrap.sh installs it)";
+    ASSERT_TRUE(x.start(why)) << why;
+    environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DISPLAY", x.display);
+    environment.insert("QT_QPA_PLATFORM", "xcb");
+    environment.insert("XDG_CONFIG_HOME", home.filePath("config"));
+    environment.insert("XDG_CACHE_HOME", home.filePath("cache"));
+    environment.insert("XDG_RUNTIME_DIR", home.path());
+    host.setProcessEnvironment(environment);
+    host.setProcessChannelMode(QProcess::SeparateChannels);
+  }
+  void TearDown() override {
+    if (host.state() != QProcess::NotRunning) {
+      host.write("All,EX\n");
+      if (!host.waitForFinished(5000))
+        host.kill();
+      host.waitForFinished(5000);
+    }
+  }
+
+  // xdotool with the test's display; its standard output.
+  QString xdo(const QStringList& arguments) {
+    QProcess tool;
+    tool.setProcessEnvironment(environment);
+    tool.start("xdotool", arguments);
+    tool.waitForFinished(10000);
+    return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+  }
+  QString visibleWindow(const QString& name) {
+    QString found;
+    waitUntil([&] {
+      found = xdo({"search", "--onlyvisible", "--name", name}).section('\n', 0, 0);
+      return !found.isEmpty();
+    });
+    return found;
+  }
+  void click(const ScreenRect& r, int atX) {
+    xdo({"mousemove", QString::number(r.x + atX), QString::number(r.y + r.height / 2)});
+    xdo({"click", "1"});
+  }
+  // What the file request of an import does: the path typed into its name field, then Enter.
+  void typeIntoFileRequest(const QString& path) {
+    const QString request = visibleWindow("Select File for Import");
+    ASSERT_FALSE(request.isEmpty()) << "no file request";
+    xdo({"windowfocus", "--sync", request});
+    xdo({"type", "--delay", "5", path});
+    xdo({"key", "Return"});
+  }
+
+  // Sends a host query and gathers the answer lines up to the one that holds last.
+  QStringList ask(const QString& query, const QString& last) {
+    const qsizetype from = output.size();
+    host.write((query + "\n").toUtf8());
+    QStringList lines;
+    waitUntil([&] {
+      host.waitForReadyRead(50);
+      output += QString::fromUtf8(host.readAllStandardOutput());
+      lines = output.mid(from).split('\n', Qt::SkipEmptyParts);
+      for (const QString& line : lines)
+        if (line.contains(last))
+          return true;
+      return false;
+    });
+    return lines;
+  }
+  // The import window's rows as shown, caption to value; its message line under "#message" and
+  // its rows shown whole under "#shown" of "#rows" ("NONE" without the window).
+  std::map<QString, QString> importRows() {
+    std::map<QString, QString> rows;
+    for (const QString& line : ask("TARVEX,IMPORTROWS", "IMPORTROWS,")) {
+      const QStringList parts = line.split('\t');
+      if (parts.size() == 4 && parts[1] == "IMPORTROW")
+        rows[parts[2]] = parts[3];
+      else if (parts.size() == 3 && parts[1] == "IMPORTMSG")
+        rows["#message"] = parts[2];
+      else if (parts.size() == 2 && parts[1].startsWith("IMPORTROWS,")) {
+        const QStringList counts = parts[1].split(',');
+        rows["#rows"] = counts.value(1);
+        rows["#shown"] = counts.value(2);
+      }
+    }
+    return rows;
+  }
+  std::map<QString, QString> rowsWhen(const std::function<bool(std::map<QString, QString>&)>& ok) {
+    std::map<QString, QString> rows;
+    waitUntil([&] { return ok(rows = importRows()); });
+    return rows;
+  }
+  QString messageLine() {
+    const QStringList lines = ask("TARVEX,MSGLINE", "MSGLINE");
+    return lines.isEmpty() ? QString() : lines.back().section('\t', 2);
+  }
+  ScreenRect place(const QString& query, const QString& answer) {
+    const QStringList lines = ask("TARVEX," + query, answer);
+    return lines.isEmpty() ? ScreenRect{} : rectFrom(lines.back());
+  }
+  QImage view(const QString& name) {
+    const QString file = home.filePath(name);
+    ask("TARVEX,SAVEVIEW," + file, "SAVEVIEW,");
+    return QImage(file);
+  }
+
+  QTemporaryDir home;
+  XServer x;
+  QProcessEnvironment environment;
+  QProcess host;
+  QString output;
+};
+
+}  // namespace test
