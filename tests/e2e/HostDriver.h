@@ -19,8 +19,14 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <ostream>
 #include <set>
 #include <string>
+
+// Failures show texts as text, not as the bytes of their characters.
+inline void PrintTo(const QString& text, std::ostream* out) {
+  *out << '"' << text.toStdString() << '"';
+}
 
 namespace test {
 
