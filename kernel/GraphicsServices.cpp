@@ -21,10 +21,10 @@ int32_t Graphics::I_DrawItemPoly(int32_t dev, int32_t itemOrArray, int32_t a, in
     impl_->drawItemFields(*d, moved, text);
     return 1;
   }
-  int32_t count = impl_->store.OA_GetCount(itemOrArray);
+  int32_t count = impl_->store.OA_GetCount(arrayHandle(itemOrArray));
   if (a < 1 || b < a || b > count)
     return 0;
-  impl_->drawPolygonRun(*d, itemOrArray, a, b);
+  impl_->drawPolygonRun(*d, arrayHandle(itemOrArray), a, b);
   return 1;
 }
 

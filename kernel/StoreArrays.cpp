@@ -206,12 +206,12 @@ int32_t Store::OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index) 
   int32_t* owner = ownerField(s, object);
   if (!owner || *owner != 0)
     return 0;  // an object belongs to one container at most
-  *owner = array;
+  *owner = tableEntry(array);
   a->objects.insert(a->objects.begin() + (index - 1), object);
   for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
     setPosition(s, a->objects[i], int32_t(i + 1));
   s.indexMember(*a, object);
-  s.touchArray(array);
+  s.touchArray(tableEntry(array));
   return index;
 }
 
@@ -225,7 +225,7 @@ int32_t Store::OA_Delete(ArrayHandle array, int32_t index) {
   a->objects.erase(a->objects.begin() + (index - 1));
   for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
     setPosition(s, a->objects[i], int32_t(i + 1));
-  s.touchArray(array);
+  s.touchArray(tableEntry(array));
   s.destroy(object);
   return 1;
 }
@@ -243,7 +243,7 @@ int32_t Store::OA_MaskAll(ArrayHandle array, int32_t value, int32_t mask) {
     else if (NamedData* n = s.namedObject(object))
       n->attributes = (n->attributes & ~mask) | (value & mask);
   }
-  s.touchArray(array);
+  s.touchArray(tableEntry(array));
   return 1;
 }
 
@@ -378,7 +378,7 @@ int32_t Store::OM_Add(MapHandle map, ObjectHandle object, int32_t key) {
   int32_t* owner = ownerField(s, object);
   if (!owner || *owner != 0)
     return 0;
-  *owner = map;
+  *owner = tableEntry(map);
   m->objects[key] = object;
   if (m->element == ObjectKind::PadStack)
     ++s.padEpoch;

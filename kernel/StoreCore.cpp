@@ -228,10 +228,10 @@ size_t Store::liveObjectCount() const { return impl_->table.liveCount(); }
 
 ObjectHandle Store::DB_DataBase() const { return impl_->database; }
 int32_t Store::DB_CurHier() const { return impl_->currentHierarchy; }
-MapHandle Store::DB_HierarchyMap() const { return impl_->hierarchyMap; }
-ArrayHandle Store::DB_LayerArray() const { return impl_->layerArray; }
-MapHandle Store::DB_SymbMap() const { return impl_->symbolMap; }
-ArrayHandle Store::DB_LayoutTextArray() const { return impl_->layoutTextArray; }
+MapHandle Store::DB_HierarchyMap() const { return mapHandle(impl_->hierarchyMap); }
+ArrayHandle Store::DB_LayerArray() const { return arrayHandle(impl_->layerArray); }
+MapHandle Store::DB_SymbMap() const { return mapHandle(impl_->symbolMap); }
+ArrayHandle Store::DB_LayoutTextArray() const { return arrayHandle(impl_->layoutTextArray); }
 uint8_t* Store::DB_TextSizeTable() { return impl_->textSizeTable.data(); }
 
 const char* Store::O_GetName(ObjectHandle object) const {

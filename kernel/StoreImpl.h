@@ -162,6 +162,8 @@ public:
   EntryData* entry(int32_t h) { return lookup(entries, h, ObjectKind::Entry); }
   ArrayData* array(int32_t h) { return lookup(arrays, h, ObjectKind::Array); }
   MapData* map(int32_t h) { return lookup(maps, h, ObjectKind::Map); }
+  ArrayData* array(ArrayHandle h) { return array(tableEntry(h)); }
+  MapData* map(MapHandle h) { return map(tableEntry(h)); }
   SymbolData* symbolObject(int32_t h) { return lookup(symbols, h, ObjectKind::Symbol); }
   PadStackData* padStack(int32_t h) { return lookup(padStacks, h, ObjectKind::PadStack); }
   NamedData* namedObject(int32_t h);

@@ -175,7 +175,7 @@ SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
   if (source == target)
     return target;
   if (s.symbolById(target))
-    OM_Delete(s.symbolMap, target);
+    OM_Delete(mapHandle(s.symbolMap), target);
   std::string name = s.symbolById(source)->name;
   if (s.makeSymbol(target, name) != target)
     return 0;
@@ -217,29 +217,29 @@ SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
   }
 
   for (auto part : {&SymbolData::compText, &SymbolData::layoutText, &SymbolData::branchText}) {
-    ArrayHandle from = s.symbolById(source)->*part;
+    const int32_t from = s.symbolById(source)->*part;
     if (!from)
       continue;
-    ArrayHandle to = s.makeArray(ObjectKind::Item, s.symbolById(target)->self, false);
+    const int32_t to = s.makeArray(ObjectKind::Item, s.symbolById(target)->self, false);
     s.symbolById(target)->*part = to;
-    copyItems(from, to);
+    copyItems(arrayHandle(from), arrayHandle(to));
   }
   return target;
 }
 
 ArrayHandle Store::S_SymbolItemArray(SymbolId id) const {
   SymbolData* s = impl_->symbolById(id);
-  return s ? s->items : 0;
+  return arrayHandle(s ? s->items : 0);
 }
 
 ArrayHandle Store::S_SymbolEntryArray(SymbolId id) const {
   SymbolData* s = impl_->symbolById(id);
-  return s ? s->entries : 0;
+  return arrayHandle(s ? s->entries : 0);
 }
 
 MapHandle Store::S_SymbolPadStackMap(SymbolId id) const {
   SymbolData* s = impl_->symbolById(id);
-  return s ? s->padStacks : 0;
+  return mapHandle(s ? s->padStacks : 0);
 }
 
 namespace {
@@ -247,13 +247,13 @@ namespace {
 ArrayHandle textArray(Store::Impl& s, SymbolId id, int32_t SymbolData::*which) {
   SymbolData* sym = s.symbolById(id);
   if (!sym)
-    return 0;
+    return ArrayHandle::None;
   if (!(sym->*which)) {
     int32_t self = sym->self;
-    ArrayHandle a = s.makeArray(ObjectKind::Item, self, false);
+    const int32_t a = s.makeArray(ObjectKind::Item, self, false);
     s.symbolById(id)->*which = a;
   }
-  return s.symbolById(id)->*which;
+  return arrayHandle(s.symbolById(id)->*which);
 }
 }  // namespace
 
@@ -290,7 +290,7 @@ int32_t Store::S_ReadEntry(SymbolId id, int32_t index, EntryRecord& record) cons
 
 int32_t Store::S_InsertEntry(SymbolId id, int32_t where, int32_t x, int32_t y) {
   ArrayHandle entries = S_SymbolEntryArray(id);
-  if (!entries)
+  if (entries == ArrayHandle::None)
     return 0;
   ObjectHandle e = impl_->makeEntry();
   if (!e)
@@ -389,7 +389,7 @@ int32_t Store::S_ReadPadStack(ObjectHandle padStack, PadStackRecord& record) con
 
 ArrayHandle Store::S_PadStackItemArray(ObjectHandle padStack) const {
   PadStackData* p = impl_->padStack(padStack);
-  return p ? p->items : 0;
+  return arrayHandle(p ? p->items : 0);
 }
 
 }  // namespace tvx

@@ -37,7 +37,7 @@ void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& sy
   store.I_ChangeItemLink(item, record.Link);
   store.I_ChangeItemGap(item, record.Gap);
 
-  ArrayHandle array = 0;
+  ArrayHandle array = ArrayHandle::None;
   switch (place) {
   case PlaceSymbolItems:
     array = store.S_SymbolItemArray(symbol);

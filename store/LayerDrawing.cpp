@@ -9,7 +9,7 @@ namespace {
 // Gives every item of every pad stack of the layer the layer's colour, keeping the rest.
 void colourPadStackItems(Store& store, const LayerRecord& layer) {
   const MapHandle padStacks = store.S_SymbolPadStackMap(layer.SymbolHandle);
-  if (!padStacks)
+  if (padStacks == MapHandle::None)
     return;
   int32_t cursor = store.OM_GetFirst(padStacks);
   while (int32_t key = store.OM_SearchMask(padStacks, &cursor, 0, 0)) {
@@ -76,7 +76,7 @@ void DrawLayer(LayerDrawContext& context, int32_t device, int32_t drawMode,
   const SymbolId symbol = layer.SymbolHandle;
   const bool drillTemplate = (layer.Mask & layergroup::AllButDrill) == 0;
 
-  ArrayHandle items = 0;
+  ArrayHandle items = ArrayHandle::None;
   int32_t itemCount = 0;
   if (mono) {
     if (drillTemplate) {

@@ -243,8 +243,8 @@ TEST_F(GraphicsServicesTest, PolygonRunsAndItemsAtAnOffset) {
   }
   QImage image(100, 100, QImage::Format_RGB32);
   int32_t dev = open(image, 100);
-  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, items, 1, 3), 1);
-  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, items, 2, 4), 0) << "beyond the array";
+  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, tableEntry(items), 1, 3), 1);
+  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, tableEntry(items), 2, 4), 0) << "beyond the array";
   // The first side once more, moved 3000 up: a line across the top.
   EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, k.store.OA_Object(items, 1), 0, 3000), 1);
   k.graphics.G_CloseDC(dev, 1);

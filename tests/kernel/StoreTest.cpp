@@ -27,12 +27,13 @@ TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
   ItemRecord r;
   FrameRect f;
   PadStackRecord p;
-  for (int32_t bad : {0, -1, 123456789, items /* an array is not an item */}) {
-    const int32_t notArray = bad == items ? item : bad;
+  for (int32_t bad : {0, -1, 123456789, tableEntry(items) /* an array is not an item */}) {
+    const ArrayHandle notArray = arrayHandle(bad == tableEntry(items) ? item : bad);
     EXPECT_EQ(std::tuple(s.I_ReadItem(bad, r), s.I_FrameItem(bad, f), s.O_Mask(bad, 0, -1),
                          s.I_ChangeItemXY(bad, r), s.OA_GetCount(notArray),
-                         s.OA_Add(notArray, item), s.OM_Object(bad, -76501),
-                         s.OM_Delete(bad, -76501), s.S_ReadPadStack(bad, p), s.O_GetName(bad)),
+                         s.OA_Add(notArray, item), s.OM_Object(mapHandle(bad), -76501),
+                         s.OM_Delete(mapHandle(bad), -76501), s.S_ReadPadStack(bad, p),
+                         s.O_GetName(bad)),
               std::tuple(0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr))
         << bad;
   }

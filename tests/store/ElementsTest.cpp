@@ -104,7 +104,7 @@ protected:
   void add(const ItemRecord& r) { store.OA_Add(items, store.I_MakeItem(r)); }
   Store store;
   SymbolId sym = 7;
-  ArrayHandle items = 0;
+  ArrayHandle items = ArrayHandle::None;
 };
 
 TEST_F(ElementRunsTest, RunsAreFoundFromAnySide) {
