@@ -220,6 +220,8 @@ private:
   void buildMenus();
   void positionWindow();
   void layoutView();
+  // The view fitted to the data (ATB_Board), or redrawn as it stands (ATB_Current).
+  void redrawView(bool fit);
   void setBusyPicture(const char* picture);
   void syncMenuChecks();
   void syncScrollBars();

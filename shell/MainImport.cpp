@@ -172,9 +172,14 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
   importRunning_ = false;
   setImportControlsEnabled(true);
   M_FSI_Click(1);
-  view_->ZoomModeFlag = zoommode::Board;
-  applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
+  redrawView(true);
   return imported;
+}
+
+void GBRVIEWER_MAIN::redrawView(bool fit) {
+  if (fit)
+    view_->ZoomModeFlag = zoommode::Board;
+  applyViewChange(view_->ATB_RedrawButtonClick(fit ? view_->ZoomModeFlag : zoommode::Current));
 }
 
 QFileDialog* GBRVIEWER_MAIN::fileRequest() const { return fileRequest_; }
@@ -194,14 +199,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   };
   main.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   main.setDisplayFile = [this](bool reported) { displayFileReported_ = reported; };
-  main.redraw = [this](bool fit) {
-    if (!fit) {
-      applyViewChange(view_->ATB_RedrawButtonClick(zoommode::Current));
-      return;
-    }
-    view_->ZoomModeFlag = zoommode::Board;
-    applyViewChange(view_->ATB_RedrawButtonClick(view_->ZoomModeFlag));
-  };
+  main.redraw = [this](bool fit) { redrawView(fit); };
   ImportWindowLink link;
   link.RedrawScreen = [this] { RedrawScreen(); };
   link.currentLayer = [this] { return tables_->CurrentLayer; };

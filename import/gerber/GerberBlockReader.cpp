@@ -75,7 +75,7 @@ void GerberBlockReader::reset(Refill refill, std::function<void()> progress) {
   X = Y = I = J = 0;
   Operation = 0;
   CurrentD = 0;
-  InterpolationMode = 1;
+  InterpolationMode = LineMode;
   ArcMode = false;
   QuadrantMode = 74;
   InPolygon = PolygonEnd = PolygonStart = false;
@@ -175,7 +175,7 @@ void GerberBlockReader::interpretG() {
     case '1':
       ArcMode = false;
       if (!InPolygon)
-        InterpolationMode = 1;
+        InterpolationMode = LineMode;
       break;
     case '2':
     case '3':
@@ -192,7 +192,7 @@ void GerberBlockReader::interpretG() {
   } else if (code == "01") {
     ArcMode = false;
     if (!InPolygon)
-      InterpolationMode = 1;
+      InterpolationMode = LineMode;
   } else if (code == "02" || code == "03") {
     ArcMode = true;
     InterpolationMode = code[1] - '0';
@@ -204,7 +204,7 @@ void GerberBlockReader::interpretG() {
   } else if (code == "37") {
     ArcMode = false;
     PolygonEnd = true;
-    InterpolationMode = 1;
+    InterpolationMode = LineMode;
   } else if (code == "74" || code == "75") {
     QuadrantMode = code[1] == '4' ? 74 : 75;
   }

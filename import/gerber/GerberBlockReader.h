@@ -30,7 +30,11 @@ inline constexpr int32_t Garbage = 92;        // text that is no Gerber
 // 0 for a character outside it.
 int gerberCharacterPosition(unsigned char c);
 
-// The interpolation mode of a region (G36), as the path start of each of its contours carries it.
+// Interpolation modes as the path starts of the stream carry them: G01, G02, G03, and a region's
+// (G36) on the start of each of its contours.
+inline constexpr int32_t LineMode = 1;
+inline constexpr int32_t ClockwiseMode = 2;
+inline constexpr int32_t CounterClockwiseMode = 3;
 inline constexpr int32_t RegionMode = 36;
 
 class GerberBlockReader {
@@ -71,9 +75,9 @@ public:
   double I = 0, J = 0;  // centre offsets
   int32_t Operation = 0;
   int32_t CurrentD = 0;
-  double InterpolationMode = 1;  // last G01, G02, G03 or G36 (RegionMode) as a number
-  bool ArcMode = false;          // after G02 or G03
-  double QuadrantMode = 74;      // last G74 or G75
+  double InterpolationMode = LineMode;  // last G01, G02, G03 or G36 (RegionMode) as a number
+  bool ArcMode = false;                 // after G02 or G03
+  double QuadrantMode = 74;             // last G74 or G75
   bool InPolygon = false;
   bool PolygonEnd = false;
   bool PolygonStart = false;

@@ -21,8 +21,8 @@ constexpr int32_t FirstPolygonId = 10000;
 
 // Modes of the pen.
 namespace mode {
-constexpr int32_t None = 0, Line = 1, Clockwise = 2, CounterClockwise = 3, Circle = 4;
-constexpr int32_t Polygon = RegionMode;
+constexpr int32_t None = 0, Line = LineMode, Clockwise = ClockwiseMode,
+                  CounterClockwise = CounterClockwiseMode, Circle = 4, Polygon = RegionMode;
 }  // namespace mode
 
 int32_t mirrored(int32_t m, bool mirror) {

@@ -1,6 +1,7 @@
 #include "import/gerber/GerberStreamCounts.h"
 
 #include "import/gerber/ArtFile.h"
+#include "import/gerber/GerberBlockReader.h"
 #include "import/gerber/GerberFormat.h"
 
 #include <cstdio>
@@ -14,11 +15,6 @@ namespace {
 // Records read at a time: about a megabyte, so a file of hundreds of megabytes takes a few
 // hundred reads.
 constexpr size_t BlockRecords = 49152;
-
-constexpr int32_t LineMode = 1;
-constexpr int32_t ClockwiseMode = 2;
-constexpr int32_t CounterClockwiseMode = 3;
-constexpr int32_t RegionMode = 36;
 
 // Follows the stream as the drawing pass replays it: a path start sets the mode of the points
 // after it, an arc centre precedes its arc's path start, a region runs from its start to the
