@@ -6,7 +6,6 @@
 #include "support/CliProcess.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -41,35 +40,43 @@ inline bool waitUntil(const std::function<bool()>& done, int milliseconds = 1000
   return done();
 }
 
-// An X server for the test alone, on the first free display from :90.
+// An X server for the test alone.
 class XServer {
 public:
+  // Ended with SIGTERM, so that the server removes its lock file and socket; a killed one leaves
+  // them behind for every later run to step over.
   ~XServer() {
-    if (server_.state() != QProcess::NotRunning) {
+    if (server_.state() == QProcess::NotRunning)
+      return;
+    server_.terminate();
+    if (!server_.waitForFinished(5000)) {
       server_.kill();
       server_.waitForFinished(5000);
     }
   }
+  // The server chooses a free display itself (-displayfd) and writes its number when it is ready
+  // for clients; a stale lock of a dead server does not stop it.
   bool start(std::string& why) {
     const QString program = QStandardPaths::findExecutable("Xvfb");
     if (program.isEmpty()) {
       why = "Xvfb is missing (tools/bootstrap.sh installs it)";
       return false;
     }
-    for (int number = 90; number < 140; ++number) {
-      const QString socket = QString("/tmp/.X11-unix/X%1").arg(number);
-      if (QFileInfo::exists(socket) || QFileInfo::exists(QString("/tmp/.X%1-lock").arg(number)))
-        continue;
-      display = QString(":%1").arg(number);
-      server_.start(program, {display, "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
-      if (server_.waitForStarted(5000) &&
-          waitUntil([&] { return QFileInfo::exists(socket); }, 10000))
-        return true;
-      server_.kill();
-      server_.waitForFinished(5000);
+    server_.start(program, {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
+    QByteArray number;
+    waitUntil([&] {
+      server_.waitForReadyRead(100);
+      number += server_.readAllStandardOutput();
+      return number.contains('\n') || server_.state() == QProcess::NotRunning;
+    });
+    bool ok = false;
+    number.trimmed().toInt(&ok);
+    if (!ok) {
+      why = "no X server could be started: " + server_.readAllStandardError().toStdString();
+      return false;
     }
-    why = "no X server could be started";
-    return false;
+    display = ":" + QString::fromLatin1(number.trimmed());
+    return true;
   }
   QString display;
 
