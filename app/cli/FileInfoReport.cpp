@@ -116,9 +116,9 @@ std::string excellonText(const FileInfo& info) {
   if (info.layer != 0) {
     const HoleTally& t = info.holeTally;
     out += ", layer " + std::to_string(info.layer) + " " + info.layerName + ", pads " +
-           std::to_string(info.pads) + " (placed " + std::to_string(t.Placed) + ", covered " +
-           std::to_string(t.Covered) + ", without size " + std::to_string(t.WithoutSize) +
-           ", refused " + std::to_string(t.StoreRefused) + ")";
+           std::to_string(info.pads) + " (placed " + std::to_string(t.Placed) + ", slots " +
+           std::to_string(t.Slots) + ", covered " + std::to_string(t.Covered) + ", without size " +
+           std::to_string(t.WithoutSize) + ", refused " + std::to_string(t.StoreRefused) + ")";
   }
   return out + "\n";
 }
@@ -144,6 +144,7 @@ QJsonObject excellonJson(const FileInfo& info) {
                                  {"layerName", q(info.layerName)},
                                  {"pads", info.pads},
                                  {"placed", t.Placed},
+                                 {"slots", t.Slots},
                                  {"covered", t.Covered},
                                  {"withoutSize", t.WithoutSize},
                                  {"refused", t.StoreRefused}}}};

@@ -56,7 +56,11 @@ struct ImportJob {
   ImportKind Kind = ImportKind::Unknown;
   bool Prepared = false;  // a target layer is bound; ImportFile does nothing without it
   int32_t ApertureTableChoice = 0;
-  std::string ExcellonText;  // the Excellon file as blocks, each closed by "|"
+  std::string ExcellonText;      // the Excellon file as blocks, each closed by "|"
+  std::string ExcellonComments;  // its comments (";" and what follows) the same way
+  // The drill file's own format statements have given the format's start values; later scans of
+  // the same file leave the user's corrections alone.
+  bool ExcellonFormatStarted = false;
   std::string HpglText;
   std::vector<std::string> DxfText;  // the DXF lines
 };

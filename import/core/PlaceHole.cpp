@@ -2,6 +2,10 @@
 
 #include "import/gerber/GerberFormat.h"
 #include "kernel/Store.h"
+#include "store/AddElement.h"
+
+#include <cmath>
+#include <numbers>
 
 namespace tvx {
 
@@ -105,8 +109,14 @@ HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
   const ArrayHandle entries = store.S_SymbolEntryArray(symbol);
   int32_t componentWord = 1;
   store.L_CoverComponent(0, 0, 0, &componentWord, 15, 0, 0);
-  if (store.OA_Cover(entries, 1, px, py, 1, 15, 0, 0) != 0)
-    return HolePlacement::Covered;
+  // The cover search finds every pad whose shape takes in the point; only a pad on the very
+  // point makes this hole a repeat. A small hole beside a larger pad is a hole of its own.
+  for (int32_t hit = store.OA_Cover(entries, 1, px, py, 1, 15, 0, 0); hit != 0;
+       hit = store.OA_Cover(entries, hit + 1, px, py, 1, 15, 0, 0)) {
+    EntryRecord entry;
+    if (store.S_ReadEntry(symbol, hit, entry) && entry.X == px && entry.Y == py)
+      return HolePlacement::Covered;
+  }
 
   // Key 0 cannot stand in a pad stack map: such a pad is a bare position.
   if (toolCode != 0 && !store.OM_Object(store.S_SymbolPadStackMap(symbol), toolCode) &&
@@ -120,6 +130,65 @@ HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
   store.S_ChangePadPadStack(symbol, index, toolCode);
   store.O_Mask(store.S_Entry(symbol, index), attr::Shown, attr::Shown);
   return HolePlacement::Placed;
+}
+
+namespace {
+
+// The angle of a vector in degrees, from 0 to under 360.
+double degreesOf(double dx, double dy) {
+  double degrees = std::atan2(dy, dx) * 180.0 / std::numbers::pi;
+  if (degrees < 0)
+    degrees += 360.0;
+  return degrees;
+}
+
+}  // namespace
+
+HolePlacement PlaceSlot(Store& store, const SlotPath& path, int32_t toolCode,
+                        const LayerRecord& layer, const LayerFileRecord& file,
+                        const HoleSizes* sizes) {
+  if (file.ClearPolarity)
+    return HolePlacement::ClearPolarity;
+  int32_t width = 0;
+  if (layer.PadKind == padkind::Drill) {
+    const ToolEntry* tool = sizes ? sizes->find(toolCode) : firstSized(file.Tools, toolCode);
+    if (!tool)
+      return HolePlacement::WithoutSize;
+    width = tool->Diameter;
+  }
+
+  ItemRecord item;
+  item.LineWidth = width;
+  item.Style = StyleOpen;
+  item.Colour = static_cast<uint8_t>(layer.ColourNumber);
+  item.Link = toolCode;
+  item.Attributes = attr::Shown;
+  if (path.arc) {
+    // Stored counter-clockwise: a clockwise cut runs from its end back to its start.
+    const Point start = path.clockwise ? path.to : path.from;
+    const Point end = path.clockwise ? path.from : path.to;
+    const double startAngle = degreesOf(start.x - path.centre.x, start.y - path.centre.y);
+    double sweep = degreesOf(end.x - path.centre.x, end.y - path.centre.y) - startAngle;
+    if (sweep <= 0)
+      sweep += 360.0;
+    item.Type = ItemArc;
+    item.X = toInt32(path.centre.x);
+    item.Y = toInt32(path.centre.y);
+    item.Width = toInt32(std::hypot(start.x - path.centre.x, start.y - path.centre.y));
+    item.Height = toInt32(startAngle * 1000);
+    item.Sweep = toInt32(sweep * 1000);
+  } else {
+    item.Type = ItemLine;
+    item.X = toInt32(path.from.x);
+    item.Y = toInt32(path.from.y);
+    item.Width = toInt32(double(toInt32(path.to.x)) - item.X);
+    item.Height = toInt32(double(toInt32(path.to.y)) - item.Y);
+  }
+  int32_t status = 0;
+  int32_t index = 0;
+  AddElement(store, status, PlaceSymbolItems, layer.SymbolHandle, item, std::string(), index,
+             std::string());
+  return status == 0 ? HolePlacement::Placed : HolePlacement::StoreRefused;
 }
 
 }  // namespace tvx

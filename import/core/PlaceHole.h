@@ -2,6 +2,7 @@
 // item of the layer's PadKind, and one pad per point.
 #pragma once
 
+#include "kernel/PlaneGeometry.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -43,12 +44,29 @@ private:
 
 // Places one hole at (x, y), in store units, into the layer's symbol under the tool code. On the
 // drill layer (PadKind 6) a tool without a diameter places nothing; on other layers the pad stack's
-// hole size is 0. A point that a pad of the symbol already covers takes no second pad, whatever
+// hole size is 0. A point on which a pad of the symbol already stands takes no second pad, whatever
 // its tool. A pad stack is made once per tool code and symbol, so a later file in the same layer
 // reuses it with its hole size. Tool code 0, which no pad stack map can hold as a key, gives a
 // bare pad position without a pad stack. Store failures end the placement silently. sizes, when
 // given, stands for the tool table of file in the drill layer's look-up.
 HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
+                        const LayerRecord& layer, const LayerFileRecord& file,
+                        const HoleSizes* sizes = nullptr);
+
+// The path of a slot, in store units: a straight cut from one point to another, or an arc about a
+// centre.
+struct SlotPath {
+  Point from;
+  Point to;
+  Point centre;
+  bool clockwise = false;
+  bool arc = false;
+};
+
+// Places one slot as a stroke of the tool's diameter along its path with round ends, an element
+// of the layer's symbol in the layer's colour. As with holes, a tool without a diameter places
+// nothing on the drill layer; on other layers the stroke has no width.
+HolePlacement PlaceSlot(Store& store, const SlotPath& path, int32_t toolCode,
                         const LayerRecord& layer, const LayerFileRecord& file,
                         const HoleSizes* sizes = nullptr);
 

@@ -41,6 +41,9 @@ ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserP
   readers.add(ReaderGerberArtwork, gerberReader);
   readers.add(ReaderGerberDrilling, gerberReader);
   readers.add(ReaderExcellon, excellonReader);
+  excellonReader.restoreStoredFormat = [this] {
+    LoadExcellonSettings(this->services, excellonFormat);
+  };
 }
 
 ImportKind ImportSession::recognise(const std::string& path, const MessageLine& editMsgLine,

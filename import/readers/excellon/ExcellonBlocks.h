@@ -19,17 +19,19 @@ namespace tvx {
 // The fields of one block. A field letter opens its field, also when it was open before in the
 // block (its string then goes on growing); value characters go to the open field; any other
 // character closes it. "T01C0.8" gives T "01" and C "0.8"; "T1F00S00C0.032" gives T "1" and
-// C "0.032".
+// C "0.032". Behind "G85" the letters X and Y open SlotX and SlotY: "X1Y2G85X3Y2" is a slot from
+// (1, 2) to (3, 2). A is an arc's radius, I and J its centre's offsets, R a repeat count.
 struct ExcellonBlock {
-  enum Field : int { T, C, M, G, X, Y, FieldCount };
+  enum Field : int { T, C, M, G, X, Y, A, I, J, R, SlotX, SlotY, FieldCount };
   std::array<std::string, FieldCount> fields;
 
   const std::string& operator[](Field f) const { return fields[f]; }
   std::string& operator[](Field f) { return fields[f]; }
 };
 
-// The role of every character, by its place in the Excellon set "|TCMGXY+-0123456789.%": the
-// field it opens (0 to 5, the order of ExcellonBlock::Field), or one of these.
+// The role of every character: the field it opens (the order of ExcellonBlock::Field), or one of
+// these. The Excellon set "|TCMGXY+-0123456789.%" gives the block end, the first six fields and
+// the value characters; A, I, J and R open the fields of routed arcs and repeats.
 namespace excellonrole {
 inline constexpr int8_t CloseField = -1;  // "%" and every character outside the set
 inline constexpr int8_t EndOfBlock = -2;
@@ -40,7 +42,7 @@ constexpr std::array<int8_t, 256> makeRoles() {
   for (auto& r : roles)
     r = CloseField;
   roles[size_t('|')] = EndOfBlock;
-  constexpr std::string_view letters = "TCMGXY";
+  constexpr std::string_view letters = "TCMGXYAIJR";
   for (size_t i = 0; i < letters.size(); ++i)
     roles[size_t(letters[i])] = int8_t(i);
   for (char c : std::string_view("+-0123456789."))
@@ -70,7 +72,10 @@ public:
       if (role == excellonrole::EndOfBlock)
         break;
       if (role >= 0)
-        open = role;
+        open = (role == ExcellonBlock::X || role == ExcellonBlock::Y) &&
+                       block.fields[ExcellonBlock::G] == "85"
+                   ? role + (ExcellonBlock::SlotX - ExcellonBlock::X)
+                   : role;
       else if (role == excellonrole::Value) {
         if (open >= 0)
           block.fields[size_t(open)] += c;

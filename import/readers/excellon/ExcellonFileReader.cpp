@@ -9,12 +9,15 @@ namespace tvx {
 
 ScanResult ExcellonFileReader::scan(ImportJob& job) {
   if (!ReadExcellonText(files_, reader_.services(), job.SourcePath, job.ExcellonText,
-                        reader_.editMsgLine))
+                        reader_.editMsgLine, &job.ExcellonComments))
     return ScanResult::Failed;
   // The tool table is filled for real by the binding, into the drill layer's file record.
+  // At the first scan the header is read whatever kind was recognised: a file with a header unit
+  // and tool sizes is Format Two however its tool blocks are written ("T1F00S00C0.2").
   std::vector<ToolEntry> tools;
-  const auto found = static_cast<ImportKind>(reader_.ScanExcellonText(
-      job.ExcellonText, tools, job.Kind == ImportKind::ExcellonFormatTwo, false));
+  const bool readHeader = job.Kind == ImportKind::ExcellonFormatTwo || !job.ExcellonFormatStarted;
+  const auto found = static_cast<ImportKind>(
+      reader_.ScanExcellonText(job.ExcellonText, tools, readHeader, false, job.ExcellonComments));
   if (found == ImportKind::Unknown) {
     reader_.reporter().ReportStatus(StatusNotSupported, job.SourcePath);
     return ScanResult::NotReadable;
@@ -22,12 +25,21 @@ ScanResult ExcellonFileReader::scan(ImportJob& job) {
   if (found == ImportKind::ExcellonFormatOne && job.Kind == ImportKind::ExcellonFormatTwo)
     reader_.reporter().ReportStatus(StatusNotFormatTwo, job.SourcePath);
   job.Kind = found;
+  // A Format One file starts from the stored format with what the file states of itself; a
+  // later scan of the same file keeps what the user has set since.
+  if (found == ImportKind::ExcellonFormatOne && !job.ExcellonFormatStarted) {
+    if (restoreStoredFormat)
+      restoreStoredFormat();
+    reader_.ApplyStatedFormat(job.ExcellonText, job.ExcellonComments);
+  }
+  job.ExcellonFormatStarted = true;
   return ScanResult::Scanned;
 }
 
 void ExcellonFileReader::prepareBoundFile(ImportJob& job, LayerFileRecord& file) {
   job.Kind = static_cast<ImportKind>(reader_.ScanExcellonText(
-      job.ExcellonText, file.Tools, job.Kind == ImportKind::ExcellonFormatTwo, false));
+      job.ExcellonText, file.Tools, job.Kind == ImportKind::ExcellonFormatTwo, false,
+      job.ExcellonComments));
 }
 
 void ExcellonFileReader::importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,

@@ -6,6 +6,8 @@
 #include "import/core/FileReader.h"
 #include "import/readers/excellon/ExcellonReader.h"
 
+#include <functional>
+
 namespace tvx {
 
 class FileLayer;
@@ -19,6 +21,9 @@ public:
   void prepareBoundFile(ImportJob& job, LayerFileRecord& file) override;
   void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                   LayerFileRecord& file) override;
+
+  // Loads the stored format into the reader's format state (the settings belong to the session).
+  std::function<void()> restoreStoredFormat;
 
 private:
   ExcellonReader& reader_;

@@ -4,6 +4,7 @@
 #include "common/FileLayer.h"
 #include "import/core/FileRecognition.h"
 #include "import/core/ReportStatus.h"
+#include "import/readers/excellon/DrillMotion.h"
 #include "import/readers/excellon/ExcellonBlocks.h"
 #include "platform/SystemServices.h"
 
@@ -18,19 +19,7 @@ namespace {
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-// One line of the file as a block: upper-cased, trimmed, cut at its first ";".
-void appendBlock(std::string& text, const std::string& line) {
-  size_t first = 0;
-  size_t last = line.size();
-  while (first < last && isBlank(line[first]))
-    ++first;
-  while (last > first && isBlank(line[last - 1]))
-    --last;
-  const size_t comment = line.find(';', first);
-  if (comment != std::string::npos && comment < last)
-    last = comment;
-  if (first == last)
-    return;
+void appendUpperCased(std::string& text, const std::string& line, size_t first, size_t last) {
   for (size_t i = first; i < last; ++i) {
     const char c = line[i];
     text += (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
@@ -38,12 +27,33 @@ void appendBlock(std::string& text, const std::string& line) {
   text += '|';
 }
 
+// One line of the file as a block: upper-cased, trimmed, cut at its first ";". The comment from
+// the ";" on goes to comments when they are kept.
+void appendBlock(std::string& text, std::string* comments, const std::string& line) {
+  size_t first = 0;
+  size_t last = line.size();
+  while (first < last && isBlank(line[first]))
+    ++first;
+  while (last > first && isBlank(line[last - 1]))
+    --last;
+  const size_t comment = line.find(';', first);
+  if (comment != std::string::npos && comment < last) {
+    if (comments)
+      appendUpperCased(*comments, line, comment, last);
+    last = comment;
+  }
+  if (first != last)
+    appendUpperCased(text, line, first, last);
+}
+
 }  // namespace
 
 bool ReadExcellonText(FileLayer& files, const SystemServices& services, const std::string& fileName,
-                      std::string& text,
-                      const std::function<void(const std::string&)>& editMsgLine) {
+                      std::string& text, const std::function<void(const std::string&)>& editMsgLine,
+                      std::string* comments) {
   text.clear();
+  if (comments)
+    comments->clear();
   if (editMsgLine)
     editMsgLine(fileName + " " + services.LocalMessage("Processing", "62441"));
 
@@ -71,9 +81,11 @@ bool ReadExcellonText(FileLayer& files, const SystemServices& services, const st
     if (status != 0) {
       files.CloseFile(false, handle, fileName);
       text.clear();
+      if (comments)
+        comments->clear();
       return false;
     }
-    appendBlock(text, line);
+    appendBlock(text, comments, line);
   }
   files.CloseFile(false, handle, fileName);
   return true;
@@ -111,44 +123,71 @@ void ExcellonReader::ImportExcellon(int32_t& status, const std::string& text, La
   for (const ToolEntry& tool : file.Tools)
     codes.insert(tool.Code);
 
+  // A point of the file where the layer puts it: moved, and mirrored about the axis.
+  const auto placed = [&](Point p) {
+    Point q{p.x - extents_.MinX + offX, p.y - extents_.MinY + offY};
+    if (file.Mirror)
+      q.x = axis - q.x + axis;
+    return q;
+  };
+  const auto inWorld = [](Point p) {
+    return std::abs(p.x) <= WorldLimit && std::abs(p.y) <= WorldLimit;
+  };
+  const auto tally = [this](HolePlacement placement) {
+    switch (placement) {
+    case HolePlacement::Placed:
+      ++LastImport.Placed;
+      break;
+    case HolePlacement::Covered:
+      ++LastImport.Covered;
+      break;
+    case HolePlacement::WithoutSize:
+      ++LastImport.WithoutSize;
+      break;
+    case HolePlacement::ClearPolarity:
+    case HolePlacement::StoreRefused:
+      ++LastImport.StoreRefused;
+      break;
+    }
+  };
+
   int32_t toolCode = 0;
   bool outside = false;
+  DrillMotion motion(text);
+  {
+    // Modal coordinates go on from where the registers stand, also from an earlier file.
+    const double x = file.Mirror ? 2.0 * axis - RegisterX : RegisterX;
+    motion.startAt({x + extents_.MinX - offX, RegisterY + extents_.MinY - offY});
+  }
+  const auto decode = [this](const std::string& field) { return coordinate(field); };
   walkExcellonProgram(
       text, yield, YieldBlocks, [&](const ExcellonBlock& block, std::optional<int32_t> selected) {
         if (selected)
           toolCode = codes.count(*selected) ? *selected : 0;
-        const std::string& x = block[ExcellonBlock::X];
-        const std::string& y = block[ExcellonBlock::Y];
-        if (x.empty() && y.empty())
-          return true;
-        if (!x.empty()) {
-          RegisterX = coordinate(x) - extents_.MinX + offX;
-          if (file.Mirror)
-            RegisterX = axis - RegisterX + axis;
-        }
-        if (!y.empty())
-          RegisterY = coordinate(y) - extents_.MinY + offY;
-
-        if (!(std::abs(RegisterX) <= WorldLimit && std::abs(RegisterY) <= WorldLimit)) {
-          outside = true;
-          return false;
-        }
-        switch (PlaceHole(store_, RegisterX, RegisterY, toolCode, layer, file, &sizes)) {
-        case HolePlacement::Placed:
-          ++LastImport.Placed;
-          break;
-        case HolePlacement::Covered:
-          ++LastImport.Covered;
-          break;
-        case HolePlacement::WithoutSize:
-          ++LastImport.WithoutSize;
-          break;
-        case HolePlacement::ClearPolarity:
-        case HolePlacement::StoreRefused:
-          ++LastImport.StoreRefused;
-          break;
-        }
-        return true;
+        motion.take(block, decode, [&](const DrillStroke& stroke) {
+          if (outside)
+            return;
+          const SlotPath path{placed(stroke.from), placed(stroke.to), placed(stroke.centre),
+                              stroke.clockwise != file.Mirror, stroke.kind == DrillStroke::Arc};
+          if (!inWorld(path.from) || !inWorld(path.to)) {
+            outside = true;
+            return;
+          }
+          // The registers hold where the tool stands, for a later file's modal coordinates.
+          RegisterX = path.to.x;
+          RegisterY = path.to.y;
+          if (stroke.kind == DrillStroke::Hole) {
+            tally(PlaceHole(store_, path.from.x, path.from.y, toolCode, layer, file, &sizes));
+          } else {
+            const HolePlacement placement = PlaceSlot(store_, path, toolCode, layer, file, &sizes);
+            if (stroke.startsCut) {
+              tally(placement);
+              if (placement == HolePlacement::Placed)
+                ++LastImport.Slots;
+            }
+          }
+        });
+        return !outside;
       });
   if (outside) {
     reporter_.ReportStatus(StatusOutsideLimits, file.FileName);

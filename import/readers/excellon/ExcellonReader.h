@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tvx {
@@ -22,15 +23,18 @@ class SystemServices;
 
 // Reads the file line by line into text: each line upper-cased and trimmed of blanks, cut at its
 // first ";", and, when anything is left, closed by "|". Empty lines and comment lines leave no
-// block. Tells editMsgLine the file's name and "Processing" first. False, with the file layer's
-// message, when the file cannot be opened or read.
+// block. What a line holds from its ";" on goes to comments, when given, upper-cased and closed by
+// "|" the same way. Tells editMsgLine the file's name and "Processing" first. False, with the file
+// layer's message, when the file cannot be opened or read.
 bool ReadExcellonText(FileLayer& files, const SystemServices& services, const std::string& fileName,
                       std::string& text,
-                      const std::function<void(const std::string&)>& editMsgLine = {});
+                      const std::function<void(const std::string&)>& editMsgLine = {},
+                      std::string* comments = nullptr);
 
 // How the holes of the last import went.
 struct HoleTally {
-  int32_t Placed = 0;
+  int32_t Placed = 0;        // holes and slots
+  int32_t Slots = 0;         // of them, drilled or routed slots
   int32_t Covered = 0;       // a pad already lay on the point
   int32_t WithoutSize = 0;   // drill layer: the tool has no diameter or is not in the table
   int32_t StoreRefused = 0;  // also clear polarity, which this reader never sets
@@ -47,21 +51,30 @@ public:
   ExcellonReader(Store& store, const SystemServices& services, const StatusReporter& reporter,
                  ExcellonFormat& format, FileExtents& extents);
 
-  // Updates the format (with readHeader), the tool table, the hole counts and the extents.
-  // keepTools keeps the table and its diameters, adding only codes it lacks; without it the table
-  // starts empty and the "C" values set the diameters. Returns 3 (a header unit, tool sizes, tools
-  // and coordinates were seen), 4 (tools and coordinates) or 0 (no Excellon text).
+  // Updates the format (with readHeader: the header, then what the file states of itself, see
+  // ApplyStatedFormat), the tool table, the hole counts and the extents. keepTools keeps the table
+  // and its diameters, adding only codes it lacks; without it the table starts empty, the "C"
+  // values set the diameters, then sizes given in comments those of tools without "C", and a tool
+  // of a later program without a size takes that of the same number in the program before.
+  // Returns 3 (a header unit, tool sizes, tools and coordinates were seen), 4 (tools and
+  // coordinates) or 0 (no Excellon text). A hole, a drilled slot and a routed slot count one each.
   int32_t ScanExcellonText(const std::string& text, std::vector<ToolEntry>& tools, bool readHeader,
-                           bool keepTools);
+                           bool keepTools, std::string_view comments = {});
+
+  // Sets what the file states of its unit, digits and zero form (ReadStatedFormat); where it
+  // states no zero form, the one its coordinates show; and where it states no digits, the digits
+  // kept unless its holes would not fit a board, then the nearest reading whose holes do. True
+  // when a unit line stands ahead of the header.
+  bool ApplyStatedFormat(const std::string& text, std::string_view comments);
 
   // A number without a decimal point in store units under the format. Cuts the sign and what
   // stands before it off digits. More digits than the format keep all of them, the point staying
   // XYFormA digits from the right end. Not rounded.
   double DecodeExcellonNumber(std::string& digits) const;
 
-  // Places the holes of text into the layer's symbol with the file record's tool table, offsets,
-  // mirror and OriginalCoordinates. Status 0 on success; a coordinate beyond the world is reported
-  // (88), stops the import with status 1 and keeps what was placed.
+  // Places the holes and slots of text into the layer's symbol with the file record's tool table,
+  // offsets, mirror and OriginalCoordinates. Status 0 on success; a coordinate beyond the world is
+  // reported (88), stops the import with status 1 and keeps what was placed.
   void ImportExcellon(int32_t& status, const std::string& text, LayerRecord& layer,
                       LayerFileRecord& file);
 
@@ -90,6 +103,10 @@ private:
   double coordinate(const std::string& field) const;
   // The header between "M48" and its end; true when it names the unit.
   bool readHeader(const std::string& text);
+  // The extents of the holes under the format as it stands.
+  FileExtents measure(const std::string& text) const;
+  // Diameters for tools without one: from the comments, or from the program before an "M30".
+  void completeToolSizes(std::vector<ToolEntry>& tools, std::string_view comments) const;
 
   Store& store_;
   const SystemServices& services_;

@@ -1,6 +1,8 @@
 // The Excellon scan: header, tool table, hole counts and extents; and the coordinate decoder.
+#include "import/readers/excellon/DrillMotion.h"
 #include "import/readers/excellon/ExcellonBlocks.h"
 #include "import/readers/excellon/ExcellonReader.h"
+#include "import/readers/excellon/ExcellonStatements.h"
 
 #include "common/ToNumber.h"
 #include "import/core/FileRecognition.h"
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <string_view>
 #include <unordered_map>
 
@@ -135,15 +138,100 @@ double ExcellonReader::coordinate(const std::string& field) const {
   return DecodeExcellonNumber(digits);
 }
 
+namespace {
+
+// Holes of a board: none farther than 2 m from the origin, and no board wider than 1 m. A reading
+// off by a power of ten gives holes metres apart or lands beyond the world.
+bool fitsBoard(const FileExtents& e, double unitsPerMm) {
+  if (e.MinX > e.MaxX || e.MinY > e.MaxY)
+    return true;  // no holes
+  const double farthest =
+      std::max({std::abs(e.MinX), std::abs(e.MaxX), std::abs(e.MinY), std::abs(e.MaxY)});
+  const double widest = std::max(e.MaxX - e.MinX, e.MaxY - e.MinY);
+  return farthest <= 2000.0 * unitsPerMm && widest <= 1000.0 * unitsPerMm;
+}
+
+// The digits that a unit line gives when it names no pattern.
+void unitDigits(ExcellonFormat& f) {
+  f.XYFormB = f.XYunit == 0 ? 2 : 3;
+  f.XYFormA = f.XYunit == 0 ? 4 : 3;
+}
+
+}  // namespace
+
+bool ExcellonReader::ApplyStatedFormat(const std::string& text, std::string_view comments) {
+  ExcellonFormat& f = format_;
+  const StatedFormat stated = ReadStatedFormat(text, comments);
+  if (stated.unit && *stated.unit != f.XYunit) {
+    f.XYunit = *stated.unit;
+    unitDigits(f);
+  }
+  const DigitEvidence evidence = GatherDigitEvidence(text);
+  if (stated.zeros)
+    f.OMZeros = *stated.zeros;
+  else if (const std::optional<int32_t> shown = ZerosShownBy(evidence))
+    f.OMZeros = *shown;
+  if (stated.integerDigits) {
+    f.XYFormB = *stated.integerDigits;
+    f.XYFormA = *stated.decimalDigits;
+    return stated.unitLineAhead;
+  }
+  if (evidence.numbers == 0)
+    return stated.unitLineAhead;
+
+  // Left-aligned numbers are placed by their digits before the point, right-aligned ones by those
+  // behind it: the widest number fills the rest.
+  const bool leftAligned = f.OMZeros == 0;
+  int32_t& placing = leftAligned ? f.XYFormB : f.XYFormA;
+  int32_t& filling = leftAligned ? f.XYFormA : f.XYFormB;
+  filling = std::max(filling, evidence.widest - placing);
+  const double unitsPerMm = services_.DatabaseUnitsPerMm();
+  if (fitsBoard(measure(text), unitsPerMm))
+    return stated.unitLineAhead;
+  // Fewer places shrink left-aligned readings; more places shrink right-aligned ones.
+  const int32_t kept = placing;
+  const int32_t keptFilling = filling;
+  for (const int32_t change : {-1, 1, -2, 2}) {
+    placing = kept + (leftAligned ? change : -change);
+    if (placing < 0 || placing > 9)
+      continue;
+    filling = std::max(keptFilling, evidence.widest - placing);
+    if (fitsBoard(measure(text), unitsPerMm))
+      return stated.unitLineAhead;
+  }
+  placing = kept;
+  filling = keptFilling;
+  return stated.unitLineAhead;
+}
+
+FileExtents ExcellonReader::measure(const std::string& text) const {
+  FileExtents extents{WorldLimit, WorldLimit, -WorldLimit, -WorldLimit};
+  DrillMotion motion(text);
+  const auto decode = [this](const std::string& field) { return coordinate(field); };
+  ExcellonBlock block;
+  ExcellonBlockWalker walker(text);
+  while (walker.next(block))
+    motion.take(block, decode, [&](const DrillStroke& stroke) {
+      widen(stroke.from.x, extents.MinX, extents.MaxX);
+      widen(stroke.from.y, extents.MinY, extents.MaxY);
+      widen(stroke.to.x, extents.MinX, extents.MaxX);
+      widen(stroke.to.y, extents.MinY, extents.MaxY);
+    });
+  return extents;
+}
+
 int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<ToolEntry>& tools,
-                                         bool readHeader, bool keepTools) {
+                                         bool readHeader, bool keepTools,
+                                         std::string_view comments) {
   if (!keepTools)
     tools.clear();
   extents_ = FileExtents{WorldLimit, WorldLimit, -WorldLimit, -WorldLimit};
   for (ToolEntry& tool : tools)
     tool.HoleCount = 0;
 
-  const bool headerUnitSeen = readHeader && this->readHeader(text);
+  bool headerUnitSeen = readHeader && this->readHeader(text);
+  if (readHeader && ApplyStatedFormat(text, comments))
+    headerUnitSeen = true;
   bool toolSizeSeen = false;
   bool toolSeen = false;
   bool coordinatesSeen = false;
@@ -155,6 +243,8 @@ int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<To
 
   size_t current = 0;
   bool hasCurrent = false;
+  DrillMotion motion(text);
+  const auto decode = [this](const std::string& field) { return coordinate(field); };
   walkExcellonProgram(text, yield, YieldBlocks,
                       [&](const ExcellonBlock& block, std::optional<int32_t> code) {
                         if (code) {
@@ -170,24 +260,53 @@ int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<To
                           }
                           toolSeen = true;
                         }
-                        const std::string& x = block[ExcellonBlock::X];
-                        const std::string& y = block[ExcellonBlock::Y];
-                        if ((x.empty() && y.empty()) || tools.empty() || !hasCurrent)
+                        if (tools.empty() || !hasCurrent) {
+                          // Nothing is drilled before a tool, but the tool's way is followed.
+                          motion.take(block, decode, [](const DrillStroke&) {});
                           return true;
-                        ++tools[current].HoleCount;
-                        coordinatesSeen = true;
-                        if (!x.empty())
-                          widen(coordinate(x), extents_.MinX, extents_.MaxX);
-                        if (!y.empty())
-                          widen(coordinate(y), extents_.MinY, extents_.MaxY);
+                        }
+                        motion.take(block, decode, [&](const DrillStroke& stroke) {
+                          if (stroke.startsCut)
+                            ++tools[current].HoleCount;
+                          coordinatesSeen = true;
+                          widen(stroke.from.x, extents_.MinX, extents_.MaxX);
+                          widen(stroke.from.y, extents_.MinY, extents_.MaxY);
+                          widen(stroke.to.x, extents_.MinX, extents_.MaxX);
+                          widen(stroke.to.y, extents_.MinY, extents_.MaxY);
+                        });
                         return true;
                       });
+  if (!keepTools)
+    completeToolSizes(tools, comments);
 
   if (headerUnitSeen && toolSizeSeen && toolSeen && coordinatesSeen)
     return static_cast<int32_t>(ImportKind::ExcellonFormatTwo);
   if (toolSeen && coordinatesSeen)
     return static_cast<int32_t>(ImportKind::ExcellonFormatOne);
   return static_cast<int32_t>(ImportKind::Unknown);
+}
+
+void ExcellonReader::completeToolSizes(std::vector<ToolEntry>& tools,
+                                       std::string_view comments) const {
+  const std::map<int32_t, double> stated = ToolSizesInComments(comments, format_.XYunit);
+  std::unordered_map<int32_t, int32_t> sizes;
+  for (const ToolEntry& tool : tools)
+    if (tool.Diameter != 0)
+      sizes.emplace(tool.Code, tool.Diameter);
+  for (ToolEntry& tool : tools) {
+    if (tool.Diameter != 0)
+      continue;
+    if (const auto it = stated.find(tool.Code); it != stated.end()) {
+      tool.Diameter = toInt32(it->second * services_.DatabaseUnitsPerMm());
+    } else {
+      // A program behind an "M30" that selects a tool it does not define drills with the size
+      // that the same number had before.
+      for (int32_t code = tool.Code - int32_t(ProgramOffsetStep); code >= 0 && tool.Diameter == 0;
+           code -= int32_t(ProgramOffsetStep))
+        if (const auto size = sizes.find(code); size != sizes.end())
+          tool.Diameter = size->second;
+    }
+  }
 }
 
 }  // namespace tvx

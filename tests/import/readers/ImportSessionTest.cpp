@@ -65,13 +65,15 @@ TEST_F(ImportSessionTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImporte
   EXPECT_EQ(result.kind, ImportKind::ExcellonFormatOne);
   ASSERT_EQ(boxes().size(), 1u);
   EXPECT_NE(boxes()[0].find("m71.drl - this is not Format 2 File."), std::string::npos);
-  // The unit codes left millimetres, 3.3; the stored zeros mode is left-aligned: 100 and 200 mm.
-  EXPECT_EQ(drillPads(), (std::vector<Pad>{{10000000, 10000000, 1}, {20000000, 20000000, 1}}));
+  // The unit code gives millimetres, 3.3. The numbers end with zeros and none begins with one:
+  // they are right-aligned, 1 and 2 mm.
+  EXPECT_EQ(drillPads(), (std::vector<Pad>{{100000, 100000, 1}, {200000, 200000, 1}}));
 }
 
 TEST_F(ImportSessionTest, AChosenKindSkipsRecognition) {
-  // Recognition needs a call of tool one; the user may still choose Excellon.
-  const std::string path = write("t3.drl", "M48\nMETRIC,TZ\nT03C0.8\n%\nT03\nX2550Y80000\n");
+  // Without a header or a unit line, and without a call of tool one, the text is not recognised;
+  // the user may still choose Excellon. It has no header unit, so it is read as Format One.
+  const std::string path = write("t3.drl", "T03C0.8\nM71\nT03\nX2550Y80000\n");
   EXPECT_EQ(run(path).status, 1);
   EXPECT_EQ(boxes(),
             std::vector<std::string>{path + " - import of files in this format is not supported"});
@@ -81,7 +83,7 @@ TEST_F(ImportSessionTest, AChosenKindSkipsRecognition) {
   chosen.kind = ImportKind::ExcellonFormatTwo;
   const ImportResult result = run(path, chosen);
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.kind, ImportKind::ExcellonFormatTwo);
+  EXPECT_EQ(result.kind, ImportKind::ExcellonFormatOne);
   EXPECT_EQ(drillPads(), (std::vector<Pad>{{255000, 8000000, 3}}));
 }
 
@@ -132,9 +134,9 @@ TEST_F(ImportSessionTest, BadInputEndsWithAStatusNeverACrash) {
       {"tools that never get a size", "T1\nX01Y01\nT7\nX02Y02\n", 0, 0},
       {"a tool used before its size", "T1\nX01Y01\nT1C0.05\nX09Y09\n", 0, 2},
       {"coordinates without a tool", "X01Y01\nT1C0.05\nT1\nX09Y09\n", 0, 1},
-      {"an absurd coordinate", "T1C0.5\nT1\nX99999999999999Y01\n", 1, 0},
-      // A pad that covers the world: every later hole lies on it.
-      {"an absurd tool size", "T1C99999999999\nT1\nX01Y01\nX02Y02\n", 0, 1},
+      {"an absurd coordinate", "T1C0.5\nT1\nX99999999999.5Y01\n", 1, 0},
+      // A pad that covers the world; a hole beside its centre is still a hole of its own.
+      {"an absurd tool size", "T1C99999999999\nT1\nX01Y01\nX02Y02\nX01Y01\n", 0, 2},
       {"an absurd tool number",
        "T1C0.1\nT99999999999999C0.2\nT1\nX01Y01\nT99999999999999\nX09Y09\n", 0, 2},
       {"many ends of programs", repeated("M30\n", 200'000) + "T1C0.1\nT1\nX01Y01\n", 0, 1},

@@ -45,8 +45,8 @@ TEST_F(ScanTest, TheHeaderSetsTheFormat) {
       {"M48|METRIC,TZ,000.000|T1C0.5|%|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 3, 1}, 3},
       // Without "%" the header ends at "M95"; a line that ends behind it is not examined.
       {"M48|T1C0.5|METRIC,0000.00M95,9|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 3, 0}, 3},
-      // A header without an end is no header; the format stays.
-      {"M48|INCH|T1C0.02|T1|X1Y1|", {1, 3, 3, 1}, {1, 3, 3, 1}, 4},
+      // A header without an end is no header, but its unit line still states the unit.
+      {"M48|INCH|T1C0.02|T1|X1Y1|", {1, 3, 3, 1}, {0, 2, 4, 1}, 4},
       // Tools without a size: not Format Two.
       {"M48|INCH|%|T1|X1Y1|", {1, 3, 3, 0}, {0, 2, 4, 0}, 4},
       // Without reading the header the format stays and the kind is Format One.
@@ -92,11 +92,13 @@ TEST_F(ScanTest, KeptToolsKeepTheirSizesAndAreRecounted) {
 TEST_F(ScanTest, ToolsBehindAnEndOfProgramAreCountedApart) {
   format = {1, 3, 3, 0};
   std::vector<ToolEntry> tools;
-  // "M30" and "M030" end a program, "M300" does not.
+  // "M30" and "M030" end a program, "M300" does not. The third program drills with tool 1 of the
+  // first without defining it again, so tool 201 takes its size.
   const std::string text = "T1C0.1|T2C0.2|X1Y1|M30|T02C0.3|X2Y2|M300|T02|X3Y3|M030|T1|X4Y4|";
   reader.ScanExcellonText(text, tools, false, false);
-  EXPECT_EQ(tools, (std::vector<ToolEntry>{
-                       {1, 10000, 1, 0}, {2, 20000, 1, 1}, {102, 30000, 1, 2}, {201, 0, 1, 1}}));
+  EXPECT_EQ(tools,
+            (std::vector<ToolEntry>{
+                {1, 10000, 1, 0}, {2, 20000, 1, 1}, {102, 30000, 1, 2}, {201, 10000, 1, 1}}));
 }
 
 TEST_F(ScanTest, ExtentsCoverEveryCoordinateAndStartAtTheWorldLimits) {
@@ -250,7 +252,7 @@ TEST_F(ImportExcellonTest, TheDialogsToolSizesReachThePads) {
   EXPECT_EQ(status, 0);
   EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 12345, 1, 1}, {2, 0, 1, 2}}));
   EXPECT_EQ(padsOf(store, drill), (std::vector<Pad>{{1 * Mm, 1 * Mm, 1}}));
-  EXPECT_EQ(reader.LastImport, (HoleTally{1, 0, 2, 0}));
+  EXPECT_EQ(reader.LastImport, (HoleTally{1, 0, 0, 2, 0}));
   PadStackRecord hole;
   store.S_ReadPadStack(store.OM_Object(store.S_SymbolPadStackMap(drill.SymbolHandle), 1), hole);
   EXPECT_EQ(hole.HoleDiameter, 12344);  // twice the radius 6172.5 rounded to even
@@ -322,10 +324,6 @@ TEST_F(ReadExcellonTextTest, AFileThatCannotBeReadGivesFalseAndAMessage) {
 }
 
 // Drill files without a call of tool one: recognition gives no kind, the user chooses Excellon.
-const std::map<std::string, std::string> ChosenAsExcellon = {
-    {"gerbv/amacro-ref/jj1.drl", "its tools are T02 and T03"},
-    {"gerbv/test-inputs/test-drill-slot-drilled-g85.exc", "its only tool is T4"},
-};
 
 // Files in which some holes fall on a pad that is already there, which places no second pad.
 struct Covered {
@@ -335,9 +333,6 @@ struct Covered {
 const std::map<std::string, Covered> CoveredHoles = {
     {"gerbv/test-inputs/test-drill-trailing-zero-suppression.exc",
      {4, "four points at y 116.713 mm are drilled twice, by two tools"}},
-    {"gerbv/amacro-ref/jj1.drl",
-     {4, "slots routed as points 0.3 mm apart with a 1 mm tool: each later point lies inside the "
-         "first one's pad"}},
 };
 
 TEST(ExcellonCorpusTest, EveryDrillFileImportsAndAccountsForEveryHole) {
@@ -346,18 +341,11 @@ TEST(ExcellonCorpusTest, EveryDrillFileImportsAndAccountsForEveryHole) {
     GTEST_SKIP() << "no corpus found (set TVX_CORPUS_DIR)";
   const auto files = test::manifestFiles(corpus, "excellon");
   ASSERT_FALSE(files.empty());
-  size_t chosen = 0;
   size_t covered = 0;
   for (const auto& [path, format] : files) {
     SCOPED_TRACE(path);
     test::ImportWorld world;
-    ImportOptions options;
-    if (auto it = ChosenAsExcellon.find(path); it != ChosenAsExcellon.end()) {
-      SCOPED_TRACE(it->second);
-      options.kind = ImportKind::ExcellonFormatTwo;
-      ++chosen;
-    }
-    const ImportResult result = world.run(corpus + "/" + path, options);
+    const ImportResult result = world.run(corpus + "/" + path);
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(isExcellonKind(result.kind)) << int(result.kind);
     ASSERT_EQ(result.layer, 31);
@@ -375,10 +363,11 @@ TEST(ExcellonCorpusTest, EveryDrillFileImportsAndAccountsForEveryHole) {
       expectedCovered = it->second.holes;
       ++covered;
     }
-    EXPECT_EQ(tally, (HoleTally{pads, expectedCovered, 0, 0}));
-    EXPECT_EQ(tally.total(), holes);  // so pads + covered = holes
+    EXPECT_EQ(tally, (HoleTally{pads + tally.Slots, tally.Slots, expectedCovered, 0, 0}));
+    EXPECT_EQ(tally.total(), holes);  // so pads + slots + covered = holes
+    // Every slot is at least one stroke of the layer.
+    EXPECT_GE(static_cast<int32_t>(world.items(31).size()), tally.Slots);
   }
-  EXPECT_EQ(chosen, ChosenAsExcellon.size()) << "a listed file left the manifest";
   EXPECT_EQ(covered, CoveredHoles.size()) << "a listed file left the manifest";
 }
 
