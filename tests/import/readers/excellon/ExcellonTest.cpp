@@ -168,19 +168,7 @@ using test::makeLayer;
 using test::Pad;
 using test::padsOf;
 
-class ImportExcellonTest : public test::ExcellonTest {
-protected:
-  ImportExcellonTest() { format = {1, 3, 3, 0}; }  // millimetres, 3.3, left-aligned
-
-  // Scans as the layer binding does, then imports.
-  int32_t import(const std::string& text, LayerFileRecord& file, int32_t status = 0) {
-    reader.ScanExcellonText(text, file.Tools, false, false);
-    reader.ImportExcellon(status, text, drill, file);
-    return status;
-  }
-
-  LayerRecord drill = makeLayer(store, 31, 6);
-};
+using test::ImportExcellonTest;
 
 TEST_F(ImportExcellonTest, HolesAreCentredMovedByTheOffsetsAndMirrored) {
   // The pads of "X10.0Y20.0" and "X30.0Y60.0", millimetres.

@@ -119,4 +119,19 @@ protected:
   ExcellonReader reader{store, reporting.services, reporting.reporter, format, extents};
 };
 
+// The reader over a drill layer, millimetres 3.3 with left-aligned numbers.
+class ImportExcellonTest : public ExcellonTest {
+protected:
+  ImportExcellonTest() { format = {1, 3, 3, 0}; }
+
+  // Scans as the layer binding does, then imports.
+  int32_t import(const std::string& text, LayerFileRecord& file, int32_t status = 0) {
+    reader.ScanExcellonText(text, file.Tools, false, false);
+    reader.ImportExcellon(status, text, drill, file);
+    return status;
+  }
+
+  LayerRecord drill = makeLayer(store, 31, 6);
+};
+
 }  // namespace tvx::test
