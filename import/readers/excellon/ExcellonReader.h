@@ -103,8 +103,9 @@ private:
   double coordinate(const std::string& field) const;
   // The header between "M48" and its end; true when it names the unit.
   bool readHeader(const std::string& text);
-  // The extents of the holes under the format as it stands.
-  FileExtents measure(const std::string& text) const;
+  // Whether the holes under the format as it stands fit a board: none metres away or apart, and
+  // few with their centre inside a larger hole.
+  bool plausible(const std::string& text) const;
   // Diameters for tools without one: from the comments, or from the program before an "M30".
   void completeToolSizes(std::vector<ToolEntry>& tools, std::string_view comments) const;
 

@@ -14,6 +14,7 @@
 #include <map>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace tvx {
 
@@ -185,8 +186,7 @@ bool ExcellonReader::ApplyStatedFormat(const std::string& text, std::string_view
   int32_t& placing = leftAligned ? f.XYFormB : f.XYFormA;
   int32_t& filling = leftAligned ? f.XYFormA : f.XYFormB;
   filling = std::max(filling, evidence.widest - placing);
-  const double unitsPerMm = services_.DatabaseUnitsPerMm();
-  if (fitsBoard(measure(text), unitsPerMm))
+  if (plausible(text))
     return stated.unitLineAhead;
   // Fewer places shrink left-aligned readings; more places shrink right-aligned ones.
   const int32_t kept = placing;
@@ -196,7 +196,7 @@ bool ExcellonReader::ApplyStatedFormat(const std::string& text, std::string_view
     if (placing < 0 || placing > 9)
       continue;
     filling = std::max(keptFilling, evidence.widest - placing);
-    if (fitsBoard(measure(text), unitsPerMm))
+    if (plausible(text))
       return stated.unitLineAhead;
   }
   placing = kept;
@@ -204,20 +204,73 @@ bool ExcellonReader::ApplyStatedFormat(const std::string& text, std::string_view
   return stated.unitLineAhead;
 }
 
-FileExtents ExcellonReader::measure(const std::string& text) const {
+bool ExcellonReader::plausible(const std::string& text) const {
+  // Holes with the diameters of their tools, where the file gives them.
+  struct Drilled {
+    Point centre;
+    double radius;
+  };
+  std::vector<Drilled> holes;
   FileExtents extents{WorldLimit, WorldLimit, -WorldLimit, -WorldLimit};
+  std::unordered_map<int32_t, double> radii;
+  double radius = 0.0;
+  double largest = 0.0;
   DrillMotion motion(text);
   const auto decode = [this](const std::string& field) { return coordinate(field); };
   ExcellonBlock block;
   ExcellonBlockWalker walker(text);
-  while (walker.next(block))
+  while (walker.next(block)) {
+    if (const std::string& t = block[ExcellonBlock::T]; !t.empty()) {
+      const int32_t code = toInt32(ToNumber(t));
+      if (const std::string& c = block[ExcellonBlock::C]; !c.empty())
+        radii[code] = fileLength(c) / 2.0;
+      radius = radii.count(code) ? radii[code] : 0.0;
+      largest = std::max(largest, radius);
+    }
     motion.take(block, decode, [&](const DrillStroke& stroke) {
       widen(stroke.from.x, extents.MinX, extents.MaxX);
       widen(stroke.from.y, extents.MinY, extents.MaxY);
       widen(stroke.to.x, extents.MinX, extents.MaxX);
       widen(stroke.to.y, extents.MinY, extents.MaxY);
+      if (stroke.kind == DrillStroke::Hole && radius > 0.0)
+        holes.push_back({stroke.from, radius});
     });
-  return extents;
+  }
+  if (!fitsBoard(extents, services_.DatabaseUnitsPerMm()))
+    return false;
+  if (holes.size() < 2 || largest <= 0.0)
+    return true;
+
+  // Drills do not stand inside one another: a reading that puts many a hole's centre inside
+  // another hole is off by a power of ten. Cells as wide as the largest hole find the neighbours.
+  const double cell = 2.0 * largest;
+  const auto key = [cell](double x, double y) {
+    return (int64_t(std::floor(x / cell)) << 32) ^ (int64_t(std::floor(y / cell)) & 0xffffffff);
+  };
+  std::unordered_map<int64_t, std::vector<size_t>> cells;
+  for (size_t i = 0; i < holes.size(); ++i)
+    cells[key(holes[i].centre.x, holes[i].centre.y)].push_back(i);
+  size_t inside = 0;
+  for (const Drilled& hole : holes) {
+    bool found = false;
+    for (int dx = -1; dx <= 1 && !found; ++dx)
+      for (int dy = -1; dy <= 1 && !found; ++dy) {
+        const auto it = cells.find(key(hole.centre.x + dx * cell, hole.centre.y + dy * cell));
+        if (it == cells.end())
+          continue;
+        for (size_t j : it->second) {
+          const double d =
+              std::hypot(holes[j].centre.x - hole.centre.x, holes[j].centre.y - hole.centre.y);
+          if (d > 0.0 && d < holes[j].radius && holes[j].radius > hole.radius) {
+            found = true;
+            break;
+          }
+        }
+      }
+    if (found)
+      ++inside;
+  }
+  return inside * 20 < holes.size();  // under 5%
 }
 
 int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<ToolEntry>& tools,
