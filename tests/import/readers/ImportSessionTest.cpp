@@ -70,6 +70,25 @@ TEST_F(ImportSessionTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImporte
   EXPECT_EQ(drillPads(), (std::vector<Pad>{{100000, 100000, 1}, {200000, 200000, 1}}));
 }
 
+TEST_F(ImportSessionTest, AFormatOneFileStartsFromWhatItStatesAndKeepsTheUsersCorrections) {
+  // A stored format of another file; this one states its digits in a comment and shows by its
+  // leading zeros that its numbers are left-aligned.
+  session->excellonFormat = {1, 3, 3, 1};
+  SaveExcellonSettings(reporting.services, session->excellonFormat);
+  const std::string path = write("one.drl", ";FILE_FORMAT=2:5\nT1C0.02\nT1\nX0152Y00455\n");
+  const ImportResult result = run(path);
+  EXPECT_EQ(std::pair(result.status, result.kind), std::pair(0, ImportKind::ExcellonFormatOne));
+  // Millimetres stay (nothing states a unit), the digits and zeros are the file's.
+  EXPECT_EQ(session->excellonFormat, (ExcellonFormat{1, 2, 5, 0}));
+  // The user corrects the digits in the grid; the next run of stage one on the same file keeps
+  // them, a new file starts from its statements again.
+  session->excellonFormat.XYFormB = 3;
+  EXPECT_EQ(session->applyFile(tables->Layers, true), ScanResult::Scanned);
+  EXPECT_EQ(session->excellonFormat, (ExcellonFormat{1, 3, 5, 0}));
+  run(path);
+  EXPECT_EQ(session->excellonFormat, (ExcellonFormat{1, 2, 5, 0}));
+}
+
 TEST_F(ImportSessionTest, AChosenKindSkipsRecognition) {
   // Without a header or a unit line, and without a call of tool one, the text is not recognised;
   // the user may still choose Excellon. It has no header unit, so it is read as Format One.
