@@ -2,6 +2,7 @@
 // of the test's own (Xvfb), xdotool types and clicks, and the host's own queries (TARVEX,IMPORTROWS
 // and friends) and its view pictures tell what the user sees.
 #include "e2e/HostDriver.h"
+#include "support/CorpusPath.h"
 
 #include <QDir>
 
@@ -93,6 +94,45 @@ TEST_F(UserRoad, AGerberFileIntoALayerThenADrillFile) {
   EXPECT_EQ(rows["#message"], "Drill Template Import successful");
   EXPECT_EQ(messageLine(), "Drill Template Import successful");
   EXPECT_GT(pixelsInNewColours(movedPicture, view("drilled.png")), 200) << "no holes drawn";
+}
+
+TEST_F(UserRoad, ADrillFileShowsTheFormatItStatesAndKeepsTheUsersCorrection) {
+  const std::string corpus = tvx::test::corpusDir();
+  if (corpus.empty())
+    GTEST_SKIP() << "no corpus found (set TVX_CORPUS_DIR)";
+  // "M71" states millimetres, its numbers keep leading zeros; it has no header unit, so the
+  // user is told that it is read as Format One, with values the user may correct.
+  const QString drill = QDir(QString::fromStdString(corpus))
+                            .filePath("gerbv/test-inputs/test-drill-trailing-zero-suppression.exc");
+  host.start(test::binary("tarvex-gbrviewer"), {});
+  ASSERT_TRUE(host.waitForStarted(10000));
+  typeIntoFileRequest(drill);
+  const QString notice = visibleWindow("^Tarvex$");
+  ASSERT_FALSE(notice.isEmpty()) << "no notice that the file is not Format Two";
+  xdo({"windowfocus", "--sync", notice});
+  xdo({"key", "Return"});
+
+  auto rows = rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
+  EXPECT_EQ(rows["#message"], "Drill Template Import successful");
+  EXPECT_EQ(rows["Unit"], "Metric");
+  EXPECT_EQ(rows["Omitted Zeroes"], "Trailing");
+  EXPECT_EQ(rows["Precision Format XY"], "3.3");
+  const QImage metric = view("metric.png");
+  const Ink holes = inkOf(metric);
+  ASSERT_GT(holes.pixels, 100) << "no holes drawn";
+
+  // The user reads it with two digits before the point instead: the holes gather ten times
+  // closer round the middle of the view, and the correction stays in the grid.
+  const ScreenRect precisionCell = place("CELL,Precision Format XY", "CELL,");
+  ASSERT_TRUE(precisionCell.valid());
+  click(precisionCell, precisionCell.width - 8);
+  xdo({"type", "--delay", "20", "2.4"});
+  xdo({"key", "Return"});
+  rows = rowsWhen([](auto& r) { return r["Precision Format XY"] == "2.4"; });
+  EXPECT_EQ(rows["Precision Format XY"], "2.4");
+  EXPECT_EQ(rows["Unit"], "Metric");
+  const Ink gathered = inkOf(view("gathered.png"));
+  EXPECT_LT(gathered.width(), holes.width() / 4) << "the view does not show the new reading";
 }
 
 TEST_F(UserRoad, FilesOnTheCommandLineEndWithTheOutcomeInTheMessageLine) {
