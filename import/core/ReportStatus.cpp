@@ -13,9 +13,9 @@ namespace tvx {
 namespace {
 
 // One piece of a message: a catalogue text, the name argument, a line break, a fixed text that is
-// never translated, or the digits of the format.
+// never translated, the digits of the format, or the count of elements a failure cost.
 struct Piece {
-  enum Kind { Catalogue, Name, LineBreak, Literal, Digits } kind;
+  enum Kind { Catalogue, Name, LineBreak, Literal, Digits, Count } kind;
   std::string_view id;
   std::string_view text;
 };
@@ -27,6 +27,7 @@ constexpr Piece name{Piece::Name, {}, {}};
 constexpr Piece crlf{Piece::LineBreak, {}, {}};
 constexpr Piece lit(std::string_view text) { return {Piece::Literal, {}, text}; }
 constexpr Piece digits{Piece::Digits, {}, {}};
+constexpr Piece count{Piece::Count, {}, {}};
 
 constexpr int none = 0;
 constexpr int exclamation = msgbox::Exclamation;
@@ -55,7 +56,7 @@ constexpr std::array<StatusEntry, 21> StatusTable = {{
     entry(StatusOutsideLimits, none, outsideLimits, crlf,
           cat("62386", "Check parameters for GERBER file and import again.")),
     entry(StatusApertureMissing, none, name,
-          cat("62387", " aperture not found in the list during import."), crlf,
+          cat("62387", " aperture not found in the list during import."), count, crlf,
           cat("62388", "Select proper Aperture Table and import again.")),
     entry(StatusExtents, none, outsideLimits, crlf, cat("62389", "Check parameters for "), name,
           lit(" "), cat("62390", "file and import again.")),
@@ -85,7 +86,7 @@ constexpr StatusEntry UnknownStatus = entry(0, critical, cat("62403", "Unknown E
 }  // namespace
 
 StatusMessage statusMessage(const SystemServices& services, int32_t status, const std::string& text,
-                            const FormatDigits& format) {
+                            const FormatDigits& format, int64_t elements) {
   const auto* found = std::find_if(StatusTable.begin(), StatusTable.end(),
                                    [&](const StatusEntry& e) { return e.status == status; });
   const StatusEntry& e = found != StatusTable.end() ? *found : UnknownStatus;
@@ -110,13 +111,18 @@ StatusMessage statusMessage(const SystemServices& services, int32_t status, cons
       message.text +=
           std::to_string(format.IntegerDigits) + "." + std::to_string(format.DecimalDigits);
       break;
+    case Piece::Count:
+      if (elements > 0)
+        message.text +=
+            " (" + std::to_string(elements) + (elements == 1 ? " element)" : " elements)");
+      break;
     }
   }
   return message;
 }
 
-void StatusReporter::ReportStatus(int32_t status, const std::string& text) const {
-  StatusMessage m = statusMessage(services_, status, text, format_);
+void StatusReporter::ReportStatus(int32_t status, const std::string& text, int64_t elements) const {
+  StatusMessage m = statusMessage(services_, status, text, format_, elements);
   prompts_.messageBox(m.text, m.icon | msgbox::SystemModal, titles_.boxTitle());
 }
 

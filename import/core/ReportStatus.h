@@ -33,9 +33,10 @@ struct StatusMessage {
   int icon = 0;  // msgbox::Exclamation, msgbox::Critical or 0
 };
 
-// Builds the message of a status code; name is the Text argument of ReportStatus.
+// Builds the message of a status code; name is the Text argument of ReportStatus. A message that
+// tells what a failure cost (a missing aperture) names its count of elements when it is above 0.
 StatusMessage statusMessage(const SystemServices& services, int32_t status, const std::string& name,
-                            const FormatDigits& format);
+                            const FormatDigits& format, int64_t elements = 0);
 
 class StatusReporter {
 public:
@@ -45,7 +46,7 @@ public:
       : services_(services), prompts_(prompts), titles_(titles), format_(format) {}
 
   // Shows the system-modal box of the status code.
-  void ReportStatus(int32_t status, const std::string& text) const;
+  void ReportStatus(int32_t status, const std::string& text, int64_t elements = 0) const;
 
   const SystemServices& services() const { return services_; }
   UserPrompts& prompts() const { return prompts_; }

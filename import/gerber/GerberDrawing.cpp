@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace tvx {
 
@@ -46,9 +47,12 @@ public:
         writer_(context.store, lists_.PrimitiveList, layer, file, holePlacer(context.store),
                 context.clearColour) {}
 
-  void run(int32_t& status);
+  // Replays the stream, then reports each aperture that no list held, once, with the count of
+  // elements it cost. The number of elements (flashes, draws, regions) the stream held.
+  int32_t run(int32_t& status);
 
 private:
+  void replay(int32_t& status);
   bool lookUp(int32_t dCode, bool flash);
   void flash(int32_t dCode);
   void draw(int32_t dCode);
@@ -79,7 +83,9 @@ private:
   int32_t cachedD_ = 0, size_ = 0, listKind_ = RoundAperture;
   int32_t polygonId_ = FirstPolygonId;
   OutlinePoints points_;
-  bool stopped_ = false;  // an aperture was missing: the pass ends with status 0
+  int32_t elements_ = 0;
+  // D-codes that no list held, with the elements each one cost, in the order of their codes.
+  std::map<int32_t, int64_t> missing_;
 };
 
 template <typename Body> void DrawingPass::forEachRepeat(Body body) const {
@@ -89,6 +95,8 @@ template <typename Body> void DrawingPass::forEachRepeat(Body body) const {
       body((i - 1) * stepI_, (j - 1) * stepJ_);
 }
 
+// Whether a list holds the aperture; one that none holds costs the element that uses it, and the
+// pass goes on with the next one.
 bool DrawingPass::lookUp(int32_t dCode, bool flash) {
   if (cached_ && dCode == cachedD_)
     return true;
@@ -114,8 +122,7 @@ bool DrawingPass::lookUp(int32_t dCode, bool flash) {
       }
   }
   if (size == -1) {
-    context_.reporter.ReportStatus(StatusApertureMissing, ApertureLabel(dCode));
-    stopped_ = true;
+    ++missing_[dCode];
     return false;
   }
   cached_ = true;
@@ -126,9 +133,8 @@ bool DrawingPass::lookUp(int32_t dCode, bool flash) {
 }
 
 void DrawingPass::flash(int32_t dCode) {
-  if (!lookUp(dCode, true))
-    return;
-  if (skip_)
+  ++elements_;
+  if (!lookUp(dCode, true) || skip_)
     return;
   forEachRepeat([&](double dI, double dJ) {
     FlashAperture(writer_, curX_ + dI, curY_ + dJ, size_, listKind_, dCode);
@@ -136,13 +142,14 @@ void DrawingPass::flash(int32_t dCode) {
 }
 
 void DrawingPass::draw(int32_t dCode) {
-  if (!lookUp(dCode, false))
-    return;
+  ++elements_;
+  // Without its aperture the element is left out; the pen moves on as if it had been drawn.
+  const bool found = lookUp(dCode, false);
   if ((mode_ == mode::Clockwise || mode_ == mode::CounterClockwise) && curX_ == prevX_ &&
       curY_ == prevY_)
     mode_ = mode::Circle;
   mode_ = mirrored(mode_, file_.Mirror);
-  if (!skip_) {
+  if (found && !skip_) {
     forEachRepeat([&](double dI, double dJ) {
       const Point centre{centreX_ + dI, centreY_ + dJ};
       const Point from{prevX_ + dI, prevY_ + dJ}, to{curX_ + dI, curY_ + dJ};
@@ -205,6 +212,7 @@ void DrawingPass::polygonEnd() {
       points_[i].Y = wholeNumber(points_[i].Y);
     }
   }
+  ++elements_;
   forEachRepeat([&](double dI, double dJ) {
     ++polygonId_;
     if (skip_ || points_.size() < 2)
@@ -216,7 +224,14 @@ void DrawingPass::polygonEnd() {
   mode_ = mode::Line;
 }
 
-void DrawingPass::run(int32_t& status) {
+int32_t DrawingPass::run(int32_t& status) {
+  replay(status);
+  for (const auto& [dCode, elements] : missing_)
+    context_.reporter.ReportStatus(StatusApertureMissing, ApertureLabel(dCode), elements);
+  return elements_;
+}
+
+void DrawingPass::replay(int32_t& status) {
   const ArtHeader& header = context_.scan.Header;
   minX_ = header.MinX;
   minY_ = header.MinY;
@@ -321,23 +336,19 @@ void DrawingPass::run(int32_t& status) {
       file_.ClearPolarity = false;
       return;
     }
-    if (stopped_) {
-      status = 0;
-      break;
-    }
   }
   file_.ClearPolarity = false;
 }
 
 }  // namespace
 
-void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
-                      const GerberDrawContext& context) {
+int32_t DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
+                         const GerberDrawContext& context) {
   // One or two elements a record (macros, outlines and thermals make several): room for them at
   // once spares the store's copies as it grows. Capacity left unused is never touched.
   context.store.reserveItems(2 * size_t(std::max(0, art.recordCount())));
   DrawingPass pass(art, layer, file, context);
-  pass.run(status);
+  return pass.run(status);
 }
 
 }  // namespace tvx

@@ -27,10 +27,12 @@ struct GerberDrawContext {
 };
 
 // Replays records 6 on of the open intermediate file. status 0 when the stream ended, also when
-// it ended at an unknown record (reported) or at an aperture that no list holds (reported with
-// its label). A point outside the world is reported and leaves status 1, as does a stream that
-// stops before its end record. What was written stays.
-void DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
-                      const GerberDrawContext& context);
+// it ended at an unknown record (reported). An element whose aperture no list holds is left out
+// and the pass goes on; after it each such aperture is reported once, by its label, with the
+// count of elements it cost. A point outside the world is reported and leaves status 1, as does a
+// stream that stops before its end record. What was written stays. Gives the number of elements
+// (flashes, draws, regions) the stream held up to where it ended, drawn or not.
+int32_t DrawGerberStream(int32_t& status, ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
+                         const GerberDrawContext& context);
 
 }  // namespace tvx

@@ -37,7 +37,7 @@ ScanResult GerberFileReader::scan(ImportJob& job) {
   return ScanResult::Scanned;
 }
 
-void GerberFileReader::importFile(int32_t& status, const ImportJob& /*job*/, LayerRecord& layer,
+void GerberFileReader::importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                                   LayerFileRecord& file) {
   ArtFile art;
   if (!art.open(file.FileName)) {
@@ -54,15 +54,22 @@ void GerberFileReader::importFile(int32_t& status, const ImportJob& /*job*/, Lay
   // A cut-off last record: the whole records are imported, then the damage is reported.
   const bool truncated = art.hasPartialRecord();
   LoadArtHeader(status, art, false, pass_.scan, reporter_);
+  int32_t elements = 0;
   if (status == StatusOk) {
     const GerberDrawContext drawing{store_, reporter_, pass_.scan, clearColour};
-    DrawGerberStream(status, art, layer, file, drawing);
+    elements = DrawGerberStream(status, art, layer, file, drawing);
   }
   art.close();
   if (status == StatusOk && truncated) {
     reporter_.ReportStatus(StatusIncorrectFormat, file.FileName);
     status = StatusReported;
+    return;
   }
+  // A layer without draws, flashes or regions (a header and apertures alone) is imported empty;
+  // the user is told so, and the import stands.
+  if (status == StatusOk && elements == 0)
+    reporter_.ReportStatus(StatusNothingToImport,
+                           ": " + (job.SourcePath.empty() ? file.FileName : job.SourcePath));
 }
 
 }  // namespace tvx

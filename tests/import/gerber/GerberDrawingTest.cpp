@@ -1,8 +1,9 @@
 // The drawing pass over TMP.ART: placement and mirror, repeats, polarity, the aperture look-up and
-// its stop, the pen modes with full circles, polygons with their arcs, and the failures of a
-// damaged stream. Streams come from the text pass over real Gerber text, or are written by hand.
-// The Gerber reader on the import road: the scan writes TMP.ART into the work folder, the import
-// restores the apertures from it and draws its stream, and a damaged file is reported.
+// what a missing aperture costs, zero-size apertures, the pen modes with full circles, polygons
+// with their arcs, and the failures of a damaged stream. Streams come from the text pass over real
+// Gerber text, or are written by hand. The Gerber reader on the import road: the scan writes
+// TMP.ART into the work folder, the import restores the apertures from it and draws its stream, a
+// damaged file is reported, and a layer without elements is imported empty with a message.
 #include "import/gerber/GerberDrawing.h"
 #include "GerberDrawSupport.h"
 #include "GerberPassSupport.h"
@@ -62,7 +63,7 @@ protected:
   int32_t replay(ArtFile& art) {
     int32_t status = -1;
     GerberDrawContext context{k.store, pass.reporting.reporter, scan};
-    DrawGerberStream(status, art, layer, file, context);
+    elements = DrawGerberStream(status, art, layer, file, context);
     EXPECT_FALSE(file.ClearPolarity) << "the working flag does not outlive the pass";
     return status;
   }
@@ -73,6 +74,7 @@ protected:
   test::GerberPass pass;
   GerberScan scan;
   std::function<void(GerberScan&)> edit;
+  int32_t elements = -1;  // what the last replay counted
 };
 
 TEST_F(GerberDrawing, LinesArcsAndAFullCircle) {
@@ -214,12 +216,80 @@ TEST_F(GerberDrawing, PlacementCentresOffsetsAndMirrorsAboutTheMiddle) {
   EXPECT_EQ(corners(), (std::vector<std::array<int32_t, 2>>{{199993, -100003}, {-200007, 99997}}));
 }
 
-TEST_F(GerberDrawing, AnApertureNoListHoldsStopsTheDrawing) {
-  edit = [](GerberScan& s) { s.Lists.SquarePadList.clear(); };
-  ASSERT_EQ(drawText("D10*X0Y0D03*D11*X1000Y0D03*D10*X2000Y0D03*"), 0);
-  EXPECT_EQ(items().size(), 1u) << "what was drawn stays, nothing after";
-  ASSERT_EQ(boxes().size(), 1u);
-  EXPECT_EQ(boxes()[0].rfind("D11* aperture not found in the list during import.", 0), 0u);
+// The message of a missing aperture: its label and the elements it cost.
+std::string missing(const std::string& label, const std::string& cost) {
+  return label + " aperture not found in the list during import. (" + cost +
+         ")\r\nSelect proper Aperture Table and import again.";
+}
+
+TEST_F(GerberDrawing, AMissingApertureCostsOnlyItsElementsAndIsReportedOnceAfterThePass) {
+  const auto noSquares = [](GerberScan& s) { s.Lists.SquarePadList.clear(); };
+  const auto noLinesOf10 = [](GerberScan& s) {
+    std::erase_if(s.Lists.DrawList, [](const ApertureUse& row) { return row.DCode == 10; });
+  };
+  // D10 flashes a disc (centre and radius, 0.1 mm); D11 strokes with a 0.5 mm square.
+  const std::tuple<const char*, std::function<void(GerberScan&)>, std::string,
+                   std::vector<test::Box>, std::vector<std::string>, int32_t>
+      cases[] = {
+          {"flashes on both sides of missing ones",
+           noSquares,
+           "D10*X0Y0D03*D11*X1000Y0D03*X1500Y0D03*D10*X2000Y0D03*",
+           {{0, 0, 10000, 0}, {200000, 0, 10000, 0}},
+           {missing("D11*", "2 elements")},
+           4},
+          {"the pen goes on from a missing stroke",
+           noLinesOf10,
+           "D10*X0Y0D02*X1000Y0D01*D11*X2000Y0D01*",
+           {{75000, -25000, 150000, 50000}},
+           {missing("D10*", "1 element")},
+           2},
+          {"one message a code, in the order of the codes",
+           [&](GerberScan& s) {
+             noSquares(s);
+             noLinesOf10(s);
+           },
+           "D11*X0Y0D03*D10*X0Y0D02*X1000Y0D01*X0Y0D01*",
+           {},
+           {missing("D10*", "2 elements"), missing("D11*", "1 element")},
+           3},
+      };
+  for (const auto& [name, change, body, drawn, messages, count] : cases) {
+    SCOPED_TRACE(name);
+    clearLayer();
+    pass.reporting.prompts.shown.clear();
+    edit = change;
+    EXPECT_EQ(drawText(body), 0);
+    std::vector<test::Box> boxesDrawn;
+    for (const ItemRecord& r : items())
+      boxesDrawn.push_back(test::box(r));
+    EXPECT_EQ(std::tuple(boxesDrawn, boxes(), elements), std::tuple(drawn, messages, count));
+  }
+}
+
+TEST_F(GerberDrawing, ZeroSizeAperturesDrawWithoutWidth) {
+  // Each body ends in a flash of D10 at 5 mm, which the pass must still reach.
+  const std::pair<std::string, std::vector<int32_t>> cases[] = {
+      {"%ADD12C,0.00000*%D12*X0Y0D02*G01X1000Y0D01*", {ItemLine}},
+      {"%ADD12C,0.00000*%D12*G36*X0Y0D02*G01X1000Y0D01*X1000Y1000D01*X0Y0D01*G37*"
+       "X0Y0D02*X0Y1000D01*",
+       {ItemLine, ItemLine, ItemLine, ItemLine}},
+      {"%ADD12C,0*%D12*X0Y0D03*", {ItemCircle}},
+      {"%ADD12R,0X0*%D12*X0Y0D03*X0Y0D02*X1000Y0D01*", {ItemRectangle, ItemRectangle}},
+  };
+  for (const auto& [body, types] : cases) {
+    SCOPED_TRACE(body);
+    clearLayer();
+    EXPECT_EQ(drawText(body + "D10*X5000Y0D03*"), 0);
+    EXPECT_EQ(boxes(), std::vector<std::string>{});
+    std::vector<ItemRecord> all = items();
+    ASSERT_EQ(all.size(), types.size() + 1);
+    EXPECT_EQ(test::box(all.back()), (test::Box{500000, 0, 10000, 0}));
+    all.pop_back();
+    EXPECT_EQ(typesOf(all), types);
+    // Region sides have a pen of their own; everything else has the aperture's, none.
+    for (const ItemRecord& r : all)
+      EXPECT_EQ(r.LineWidth, (r.Attributes & attr::PolygonSide) ? 1 : 0);
+  }
 }
 
 TEST_F(GerberDrawing, DamagedStreamsEndWithTheirStatus) {
@@ -323,6 +393,39 @@ TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateF
   std::filesystem::remove(path);
   EXPECT_EQ(run(), 1);
   EXPECT_EQ(lastBox(), "Can't load " + path);
+}
+
+TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
+  const std::pair<std::string, int32_t> cases[] = {
+      {"G04 #@! TF.FileFunction,Copper,L2,Inr*\n%FSLAX46Y46*%\n%MOMM*%\n%ADD10C,0.1*%\nM02*\n", 0},
+      {"%FSLAX24Y24*%%MOIN*%%ADD10C,0.01*%D10*X1000Y1000D02*M02*\n", 0},
+      {"%FSLAX24Y24*%%MOIN*%%ADD10C,0.01*%D10*X1000Y1000D03*M02*\n", 1},
+  };
+  for (const auto& [text, items] : cases) {
+    SCOPED_TRACE(text);
+    test::GerberPass pass;
+    std::ofstream(pass.source, std::ios::binary) << text;
+    Store store;
+    FileExtents extents;
+    GerberPassContext context = pass.context();
+    GerberFileReader reader(store, pass.reporting.reporter, context, extents);
+    ImportJob job;
+    job.WorkDirectory = pass.dir.path().string();
+    job.SourcePath = pass.source;
+    job.Kind = ImportKind::ArtworkRS274X;
+    ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
+    auto layers = test::makeLayers();
+    LayerFileRecord& file = StartLayerFile(job, layers[0], true);
+    EnsureLayerSymbol(store, layers[0], true);
+    int32_t status = 99;
+    reader.importFile(status, job, layers[0], file);
+    const std::vector<std::string> said =
+        items == 0 ? std::vector<std::string>{"Nothing to import: " + pass.source}
+                   : std::vector<std::string>{};
+    EXPECT_EQ(std::tuple(status, store.OA_GetCount(store.S_SymbolItemArray(layers[0].SymbolHandle)),
+                         test::boxesOf(pass.reporting.prompts)),
+              std::tuple(0, items, said));
+  }
 }
 
 TEST(GerberFileReader, AFailedScanLeavesNothingToImport) {
