@@ -165,15 +165,143 @@ bool followTested(std::string_view command) {
          command == "PR";
 }
 
+// What the follow test said of the first occurrence of each tested plotter command.
+struct PlotterLook {
+  bool anyPassed = false;
+  bool initFailed = false;   // IN
+  bool otherFailed = false;  // PU, PD, PA or PR
+};
+
+PlotterLook lookAtPlotterCommands(std::string_view text, YieldClock& clock) {
+  PlotterLook look;
+  for (std::size_t entry = 0; entry + 2 <= HpglCommandTable.size(); entry += 3) {
+    const std::string_view command = HpglCommandTable.substr(entry, 2);
+    if (!followTested(command))
+      continue;
+    const std::size_t at = find(text, command, clock);
+    if (at == NotFound)
+      continue;
+    if (followTest(text, at + 2, clock))
+      look.anyPassed = true;
+    else if (command == "IN")
+      look.initFailed = true;
+    else
+      look.otherFailed = true;
+  }
+  return look;
+}
+
+// The Gerber format statement with an aperture definition or a unit: no drill or plotter file
+// holds these.
+bool holdsGerberFormat(std::string_view text, YieldClock& clock) {
+  return has(text, "%FS", clock) && (has(text, "%AD", clock) || has(text, "%MO", clock));
+}
+
+bool hasDrawingCodes(std::string_view text, YieldClock& clock) {
+  auto contains = [&](std::string_view s) { return has(text, s, clock); };
+  return (contains("D02*") && contains("D01*")) || contains("D03*") ||
+         (contains("D2*") && contains("D1*")) || contains("D3*");
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// An aperture selection: D, a number of 10 or more and the star, standing at the start of a block
+// (at the start of the text, behind a star or a line end, or behind G54).
+bool hasApertureSelection(std::string_view text, YieldClock& clock) {
+  std::size_t polled = 0;
+  for (std::size_t at = find(text, "D", clock); at != NotFound;
+       at = find(text, "D", clock, at + 1)) {
+    if (at - polled >= WalkChunk) {
+      clock.poll();
+      polled = at;
+    }
+    const bool blockStart = at == 0 || text[at - 1] == '*' || text[at - 1] == '\n' ||
+                            text[at - 1] == '\r' || (at >= 3 && text.substr(at - 3, 3) == "G54");
+    if (!blockStart)
+      continue;
+    std::size_t end = at + 1;
+    uint32_t code = 0;
+    while (end < text.size() && isDigit(text[end]) && end - at <= 6)
+      code = code * 10 + static_cast<uint32_t>(text[end++] - '0');
+    if (end < text.size() && text[end] == '*' && code >= 10)
+      return true;
+  }
+  return false;
+}
+
+// Whether the text says it is Gerber: a format or unit statement, file or object attributes
+// (as blocks or in comments), drawing codes or aperture selections.
+bool hasGerberSign(std::string_view text, YieldClock& clock) {
+  for (std::string_view sign :
+       {"%FS", "%MO", "%TF.", "%TA.", "%TO.", "G04 #@! TF.", "G04 #@! TA.", "G04 #@! TO."})
+    if (has(text, sign, clock))
+      return true;
+  return hasDrawingCodes(text, clock) || hasApertureSelection(text, clock);
+}
+
+// The Gerber walk over the text without the NULs that pad its end and without the insides of
+// its comments (from G04 to the star that closes the block), whose words are free text.
+bool gerberWalkRejectsOutsideComments(std::string_view text, YieldClock& clock) {
+  const std::size_t last = text.find_last_not_of('\0');
+  text = last == NotFound ? std::string_view() : text.substr(0, last + 1);
+  std::size_t from = 0;
+  while (from < text.size()) {
+    const std::size_t comment = find(text, "G04", clock, from);
+    const std::size_t stop = comment == NotFound ? text.size() : comment + 3;
+    // Every segment starts on a character of the set (the star), so the counter starts at 0.
+    if (walkRejects(text.substr(from, stop - from), GerberWalk, clock))
+      return true;
+    if (comment == NotFound)
+      break;
+    const std::size_t close = find(text, "*", clock, stop);
+    if (close == NotFound)
+      break;
+    from = close;
+  }
+  return false;
+}
+
+// The lines of a text, each without its line end and its leading and trailing blanks.
+template <typename Visit> void forEachLine(std::string_view text, YieldClock& clock, Visit visit) {
+  std::size_t polled = 0;
+  for (std::size_t from = 0; from < text.size();) {
+    std::size_t end = text.find('\n', from);
+    if (end == NotFound)
+      end = text.size();
+    std::string_view line = text.substr(from, end - from);
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    line = first == NotFound ? std::string_view() : line.substr(first);
+    line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
+    if (!visit(line))
+      return;
+    from = end + 1;
+    if (from - polled >= WalkChunk) {
+      clock.poll();
+      polled = from;
+    }
+  }
+}
+
+// A coordinate block: X or Y and a number, behind any G codes of the block.
+bool isCoordinateBlock(std::string_view line) {
+  std::size_t at = 0;
+  while (at < line.size() && line[at] == 'G') {
+    ++at;
+    while (at < line.size() && isDigit(line[at]))
+      ++at;
+  }
+  if (at + 1 >= line.size() || (line[at] != 'X' && line[at] != 'Y'))
+    return false;
+  const char c = line[at + 1];
+  return isDigit(c) || c == '+' || c == '-' || c == '.';
+}
+
 }  // namespace
 
 ImportKind IsGerber(std::string_view text, YieldClock& clock) {
-  auto contains = [&](std::string_view s) { return has(text, s, clock); };
-  const bool drawingCodes = (contains("D02*") && contains("D01*")) || contains("D03*") ||
-                            (contains("D2*") && contains("D1*")) || contains("D3*");
-  if (!drawingCodes)
+  if (!hasDrawingCodes(text, clock))
     return ImportKind::Unknown;
-  const bool extended = contains("%FS") && contains("%AD");
+  const bool extended = has(text, "%FS", clock) && has(text, "%AD", clock);
   if (walkRejects(text, GerberWalk, clock))
     return ImportKind::Unknown;
   return extended ? ImportKind::ArtworkRS274X : ImportKind::ArtworkRS274D;
@@ -181,6 +309,9 @@ ImportKind IsGerber(std::string_view text, YieldClock& clock) {
 
 ImportKind IsExcellon(std::string_view text, YieldClock& clock) {
   auto contains = [&](std::string_view s) { return has(text, s, clock); };
+  // Gerber headers hold T, X and Y too (in attributes and the format statement).
+  if (holdsGerberFormat(text, clock))
+    return ImportKind::Unknown;
 
   // A walk that ends without rejection has passed every character, so its counts of T, C, X and
   // Y are above zero exactly when the letters occur in the text.
@@ -231,19 +362,52 @@ ImportKind IsDxf(std::string_view text, YieldClock& clock) {
 }
 
 ImportKind IsHpgl(std::string_view text, YieldClock& clock) {
-  bool passed = false;
-  for (std::size_t entry = 0; entry + 2 <= HpglCommandTable.size(); entry += 3) {
-    const std::string_view command = HpglCommandTable.substr(entry, 2);
-    if (!followTested(command))
-      continue;
-    const std::size_t at = find(text, command, clock);
-    if (at == NotFound)
-      continue;
-    if (!followTest(text, at + 2, clock))
-      return ImportKind::Unknown;
-    passed = true;
-  }
-  return passed ? ImportKind::Hpgl : ImportKind::Unknown;
+  // A Gerber unit statement (%MOIN) holds IN.
+  if (holdsGerberFormat(text, clock))
+    return ImportKind::Unknown;
+  const PlotterLook look = lookAtPlotterCommands(text, clock);
+  const bool failed = look.initFailed || look.otherFailed;
+  return look.anyPassed && !failed ? ImportKind::Hpgl : ImportKind::Unknown;
+}
+
+ImportKind SecondChanceGerber(std::string_view text, YieldClock& clock) {
+  if (!hasGerberSign(text, clock) || gerberWalkRejectsOutsideComments(text, clock))
+    return ImportKind::Unknown;
+  const bool extended = has(text, "%FS", clock) && has(text, "%AD", clock);
+  return extended ? ImportKind::ArtworkRS274X : ImportKind::ArtworkRS274D;
+}
+
+ImportKind SecondChanceExcellon(std::string_view text, YieldClock& clock) {
+  if (holdsGerberFormat(text, clock))
+    return ImportKind::Unknown;
+  bool header = has(text, "M48", clock);
+  bool tool = false;
+  bool diameter = false;
+  bool coordinates = false;
+  forEachLine(text, clock, [&](std::string_view line) {
+    if (line.starts_with("INCH") || line.starts_with("METRIC"))
+      header = true;
+    if (line.size() >= 2 && line[0] == 'T' && isDigit(line[1])) {
+      tool = true;
+      // A diameter: C and a number anywhere behind the tool number.
+      for (std::size_t c = line.find('C', 2); c != NotFound && !diameter; c = line.find('C', c + 1))
+        diameter = c + 1 < line.size() && (isDigit(line[c + 1]) || line[c + 1] == '.');
+    } else if (tool && isCoordinateBlock(line)) {
+      coordinates = true;
+    }
+    return true;
+  });
+  if (!header || !coordinates || walkRejects(text, ExcellonWalk, clock))
+    return ImportKind::Unknown;
+  return diameter ? ImportKind::ExcellonFormatTwo : ImportKind::ExcellonFormatOne;
+}
+
+ImportKind SecondChanceHpgl(std::string_view text, YieldClock& clock) {
+  if (!has(text, "\x1B", clock) || holdsGerberFormat(text, clock))
+    return ImportKind::Unknown;
+  const PlotterLook look = lookAtPlotterCommands(text, clock);
+  return look.anyPassed && look.initFailed && !look.otherFailed ? ImportKind::Hpgl
+                                                                : ImportKind::Unknown;
 }
 
 ImportKind IsGerber(std::string_view text) {
@@ -266,9 +430,26 @@ ImportKind IsHpgl(std::string_view text) {
   return IsHpgl(text, clock);
 }
 
+ImportKind SecondChanceGerber(std::string_view text) {
+  YieldClock clock;
+  return SecondChanceGerber(text, clock);
+}
+
+ImportKind SecondChanceExcellon(std::string_view text) {
+  YieldClock clock;
+  return SecondChanceExcellon(text, clock);
+}
+
+ImportKind SecondChanceHpgl(std::string_view text) {
+  YieldClock clock;
+  return SecondChanceHpgl(text, clock);
+}
+
 ImportKind recogniseText(std::string_view text, YieldClock& clock) {
   using Test = ImportKind (*)(std::string_view, YieldClock&);
-  static constexpr Test Tests[] = {IsGerber, IsExcellon, IsDxf, IsHpgl};
+  static constexpr Test Tests[] = {IsGerber,        IsExcellon,         IsDxf,
+                                   IsHpgl,          SecondChanceGerber, SecondChanceExcellon,
+                                   SecondChanceHpgl};
   for (Test test : Tests) {
     const ImportKind kind = test(text, clock);
     if (kind != ImportKind::Unknown)

@@ -59,6 +59,7 @@ private:
 };
 
 // The four tests; each gives its kind or Unknown. Searches are case-sensitive and plain.
+// Excellon and HPGL refuse a text with the Gerber format statement and %AD or %MO.
 ImportKind IsGerber(std::string_view text, YieldClock& clock);
 ImportKind IsExcellon(std::string_view text, YieldClock& clock);
 ImportKind IsDxf(std::string_view text, YieldClock& clock);
@@ -69,7 +70,25 @@ ImportKind IsExcellon(std::string_view text);
 ImportKind IsDxf(std::string_view text);
 ImportKind IsHpgl(std::string_view text);
 
-// The four tests in their fixed order; the first kind found wins. An empty text is Unknown.
+// Second looks, for texts all four tests refused: real files the tests leave out.
+// Gerber: a format or unit statement, attributes, drawing codes or aperture selections, and the
+// character walk passed once comment insides and NULs padding the end are set aside. Files of no
+// draws (empty layers) are Gerber too. RS-274-X when it has %FS and %AD.
+ImportKind SecondChanceGerber(std::string_view text, YieldClock& clock);
+// Excellon: M48 or an INCH or METRIC line, a tool block of any number (T and digits at the start
+// of a line) and a coordinate block behind it, and the character walk passed. Format Two when a
+// tool block carries a diameter (C and a number).
+ImportKind SecondChanceExcellon(std::string_view text, YieldClock& clock);
+// HPGL: a device escape (ESC) in the text, IN the only command that failed its follow test, and
+// one of PU, PD, PA or PR passed it.
+ImportKind SecondChanceHpgl(std::string_view text, YieldClock& clock);
+
+ImportKind SecondChanceGerber(std::string_view text);
+ImportKind SecondChanceExcellon(std::string_view text);
+ImportKind SecondChanceHpgl(std::string_view text);
+
+// The four tests in their fixed order, then the second looks in the same order; the first kind
+// found wins. An empty text is Unknown.
 ImportKind recogniseText(std::string_view text, YieldClock& clock);
 
 // Reads files whole and recognises them. Messages of failed reads come from the file layer.

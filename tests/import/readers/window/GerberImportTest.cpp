@@ -69,15 +69,15 @@ TEST(GerberImport, EveryCorpusGerberFileImportsWithAPlausibleFrame) {
     SCOPED_TRACE(path);
     ImportWorld world;
     ImportResult result = world.run(dir + "/" + path);
-    if (result.kind == ImportKind::Unknown && format == "gerber-d") {
-      // A plain RS-274-D file need not show what it is: the user chooses its kind. Its coordinates
-      // read in the settings' format lie beyond the world when kept in place, so it is centred.
+    if (format == "gerber-d") {
+      // A plain RS-274-D file is read in the settings' format, which need not be its own: its
+      // coordinates lie beyond the world when kept in place, so it is centred.
+      EXPECT_EQ(result.kind, ImportKind::ArtworkRS274D);
       EXPECT_EQ(world.reporting.prompts.shown.size(), 1u);
       world.reporting.prompts.shown.clear();
-      ImportOptions chosen;
-      chosen.kind = ImportKind::ArtworkRS274D;
-      chosen.noCenter = false;
-      result = world.run(dir + "/" + path, chosen);
+      ImportOptions centred;
+      centred.noCenter = false;
+      result = world.run(dir + "/" + path, centred);
     }
     for (const auto& shown : world.reporting.prompts.shown)
       ADD_FAILURE() << "message: " << shown.prompt;
