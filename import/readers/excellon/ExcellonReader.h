@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -95,6 +96,8 @@ public:
 private:
   // Blocks walked between two looks at the clock.
   static constexpr size_t YieldBlocks = 4096;
+  // Holes that the check for holes standing inside one another looks at, at most.
+  static constexpr size_t SampledHoles = 4096;
 
   // A length in the format's unit, in store units, not rounded.
   double fileLength(const std::string& field) const;
@@ -103,11 +106,26 @@ private:
   double coordinate(const std::string& field) const;
   // The header between "M48" and its end; true when it names the unit.
   bool readHeader(const std::string& text);
+  bool applyStatedFormat(const std::string& text, std::string_view comments);
   // Whether the holes under the format as it stands fit a board: none metres away or apart, and
   // few with their centre inside a larger hole.
   bool plausible(const std::string& text) const;
   // Diameters for tools without one: from the comments, or from the program before an "M30".
   void completeToolSizes(std::vector<ToolEntry>& tools, std::string_view comments) const;
+
+  // The last text and format ApplyStatedFormat was asked about, and its answer.
+  struct StatedMemo {
+    size_t textHash = 0;
+    size_t commentsHash = 0;
+    ExcellonFormat format;
+    bool operator==(const StatedMemo&) const = default;
+  };
+  struct StatedAnswer {
+    StatedMemo asked;
+    ExcellonFormat format;
+    bool unitLineAhead = false;
+  };
+  std::optional<StatedAnswer> memo_;
 
   Store& store_;
   const SystemServices& services_;

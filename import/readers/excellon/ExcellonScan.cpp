@@ -161,6 +161,20 @@ void unitDigits(ExcellonFormat& f) {
 }  // namespace
 
 bool ExcellonReader::ApplyStatedFormat(const std::string& text, std::string_view comments) {
+  // The binding and the import scan a file again with the same text and format: the answer of
+  // the first time stands.
+  const StatedMemo asked{std::hash<std::string_view>()(text),
+                         std::hash<std::string_view>()(comments), format_};
+  if (memo_ && memo_->asked == asked) {
+    format_ = memo_->format;
+    return memo_->unitLineAhead;
+  }
+  const bool unitLineAhead = applyStatedFormat(text, comments);
+  memo_ = StatedAnswer{asked, format_, unitLineAhead};
+  return unitLineAhead;
+}
+
+bool ExcellonReader::applyStatedFormat(const std::string& text, std::string_view comments) {
   ExcellonFormat& f = format_;
   const StatedFormat stated = ReadStatedFormat(text, comments);
   if (stated.unit && *stated.unit != f.XYunit) {
@@ -241,36 +255,50 @@ bool ExcellonReader::plausible(const std::string& text) const {
   if (holes.size() < 2 || largest <= 0.0)
     return true;
 
-  // Drills do not stand inside one another: a reading that puts many a hole's centre inside
-  // another hole is off by a power of ten. Cells as wide as the largest hole find the neighbours.
+  // Drills do not stand inside one another: a reading that puts many a hole's centre inside a
+  // larger hole is off by a power of ten. The holes sorted by cells as wide as the largest hole
+  // find their neighbours; up to SampledHoles of them, spread over the file, are looked at.
   const double cell = 2.0 * largest;
-  const auto key = [cell](double x, double y) {
-    return (int64_t(std::floor(x / cell)) << 32) ^ (int64_t(std::floor(y / cell)) & 0xffffffff);
+  // A cell and a hole's index in one word, cells in the order of their rows: 20 bits each for
+  // the cell's column and row (the world is narrower than 2^20 cells of the smallest hole wider
+  // than 0.5 mm), 24 for the index.
+  constexpr int64_t Half = int64_t(1) << 19;
+  const auto cellKey = [&](Point p, int64_t dx, int64_t dy) {
+    const int64_t cx =
+        std::clamp(int64_t(std::floor(p.x / cell)) + dx + Half, int64_t(0), 2 * Half - 1);
+    const int64_t cy =
+        std::clamp(int64_t(std::floor(p.y / cell)) + dy + Half, int64_t(0), 2 * Half - 1);
+    return uint64_t(cx) << 44 | uint64_t(cy) << 24;
   };
-  std::unordered_map<int64_t, std::vector<size_t>> cells;
-  for (size_t i = 0; i < holes.size(); ++i)
-    cells[key(holes[i].centre.x, holes[i].centre.y)].push_back(i);
+  const size_t counted = std::min<size_t>(holes.size(), size_t(1) << 24);
+  std::vector<uint64_t> sorted(counted);
+  for (size_t i = 0; i < counted; ++i)
+    sorted[i] = cellKey(holes[i].centre, 0, 0) | i;
+  std::sort(sorted.begin(), sorted.end());
+  constexpr uint64_t IndexBits = (uint64_t(1) << 24) - 1;
+  const size_t stride = std::max<size_t>(1, counted / SampledHoles);
+  size_t looked = 0;
   size_t inside = 0;
-  for (const Drilled& hole : holes) {
+  for (size_t i = 0; i < counted; i += stride) {
+    ++looked;
+    const Drilled& hole = holes[i];
     bool found = false;
-    for (int dx = -1; dx <= 1 && !found; ++dx)
-      for (int dy = -1; dy <= 1 && !found; ++dy) {
-        const auto it = cells.find(key(hole.centre.x + dx * cell, hole.centre.y + dy * cell));
-        if (it == cells.end())
-          continue;
-        for (size_t j : it->second) {
-          const double d =
-              std::hypot(holes[j].centre.x - hole.centre.x, holes[j].centre.y - hole.centre.y);
-          if (d > 0.0 && d < holes[j].radius && holes[j].radius > hole.radius) {
-            found = true;
-            break;
-          }
+    for (int64_t dx = -1; dx <= 1 && !found; ++dx)
+      for (int64_t dy = -1; dy <= 1 && !found; ++dy) {
+        const uint64_t key = cellKey(hole.centre, dx, dy);
+        for (auto it = std::lower_bound(sorted.begin(), sorted.end(), key);
+             it != sorted.end() && (*it & ~IndexBits) == key && !found; ++it) {
+          const Drilled& other = holes[*it & IndexBits];
+          const double ddx = other.centre.x - hole.centre.x;
+          const double ddy = other.centre.y - hole.centre.y;
+          const double d2 = ddx * ddx + ddy * ddy;
+          found = d2 > 0.0 && other.radius > hole.radius && d2 < other.radius * other.radius;
         }
       }
     if (found)
       ++inside;
   }
-  return inside * 20 < holes.size();  // under 5%
+  return inside * 20 < looked;  // under 5%
 }
 
 int32_t ExcellonReader::ScanExcellonText(const std::string& text, std::vector<ToolEntry>& tools,
