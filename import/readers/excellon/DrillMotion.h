@@ -8,6 +8,7 @@
 #include "import/readers/excellon/ExcellonBlocks.h"
 #include "kernel/PlaneGeometry.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -66,8 +67,9 @@ public:
     if (!block[ExcellonBlock::R].empty() && !routing_) {
       // A repeat: the fields are the step, taken as often as R says from the last hole.
       const Point step{xs.empty() ? 0.0 : decode(xs), ys.empty() ? 0.0 : decode(ys)};
-      const int32_t count = toInt32(ToNumber(block[ExcellonBlock::R]));
-      for (int32_t i = 0; i < count && i < MaxRepeats; ++i) {
+      const int32_t count = std::min(toInt32(ToNumber(block[ExcellonBlock::R])), repeatsLeft_);
+      repeatsLeft_ -= std::max(count, 0);
+      for (int32_t i = 0; i < count; ++i) {
         position_ = {position_.x + step.x, position_.y + step.y};
         emit(DrillStroke{DrillStroke::Hole, position_, position_, {}, false, true});
       }
@@ -100,6 +102,7 @@ private:
   enum Interpolation { Move, Linear, Clockwise, CounterClockwise };
   static constexpr int32_t ZeroSet = 93;
   static constexpr int32_t DrilledSlot = 85;
+  // Repeats of one program, all blocks together: a file cannot make more holes by them.
   static constexpr int32_t MaxRepeats = 1000000;
 
   void followMachineCode(const std::string& m) {
@@ -188,6 +191,7 @@ private:
   bool toolDown_ = false;
   bool cutting_ = false;
   bool incremental_ = false;
+  int32_t repeatsLeft_ = MaxRepeats;
   Interpolation interpolation_ = Move;
   Point position_;
   Point origin_;

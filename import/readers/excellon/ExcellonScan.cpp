@@ -246,7 +246,8 @@ bool ExcellonReader::plausible(const std::string& text) const {
       widen(stroke.from.y, extents.MinY, extents.MaxY);
       widen(stroke.to.x, extents.MinX, extents.MaxX);
       widen(stroke.to.y, extents.MinY, extents.MaxY);
-      if (stroke.kind == DrillStroke::Hole && radius > 0.0)
+      if (stroke.kind == DrillStroke::Hole && radius > 0.0 && std::isfinite(stroke.from.x) &&
+          std::isfinite(stroke.from.y))
         holes.push_back({stroke.from, radius});
     });
   }
@@ -263,12 +264,12 @@ bool ExcellonReader::plausible(const std::string& text) const {
   // the cell's column and row (the world is narrower than 2^20 cells of the smallest hole wider
   // than 0.5 mm), 24 for the index.
   constexpr int64_t Half = int64_t(1) << 19;
+  const auto index = [cell](double v, int64_t step) {
+    const double limit = double(Half - 2);
+    return int64_t(std::clamp(std::floor(v / cell), -limit, limit)) + step + Half;
+  };
   const auto cellKey = [&](Point p, int64_t dx, int64_t dy) {
-    const int64_t cx =
-        std::clamp(int64_t(std::floor(p.x / cell)) + dx + Half, int64_t(0), 2 * Half - 1);
-    const int64_t cy =
-        std::clamp(int64_t(std::floor(p.y / cell)) + dy + Half, int64_t(0), 2 * Half - 1);
-    return uint64_t(cx) << 44 | uint64_t(cy) << 24;
+    return uint64_t(index(p.x, dx)) << 44 | uint64_t(index(p.y, dy)) << 24;
   };
   const size_t counted = std::min<size_t>(holes.size(), size_t(1) << 24);
   std::vector<uint64_t> sorted(counted);

@@ -40,14 +40,14 @@ TEST_F(FileInfoTest, ADrillFileReportsFormatToolsExtentsAndPads) {
                       "tools: 2\n  T1  0.80000 mm  0.031496 in  2 holes\n"
                       "  T2  1.00000 mm  0.039370 in  2 holes\nholes: 4\n"
                       "extents mm: x 1.00000 .. 20.00000, y -2.00000 .. 8.00000\n"
-                      "import: status 0, layer 31 Drill Template, pads 3 (placed 3, covered 1, "
-                      "without size 0, refused 0)\n");
+                      "import: status 0, layer 31 Drill Template, pads 3 (placed 3, slots 0, "
+                      "covered 1, without size 0, refused 0)\n");
   QJsonObject expected = parse(R"({"bytes": 86, "kind": 3, "recognisedKind": 3, "readable": true,
       "kindName": "Drilling EXCELLON Format Two", "messages": [], "excellon": {
       "extentsMm": {"maxX": 20, "maxY": 8, "minX": 1, "minY": -2}, "holes": 4,
       "format": {"decimalDigits": 3, "integerDigits": 3, "unit": "mm", "zeros": "TZ"},
       "import": {"covered": 1, "layer": 31, "layerName": "Drill Template", "pads": 3, "placed": 3,
-                 "refused": 0, "status": 0, "withoutSize": 0},
+                 "slots": 0, "refused": 0, "status": 0, "withoutSize": 0},
       "tools": [{"code": 1, "diameterInch": 0.031496, "diameterMm": 0.8, "holes": 2},
                 {"code": 2, "diameterInch": 0.03937, "diameterMm": 1, "holes": 2}]}})");
   expected["file"] = QString::fromStdString(path);
