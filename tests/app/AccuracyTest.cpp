@@ -7,6 +7,7 @@
 // lit, green where only the reference is.
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
+#include "support/LitPicture.h"
 
 #include <QDir>
 #include <QFile>
@@ -32,26 +33,11 @@ constexpr double FailShare = 0.02;  // above it a file fails
 constexpr double GoalShare = 0.005;
 constexpr int RenderTimeoutMs = 180000;
 
-// A picture cut at half intensity: 1 lit, 0 dark, row by row.
-struct Mask {
-  int width = 0;
-  int height = 0;
-  std::vector<uint8_t> lit;
-  uint8_t at(int x, int y) const { return lit[size_t(y) * size_t(width) + size_t(x)]; }
-};
+using Mask = tvx::test::LitPicture;
 
+// A picture cut at half intensity: 1 lit, 0 dark, row by row.
 Mask maskOf(const QImage& image) {
-  Mask mask;
-  mask.width = image.width();
-  mask.height = image.height();
-  mask.lit.resize(size_t(mask.width) * size_t(mask.height));
-  const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
-  for (int y = 0; y < mask.height; ++y) {
-    const QRgb* line = reinterpret_cast<const QRgb*>(rgb.constScanLine(y));
-    for (int x = 0; x < mask.width; ++x)
-      mask.lit[size_t(y) * size_t(mask.width) + size_t(x)] = qGray(line[x]) >= 128 ? 1 : 0;
-  }
-  return mask;
+  return tvx::test::litPictureOf(image, tvx::test::halfIntensity);
 }
 
 // For each pixel: 1 when a pixel of value `value` lies within a distance of 2 (the 13 pixels of

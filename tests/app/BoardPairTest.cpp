@@ -9,6 +9,7 @@
 // TVX_CORPUS_DIR chooses the corpus (support/CorpusPath.h).
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
+#include "support/LitPicture.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -38,29 +39,12 @@ constexpr double MarginMm = 2.0;
 constexpr double MaxPixels = 12e6;
 constexpr int TimeoutMs = 60000;
 
-// A picture as lit (1) and dark (0) pixels, row by row.
-struct LitPicture {
-  int width = 0;
-  int height = 0;
-  std::vector<uint8_t> lit;
-  bool at(int x, int y) const {
-    return x >= 0 && y >= 0 && x < width && y < height &&
-           lit[size_t(y) * size_t(width) + size_t(x)] != 0;
-  }
-};
+using tvx::test::LitPicture;
 
 // Lit is any pixel that is not the black background: in mono the copper is white, but the drill
 // layer keeps its own colour, which is not white.
 LitPicture litPictureOf(const QImage& image) {
-  LitPicture picture{image.width(), image.height(), {}};
-  picture.lit.resize(size_t(picture.width) * size_t(picture.height));
-  const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
-  for (int y = 0; y < picture.height; ++y) {
-    const QRgb* line = reinterpret_cast<const QRgb*>(rgb.constScanLine(y));
-    for (int x = 0; x < picture.width; ++x)
-      picture.lit[size_t(y) * size_t(picture.width) + size_t(x)] = (line[x] & 0xffffff) != 0;
-  }
-  return picture;
+  return tvx::test::litPictureOf(image, tvx::test::notBlack);
 }
 
 // One lit component: its centroid in pixels (pixel (x, y) covers x .. x + 1) and its size.
