@@ -169,15 +169,6 @@ LitPicture pictureOf(const std::vector<std::string>& rows) {
   return picture;
 }
 
-TEST(BoardPairMeasure, EveryPixelButTheBlackBackgroundIsLit) {
-  const QRgb colours[] = {qRgb(0, 0, 0), qRgb(160, 139, 95), qRgb(255, 255, 255), qRgb(0, 0, 1),
-                          qRgb(40, 0, 0)};
-  QImage image(5, 1, QImage::Format_RGB32);
-  for (int x = 0; x < 5; ++x)
-    image.setPixel(x, 0, colours[x]);
-  EXPECT_EQ(litPictureOf(image).lit, (std::vector<uint8_t>{0, 1, 1, 1, 1}));
-}
-
 TEST(BoardPairMeasure, HolesAreEightConnectedComponentsCentredOnTheirCentroid) {
   struct Case {
     const char* name;
@@ -256,25 +247,6 @@ TEST(BoardPairMeasure, AHoleInARingPadTouchesItsCopper) {
   EXPECT_TRUE(holes[0].touchesCopper);
   EXPECT_FALSE(holes[1].touchesCopper);
   EXPECT_EQ(holesOnCopper(holes, copper), 1);
-}
-
-TEST(BoardPairMeasure, TheRowsDpiIsLoweredOnlyForLargePictures) {
-  struct Case {
-    double rowDpi, widthMm, heightMm, dpi;
-  } cases[] = {
-      {1000, 30, 80, 1000},   // 1181 x 3150 pixels, 3.7 megapixels
-      {677, 73, 160, 677},    // 8.3 megapixels
-      {1000, 93, 95, 936},    // 13.7 megapixels at 1000 dpi, 12.0 at 936
-      {1000, 500, 500, 175},  // a misread file's window
-      {300, 25.4, 25.4, 300},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.rowDpi << " dpi, " << c.widthMm << " x " << c.heightMm);
-    const double dpi = renderDpi(c.rowDpi, c.widthMm, c.heightMm);
-    EXPECT_EQ(dpi, c.dpi);
-    EXPECT_LE(std::round(c.widthMm / 25.4 * dpi) * std::round(c.heightMm / 25.4 * dpi),
-              MaxPixels * 1.001);
-  }
 }
 
 TEST(BoardPairMeasure, APairFailsOnTooFewHolesOnCopperOrTooFewHoles) {
