@@ -29,6 +29,12 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+// A comment without its leading ";" characters and blanks.
+std::string_view commentText(std::string_view comment) {
+  const size_t start = comment.find_first_not_of(';');
+  return start == NotFound ? std::string_view() : trimmed(comment.substr(start));
+}
+
 template <typename T> void stateOnce(std::optional<T>& value, T stated) {
   if (!value)
     value = stated;
@@ -166,7 +172,7 @@ StatedFormat ReadStatedFormat(std::string_view blocks, std::string_view comments
     });
   }
   forEachBlock(comments, [&](std::string_view comment) {
-    comment = trimmed(comment.substr(comment.find_first_not_of(';')));
+    comment = commentText(comment);
     int32_t before = 0, after = 0;
     if (startsWith(comment, "FILE_FORMAT=")) {
       if (digitPair(comment.substr(12), before, after)) {
@@ -222,7 +228,7 @@ std::optional<int32_t> ZerosShownBy(const DigitEvidence& evidence) {
 std::map<int32_t, double> ToolSizesInComments(std::string_view comments, int32_t fileUnit) {
   std::map<int32_t, double> sizes;
   forEachBlock(comments, [&](std::string_view comment) {
-    comment = trimmed(comment.substr(comment.find_first_not_of(';')));
+    comment = commentText(comment);
     if (comment.size() < 2 || comment.front() != 'T' || !isDigit(comment[1]))
       return true;
     size_t end = 1;

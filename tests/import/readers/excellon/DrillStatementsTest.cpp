@@ -45,7 +45,7 @@ TEST(StatedFormat, UnitLinesAndCommentsStateUnitDigitsAndZeros) {
       {"M48|T1C0.1|%|T1|X1Y1|INCH|", "", {None, None, None, None, false}},
       {"M48|T1C0.1|%|T1|X1Y1|METRIC|M72|", "", {0, None, None, None, false}},
       // Malformed statements state nothing.
-      {"M48|%|", ";FILE_FORMAT=4|;FILE_FORMAT=A:B|;FORMAT={123:4}|", {}},
+      {"M48|%|", ";FILE_FORMAT=4|;FILE_FORMAT=A:B|;FORMAT={123:4}|;|;;;|", {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.blocks) + " " + c.comments);
@@ -77,7 +77,7 @@ TEST(StatedFormat, CoordinatesShowTheirZeroForm) {
 TEST(StatedFormat, ToolSizesInComments) {
   const char* comments =
       ";T01 HOLESIZE 1. = 8.000000 TOLERANCE = +2.000000/-2.000000 PLATED MILS QUANTITY = 18|"
-      ";T2 0.800MM|;T3 0.031|;TYPE=PLATED|;T4|;T5 HOLESIZE 5.|;T6 0.05 INCH|";
+      ";T2 0.800MM|;T3 0.031|;TYPE=PLATED|;T4|;T5 HOLESIZE 5.|;T6 0.05 INCH|;|;;|";
   const std::map<int32_t, double> inch = ToolSizesInComments(comments, 0);
   ASSERT_EQ(inch.size(), 4u);
   EXPECT_DOUBLE_EQ(inch.at(1), 0.2032);
