@@ -6,6 +6,7 @@
 // unload, resize) and MainImport.cpp (the file-open command and the host's files).
 #pragma once
 
+#include "platform/ViewerWorkFolder.h"
 #include "shell/ComponentContext.h"
 #include "shell/MenuFile.h"
 #include "shell/ViewerSettings.h"
@@ -255,6 +256,7 @@ private:
   std::unique_ptr<ColourSlots> colours_;
   std::unique_ptr<ViewRedraw> redraw_;
   std::unique_ptr<ImportSession> import_;
+  std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;
   FunctionTable functions_{};
   std::vector<std::string> startupFiles_;

@@ -73,6 +73,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
     cpDcId_ = 0;
     view_->setDevice(0);
     import_.reset();
+    workFolder_.reset();
     layersBuilt_ = false;
   }
   emit NotifyClass(ComponentName, ShutdownCommand);

@@ -6,6 +6,7 @@
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/UserStore.h"
+#include "platform/ViewerWorkFolder.h"
 #include "platform/widgets/HelpWindow.h"
 #include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowPlace.h"
@@ -110,8 +111,11 @@ void GBRVIEWER_MAIN::Form_Load() {
 
   // The working arrays and the job's file records start empty.
   import_ = std::make_unique<ImportSession>(kernel.store, services, context_.prompts);
-  if (const char* work = kernel.strings.E_GetString(WorkDirString))
-    import_->state.Job.WorkDirectory = work;
+  // The viewer's own folder in the work directory: another viewer on the same folder never sees
+  // its intermediate files.
+  const char* work = kernel.strings.E_GetString(WorkDirString);
+  workFolder_ = std::make_unique<ViewerWorkFolder>(work ? work : "");
+  import_->state.Job.WorkDirectory = workFolder_->path();
   positionWindow();
   resizeStartup_ = false;
 
