@@ -7,6 +7,7 @@
 #include "import/readers/excellon/ExcellonTestSupport.h"
 #include "platform/IniFile.h"
 #include "platform/SystemServices.h"
+#include "platform/ViewerWorkFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -87,6 +88,36 @@ TEST_F(ImportSessionTest, AFormatOneFileStartsFromWhatItStatesAndKeepsTheUsersCo
   EXPECT_EQ(session->excellonFormat, (ExcellonFormat{1, 3, 5, 0}));
   run(path);
   EXPECT_EQ(session->excellonFormat, (ExcellonFormat{1, 2, 5, 0}));
+}
+
+TEST(ImportSessionsSideBySide, TwoViewersOnOneWorkDirectoryDoNotSeeEachOthersFiles) {
+  // Two viewers on one work directory, each scanning its own board before either draws.
+  test::TempDir work;
+  const std::string boards[] = {TVX_SOURCE_DIR "/samples/demo-top.gbr",
+                                TVX_SOURCE_DIR "/samples/demo-silk-top.gbr"};
+  const auto alone = [](const std::string& path) {
+    test::ImportWorld world;
+    ImportOptions options;
+    options.layer = 3;
+    world.run(path, options);
+    return world.items(3).size();
+  };
+  test::ImportWorld worlds[2];
+  std::unique_ptr<ViewerWorkFolder> folders[2];
+  for (int i = 0; i < 2; ++i) {
+    folders[i] = std::make_unique<ViewerWorkFolder>(work.path().string());
+    ImportSession& session = *worlds[i].session;
+    session.state.Job.WorkDirectory = folders[i]->path();
+    session.startJob(boards[i], ImportKind::ArtworkRS274X);
+    ASSERT_EQ(session.applyFile(worlds[i].tables->Layers, true), ScanResult::Scanned);
+  }
+  for (int i = 0; i < 2; ++i) {
+    SCOPED_TRACE(boards[i]);
+    ImportSession& session = *worlds[i].session;
+    session.chooseLayer(worlds[i].tables->Layers, 3, true);
+    EXPECT_EQ(session.importBoundLayer(worlds[i].tables->Layers), 0);
+    EXPECT_EQ(worlds[i].items(3).size(), alone(boards[i]));
+  }
 }
 
 TEST_F(ImportSessionTest, AChosenKindSkipsRecognition) {
