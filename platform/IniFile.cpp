@@ -2,7 +2,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include <fcntl.h>
@@ -220,7 +222,27 @@ bool readWholeFile(const std::string& path, std::string& text) {
   return true;
 }
 
-bool writeFileAtomically(const std::string& path, const std::string& text) {
+namespace {
+
+std::function<void(AtomicWriteStep)> stepHook;
+
+void reach(AtomicWriteStep step) {
+  if (stepHook)
+    stepHook(step);
+}
+
+// "<file>.tmp-<process id>-XXXXXX": the temporaries of one writing process.
+std::string temporaryPrefix(const std::string& target) {
+  return target + ".tmp-" + std::to_string(::getpid()) + "-";
+}
+
+}  // namespace
+
+void setAtomicWriteStepHook(std::function<void(AtomicWriteStep)> hook) {
+  stepHook = std::move(hook);
+}
+
+int replaceFileAtomically(const std::string& path, const std::string& text) {
   // A link is followed, so that the file it names is replaced and the link stays.
   std::string target = path;
   if (char* resolved = ::realpath(path.c_str(), nullptr)) {
@@ -229,47 +251,97 @@ bool writeFileAtomically(const std::string& path, const std::string& text) {
   }
   struct stat old {};
   const bool existed = ::stat(target.c_str(), &old) == 0;
+  // A file the user made read-only is not replaced, whoever runs the viewer.
+  if (existed && (old.st_mode & S_IWUSR) == 0)
+    return EACCES;
 
-  std::string temporary = target + ".XXXXXX";
+  reach(AtomicWriteStep::Create);
+  std::string temporary = temporaryPrefix(target) + "XXXXXX";
   int fd = ::mkstemp(temporary.data());
   if (fd < 0)
-    return false;
-  bool ok = true;
+    return errno;
+  int error = 0;
+  const auto failed = [&error](bool ok) {
+    if (!ok && error == 0)
+      error = errno != 0 ? errno : EIO;
+    return !ok;
+  };
+  reach(AtomicWriteStep::Mode);
   if (existed)
-    ok = ::fchmod(fd, old.st_mode & 07777) == 0;
+    failed(::fchmod(fd, old.st_mode & 07777) == 0);
   else {
     mode_t mask = ::umask(0);
     ::umask(mask);
-    ok = ::fchmod(fd, 0666 & ~mask) == 0;
+    failed(::fchmod(fd, 0666 & ~mask) == 0);
   }
+  reach(AtomicWriteStep::Write);
   const char* data = text.data();
   size_t left = text.size();
-  while (ok && left > 0) {
+  while (error == 0 && left > 0) {
     ssize_t n = ::write(fd, data, left);
     if (n < 0 && errno == EINTR)
       continue;
     if (n <= 0) {
-      ok = false;
+      failed(false);
       break;
     }
     data += n;
     left -= size_t(n);
   }
-  ok = ok && ::fsync(fd) == 0;
-  ok = (::close(fd) == 0) && ok;
-  ok = ok && ::rename(temporary.c_str(), target.c_str()) == 0;
-  if (!ok) {
+  reach(AtomicWriteStep::Flush);
+  if (error == 0)
+    failed(::fsync(fd) == 0);
+  reach(AtomicWriteStep::Close);
+  failed(::close(fd) == 0);
+  reach(AtomicWriteStep::Rename);
+  if (error == 0)
+    failed(::rename(temporary.c_str(), target.c_str()) == 0);
+  if (error != 0) {
     ::unlink(temporary.c_str());
-    return false;
+    return error;
   }
   // The rename itself reaches the disk with the folder.
+  reach(AtomicWriteStep::FlushFolder);
   std::string folder = target.substr(0, target.find_last_of('/') + 1);
   int dirFd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
   if (dirFd >= 0) {
     ::fsync(dirFd);
     ::close(dirFd);
   }
-  return true;
+  return 0;
+}
+
+bool writeFileAtomically(const std::string& path, const std::string& text) {
+  return replaceFileAtomically(path, text) == 0;
+}
+
+void removeStaleTemporaries(const std::string& path, const std::function<bool(long)>& running) {
+  namespace fs = std::filesystem;
+  std::string target = path;
+  if (char* resolved = ::realpath(path.c_str(), nullptr)) {
+    target = resolved;
+    std::free(resolved);
+  }
+  const fs::path file(target);
+  const std::string prefix = file.filename().string() + ".tmp-";
+  std::error_code error;
+  for (fs::directory_iterator it(file.parent_path(), error), end; !error && it != end;
+       it.increment(error)) {
+    const std::string name = it->path().filename().string();
+    if (name.compare(0, prefix.size(), prefix) != 0)
+      continue;
+    const size_t dash = name.find('-', prefix.size());
+    if (dash == std::string::npos || dash == prefix.size())
+      continue;
+    const std::string digits = name.substr(prefix.size(), dash - prefix.size());
+    if (digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+      continue;
+    const long pid = std::stol(digits);
+    if (pid != long(::getpid()) && !running(pid)) {
+      std::error_code ignored;
+      fs::remove(it->path(), ignored);
+    }
+  }
 }
 
 }  // namespace tvx

@@ -1,6 +1,7 @@
 // A settings file in INI sections, kept line by line so that a write touches one line only.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -57,8 +58,19 @@ private:
 bool readWholeFile(const std::string& path, std::string& text);
 
 // Replaces the file's contents by text atomically: the text goes to a temporary file in the same
-// folder, which is flushed to disk and then renamed over the old file. On any failure the old file
-// is left untouched, the temporary is removed, and the result is false.
+// folder ("<file>.tmp-<process id>-XXXXXX"), which is flushed to disk and then renamed over the old
+// file. A file without write permission for its owner is not replaced (EACCES). On any failure the
+// old file is left untouched, the temporary is removed, and the result is the error number; 0 on
+// success.
+int replaceFileAtomically(const std::string& path, const std::string& text);
 bool writeFileAtomically(const std::string& path, const std::string& text);
+
+// Removes the temporaries that writers of this file left when their process died: those of
+// processes for which running gives false.
+void removeStaleTemporaries(const std::string& path, const std::function<bool(long)>& running);
+
+// The steps of a replacement, for tests that stop a writer at each of them.
+enum class AtomicWriteStep { Create, Mode, Write, Flush, Close, Rename, FlushFolder };
+void setAtomicWriteStepHook(std::function<void(AtomicWriteStep)> hook);
 
 }  // namespace tvx

@@ -1,4 +1,6 @@
 #include "platform/SystemServices.h"
+#include <cerrno>
+#include <csignal>
 
 #include "platform/IniFile.h"
 #include "platform/MarkGlyphs.h"
@@ -66,13 +68,34 @@ SystemServices::~SystemServices() { delete catalogue_; }
 void SystemServices::SetIniFile(const std::string& path) {
   iniFile_ = path;
   settings_->forget();
+  pending_.reset();
+  if (!path.empty())
+    removeStaleTemporaries(path,
+                           [](long pid) { return ::kill(pid_t(pid), 0) == 0 || errno == EPERM; });
+}
+
+void SystemServices::beginSettingsBatch() { ++batchDepth_; }
+
+int SystemServices::commitSettingsBatch() {
+  if (batchDepth_ == 0 || --batchDepth_ > 0)
+    return 0;
+  if (!pending_)
+    return 0;
+  const int error = replaceFileAtomically(iniFile_, pending_->text());
+  if (error == 0)
+    settings_->written(iniFile_, std::move(*pending_));
+  else
+    settings_->forget();
+  pending_.reset();
+  return error;
 }
 
 std::string SystemServices::GetIniString(const std::string& section, const std::string& key,
                                          const std::string& defaultValue) const {
   if (iniFile_.empty())
     return defaultValue;
-  std::optional<std::string> v = settings_->document(iniFile_).value(section, key);
+  const IniDocument& document = pending_ ? *pending_ : settings_->document(iniFile_);
+  std::optional<std::string> v = document.value(section, key);
   return v ? *v : defaultValue;
 }
 
@@ -81,6 +104,16 @@ void SystemServices::WriteIniString(const std::string& section, const std::strin
   status = 0;
   if (iniFile_.empty()) {
     status = 1;
+    return;
+  }
+  if (batchDepth_ > 0) {
+    // A batch starts from the file as it is at its first write and goes out whole at its commit.
+    if (!pending_) {
+      settings_->forget();
+      pending_ = settings_->document(iniFile_);
+    }
+    if (!pending_->setValue(section, key, value))
+      status = 1;
     return;
   }
   // Start from the file as it is now, so that keys written by others in between are kept.

@@ -1,8 +1,11 @@
 // The suite's service object: settings file, message catalogue, store units, questions.
 #pragma once
 
+#include "platform/IniFile.h"
+
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tvx {
@@ -29,9 +32,18 @@ public:
 
   std::string GetIniString(const std::string& section, const std::string& key,
                            const std::string& defaultValue) const;
-  // Writes one setting; status 0 on success, 1 when the file could not be written.
+  // Writes one setting; status 0 on success, 1 when the file could not be written. Inside a batch
+  // the setting only changes in memory (reads see it) until the batch is committed.
   void WriteIniString(const std::string& section, const std::string& key, const std::string& value,
                       int32_t& status);
+
+  // The writes of one save (an unload, a dialog's commit) go out together: from the start of a
+  // batch to its commit the settings change in memory, and the commit replaces the file once,
+  // atomically. Batches nest; the outermost commit writes. The commit gives 0, or the error number
+  // of the failed replacement, after which the file is as it was. Opening the settings file
+  // removes the temporaries of writers that died.
+  void beginSettingsBatch();
+  int commitSettingsBatch();
 
   // The catalogue's text for id, or defaultText when the catalogue has none.
   std::string LocalMessage(const std::string& defaultText, const std::string& id) const;
@@ -67,10 +79,36 @@ private:
   class Settings;
   UserPrompts* prompts_ = nullptr;
   Graphics* graphics_ = nullptr;
+  int batchDepth_ = 0;
+  std::optional<IniDocument> pending_;  // the settings of the open batch
   std::string iniFile_;
   int32_t unitsPerMm_ = 100000;
   Catalogue* catalogue_ = nullptr;
   std::unique_ptr<Settings> settings_;  // the settings file as last read or written
+};
+
+// A batch of settings writes for the length of a scope. commit() writes them and gives the error
+// number; a batch left without it is committed when it goes.
+class SettingsBatch {
+public:
+  explicit SettingsBatch(SystemServices& services) : services_(services) {
+    services_.beginSettingsBatch();
+  }
+  ~SettingsBatch() {
+    if (!committed_)
+      services_.commitSettingsBatch();
+  }
+  SettingsBatch(const SettingsBatch&) = delete;
+  SettingsBatch& operator=(const SettingsBatch&) = delete;
+
+  int commit() {
+    committed_ = true;
+    return services_.commitSettingsBatch();
+  }
+
+private:
+  SystemServices& services_;
+  bool committed_ = false;
 };
 
 }  // namespace tvx

@@ -1,5 +1,7 @@
 #include "platform/UserStore.h"
 
+#include "platform/SystemServices.h"
+
 #include <QSettings>
 #include <QString>
 
@@ -31,6 +33,18 @@ void QtUserStore::SaveSetting(const std::string& application, const std::string&
   settings->setValue(QString::fromStdString(key), QString::fromStdString(value));
   settings->endGroup();
   settings->sync();
+}
+
+std::string IniUserStore::GetSetting(const std::string& application, const std::string& section,
+                                     const std::string& key,
+                                     const std::string& defaultValue) const {
+  return services_.GetIniString(application + "." + section, key, defaultValue);
+}
+
+void IniUserStore::SaveSetting(const std::string& application, const std::string& section,
+                               const std::string& key, const std::string& value) {
+  int32_t status = 0;
+  services_.WriteIniString(application + "." + section, key, value, status);
 }
 
 std::string MemoryUserStore::GetSetting(const std::string& application, const std::string& section,

@@ -39,6 +39,24 @@ private:
   std::string file_;
 };
 
+class SystemServices;
+
+// A store in the service object's settings file, section "<application>.<section>": the values
+// follow the file the host names, and join the service object's settings batch, so that a window
+// place goes out with the settings of the same unload.
+class IniUserStore : public UserStore {
+public:
+  explicit IniUserStore(SystemServices& services) : services_(services) {}
+
+  std::string GetSetting(const std::string& application, const std::string& section,
+                         const std::string& key, const std::string& defaultValue) const override;
+  void SaveSetting(const std::string& application, const std::string& section,
+                   const std::string& key, const std::string& value) override;
+
+private:
+  SystemServices& services_;
+};
+
 // A store in memory, for tests.
 class MemoryUserStore : public UserStore {
 public:

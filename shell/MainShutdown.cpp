@@ -1,6 +1,8 @@
 // The close request, the unload, and the window's sizing.
 #include "shell/GBRVIEWER_MAIN.h"
 
+#include "common/FileLayer.h"
+
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -43,15 +45,22 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
   viewPicture_->removeEventFilter(this);
   if (!exitAnyWay_) {
     kernel.strings.E_SetString(ComponentName, "");
-    if (userStore_)
-      SaveWindowPlace(*userStore_, *this);
-
-    takeFromView(*view_, settings_);
-    settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;
-    settings_.GRID = kernel.graphics.G_GetGridMode(cpDcId_);
-    settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;
-    int32_t status = 0;
-    writeViewerSettings(status, context_.services, settings_);
+    {
+      // The settings of the unload, window place included, replace the file once: a viewer
+      // killed on the way leaves the old file or the new one, never a mix.
+      SettingsBatch batch(context_.services);
+      if (userStore_)
+        SaveWindowPlace(*userStore_, *this);
+      takeFromView(*view_, settings_);
+      settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;
+      settings_.GRID = kernel.graphics.G_GetGridMode(cpDcId_);
+      settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;
+      int32_t status = 0;
+      writeViewerSettings(status, context_.services, settings_);
+      if (const int error = batch.commit(); error != 0)
+        FileLayer(context_.services, &context_.prompts)
+            .ReportWriteError(context_.services.iniFile(), error);
+    }
 
     if (const QCursor* first = kernel.graphics.cursor(cursors_[0]))
       viewPicture_->setCursor(*first);

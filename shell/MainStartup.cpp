@@ -162,7 +162,11 @@ void GBRVIEWER_MAIN::positionWindow() {
   const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
   UserStore* store = userStore_;
   if (!store) {
-    ownUserStore_ = std::make_unique<QtUserStore>();
+    // With a settings file the window places go into it too; without one, to the desktop's store.
+    if (context_.services.iniFile().empty())
+      ownUserStore_ = std::make_unique<QtUserStore>();
+    else
+      ownUserStore_ = std::make_unique<IniUserStore>(context_.services);
     store = userStore_ = ownUserStore_.get();
   }
   const std::string name = objectName().toStdString();

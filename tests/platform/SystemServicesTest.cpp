@@ -319,6 +319,65 @@ TEST_F(IniSettings, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
       std::tuple(0, big, "value number 39"));
 }
 
+// A save of many keys that dies at any step of its one replacement leaves the old file or the new
+// one whole, and the next viewer to open the file removes the temporary it left.
+TEST_F(IniSettings, ASaveKilledAtAnyStepLeavesTheOldOrTheNewFileWhole) {
+  const std::string original = "[VIEW]\nUNIT=0\nZOOM=1\n";
+  const std::string saved = "[VIEW]\nUNIT=2\nZOOM=4\nGRID=1\n";
+  const auto save = [](SystemServices& services) {
+    SettingsBatch batch(services);
+    for (const auto& [key, value] : {std::pair{"UNIT", "2"}, {"ZOOM", "4"}, {"GRID", "1"}}) {
+      int32_t status = 0;
+      services.WriteIniString("VIEW", key, value, status);
+    }
+    return batch.commit();
+  };
+  for (AtomicWriteStep step :
+       {AtomicWriteStep::Create, AtomicWriteStep::Mode, AtomicWriteStep::Write,
+        AtomicWriteStep::Flush, AtomicWriteStep::Close, AtomicWriteStep::Rename,
+        AtomicWriteStep::FlushFolder}) {
+    SCOPED_TRACE(int(step));
+    writeFile(path_, original);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      setAtomicWriteStepHook([step](AtomicWriteStep reached) {
+        if (reached == step)
+          _exit(0);
+      });
+      SystemServices services;
+      services.SetIniFile(path_);
+      save(services);
+      _exit(3);  // the hook was never reached
+    }
+    int wstatus = 0;
+    ASSERT_EQ(waitpid(child, &wstatus, 0), child);
+    ASSERT_TRUE(WIFEXITED(wstatus) && WEXITSTATUS(wstatus) == 0);
+    const std::string after = readFile(path_);
+    EXPECT_EQ(after, step == AtomicWriteStep::FlushFolder ? saved : original);
+    // Opening the settings file cleans up; this process's own writes go through.
+    SystemServices next;
+    next.SetIniFile(path_);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir_.path().toStdString()), {}), 1)
+        << "a temporary of the dead writer is left";
+    EXPECT_EQ(save(next), 0);
+    EXPECT_EQ(readFile(path_), saved);
+  }
+}
+
+TEST_F(IniSettings, ABatchThatCannotBeWrittenSaysWhyAndChangesNothing) {
+  writeFile(path_, "[A]\nx=1\n");
+  fs::permissions(path_, fs::perms::owner_read | fs::perms::group_read);
+  SettingsBatch batch(services_);
+  EXPECT_EQ(write("A", "x", "2"), 0);
+  EXPECT_EQ(services_.GetIniString("A", "x", ""), "2");  // the batch's reads see its writes
+  // A read-only file is not replaced, also for the superuser.
+  EXPECT_EQ(batch.commit(), EACCES);
+  EXPECT_EQ(readFile(path_), "[A]\nx=1\n");
+  EXPECT_EQ(services_.GetIniString("A", "x", ""), "1");
+  fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write);
+}
+
 TEST(IniDocument, ValueEncodingRoundTripsThroughTheText) {
   for (const std::string& value : {std::string(""), std::string(" a"), std::string("a "),
                                    std::string("\"q\""), std::string("\"x"), std::string("\t")}) {

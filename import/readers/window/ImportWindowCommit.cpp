@@ -85,12 +85,18 @@ void ImportWindowModel::commit(const std::string& key, const std::string& cellTe
     return;
   }
   buildRows();
-  if (saved & 1)
-    SaveExcellonSettings(session_.services, session_.excellonFormat);
-  if (saved & 2)
-    SaveGerberSettings(session_.services, session_.gerberFormat);
-  if (saved & 4)
-    SaveDxfSettings(session_.services, session_.dxfFormat);
+  if (saved != 0) {
+    // One commit, one replacement of the settings file; a file that cannot take it says so.
+    SettingsBatch batch(session_.services);
+    if (saved & 1)
+      SaveExcellonSettings(session_.services, session_.excellonFormat);
+    if (saved & 2)
+      SaveGerberSettings(session_.services, session_.gerberFormat);
+    if (saved & 4)
+      SaveDxfSettings(session_.services, session_.dxfFormat);
+    if (const int error = batch.commit(); error != 0)
+      session_.files.ReportWriteError(session_.services.iniFile(), error);
+  }
   notify();
 }
 
