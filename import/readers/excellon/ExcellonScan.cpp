@@ -22,6 +22,9 @@ namespace {
 
 constexpr size_t NotFound = std::string_view::npos;
 
+// How many programs back a tool without a size looks for one of its number.
+constexpr int MaxProgramsBack = 1000;
+
 // Padding beyond this many digits cannot change a decoded value any more: right-padding a digit
 // other than 0 by so many zeros leaves the range of a double, which reads as 0.
 constexpr int64_t MaxPadding = 330;
@@ -383,9 +386,10 @@ void ExcellonReader::completeToolSizes(std::vector<ToolEntry>& tools,
     } else {
       // A program behind an "M30" that selects a tool it does not define drills with the size
       // that the same number had before.
-      for (int32_t code = tool.Code - int32_t(ProgramOffsetStep); code >= 0 && tool.Diameter == 0;
-           code -= int32_t(ProgramOffsetStep))
-        if (const auto size = sizes.find(code); size != sizes.end())
+      int64_t code = int64_t(tool.Code) - ProgramOffsetStep;
+      for (int programs = 0; code >= 0 && tool.Diameter == 0 && programs < MaxProgramsBack;
+           code -= ProgramOffsetStep, ++programs)
+        if (const auto size = sizes.find(int32_t(code)); size != sizes.end())
           tool.Diameter = size->second;
     }
   }
