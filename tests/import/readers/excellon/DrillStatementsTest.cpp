@@ -189,6 +189,12 @@ TEST_F(ExcellonTest, ToolDefinitionsAndSizesWhereverTheFileGivesThem) {
        ";T1 0.800MM|;T2 HOLESIZE 2. = 1.0|",
        4,
        {{1, 80000, 1, 1}, {2, 100000, 1, 1}}},
+      // A tool number at the limit of the table's field looks for no size before it.
+      {"a tool number at the limit",
+       "M48|INCH|T1C0.01|%|T-2147483648|X01Y01|",
+       "",
+       3,
+       {{1, 25400, 1, 0}, {INT32_MIN, 0, 1, 1}}},
       // A zero size stays a tool without a size, and a comment may give it one.
       {"zero diameter",
        "M48|METRIC|T1C0|T2C0.0|%|T1|X1Y1|T2|X2Y2|",
