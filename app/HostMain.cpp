@@ -20,12 +20,14 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSocketNotifier>
 #include <QString>
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
@@ -33,6 +35,7 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -159,11 +162,17 @@ int main(int argc, char* argv[]) {
   });
 
   std::vector<std::string> files;
-  // A name that is no file is told here and passed over, so that start-up shows no box for it.
+  // A name that is no file is told here, with the reason, and passed over, so that start-up shows
+  // no box for it.
   for (const QString& file : parser.positionalArguments()) {
     const QFileInfo info(file);
     if (!info.isFile()) {
-      std::fprintf(stderr, "tarvex-gbrviewer: %s: no such file\n", qPrintable(file));
+      struct stat status {};
+      const int error = ::stat(QFile::encodeName(file).constData(), &status) != 0 ? errno : 0;
+      const char* reason = error != 0                ? std::strerror(error)
+                           : S_ISDIR(status.st_mode) ? "is a folder, not a file"
+                                                     : "is not a plain file";
+      std::fprintf(stderr, "tarvex-gbrviewer: %s: %s\n", qPrintable(file), reason);
       continue;
     }
     files.push_back(info.absoluteFilePath().toStdString());

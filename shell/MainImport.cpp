@@ -137,7 +137,10 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   M_FSI_Click(1);
   if (displayFile) {
     EditMsgLine(std::string());  // the reading is over
-    askToDisplayFile(path, false);
+    // An unreadable file has been named by the file layer and an empty one is named empty;
+    // only a file of text of no kind is offered as text.
+    if (import_->reportRefusal(path))
+      askToDisplayFile(path, true);
   }
 }
 

@@ -191,7 +191,9 @@ int runInfoCommand(const std::string& path, bool json, std::string& out, std::st
   }
   out = json ? fileInfoJson(info) : fileInfoText(info);
   if (info.failed()) {
-    std::string reason = "import failed";
+    std::string reason = info.bytes == 0                    ? "the file is empty"
+                         : info.kind == ImportKind::Unknown ? "not a file that gbrview reads"
+                                                            : "import failed";
     for (const std::string& message : info.messages)
       reason += ": " + message;
     err = "gbrview: " + path + ": " + reason + "\n";

@@ -83,7 +83,10 @@ struct FileInfo {
   std::vector<std::string> messages;
 
   // True when the file could not be read or its import failed.
-  bool failed() const { return !readable || ((excellon || gerber) && importStatus != 0); }
+  // A file that gbrview does not read (unreadable, empty or of no kind) fails, as in render.
+  bool failed() const {
+    return !readable || kind == ImportKind::Unknown || ((excellon || gerber) && importStatus != 0);
+  }
 };
 
 // Reads and scans a file on its own store and layers, with the import settings' defaults, and

@@ -259,10 +259,18 @@ RenderOutcome renderFiles(const RenderOptions& options) {
                                  " was not written");
       return outcome;
     }
+    // The drawing of the files is too large for a picture: a fault of the files, not of the
+    // arguments.
     std::string error;
     grid = renderGridOf(*window, options.dpi, error);
-    if (!grid)
-      return badOptions(error);
+    if (!grid) {
+      std::string names;
+      for (const std::string& file : options.files)
+        names += (names.empty() ? "" : ", ") + file;
+      outcome.exitCode = 1;
+      outcome.messages.push_back("gbrview: " + names + ": " + error);
+      return outcome;
+    }
   }
 
   // The layers of this run, the drill template on top so that its holes lie over the artwork.

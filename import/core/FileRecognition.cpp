@@ -500,10 +500,14 @@ bool FileRecogniser::LoadWholeFile(const std::string& path, std::string& text) {
 
 ImportKind FileRecogniser::RecogniseFile(const std::string& path) {
   std::string text;
+  refusal = Refusal::Unreadable;
   if (!LoadWholeFile(path, text))
     return ImportKind::Unknown;
   YieldClock clock(yield);
   const ImportKind kind = recogniseText(text, clock);
+  refusal = kind != ImportKind::Unknown ? Refusal::None
+            : text.empty()              ? Refusal::Empty
+                                        : Refusal::Unrecognised;
   if (kind == ImportKind::ArtworkRS274X && gerberUnit)
     *gerberUnit = 0;
   return kind;

@@ -91,6 +91,14 @@ ImportKind SecondChanceHpgl(std::string_view text);
 // found wins. An empty text is Unknown.
 ImportKind recogniseText(std::string_view text, YieldClock& clock);
 
+// Why a file has no kind.
+enum class Refusal {
+  None,          // it has one
+  Unreadable,    // it could not be read; the file layer has said why
+  Empty,         // it holds nothing
+  Unrecognised,  // its text is of no kind the viewer reads
+};
+
 // Reads files whole and recognises them. Messages of failed reads come from the file layer.
 class FileRecogniser {
 public:
@@ -109,8 +117,10 @@ public:
   // be opened or read gives false, an empty text and the file layer's read message.
   bool LoadWholeFile(const std::string& path, std::string& text);
 
-  // The kind of the file by its text; Unknown for an unreadable or unrecognised file.
+  // The kind of the file by its text; Unknown for an unreadable or unrecognised file, with the
+  // reason in refusal.
   ImportKind RecogniseFile(const std::string& path);
+  Refusal refusal = Refusal::None;
 
 private:
   FileLayer& files_;

@@ -46,7 +46,7 @@ template <typename... P> constexpr StatusEntry entry(int32_t status, int icon, P
 
 constexpr Piece outsideLimits = cat("62385", "Coordinates outside limits");
 
-constexpr std::array<StatusEntry, 21> StatusTable = {{
+constexpr std::array<StatusEntry, 22> StatusTable = {{
     entry(StatusReported, critical, cat("62379", "Range Error - format:"), digits),
     entry(StatusIncorrectFormat, exclamation, cat("62380", "Artwork File - Incorrect format")),
     entry(StatusNoVectorFont, exclamation,
@@ -79,6 +79,7 @@ constexpr std::array<StatusEntry, 21> StatusTable = {{
     entry(StatusNoRotationPoints, exclamation, cat("62401", "Set Point(s) to define rotation.")),
     entry(StatusOutOfRange, exclamation, cat("62402", "Out of Range"), name),
     entry(StatusNothingToImport, exclamation, cat("151219", "Nothing to import"), name),
+    entry(StatusEmptyFile, exclamation, name, lit(" - "), cat("loc", "the file is empty")),
 }};
 
 constexpr StatusEntry UnknownStatus = entry(0, critical, cat("62403", "Unknown Error"));

@@ -29,6 +29,7 @@ enum StatusCode : int32_t {
   StatusNoRotationPoints = 2001,
   StatusOutOfRange = 2002,
   StatusNothingToImport = 3000,
+  StatusEmptyFile = 3001,  // name + " - the file is empty"
 };
 
 }  // namespace tvx

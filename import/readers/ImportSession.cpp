@@ -52,7 +52,24 @@ ImportKind ImportSession::recognise(const std::string& path, const MessageLine& 
   recogniser.editMsgLine = editMsgLine;
   recogniser.yield = yield;
   recogniser.gerberUnit = &gerberFormat.Unit;
-  return recogniser.RecogniseFile(path);
+  const ImportKind kind = recogniser.RecogniseFile(path);
+  lastRefusal = recogniser.refusal;
+  return kind;
+}
+
+bool ImportSession::reportRefusal(const std::string& path) {
+  switch (lastRefusal) {
+  case Refusal::Unreadable:
+    return false;
+  case Refusal::Empty:
+    reporter.ReportStatus(StatusEmptyFile, path);
+    return false;
+  case Refusal::None:
+  case Refusal::Unrecognised:
+    break;
+  }
+  reporter.ReportStatus(StatusNotSupported, path);
+  return true;
 }
 
 void ImportSession::startJob(const std::string& path, ImportKind kind) {
@@ -134,10 +151,12 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   ImportKind kind = options.kind;
   if (kind == ImportKind::Unknown)
     kind = recognise(path, options.editMsgLine, options.yield);
+  else
+    lastRefusal = Refusal::None;
   startJob(path, kind);
   result.kind = kind;
   if (kind == ImportKind::Unknown) {
-    reporter.ReportStatus(StatusNotSupported, path);
+    reportRefusal(path);
     return result;
   }
   ImportJob& job = state.Job;
@@ -186,7 +205,7 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
       single.layer = BoardOutlineLayer;
     }
     if (single.kind == ImportKind::Unknown)
-      reporter.ReportStatus(StatusNotSupported, path);
+      reportRefusal(path);
     else if (!result.noFreeLayer)
       result = importFile(layers, path, single);
     if (result.status == StatusOk && result.layer != 0)

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "common/FileLayer.h"
+#include "import/core/FileRecognition.h"
 #include "import/core/ImportDriver.h"
 #include "import/core/ImportJob.h"
 #include "import/core/ReportStatus.h"
@@ -60,6 +61,13 @@ public:
   // by the file layer).
   ImportKind recognise(const std::string& path, const MessageLine& editMsgLine = {},
                        const std::function<void()>& yield = {});
+
+  // Why the last recognised file has no kind.
+  Refusal lastRefusal = Refusal::None;
+  // Says why a file has no kind, once: an empty file is named empty, an unrecognised one is not
+  // supported (status 93); an unreadable one the file layer has named already. True when the
+  // file may be offered as text (it is readable and not empty).
+  bool reportRefusal(const std::string& path);
 
   // A new job for path: nothing of the last file's scan or layer choice stays.
   void startJob(const std::string& path, ImportKind kind);

@@ -78,12 +78,19 @@ protected:
 };
 
 TEST_F(HostTest, ExitCommandEndsTheHostWithTheShutdownLine) {
-  start({"first.gbr", "second.drl"});  // files are accepted
+  // Names that are no files are passed over, each with its reason.
+  const QString longName = home.filePath(QString(300, 'a'));
+  start({"first.gbr", home.path(), longName});
   host.write("All,EX\n");
   ASSERT_TRUE(host.waitForFinished(20000));
   EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(host.exitCode(), 0);
   EXPECT_EQ(host.readAllStandardOutput().toStdString(), "TVNGBRVIEWER\tSHUTDOWN\n");
+  const std::string err = host.readAllStandardError().toStdString();
+  for (const std::string& said :
+       {std::string("first.gbr: No such file or directory"),
+        home.path().toStdString() + ": is a folder", std::string("aaaa: File name too long")})
+    EXPECT_NE(err.find(said), std::string::npos) << err;
   // The host prepared the settings and work folders below the XDG folders.
   EXPECT_TRUE(QFileInfo(home.filePath("config/tarvex")).isDir());
   EXPECT_TRUE(QFileInfo(home.filePath("cache/tarvex")).isDir());
@@ -99,7 +106,12 @@ TEST_F(HostTest, RefusedCloseKeepsRunningUntilAskedAgain) {
   ASSERT_TRUE(host.waitForFinished(20000));
   EXPECT_EQ(host.exitCode(), 0);
   EXPECT_EQ(host.readAllStandardOutput().toStdString(), "TVNGBRVIEWER\tSHUTDOWN\n");
-  EXPECT_TRUE(QFileInfo(home.filePath("own")).isDir());
+  // The window's place went into the settings file the host was given, with the settings.
+  QFile settings(home.filePath("own/settings.ini"));
+  ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+  const QByteArray text = settings.readAll();
+  EXPECT_TRUE(text.contains("[Tarvex.TVNGBRVIEWER]") && text.contains("[GBRVIEWER]"))
+      << text.data();
 }
 
 TEST_F(HostTest, UnknownOptionIsRefusedBeforeAnyWindow) {

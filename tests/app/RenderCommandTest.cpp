@@ -130,6 +130,29 @@ TEST_F(RenderCommandTest, AFailingFileIsNamedAndTheOthersStillRender) {
   EXPECT_EQ(run.err.find("board.drl"), std::string::npos) << run.err;
   EXPECT_TRUE(QImage(png).width() > 0);
 
+  // Each fault of a file is exit 1 with one message naming the file, never the usage text.
+  const struct {
+    QString file;
+    const char* message;
+    bool infoFails;  // a file that cannot be read fails info too; one too large to draw does not
+  } faults[] = {
+      {write("empty.gbr", ""), "empty.gbr - the file is empty", true},
+      {missing, "Can't read file: ", true},
+      {folder.path(), "Can't read file: ", true},
+      // An aperture 2 m wide: the picture of its drawing would pass the size limit.
+      {write("huge.gbr", "%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,80.0*%\nD10*\nX0Y0D03*\nM02*\n"),
+       "huge.gbr: the picture would be", false},
+  };
+  for (const auto& fault : faults) {
+    SCOPED_TRACE(fault.file.toStdString());
+    const test::ProcessRun one = test::runGbrview({"render", "-o", png, fault.file});
+    EXPECT_EQ(one.exitCode, 1);
+    EXPECT_NE(one.err.find(fault.message), std::string::npos) << one.err;
+    EXPECT_EQ(one.err.find("not supported"), std::string::npos) << one.err;
+    EXPECT_EQ(one.err.find("usage"), std::string::npos) << one.err;
+    EXPECT_EQ(test::runGbrview({"info", fault.file}).exitCode, fault.infoFails ? 1 : 0);
+  }
+
   // With nothing that renders there is no picture at all.
   const QString none = folder.filePath("none.png");
   const test::ProcessRun nothing = test::runGbrview({"render", "-o", none, text});

@@ -190,8 +190,8 @@ void ImportWindowModel::M_FileSelect() {
     if (mainWindow_.setBusyPointer)
       mainWindow_.setBusyPointer(false);
     // ApplyFile has asked for the text of a file it rejected; an unrecognised one asks here.
-    if (found == ImportKind::Unknown && mainWindow_.setDisplayFile)
-      mainWindow_.setDisplayFile(false);
+    if (found == ImportKind::Unknown && session_.reportRefusal(path) && mainWindow_.setDisplayFile)
+      mainWindow_.setDisplayFile(true);
     cmdClose();
     return;
   }

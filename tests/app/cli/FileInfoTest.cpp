@@ -134,30 +134,30 @@ TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
       "stepRepeat": [{"copiesX": 2, "copiesY": 3, "stepXMm": 5, "stepYMm": 4}]})"));
 }
 
-TEST_F(FileInfoTest, OtherFilesReportTheirKindOnly) {
+TEST_F(FileInfoTest, OtherFilesReportTheirKindOnlyAndFailAsInRender) {
   struct Case {
     const char* text;
-    int kind;
-    const char* name;
+    const char* error;
   } cases[] = {
-      {"just some words\n", 0, "unknown file"},
-      {"", 0, "unknown file"},
+      {"just some words\n", "not a file that gbrview reads"},
+      {"", "the file is empty"},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text);
     const FileInfo info = gatherFileInfo(folder.write("other.txt", c.text));
     EXPECT_FALSE(info.excellon);
-    EXPECT_FALSE(info.failed());
+    EXPECT_TRUE(info.failed());
     const std::string text = fileInfoText(info);
-    EXPECT_NE(text.find("kind: " + std::to_string(c.kind) + " " + c.name + "\n"), std::string::npos)
-        << text;
+    EXPECT_NE(text.find("kind: 0 unknown file\n"), std::string::npos) << text;
     EXPECT_EQ(text.find("tools:"), std::string::npos);
     const QJsonObject json = parse(fileInfoJson(info));
-    EXPECT_EQ(json["kind"].toInt(), c.kind);
+    EXPECT_EQ(json["kind"].toInt(), 0);
     EXPECT_FALSE(json.contains("excellon"));
+    // The report is printed, and the exit code and message are render's.
     std::string out, err;
-    EXPECT_EQ(runInfoCommand(info.path, false, out, err), 0);
-    EXPECT_EQ(err, "");
+    EXPECT_EQ(runInfoCommand(info.path, false, out, err), 1);
+    EXPECT_EQ(out, text);
+    EXPECT_EQ(err, "gbrview: " + info.path + ": " + c.error + "\n");
   }
 }
 
