@@ -13,6 +13,8 @@
 
 #include <QTemporaryDir>
 
+#include <filesystem>
+
 #include <map>
 #include <memory>
 #include <string_view>
@@ -155,14 +157,13 @@ FileInfo gatherFileInfo(const std::string& path) {
   {
     FileLayer files(services, &prompts);
     FileRecogniser recogniser(files, services);
-    std::string text;
-    info.readable = recogniser.LoadWholeFile(path, text);
+    info.recognisedKind = recogniser.RecogniseFile(path);
+    info.readable = recogniser.refusal != Refusal::Unreadable;
     takeMessages(prompts, 0, true, info.messages);
     if (!info.readable)
       return info;
-    info.bytes = static_cast<int64_t>(text.size());
-    YieldClock clock;
-    info.recognisedKind = recogniseText(text, clock);
+    std::error_code error;
+    info.bytes = static_cast<int64_t>(std::filesystem::file_size(path, error));
   }
   info.kind = info.recognisedKind;
   if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind)) {

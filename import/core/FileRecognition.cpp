@@ -458,7 +458,36 @@ ImportKind recogniseText(std::string_view text, YieldClock& clock) {
   return ImportKind::Unknown;
 }
 
+namespace {
+
+// How much of a large file is looked at before the rest is read.
+constexpr std::uintmax_t PrefixBytes = 1 << 20;
+
+// A prefix of binary content that no test can take: more than one byte in a hundred is a control
+// character (the Gerber and drill tests refuse any), it is no binary drawing file, and the plotter
+// test, the one test that reads past such bytes, finds no plotter commands in it.
+bool refusedByPrefix(std::string_view prefix) {
+  size_t control = 0;
+  for (const char c : prefix) {
+    const auto b = static_cast<unsigned char>(c);
+    if (b < 32 && b != '\t' && b != '\n' && b != '\r' && b != 12 && b != 26 && b != 27)
+      ++control;
+  }
+  if (control * 100 <= prefix.size())
+    return false;
+  if (prefix.substr(0, 18) == "AutoCAD Binary DXF")
+    return false;
+  return IsHpgl(prefix) == ImportKind::Unknown;
+}
+
+}  // namespace
+
 bool FileRecogniser::LoadWholeFile(const std::string& path, std::string& text) {
+  return load(path, text, false);
+}
+
+bool FileRecogniser::load(const std::string& path, std::string& text, bool mayRefuseEarly) {
+  refusedEarly_ = false;
   text.clear();
   if (editMsgLine)
     editMsgLine(path + " " + services_.LocalMessage("Processing", "62441"));
@@ -488,8 +517,22 @@ bool FileRecogniser::LoadWholeFile(const std::string& path, std::string& text) {
     files_.CloseFile(false, handle, path);
     return false;
   }
-  if (length > 0)
+  if (mayRefuseEarly && length > PrefixBytes) {
+    // A large file of binary content is refused on its first megabyte: the rest is never read.
+    files_.ReadCharacters(status, handle, text, static_cast<int32_t>(PrefixBytes));
+    if (status == 0 && refusedByPrefix(text)) {
+      files_.CloseFile(false, handle, path);
+      text.clear();
+      refusedEarly_ = true;
+      return true;
+    }
+    std::string rest;
+    if (status == 0)
+      files_.ReadCharacters(status, handle, rest, static_cast<int32_t>(length - PrefixBytes));
+    text += rest;
+  } else if (length > 0) {
     files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
+  }
   files_.CloseFile(false, handle, path);
   if (status != 0) {
     text.clear();
@@ -501,8 +544,12 @@ bool FileRecogniser::LoadWholeFile(const std::string& path, std::string& text) {
 ImportKind FileRecogniser::RecogniseFile(const std::string& path) {
   std::string text;
   refusal = Refusal::Unreadable;
-  if (!LoadWholeFile(path, text))
+  if (!load(path, text, true))
     return ImportKind::Unknown;
+  if (refusedEarly_) {
+    refusal = Refusal::Unrecognised;
+    return ImportKind::Unknown;
+  }
   YieldClock clock(yield);
   const ImportKind kind = recogniseText(text, clock);
   refusal = kind != ImportKind::Unknown ? Refusal::None

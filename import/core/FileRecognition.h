@@ -123,8 +123,13 @@ public:
   Refusal refusal = Refusal::None;
 
 private:
+  // Reads the file; with mayRefuseEarly a file of more than a megabyte whose first megabyte no
+  // test can take is not read further (refusedEarly_, an empty text and true).
+  bool load(const std::string& path, std::string& text, bool mayRefuseEarly);
+
   FileLayer& files_;
   const SystemServices& services_;
+  bool refusedEarly_ = false;
 };
 
 }  // namespace tvx

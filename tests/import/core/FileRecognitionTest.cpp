@@ -352,6 +352,40 @@ TEST_F(FileRecogniserTest, KindsOfFilesWithEmptyAndBinaryContents) {
   EXPECT_TRUE(prompts_.shown.empty());
 }
 
+// Files over a megabyte whose first megabyte is binary: refused on it unless a test could still
+// take them (a binary drawing file, plotter commands among device codes), and the refusal never
+// takes a file that the whole text would give a kind.
+TEST_F(FileRecogniserTest, LargeBinaryFilesAreJudgedByTheirFirstMegabyte) {
+  std::string noise(1 << 21, '\0');
+  uint32_t state = 7;
+  for (char& c : noise) {
+    state = state * 1664525u + 1013904223u;
+    c = static_cast<char>(state >> 24);
+  }
+  std::string devices(1 << 21, '\x01');  // control bytes of a plotter's device sequences
+  struct LargeCase {
+    const char* name;
+    std::string bytes;
+    ImportKind kind;
+    Refusal refusal;
+  } cases[] = {
+      {"noise", noise, ImportKind::Unknown, Refusal::Unrecognised},
+      {"noise with drawing codes beyond the first megabyte", noise + "X1Y1D02*X2D01*M02*\n",
+       ImportKind::Unknown, Refusal::Unrecognised},
+      {"binary drawing file", "AutoCAD Binary DXF\r\n\x1a" + devices + "\nENTITIES\n",
+       ImportKind::Dxf, Refusal::None},
+      {"plotter commands among device codes", "IN;SP1;PU0,0;PD100,0;" + devices, ImportKind::Hpgl,
+       Refusal::None},
+      {"large text", std::string(1 << 21, '\n') + "X1Y1D02*X2D01*M02*\n", ImportKind::ArtworkRS274D,
+       Refusal::None},
+  };
+  for (const LargeCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(recogniser_.RecogniseFile(dir_.write("large.bin", c.bytes)), c.kind);
+    EXPECT_EQ(recogniser_.refusal, c.refusal);
+  }
+}
+
 const std::string CorpusDir = test::corpusDir();
 
 // Kinds that a format of the manifest implies. Aperture tables and the rest are no import files.
