@@ -8,6 +8,7 @@
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
 #include "support/LitPicture.h"
+#include "support/TabTable.h"
 
 #include <QDir>
 #include <QFile>
@@ -167,12 +168,8 @@ struct ReferenceRow {
 
 void PrintTo(const ReferenceRow& row, std::ostream* out) { *out << row.relpath; }
 
-std::vector<std::string> splitTabs(const std::string& line) {
-  std::vector<std::string> fields;
-  for (const QString& field : QString::fromStdString(line).split('\t'))
-    fields.push_back(field.toStdString());
-  return fields;
-}
+using tvx::test::splitTabs;
+using tvx::test::uniqueTestName;
 
 // The rows of REFERENCE.tsv, or one row without a file when there is no table.
 std::vector<ReferenceRow> referenceRows() {
@@ -193,8 +190,6 @@ std::vector<ReferenceRow> referenceRows() {
   };
   std::map<std::string, int> namesUsed;
   while (in && std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r')
-      line.pop_back();
     const std::vector<std::string> f = splitTabs(line);
     ReferenceRow row;
     row.relpath = field(f, "relpath");
@@ -205,12 +200,7 @@ std::vector<ReferenceRow> referenceRows() {
     row.window =
         field(f, "x0") + "," + field(f, "y0") + "," + field(f, "x1") + "," + field(f, "y1");
     row.note = field(f, "note");
-    std::string name = std::filesystem::path(row.relpath).filename().string();
-    for (char& c : name)
-      if (!std::isalnum(static_cast<unsigned char>(c)))
-        c = '_';
-    const int n = namesUsed[name]++;
-    row.testName = n > 0 ? name + "_" + std::to_string(n + 1) : name;
+    row.testName = uniqueTestName(row.relpath, namesUsed);
     rows.push_back(row);
   }
   if (rows.empty())

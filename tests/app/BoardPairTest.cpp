@@ -10,6 +10,7 @@
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
 #include "support/LitPicture.h"
+#include "support/TabTable.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -300,16 +301,8 @@ struct PairRow {
 
 void PrintTo(const PairRow& row, std::ostream* out) { *out << row.drill; }
 
-std::vector<std::string> splitTabs(std::string line) {
-  if (!line.empty() && line.back() == '\r')
-    line.pop_back();
-  std::vector<std::string> fields;
-  size_t from = 0;
-  for (size_t tab; (tab = line.find('\t', from)) != std::string::npos; from = tab + 1)
-    fields.push_back(line.substr(from, tab - from));
-  fields.push_back(line.substr(from));
-  return fields;
-}
+using tvx::test::splitTabs;
+using tvx::test::uniqueTestName;
 
 std::string fileName(const std::string& path) {
   return std::filesystem::path(path).filename().string();
@@ -351,12 +344,7 @@ std::vector<PairRow> pairRows() {
     row.dpi = std::atof(named(f, "dpi").c_str());
     if (const std::string count = field(f, independentHolesColumn); !count.empty())
       row.independentHoles = std::atoll(count.c_str());
-    std::string name = fileName(row.drill);
-    for (char& c : name)
-      if (!std::isalnum(static_cast<unsigned char>(c)))
-        c = '_';
-    const int n = namesUsed[name]++;
-    row.testName = n > 0 ? name + "_" + std::to_string(n + 1) : name;
+    row.testName = uniqueTestName(row.drill, namesUsed);
     rows.push_back(row);
   }
   if (rows.empty())
