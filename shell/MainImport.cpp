@@ -160,9 +160,11 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
     const bool ok = result.status == StatusOk && result.layer != 0;
     if (!failed) {
       const std::string name = result.layer != 0 ? tables_->layer(result.layer).DisplayName : path;
-      outcome = name + " " +
-                (ok ? context_.services.LocalMessage("Import successful", "62320")
-                    : context_.services.LocalMessage("Import failed", "62319"));
+      outcome =
+          outcomeWithNotes(name + " " +
+                               (ok ? context_.services.LocalMessage("Import successful", "62320")
+                                   : context_.services.LocalMessage("Import failed", "62319")),
+                           result.notes);
     }
     failed = failed || !ok;
     if (!ok)

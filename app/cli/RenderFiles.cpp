@@ -236,6 +236,9 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   batch.afterEach = [&](const std::string& path, const ImportResult& result) {
     const bool ok = result.status == 0 && result.layer != 0;
     takeMessages(prompts, before, path, outcome.messages);
+    // What was dropped or cut is said, the exit code stays.
+    for (const std::string& note : result.notes)
+      outcome.messages.push_back("gbrview: " + path + ": " + note);
     if (!ok) {
       failed = true;
       if (prompts.shown.size() == before) {

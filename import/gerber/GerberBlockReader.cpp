@@ -5,6 +5,7 @@
 #include "import/core/FileRecognition.h"
 #include "import/gerber/ParameterBlocks.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tvx {
@@ -66,6 +67,7 @@ void GerberBlockReader::reset(Refill refill, std::function<void()> progress) {
   consumedBefore_ = 0;
   untilCheck_ = CheckInterval;
   atEnd_ = false;
+  programEnded_ = false;
   clearLetters();
   foreign_ = 0;
   inComment_ = false;
@@ -98,6 +100,17 @@ bool GerberBlockReader::refill(int32_t& status) {
   return true;
 }
 
+void GerberBlockReader::noteEnd() {
+  parameters_.NoteOffset = consumed();
+  const bool openBlock = inParameter_ || inComment_ ||
+                         std::any_of(letters_.begin(), letters_.end(),
+                                     [](const LetterText& l) { return l.length > 0; });
+  if (openBlock)
+    parameters_.note("the file ends inside a block, which is dropped");
+  else if (!programEnded_)
+    parameters_.note("the file ends without M02");
+}
+
 void GerberBlockReader::clearLetters() {
   for (LetterText& letter : letters_)
     letter.length = 0;
@@ -108,6 +121,8 @@ void GerberBlockReader::ReadBlock(int32_t& status) {
   for (;;) {
     if (pos_ >= piece_.size() && !refill(status)) {
       Operation = operation::Stop;
+      if (status == 0)
+        noteEnd();
       return;
     }
     const char c = piece_[pos_++];
@@ -217,6 +232,7 @@ bool GerberBlockReader::parameterCharacter(char c) {
       items_.emplace_back(TrimBlanks(item_));
     item_.clear();
   } else if (c == '%') {
+    parameters_.NoteOffset = consumed();
     const int32_t result = parameters_.InterpretParameterBlock(items_);
     items_.clear();
     item_.clear();
@@ -249,6 +265,7 @@ bool GerberBlockReader::endOfBlock() {
     const double value = valueOf(m.view());
     if (value == 0 || value == 2) {
       Operation = operation::Stop;
+      programEnded_ = true;
       clearLetters();
       return true;
     }

@@ -101,6 +101,8 @@ private:
   };
 
   bool refill(int32_t& status);
+  // At the end of the text: notes a block left open, or a file that ends without M02.
+  void noteEnd();
   bool endOfBlock();
   void appendToLetter(char c);
   void interpretG();
@@ -118,6 +120,7 @@ private:
   int64_t consumedBefore_ = 0;
   int untilCheck_ = CheckInterval;
   bool atEnd_ = false;
+  bool programEnded_ = false;  // M00 or M02 ended the pass
 
   std::array<LetterText, 7> letters_{};
   int letter_ = NoLetter;

@@ -42,6 +42,16 @@ struct ArtHeader {
 std::array<ArtRecord, artrecord::HeaderRecords> headerRecords(const ArtHeader& header);
 ArtHeader headerFromRecords(const std::array<ArtRecord, artrecord::HeaderRecords>& records);
 
+// Something of the file that the pass dropped or cut, and where: the byte it was found at, and
+// its line (from 1) once the pass has counted the lines.
+struct InputNote {
+  int64_t Offset = 0;
+  int64_t Line = 0;
+  std::string What;
+
+  bool operator==(const InputNote&) const = default;
+};
+
 struct GerberScan {
   ArtHeader Header;
   ApertureLists Lists;
@@ -51,6 +61,9 @@ struct GerberScan {
   int32_t StreamRecords = 0;
   // The last pass stopped on text that is no Gerber (and reported it with status 93).
   bool NotGerber = false;
+  // What the last pass dropped or cut, in the order of the file; and how many more there were.
+  std::vector<InputNote> Notes;
+  size_t MoreNotes = 0;
 };
 
 }  // namespace tvx

@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 #include <unordered_map>
 
@@ -360,6 +361,8 @@ bool TextPass::finish(int32_t& status) {
   }
   context_.scan.Header = h;
   context_.scan.FileAttributes = parameters_.FileAttributes;
+  context_.scan.Notes = parameters_.Notes;
+  context_.scan.MoreNotes = parameters_.MoreNotes;
   context_.scan.StreamRecords = streamRecords;
   status = 0;
   return true;
@@ -459,6 +462,47 @@ void RunGerberTextPass(int32_t& status, const std::string& source, const std::st
   };
   pass.run(status, refill, static_cast<int64_t>(ec ? 0 : size),
            [&context, handle, &source] { context.files.CloseFile(false, handle, source); });
+  if (status == 0)
+    numberNoteLines(source, context.scan.Notes);
+}
+
+std::vector<std::string> noteTexts(const GerberScan& scan) {
+  std::vector<std::string> texts;
+  for (const InputNote& note : scan.Notes)
+    texts.push_back("line " + std::to_string(note.Line) + ": " + note.What);
+  if (scan.MoreNotes > 0)
+    texts.push_back("and " + std::to_string(scan.MoreNotes) + " more of the same kinds");
+  return texts;
+}
+
+void numberNoteLines(const std::string& source, std::vector<InputNote>& notes) {
+  if (notes.empty())
+    return;
+  std::ifstream in(source, std::ios::binary);
+  std::vector<char> buffer(ChunkBytes);
+  int64_t offset = 0;
+  int64_t line = 1;
+  size_t next = 0;  // notes stand in the order of the file
+  while (next < notes.size()) {
+    in.read(buffer.data(), std::streamsize(buffer.size()));
+    const std::streamsize got = in.gcount();
+    for (std::streamsize i = 0; i <= got && next < notes.size();) {
+      if (notes[next].Offset <= offset + i) {
+        notes[next++].Line = line;
+        continue;
+      }
+      if (i == got)
+        break;
+      if (buffer[size_t(i)] == '\n')
+        ++line;
+      ++i;
+    }
+    offset += got;
+    if (got == 0)
+      break;
+  }
+  for (; next < notes.size(); ++next)
+    notes[next].Line = line;
 }
 
 }  // namespace tvx

@@ -42,6 +42,13 @@ struct GerberPassContext {
 void RunGerberTextPass(int32_t& status, const std::string& source, const std::string& intermediate,
                        GerberPassContext& context);
 
+// Gives each note the line (from 1) of the byte it stands at in the source file; the notes stand
+// in the order of the file. A note after the last line takes the last line.
+void numberNoteLines(const std::string& source, std::vector<InputNote>& notes);
+
+// The notes of the last pass as texts, "line 12: ...", with a count of the rest.
+std::vector<std::string> noteTexts(const GerberScan& scan);
+
 // Store units of one file unit, as record 3 holds them.
 double storeUnitsPerFileUnit(int32_t unit, int32_t unitsPerMm);
 

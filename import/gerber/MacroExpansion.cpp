@@ -93,7 +93,7 @@ struct Operand {
 
 // Applies an operator to the running value; a result that is no finite number leaves the running
 // value as it was, the way a failed statement is passed over.
-double apply(char op, double left, double right) {
+double apply(char op, double left, double right, int32_t& faults) {
   double result = left;
   switch (op) {
   case '=':
@@ -109,20 +109,25 @@ double apply(char op, double left, double right) {
     result = left * right;
     break;
   case '/':
-    if (right == 0)
+    if (right == 0) {
+      ++faults;
       return left;
+    }
     result = left / right;
     break;
   default:
     return left;
   }
-  return std::isfinite(result) ? result : left;
+  if (std::isfinite(result))
+    return result;
+  ++faults;
+  return left;
 }
 
 // Reduces one range: "x" and "/" first, left to right, each pair replaced by its result carrying
 // the right operand's operator; then "=", "+" and "-" left to right from 0. headOp is the operator
 // that stands on the token opening the range.
-double reduce(std::vector<Operand>& operands, char headOp) {
+double reduce(std::vector<Operand>& operands, char headOp, int32_t& faults) {
   size_t kept = 0;
   for (size_t i = 0; i < operands.size(); ++i) {
     Operand right = operands[i];
@@ -134,6 +139,8 @@ double reduce(std::vector<Operand>& operands, char headOp) {
       // Division by zero, or an overflow, leaves the right operand's own number.
       if (std::isfinite(result))
         right = {roundTo15Digits(result), false, right.op};
+      else
+        ++faults;
       operands[kept - 1] = right;
     } else {
       operands[kept++] = right;
@@ -143,7 +150,7 @@ double reduce(std::vector<Operand>& operands, char headOp) {
   double value = 0;
   char op = headOp ? headOp : '=';
   for (const Operand& operand : operands) {
-    value = apply(op, value, operand.undefined ? 0.0 : operand.value);
+    value = apply(op, value, operand.undefined ? 0.0 : operand.value, faults);
     op = operand.op;
   }
   return value;
@@ -200,7 +207,8 @@ double evaluateMacroField(std::string_view field, const MacroVariables& variable
       break;
     case TokenKind::Close:
       if (token.depth >= 1 && ranges.size() > 1 && ranges.back().depth == token.depth) {
-        const double result = roundTo15Digits(reduce(ranges.back().operands, ranges.back().headOp));
+        const double result = roundTo15Digits(
+            reduce(ranges.back().operands, ranges.back().headOp, variables.ArithmeticFaults));
         ranges.pop_back();
         ranges.back().operands.push_back({result, false, token.op});
         continue;
@@ -220,11 +228,12 @@ double evaluateMacroField(std::string_view field, const MacroVariables& variable
   }
   // A range left open runs to the end of the field.
   while (ranges.size() > 1) {
-    const double result = roundTo15Digits(reduce(ranges.back().operands, ranges.back().headOp));
+    const double result = roundTo15Digits(
+        reduce(ranges.back().operands, ranges.back().headOp, variables.ArithmeticFaults));
     ranges.pop_back();
     ranges.back().operands.push_back({result, false, 0});
   }
-  return reduce(ranges.front().operands, ranges.front().headOp);
+  return reduce(ranges.front().operands, ranges.front().headOp, variables.ArithmeticFaults);
 }
 
 bool runMacroAssignment(std::string_view line, MacroVariables& variables) {
@@ -239,7 +248,7 @@ bool runMacroAssignment(std::string_view line, MacroVariables& variables) {
     const Token& token = tokens[i];
     const double operand = token.kind == TokenKind::Variable ? variables.value(ToNumber(token.text))
                                                              : ToNumber(token.text);
-    value = apply(tokens[i - 1].op, value, operand);
+    value = apply(tokens[i - 1].op, value, operand, variables.ArithmeticFaults);
   }
   variables.set(toInt32(target), value);
   return true;
@@ -273,7 +282,8 @@ void MacroStore::define(const std::string& name, std::span<const std::string> li
 }
 
 std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t macroIndex,
-                                             std::string_view modifiers, int32_t dCode) {
+                                             std::string_view modifiers, int32_t dCode,
+                                             int32_t* arithmeticFaults) {
   std::vector<PrimitiveRow> rows;
   if (macroIndex < 0 || macroIndex >= static_cast<int32_t>(macros.MacroList.size()))
     return rows;
@@ -307,6 +317,8 @@ std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t m
     if (rows.size() > firstRow)
       rows.back().Number = -static_cast<int32_t>(rows.size() - firstRow);
   }
+  if (arithmeticFaults)
+    *arithmeticFaults += variables.ArithmeticFaults;
   return rows;
 }
 
@@ -400,8 +412,10 @@ int32_t convertMacroRows(const std::vector<PrimitiveRow>& rows, const LengthScal
 }
 
 bool ExpandMacro(const MacroStore& macros, int32_t macroIndex, std::string_view modifiers,
-                 int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives) {
-  const std::vector<PrimitiveRow> rows = evaluateMacroLines(macros, macroIndex, modifiers, dCode);
+                 int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives,
+                 int32_t* arithmeticFaults) {
+  const std::vector<PrimitiveRow> rows =
+      evaluateMacroLines(macros, macroIndex, modifiers, dCode, arithmeticFaults);
   return convertMacroRows(rows, scale, primitives) > 0;
 }
 

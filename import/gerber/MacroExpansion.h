@@ -67,6 +67,10 @@ public:
   // Sets $n, growing the list with zeros; n from 1 to 15999.
   void set(int32_t n, double value);
 
+  // Steps of the arithmetic that gave no finite number (a division by zero, an overflow) and
+  // were passed over, counted by the evaluations that use these variables.
+  mutable int32_t ArithmeticFaults = 0;
+
 private:
   std::vector<double> values_{0.0};
 };
@@ -83,13 +87,16 @@ bool runMacroAssignment(std::string_view line, MacroVariables& variables);
 
 // Expands the macro of MacroList row macroIndex with the AD block's modifiers into rows of Kind 10
 // appended to primitives. Lengths are converted with scale. True when at least one row was added.
+// arithmeticFaults, when given, grows by the steps of the arithmetic that gave no number.
 bool ExpandMacro(const MacroStore& macros, int32_t macroIndex, std::string_view modifiers,
-                 int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives);
+                 int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives,
+                 int32_t* arithmeticFaults = nullptr);
 
 // The evaluated rows of a macro before they are checked and converted: Kind 10, one per field of
 // each primitive line. Exposed for tests of the arithmetic.
 std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t macroIndex,
-                                             std::string_view modifiers, int32_t dCode);
+                                             std::string_view modifiers, int32_t dCode,
+                                             int32_t* arithmeticFaults = nullptr);
 
 // Checks every primitive of the rows by its row count and converts its lengths and angles; rows of
 // broken primitives are left out. Appends to primitives and returns the number of rows added.

@@ -6,11 +6,35 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 namespace tvx {
 
 namespace {
+
+// A number as Gerber writes one: a sign, digits and at most one point, at least one digit.
+bool isPlainNumber(std::string_view text) {
+  text = TrimBlanks(text);
+  if (!text.empty() && (text.front() == '+' || text.front() == '-'))
+    text.remove_prefix(1);
+  bool digit = false, point = false;
+  for (char c : text) {
+    if (c >= '0' && c <= '9')
+      digit = true;
+    else if (c == '.' && !point)
+      point = true;
+    else
+      return false;
+  }
+  return digit;
+}
+
+std::string numberText(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g", value);
+  return text;
+}
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -65,7 +89,17 @@ LetterValues letterValuesOf(std::string_view argument) {
   return values;
 }
 
+void ParameterInterpreter::note(std::string what) {
+  if (Notes.size() < MostNotes)
+    Notes.push_back({NoteOffset, 0, std::move(what)});
+  else
+    ++MoreNotes;
+}
+
 void ParameterInterpreter::reset() {
+  Notes.clear();
+  MoreNotes = 0;
+  NoteOffset = 0;
   Step = {};
   ImagePolarity = 0;
   LayerPolarity = 0;
@@ -151,17 +185,27 @@ void ParameterInterpreter::stepAndRepeat(std::string_view argument) {
     return;
   }
   const LetterValues values = letterValuesOf(argument);
+  const auto count = [this](const std::string& text, const char* axis) {
+    const double asked = ToNumber(text);
+    if (asked > MostRepeatsPerAxis)
+      note(std::string("step and repeat: ") + axis + " count " + text + " cut to " +
+           std::to_string(int(MostRepeatsPerAxis)));
+    return std::min(asked, MostRepeatsPerAxis);
+  };
   if (!values.X.empty())
-    Step.StepX = std::min(ToNumber(values.X), MostRepeatsPerAxis);
+    Step.StepX = count(values.X, "X");
   if (!values.Y.empty())
-    Step.StepY = std::min(ToNumber(values.Y), MostRepeatsPerAxis);
+    Step.StepY = count(values.Y, "Y");
   if (!values.I.empty())
     Step.StepI = scale().length(ToNumber(values.I));
   if (!values.J.empty())
     Step.StepJ = scale().length(ToNumber(values.J));
   // Over the total, the Y count gives way: the rows of X repeats stay whole.
-  if (Step.StepX >= 1 && Step.StepX * Step.StepY > MostRepeats)
+  if (Step.StepX >= 1 && Step.StepX * Step.StepY > MostRepeats) {
     Step.StepY = std::floor(MostRepeats / std::floor(Step.StepX));
+    note("step and repeat: Y count cut to " + std::to_string(int(Step.StepY)) + ", for at most " +
+         std::to_string(int(MostRepeats)) + " copies");
+  }
 }
 
 void ParameterInterpreter::defineAperture(std::string_view argument) {
@@ -186,7 +230,14 @@ void ParameterInterpreter::defineAperture(std::string_view argument) {
     if (lists_.PrimitiveList.size() >= MostPrimitiveRows)
       return;
     const size_t first = lists_.PrimitiveList.size();
-    if (!ExpandMacro(Macros, macro, modifiers, dCode, scale(), lists_.PrimitiveList))
+    int32_t faults = 0;
+    const bool expanded =
+        ExpandMacro(Macros, macro, modifiers, dCode, scale(), lists_.PrimitiveList, &faults);
+    if (faults > 0)
+      note("aperture D" + std::to_string(dCode) + " (macro " + std::string(name) +
+           "): " + std::to_string(faults) + (faults == 1 ? " step" : " steps") +
+           " of its arithmetic gave no number (a division by zero or an overflow), passed over");
+    if (!expanded)
       return;
     if (lists_.PrimitiveList.size() > MostPrimitiveRows) {
       lists_.PrimitiveList.resize(first);
@@ -207,6 +258,10 @@ void ParameterInterpreter::standardAperture(int32_t dCode, std::string_view name
   const int n = p.count();
   if (n == 0)
     return;
+  for (int i = 1; i <= n; ++i)
+    if (!isPlainNumber(p.token(i)))
+      note("aperture D" + std::to_string(dCode) + ": \"" + p.token(i) +
+           "\" is no number, read as " + numberText(p.value(i)));
   // The file's own apertures stand alone: the table's rows go at its first standard aperture.
   if (!standardApertureSeen_) {
     standardApertureSeen_ = true;

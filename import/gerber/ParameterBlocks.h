@@ -5,6 +5,7 @@
 
 #include "import/gerber/ApertureLists.h"
 #include "import/gerber/GerberFormat.h"
+#include "import/gerber/GerberScan.h"
 #include "import/gerber/MacroExpansion.h"
 
 #include <cstdint>
@@ -60,6 +61,14 @@ public:
   // Interprets the items of one block, each the text of one "*"-closed piece, trimmed. Returns the
   // ParameterResult of the last item that set one.
   int32_t InterpretParameterBlock(const std::vector<std::string>& items);
+
+  // Notes of what a block dropped or cut, each at the byte the block reader gives in NoteOffset;
+  // beyond MostNotes they are counted in MoreNotes.
+  static constexpr size_t MostNotes = 100;
+  void note(std::string what);
+  int64_t NoteOffset = 0;
+  std::vector<InputNote> Notes;
+  size_t MoreNotes = 0;
 
   StepRepeat Step;
   int32_t ImagePolarity = 0;  // 0 positive, 1 negative

@@ -172,7 +172,18 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   result.kind = job.Kind;
   result.layer = state.DialogLayer;
   result.status = importBoundLayer(layers, options.editMsgLine);
+  if (isGerberKind(job.Kind))
+    result.notes = noteTexts(gerberScan);
   return result;
+}
+
+std::string outcomeWithNotes(const std::string& outcome, const std::vector<std::string>& notes) {
+  if (notes.empty())
+    return outcome;
+  std::string line = outcome + " - " + notes.front();
+  if (notes.size() > 1)
+    line += " (and " + std::to_string(notes.size() - 1) + " more)";
+  return line;
 }
 
 std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> layers,

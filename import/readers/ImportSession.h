@@ -46,7 +46,14 @@ struct ImportResult {
   int32_t layer = 0;                      // the layer bound, 0 for none
   bool noFreeLayer = false;               // a Gerber file found no empty Gerber layer
   FileExtents scanned{};                  // the extents that stage one found
+  // What the reader dropped or cut, each "line 12: ..." by the line of the file; said once, after
+  // the import, by whoever shows the outcome.
+  std::vector<std::string> notes;
 };
+
+// An import's outcome for a message line with its first note: "... Import successful - line 12:
+// ... (and 2 more)".
+std::string outcomeWithNotes(const std::string& outcome, const std::vector<std::string>& notes);
 
 // The Gerber layers in the order new Gerber files take them: 3, 4, 1, 6, 2, 5, 7, 8, ... 29.
 std::vector<int32_t> gerberLayerOrder();

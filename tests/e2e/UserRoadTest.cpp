@@ -168,4 +168,22 @@ TEST_F(UserRoad, FilesOnTheCommandLineEndWithTheOutcomeInTheMessageLine) {
   EXPECT_EQ(line, "Drill Template Import successful");
 }
 
+TEST_F(UserRoad, WhatAFileLosesIsSaidWithTheOutcome) {
+  // A board cut short in its last block: what it holds is drawn, and the loss is named by line.
+  const QString cut = home.filePath("cut.gbr");
+  QFile file(cut);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.05*%\nD10*\nX0Y0D03*\nX1000Y1000D03*\nX20");
+  file.close();
+  host.start(test::binary("tarvex-gbrviewer"), {cut});
+  ASSERT_TRUE(host.waitForStarted(10000));
+  QString line;
+  waitUntil([&] {
+    line = messageLine();
+    return line.contains("Import successful") || line.contains("Import failed");
+  });
+  EXPECT_EQ(line, "Artwork Top Layer Import successful - line 7: the file ends inside a block, "
+                  "which is dropped");
+}
+
 }  // namespace

@@ -112,9 +112,12 @@ void ImportDialogModel::ImportFile() {
 
   // The outcome goes to both message lines: the main window's still shows the progress of the
   // reading otherwise.
-  const std::string outcome =
+  // What the reader dropped or cut is said with it, once.
+  const std::string outcome = outcomeWithNotes(
       layer.DisplayName + " " +
-      (status == StatusOk ? text("Import successful", "62320") : text("Import failed", "62319"));
+          (status == StatusOk ? text("Import successful", "62320")
+                              : text("Import failed", "62319")),
+      isGerberKind(state.Job.Kind) ? noteTexts(session_.gerberScan) : std::vector<std::string>());
   EditMsgLine(outcome);
   if (mainWindow_.editMsgLine)
     mainWindow_.editMsgLine(outcome);
