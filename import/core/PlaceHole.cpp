@@ -12,6 +12,8 @@ namespace tvx {
 namespace {
 
 constexpr int32_t MarkerLineWidth = 20320;
+// Cover hits looked at for a pad on the very point, when no table of points is kept.
+constexpr int MostCoverHits = 8;
 constexpr int32_t ArtworkMarkerHalf = 25400;  // the artwork marker is a 0.508 mm filled square
 
 const ToolEntry* firstSized(const std::vector<ToolEntry>& tools, int32_t code) {
@@ -86,9 +88,18 @@ const ToolEntry* HoleSizes::find(int32_t code) const {
   return it == first_.end() ? nullptr : &it->second;
 }
 
+PlacedPoints::PlacedPoints(const Store& store, SymbolId symbol) {
+  const int32_t count = store.OA_GetCount(store.S_SymbolEntryArray(symbol));
+  for (int32_t i = 1; i <= count; ++i) {
+    EntryRecord entry;
+    if (store.S_ReadEntry(symbol, i, entry))
+      add(entry.X, entry.Y);
+  }
+}
+
 HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
                         const LayerRecord& layer, const LayerFileRecord& file,
-                        const HoleSizes* sizes) {
+                        const HoleSizes* sizes, PlacedPoints* placed) {
   if (file.ClearPolarity)
     return HolePlacement::ClearPolarity;
 
@@ -109,13 +120,20 @@ HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
   const ArrayHandle entries = store.S_SymbolEntryArray(symbol);
   int32_t componentWord = 1;
   store.L_CoverComponent(0, 0, 0, &componentWord, 15, 0, 0);
-  // The cover search finds every pad whose shape takes in the point; only a pad on the very
-  // point makes this hole a repeat. A small hole beside a larger pad is a hole of its own.
-  for (int32_t hit = store.OA_Cover(entries, 1, px, py, 1, 15, 0, 0); hit != 0;
-       hit = store.OA_Cover(entries, hit + 1, px, py, 1, 15, 0, 0)) {
-    EntryRecord entry;
-    if (store.S_ReadEntry(symbol, hit, entry) && entry.X == px && entry.Y == py)
+  // Only a pad on the very point makes this hole a repeat: a small hole beside a larger pad is a
+  // hole of its own. An import keeps the points in a table; without one the cover search, which
+  // finds the pads whose shape takes in the point, looks at its first few hits.
+  if (placed) {
+    if (placed->contains(px, py))
       return HolePlacement::Covered;
+  } else {
+    int32_t hit = store.OA_Cover(entries, 1, px, py, 1, 15, 0, 0);
+    for (int looked = 0; hit != 0 && looked < MostCoverHits; ++looked) {
+      EntryRecord entry;
+      if (store.S_ReadEntry(symbol, hit, entry) && entry.X == px && entry.Y == py)
+        return HolePlacement::Covered;
+      hit = store.OA_Cover(entries, hit + 1, px, py, 1, 15, 0, 0);
+    }
   }
 
   // Key 0 cannot stand in a pad stack map: such a pad is a bare position.
@@ -129,6 +147,8 @@ HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
   store.S_ChangePadRotation(symbol, index, 0);
   store.S_ChangePadPadStack(symbol, index, toolCode);
   store.O_Mask(store.S_Entry(symbol, index), attr::Shown, attr::Shown);
+  if (placed)
+    placed->add(px, py);
   return HolePlacement::Placed;
 }
 

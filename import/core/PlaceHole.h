@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace tvx {
@@ -42,6 +43,19 @@ private:
   std::unordered_map<int32_t, ToolEntry> first_;
 };
 
+// The points on which pads of a layer's symbol stand, for the exact-repeat look-up of one import:
+// the symbol's pads when it is made, then each pad placed through it.
+class PlacedPoints {
+public:
+  PlacedPoints(const Store& store, SymbolId symbol);
+  bool contains(int32_t x, int32_t y) const { return points_.count(key(x, y)) != 0; }
+  void add(int32_t x, int32_t y) { points_.insert(key(x, y)); }
+
+private:
+  static uint64_t key(int32_t x, int32_t y) { return uint64_t(uint32_t(x)) << 32 | uint32_t(y); }
+  std::unordered_set<uint64_t> points_;
+};
+
 // Places one hole at (x, y), in store units, into the layer's symbol under the tool code. On the
 // drill layer (PadKind 6) a tool without a diameter places nothing; on other layers the pad stack's
 // hole size is 0. A point on which a pad of the symbol already stands takes no second pad, whatever
@@ -51,7 +65,7 @@ private:
 // given, stands for the tool table of file in the drill layer's look-up.
 HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
                         const LayerRecord& layer, const LayerFileRecord& file,
-                        const HoleSizes* sizes = nullptr);
+                        const HoleSizes* sizes = nullptr, PlacedPoints* placed = nullptr);
 
 // The path of a slot, in store units: a straight cut from one point to another, or an arc about a
 // centre.

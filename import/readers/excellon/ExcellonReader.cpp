@@ -119,6 +119,7 @@ void ExcellonReader::ImportExcellon(int32_t& status, const std::string& text, La
   }
 
   const HoleSizes sizes(file.Tools);
+  PlacedPoints placedPoints(store_, layer.SymbolHandle);
   std::unordered_set<int32_t> codes;
   for (const ToolEntry& tool : file.Tools)
     codes.insert(tool.Code);
@@ -177,7 +178,8 @@ void ExcellonReader::ImportExcellon(int32_t& status, const std::string& text, La
           RegisterX = path.to.x;
           RegisterY = path.to.y;
           if (stroke.kind == DrillStroke::Hole) {
-            tally(PlaceHole(store_, path.from.x, path.from.y, toolCode, layer, file, &sizes));
+            tally(PlaceHole(store_, path.from.x, path.from.y, toolCode, layer, file, &sizes,
+                            &placedPoints));
           } else {
             const HolePlacement placement = PlaceSlot(store_, path, toolCode, layer, file, &sizes);
             if (stroke.startsCut) {

@@ -22,6 +22,9 @@ namespace {
 
 constexpr size_t NotFound = std::string_view::npos;
 
+// Holes of one cell that the check for holes inside one another compares a hole with, at most.
+constexpr size_t NeighboursLooked = 64;
+
 // How many programs back a tool without a size looks for one of its number.
 constexpr int MaxProgramsBack = 1000;
 
@@ -290,8 +293,12 @@ bool ExcellonReader::plausible(const std::string& text) const {
     for (int64_t dx = -1; dx <= 1 && !found; ++dx)
       for (int64_t dy = -1; dy <= 1 && !found; ++dy) {
         const uint64_t key = cellKey(hole.centre, dx, dy);
-        for (auto it = std::lower_bound(sorted.begin(), sorted.end(), key);
-             it != sorted.end() && (*it & ~IndexBits) == key && !found; ++it) {
+        // A cell crowded beyond NeighboursLooked (holes drilled again and again on one point)
+        // is looked at in part.
+        auto it = std::lower_bound(sorted.begin(), sorted.end(), key);
+        for (size_t seen = 0;
+             it != sorted.end() && (*it & ~IndexBits) == key && !found && seen < NeighboursLooked;
+             ++it, ++seen) {
           const Drilled& other = holes[*it & IndexBits];
           const double ddx = other.centre.x - hole.centre.x;
           const double ddy = other.centre.y - hole.centre.y;
