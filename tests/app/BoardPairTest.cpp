@@ -201,42 +201,6 @@ TEST(BoardPairMeasure, HolesAreEightConnectedComponentsCentredOnTheirCentroid) {
   }
 }
 
-TEST(BoardPairMeasure, AHoleIsOnCopperWhenItsPixelOrAPixelRoundItIsLit) {
-  // Copper: a pad of 3 x 3 pixels with its top left pixel at (2, 2), and the corner pixel (8, 8).
-  // clang-format off
-  const LitPicture copper = pictureOf({".........",
-                                       ".........",
-                                       "..###....",
-                                       "..###....",
-                                       "..###....",
-                                       ".........",
-                                       ".........",
-                                       ".........",
-                                       "........#"});
-  // clang-format on
-  struct Case {
-    const char* name;
-    double x, y;
-    bool on;
-  } cases[] = {
-      {"in the pad's middle", 3.5, 3.5, true},
-      {"on the pad's edge", 2.0, 3.5, true},
-      {"one pixel left of the pad", 1.5, 3.5, true},
-      {"one pixel off diagonally", 1.5, 1.5, true},
-      {"two pixels left of the pad", 0.5, 3.5, false},
-      {"two pixels below the pad", 3.5, 6.5, false},
-      {"two pixels off diagonally", 6.5, 6.5, false},
-      {"one pixel off the lit corner pixel", 7.5, 7.5, true},
-      {"outside the picture beside the lit corner", 9.5, 9.5, true},
-      {"outside the picture far from copper", -3.0, -3.0, false},
-  };
-  for (const Case& c : cases)
-    EXPECT_EQ(copperAround(copper, c.x, c.y), c.on) << c.name;
-
-  const std::vector<Hole> holes{{3.5, 3.5, 1}, {0.5, 3.5, 1}, {7.5, 7.5, 1}, {5.5, 0.5, 1}};
-  EXPECT_EQ(holesOnCopper(holes, copper), 2);
-}
-
 TEST(BoardPairMeasure, AHoleInARingPadTouchesItsCopper) {
   // A ring pad whose hole is as wide as the drill, a hole in it, and a hole in a clearance.
   const LitPicture copper =
@@ -248,45 +212,6 @@ TEST(BoardPairMeasure, AHoleInARingPadTouchesItsCopper) {
   EXPECT_TRUE(holes[0].touchesCopper);
   EXPECT_FALSE(holes[1].touchesCopper);
   EXPECT_EQ(holesOnCopper(holes, copper), 1);
-}
-
-TEST(BoardPairMeasure, APairFailsOnTooFewHolesOnCopperOrTooFewHoles) {
-  const Demand plain;
-  const Demand nonPlated{0.0, std::nullopt, "non-plated"};
-  const Demand counted{0.6, 440, "merged"};
-  struct Case {
-    const char* name;
-    int64_t holes, onCopper;
-    std::optional<int64_t> independent;
-    Demand demand;
-    const char* faults;  // the kinds of fault, in order
-  } cases[] = {
-      {"all on copper", 300, 300, 289, plain, ""},
-      {"99% exactly", 100, 99, std::nullopt, plain, ""},
-      {"98% on copper", 100, 98, std::nullopt, plain, "share"},
-      {"no hole at all", 0, 0, 13, nonPlated, "empty"},
-      {"none on copper, listed as non-plated", 13, 0, 13, nonPlated, ""},
-      {"90% of the independent count", 90, 90, 100, plain, ""},
-      {"89% of the independent count", 89, 89, 100, plain, "count"},
-      {"more than the independent count", 427, 427, 344, plain, ""},
-      {"few holes, all off copper", 10, 0, 100, plain, "share count"},
-      {"no independent count", 5, 5, std::nullopt, plain, ""},
-      {"an independent count of 0 asks for nothing", 5, 5, 0, plain, ""},
-      {"a listed count replaces a higher independent one", 396, 300, 1000, counted, ""},
-      {"a listed count replaces a lower independent one", 395, 300, 100, counted, "count"},
-      {"a listed count asks for 90% of it", 395, 300, std::nullopt, counted, "count"},
-      {"a listed share missed", 417, 240, std::nullopt, counted, "share"},
-  };
-  for (const Case& c : cases) {
-    std::string kinds;
-    for (const std::string& fault : faultsOf(c.holes, c.onCopper, c.independent, c.demand))
-      kinds += std::string(kinds.empty() ? "" : " ") +
-               (fault.find("on copper") != std::string::npos ? "share"
-                : fault.find("fewer") != std::string::npos   ? "count"
-                : fault.find("no hole") != std::string::npos ? "empty"
-                                                             : fault.c_str());
-    EXPECT_EQ(kinds, c.faults) << c.name;
-  }
 }
 
 // --- The corpus ---------------------------------------------------------------------------------
