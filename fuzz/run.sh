@@ -1,14 +1,37 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang in a build directory of their own and runs each for a
-# number of seconds, seeded with the shared corpus.
-#   fuzz/run.sh [seconds per target, default 60] [build directory, default build-fuzz]
+# number of seconds, seeded with inputs cut from the shared corpus and the data folder, each with
+# the dictionary of its format.
+#   fuzz/run.sh [seconds per target, default 60] [target...] [build directory]
+# With no target named, every target runs. A build directory is an argument holding a "/" (or the
+# variable TVX_FUZZ_BUILD); the default is build-fuzz. A short run for CI: fuzz/run.sh 20.
+# Prints one line per target: its name, seconds, executions, executions a second and findings.
 # Needs clang++ and its runtime (Debian: clang, libclang-rt-14-dev). Exits non-zero when a target
-# finds a crash, a hang or a leak; the input that did it is left in the build directory.
+# finds a crash, a hang or a leak; the input that did it is left in <build>/<target>.work.
 set -euo pipefail
 
-seconds=${1:-60}
 top=$(cd "$(dirname "$0")/.." && pwd)
-build=${2:-$top/build-fuzz}
+seconds=60
+if [ $# -gt 0 ] && [[ "$1" =~ ^[0-9]+$ ]]; then
+  seconds=$1
+  shift
+fi
+build=${TVX_FUZZ_BUILD:-$top/build-fuzz}
+all=(fuzz_recognition fuzz_excellon fuzz_parameter_blocks fuzz_macro_expansion fuzz_ini fuzz_menu
+  fuzz_gerber_pass fuzz_import)
+targets=()
+for arg in "$@"; do
+  if [[ "$arg" == */* ]]; then
+    build=$arg
+  else
+    case " ${all[*]} " in
+      *" $arg "*) targets+=("$arg") ;;
+      *) echo "unknown target $arg; the targets: ${all[*]}" >&2; exit 2 ;;
+    esac
+  fi
+done
+[ ${#targets[@]} -gt 0 ] || targets=("${all[@]}")
+case "$build" in /*) ;; *) build=$PWD/$build ;; esac
 corpus=${TVX_CORPUS_DIR:-$top/../shared/corpus}
 jobs=${JOBS:-2}
 
@@ -16,63 +39,136 @@ flags="-g -O1 -fno-omit-frame-pointer -fsanitize=address,undefined -fno-sanitize
 cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="$flags" \
   -DTVX_BUILD_FUZZERS=ON -DTVX_BUILD_TESTS=OFF -DTVX_BUILD_BENCHMARKS=OFF >/dev/null
-
-targets=(fuzz_gerber_pass fuzz_macro_expansion fuzz_import)
 cmake --build "$build" -j "$jobs" --target "${targets[@]}"
 
-# Seeds: the Gerber files of the corpus for the pass; for the macro target, the modifiers and the
-# lines of every macro found in them; for the whole import every file of the corpus behind a byte
-# that chooses the kind: 0 for recognition, and Gerber read for the drill layer (10), Excellon read
-# as Format One (8).
+# Seeds, each cut to what its target reads. The first byte of an Excellon, parameter block or
+# whole import seed is not part of the text: it picks the format or the kind (see the targets).
 seeds="$build/seeds"
 rm -rf "$seeds"
-mkdir -p "$seeds/fuzz_gerber_pass" "$seeds/fuzz_macro_expansion" "$seeds/fuzz_import"
+for target in "${all[@]}"; do mkdir -p "$seeds/$target"; done
+data="$top/data/COUNTRY"
+for file in "$data"/*/GBRVIEWER.MEN "$data"/*/GBRVIEWER.MSG; do
+  [ -f "$file" ] || continue
+  name=$(basename "$(dirname "$file")").$(basename "$file")
+  cp "$file" "$seeds/fuzz_ini/$name"
+  cp "$file" "$seeds/fuzz_menu/$name"
+done
+printf '[Settings]\nUnit=1\nLanguage = English\n\n; a comment\n[Window]\nLeft=10\nTitle="  padded  "\n' \
+  >"$seeds/fuzz_ini/settings"
+printf '\357\273\277[A]\r\nKey=Value\r\n[a]\r\nkey=second\r\n' >"$seeds/fuzz_ini/bom-crlf"
 if [ -f "$corpus/MANIFEST.tsv" ]; then
-  awk -F'\t' 'NR > 1 && $2 ~ /^gerber/ { print $1 }' "$corpus/MANIFEST.tsv" | while read -r file; do
-    cp "$corpus/$file" "$seeds/fuzz_gerber_pass/$(echo "$file" | tr '/' '_')"
-  done
   awk -F'\t' 'NR > 1 { print $1 "\t" $2 }' "$corpus/MANIFEST.tsv" | while IFS=$'\t' read -r file kind; do
     name=$(echo "$file" | tr '/' '_')
-    { printf '\000'; cat "$corpus/$file"; } > "$seeds/fuzz_import/$name"
+    # Recognition looks at the start of a file most: its first 4 KB.
+    head -c 4096 "$corpus/$file" >"$seeds/fuzz_recognition/$name"
+    { printf '\000'; cat "$corpus/$file"; } >"$seeds/fuzz_import/$name"
     case "$kind" in
-      gerber*) { printf '\012'; cat "$corpus/$file"; } > "$seeds/fuzz_import/$name.drill" ;;
-      excellon) { printf '\010'; cat "$corpus/$file"; } > "$seeds/fuzz_import/$name.one" ;;
+      gerber*)
+        cp "$corpus/$file" "$seeds/fuzz_gerber_pass/$name"
+        { printf '\012'; cat "$corpus/$file"; } >"$seeds/fuzz_import/$name.drill"
+        # Parameter blocks: the first 40 distinct %...% blocks one by one, and all of a file's
+        # blocks in a row (macros and the apertures that use them), cut to 4 KB.
+        # (A reader further on may close a pipe early; that is no failure.)
+        { awk 'BEGIN { RS = "%" } NR % 2 == 0 { gsub(/[\r\n]/, "") } NR % 2 == 0 && NF && !seen[$0]++ {
+            print "%" $0 "%" }' "$corpus/$file" || true; } | head -n 40 | {
+          n=0
+          while IFS= read -r block; do
+            n=$((n + 1))
+            { printf '\000'; printf '%s' "$block"; } >"$seeds/fuzz_parameter_blocks/$name.$n"
+          done
+        } || true
+        { printf '\000'; awk 'BEGIN { RS = "%" } NR % 2 == 0 { printf "%%%s%%", $0 }' \
+          "$corpus/$file" || true; } | head -c 4096 >"$seeds/fuzz_parameter_blocks/$name.all"
+        # Each %AM...% block becomes one macro seed: "0.5X0.25X0.1", a line break, its lines.
+        awk 'BEGIN { RS = "%" } /^[ \r\n]*AM/ { gsub(/[\r\n]/, ""); sub(/^AM[^*]*\*/, ""); print }' \
+          "$corpus/$file" | {
+          n=0
+          while IFS= read -r lines; do
+            n=$((n + 1))
+            { printf '0.5X0.25X0.1\n%s' "$lines" || true; } |
+              head -c 4096 >"$seeds/fuzz_macro_expansion/$name.$n"
+          done
+        } || true
+        ;;
+      excellon)
+        { printf '\010'; cat "$corpus/$file"; } >"$seeds/fuzz_import/$name.one"
+        # Under each of four formats (inch or millimetres, left- or right-aligned numbers), the
+        # header, the tools and the first holes: the first 2 KB.
+        for choice in '\000' '\001' '\021' '\045'; do
+          { printf "$choice"; head -c 2048 "$corpus/$file"; } \
+            >"$seeds/fuzz_excellon/$name.$(printf "$choice" | od -An -tu1 | tr -d ' ')"
+        done
+        ;;
     esac
   done
-  n=0
-  for file in "$seeds"/fuzz_gerber_pass/*; do
-    # Each %AM...% block becomes one seed: "0.5X0.25", a line break, then its lines.
-    awk 'BEGIN { RS = "%" } /^[ \r\n]*AM/ { gsub(/[\r\n]/, ""); sub(/^AM[^*]*\*/, ""); print }' "$file" |
-      while read -r lines; do
-        n=$((n + 1))
-        printf '0.5X0.25X0.1\n%s' "$lines" > "$seeds/fuzz_macro_expansion/$(basename "$file").$n"
-      done
-  done
 else
-  echo "no corpus at $corpus: the targets start without seeds" >&2
-  printf '%%ADD10C,0.01*%%D10*X0Y0D03*M02*' > "$seeds/fuzz_gerber_pass/minimal"
-  { printf '\000'; cat "$seeds/fuzz_gerber_pass/minimal"; } > "$seeds/fuzz_import/minimal"
-  printf '0.5\n1,1,$1,0,0*' > "$seeds/fuzz_macro_expansion/minimal"
+  echo "no corpus at $corpus: the targets start from small seeds" >&2
 fi
+# A few small seeds of each kind, so that no target starts empty.
+printf '%%ADD10C,0.01*%%D10*X0Y0D03*M02*' >"$seeds/fuzz_gerber_pass/minimal"
+{ printf '\000'; cat "$seeds/fuzz_gerber_pass/minimal"; } >"$seeds/fuzz_import/minimal"
+cp "$seeds/fuzz_gerber_pass/minimal" "$seeds/fuzz_recognition/minimal"
+printf '0.5\n1,1,$1,0,0*$2=$1x2*21,1,$2,0.1,0,0,45*' >"$seeds/fuzz_macro_expansion/minimal"
+printf '\001%%FSLAX24Y24*MOIN*%%%%AMBOX*21,1,$1,$2,0,0,0*%%%%ADD10BOX,0.1X0.2*%%%%SRX2Y2I1J1*%%' \
+  >"$seeds/fuzz_parameter_blocks/minimal"
+printf '\000M48\nINCH,LZ\nT01C0.035\n%%\nT01\nX001Y001\nG85X002Y002\nM30\n' \
+  >"$seeds/fuzz_excellon/minimal"
+
+# The dictionary of each target: recognition and the whole import see every format.
+dicts="$build/dicts"
+mkdir -p "$dicts"
+cat "$top"/fuzz/dict/{gerber,excellon,hpgl,dxf}.dict >"$dicts/all.dict"
+dictOf() {
+  case "$1" in
+    fuzz_recognition | fuzz_import) echo "$dicts/all.dict" ;;
+    fuzz_excellon) echo "$top/fuzz/dict/excellon.dict" ;;
+    fuzz_parameter_blocks | fuzz_gerber_pass) echo "$top/fuzz/dict/gerber.dict" ;;
+    fuzz_macro_expansion) echo "$top/fuzz/dict/macro.dict" ;;
+    fuzz_ini) echo "$top/fuzz/dict/ini.dict" ;;
+    fuzz_menu) echo "$top/fuzz/dict/menu.dict" ;;
+  esac
+}
 
 status=0
+summary=()
 for target in "${targets[@]}"; do
   work="$build/$target.work"
   mkdir -p "$work"
-  echo "== $target for ${seconds}s"
-  # A whole import may rightly repeat a small file's elements ten thousand times (step and
-  # repeat), so its inputs are kept shorter and given more time.
-  maxlen=65536 timeout=10
-  if [ "$target" = fuzz_import ]; then maxlen=4096 timeout=30; fi
+  log="$build/$target.log"
+  marker="$build/$target.started"
+  touch "$marker"
+  echo "== $target for ${seconds}s (log: $log)"
+  # Inputs as long as what the target reads. A whole import may rightly repeat a small file's
+  # elements ten thousand times (step and repeat), so its inputs are shorter and given more time.
+  maxlen=4096 timeout=10
+  case "$target" in
+    fuzz_gerber_pass) maxlen=65536 ;;
+    fuzz_excellon) maxlen=2048 ;;
+    fuzz_import) timeout=30 ;;
+  esac
+  start=$(date +%s.%N)
   if ! (cd "$work" && "$build/bin/$target" -max_total_time="$seconds" -timeout=$timeout \
         -rss_limit_mb=2048 -malloc_limit_mb=1024 -max_len=$maxlen -print_final_stats=1 \
-        "$work" "$seeds/$target" 2>&1 | tail -n 25); then
+        -dict="$(dictOf "$target")" "$work" "$seeds/$target" >"$log" 2>&1); then
+    tail -n 40 "$log" >&2
     status=1
   fi
-  if ls "$work"/crash-* "$work"/timeout-* "$work"/leak-* "$work"/oom-* >/dev/null 2>&1; then
+  end=$(date +%s.%N)
+  findings=$(find "$work" -maxdepth 1 -newer "$marker" \
+    \( -name 'crash-*' -o -name 'timeout-*' -o -name 'leak-*' -o -name 'oom-*' \) | sort)
+  count=0
+  if [ -n "$findings" ]; then
+    count=$(echo "$findings" | wc -l)
     echo "$target found failing inputs:" >&2
-    ls "$work"/crash-* "$work"/timeout-* "$work"/leak-* "$work"/oom-* 2>/dev/null >&2
+    echo "$findings" >&2
     status=1
   fi
+  units=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
+  summary+=("$(awk -v t="$target" -v s="$start" -v e="$end" -v u="${units:-0}" -v f="$count" \
+    'BEGIN { d = e - s; printf "%-24s %8.1f s %12d execs %10.0f execs/s %3d findings", t, d, u, (d > 0 ? u / d : 0), f }')")
 done
+
+echo "== summary: target, seconds, executions, executions a second, findings"
+printf '%s\n' "${summary[@]}"
+awk '{ n += $4 } END { printf "total %d executions\n", n }' <<<"$(printf '%s\n' "${summary[@]}")"
 exit $status
