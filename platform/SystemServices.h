@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace tvx {
 
@@ -44,6 +45,9 @@ public:
   // removes the temporaries of writers that died.
   void beginSettingsBatch();
   int commitSettingsBatch();
+  // True the first time only: a settings file that cannot be written is said once per run, not at
+  // every save.
+  bool firstSettingsFailure() { return !std::exchange(settingsFailureSaid_, true); }
 
   // The catalogue's text for id, or defaultText when the catalogue has none.
   std::string LocalMessage(const std::string& defaultText, const std::string& id) const;
@@ -79,6 +83,7 @@ private:
   class Settings;
   UserPrompts* prompts_ = nullptr;
   Graphics* graphics_ = nullptr;
+  bool settingsFailureSaid_ = false;
   int batchDepth_ = 0;
   std::optional<IniDocument> pending_;  // the settings of the open batch
   std::string iniFile_;
