@@ -33,6 +33,8 @@ done
 [ ${#targets[@]} -gt 0 ] || targets=("${all[@]}")
 case "$build" in /*) ;; *) build=$PWD/$build ;; esac
 corpus=${TVX_CORPUS_DIR:-$top/../shared/corpus}
+# A clone elsewhere finds the workspace's shared corpus, as the tests do.
+[ -f "$corpus/MANIFEST.tsv" ] || corpus=/work/shared/corpus
 jobs=${JOBS:-2}
 
 flags="-g -O1 -fno-omit-frame-pointer -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsanitize=fuzzer-no-link"

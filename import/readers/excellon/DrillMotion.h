@@ -103,7 +103,7 @@ private:
   static constexpr int32_t ZeroSet = 93;
   static constexpr int32_t DrilledSlot = 85;
   // Repeats of one program, all blocks together: a file cannot make more holes by them.
-  static constexpr int32_t MaxRepeats = 1000000;
+  static constexpr int32_t MaxRepeats = 100000;
 
   void followMachineCode(const std::string& m) {
     if (m.empty())
