@@ -410,40 +410,28 @@ ImportKind SecondChanceHpgl(std::string_view text, YieldClock& clock) {
                                                                 : ImportKind::Unknown;
 }
 
-ImportKind IsGerber(std::string_view text) {
+namespace {
+
+// A test run on a clock of its own, for callers that serve no event loop.
+template <ImportKind (*Test)(std::string_view, YieldClock&)>
+ImportKind withOwnClock(std::string_view text) {
   YieldClock clock;
-  return IsGerber(text, clock);
+  return Test(text, clock);
 }
 
-ImportKind IsExcellon(std::string_view text) {
-  YieldClock clock;
-  return IsExcellon(text, clock);
-}
+}  // namespace
 
-ImportKind IsDxf(std::string_view text) {
-  YieldClock clock;
-  return IsDxf(text, clock);
-}
-
-ImportKind IsHpgl(std::string_view text) {
-  YieldClock clock;
-  return IsHpgl(text, clock);
-}
-
+ImportKind IsGerber(std::string_view text) { return withOwnClock<IsGerber>(text); }
+ImportKind IsExcellon(std::string_view text) { return withOwnClock<IsExcellon>(text); }
+ImportKind IsDxf(std::string_view text) { return withOwnClock<IsDxf>(text); }
+ImportKind IsHpgl(std::string_view text) { return withOwnClock<IsHpgl>(text); }
 ImportKind SecondChanceGerber(std::string_view text) {
-  YieldClock clock;
-  return SecondChanceGerber(text, clock);
+  return withOwnClock<SecondChanceGerber>(text);
 }
-
 ImportKind SecondChanceExcellon(std::string_view text) {
-  YieldClock clock;
-  return SecondChanceExcellon(text, clock);
+  return withOwnClock<SecondChanceExcellon>(text);
 }
-
-ImportKind SecondChanceHpgl(std::string_view text) {
-  YieldClock clock;
-  return SecondChanceHpgl(text, clock);
-}
+ImportKind SecondChanceHpgl(std::string_view text) { return withOwnClock<SecondChanceHpgl>(text); }
 
 ImportKind recogniseText(std::string_view text, YieldClock& clock) {
   using Test = ImportKind (*)(std::string_view, YieldClock&);

@@ -329,20 +329,33 @@ TEST_F(GerberDrawing, DamagedStreamsEndWithTheirStatus) {
   }
 }
 
-TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateFile) {
+// The Gerber reader over a store of its own, with a job for the pass's source file.
+struct ReaderRun {
   test::GerberPass pass;
-  const std::string source = pass.dir.file("board.gbr");
-  std::ofstream(source, std::ios::binary)
-      << "%FSLAX24Y24*%%MOIN*%%ADD10C,0.0100*%%ADD11R,0.0600X0.0400*%\r\n"
-         "D10*X0Y0D02*X10000Y0D01*D11*X5000Y5000D03*X6000Y5000D03*M02*\r\n";
   Store store;
   FileExtents extents;
   GerberPassContext context = pass.context();
-  GerberFileReader reader(store, pass.reporting.reporter, context, extents);
+  GerberFileReader reader{store, pass.reporting.reporter, context, extents};
   ImportJob job;
-  job.WorkDirectory = pass.dir.path().string();
-  job.SourcePath = source;
-  job.Kind = ImportKind::ArtworkRS274X;
+
+  ReaderRun() {
+    job.WorkDirectory = pass.dir.path().string();
+    job.SourcePath = pass.source;
+    job.Kind = ImportKind::ArtworkRS274X;
+  }
+};
+
+TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateFile) {
+  ReaderRun r;
+  test::GerberPass& pass = r.pass;
+  Store& store = r.store;
+  FileExtents& extents = r.extents;
+  GerberFileReader& reader = r.reader;
+  ImportJob& job = r.job;
+  const std::string source = pass.source;
+  std::ofstream(source, std::ios::binary)
+      << "%FSLAX24Y24*%%MOIN*%%ADD10C,0.0100*%%ADD11R,0.0600X0.0400*%\r\n"
+         "D10*X0Y0D02*X10000Y0D01*D11*X5000Y5000D03*X6000Y5000D03*M02*\r\n";
   ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
   ASSERT_EQ(job.IntermediatePath, pass.dir.file("TMP.ART"));
   const ArtHeader header = pass.scan.Header;
@@ -403,16 +416,12 @@ TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
   };
   for (const auto& [text, items] : cases) {
     SCOPED_TRACE(text);
-    test::GerberPass pass;
+    ReaderRun r;
+    test::GerberPass& pass = r.pass;
+    Store& store = r.store;
+    GerberFileReader& reader = r.reader;
+    ImportJob& job = r.job;
     std::ofstream(pass.source, std::ios::binary) << text;
-    Store store;
-    FileExtents extents;
-    GerberPassContext context = pass.context();
-    GerberFileReader reader(store, pass.reporting.reporter, context, extents);
-    ImportJob job;
-    job.WorkDirectory = pass.dir.path().string();
-    job.SourcePath = pass.source;
-    job.Kind = ImportKind::ArtworkRS274X;
     ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
     auto layers = test::makeLayers();
     LayerFileRecord& file = StartLayerFile(job, layers[0], true);
