@@ -173,12 +173,15 @@ protected:
     tool.waitForFinished(10000);
     return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
   }
-  QString visibleWindow(const QString& name) {
+  // Windows may take long to come up in a sanitizer build on a busy machine.
+  QString visibleWindow(const QString& name, int milliseconds = 30000) {
     QString found;
-    waitUntil([&] {
-      found = xdo({"search", "--onlyvisible", "--name", name}).section('\n', 0, 0);
-      return !found.isEmpty();
-    });
+    waitUntil(
+        [&] {
+          found = xdo({"search", "--onlyvisible", "--name", name}).section('\n', 0, 0);
+          return !found.isEmpty();
+        },
+        milliseconds);
     return found;
   }
   void click(const ScreenRect& r, int atX) {
