@@ -83,9 +83,16 @@ void IniDocument::parse(const std::string& input) {
     if (end == std::string_view::npos)
       end = text.size();
     std::string raw(text.substr(pos, end - pos));
-    if (!raw.empty() && raw.back() == '\r')
-      raw.pop_back();
+    Line::Ending ending = Line::Ending::File;
+    if (end < text.size()) {
+      ending = Line::Ending::Lf;
+      if (!raw.empty() && raw.back() == '\r') {
+        raw.pop_back();
+        ending = Line::Ending::CrLf;
+      }
+    }
     Line line = classify(std::move(raw), section);
+    line.ending = ending;
     if (line.kind == LineKind::Header)
       section = line.section;
     lines_.push_back(std::move(line));
@@ -97,11 +104,14 @@ std::string IniDocument::text() const {
   std::string out;
   if (bom_)
     out += "\xEF\xBB\xBF";
-  const char* ending = crlf_ ? "\r\n" : "\n";
   for (size_t i = 0; i < lines_.size(); ++i) {
-    out += lines_[i].raw;
-    if (i + 1 < lines_.size() || finalNewline_)
-      out += ending;
+    const Line& line = lines_[i];
+    out += line.raw;
+    if (i + 1 < lines_.size() || finalNewline_) {
+      const bool crlf =
+          line.ending == Line::Ending::File ? crlf_ : line.ending == Line::Ending::CrLf;
+      out += crlf ? "\r\n" : "\n";
+    }
   }
   return out;
 }

@@ -43,6 +43,9 @@ private:
     std::string section;    // the section the line belongs to (a header's own name)
     std::string key;        // for a key line
     size_t valueStart = 0;  // for a key line: where the value begins in raw
+    // The line's own ending as read, so that a file of mixed endings is written back as read;
+    // a line added (or the last one, read without ending) takes the file's first ending.
+    enum class Ending { File, Lf, CrLf } ending = Ending::File;
   };
   static Line classify(std::string raw, const std::string& currentSection);
   // Index of the first line holding key in section, or -1.

@@ -244,6 +244,8 @@ TEST_F(IniSettings, LfFilesStayLfAndAMissingFileIsCreated) {
   writeFile(path_, "[A]\nx=1");  // no final line break
   ASSERT_EQ(write("A", "y", "2"), 0);
   EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2");
+  // Mixed line ends, a stray CR before one and a CR at the very end come back as read.
+  EXPECT_EQ(IniDocument("z\na\r\r\n[B]\r\nq=1\r").text(), "z\na\r\r\n[B]\r\nq=1\r");
   write("B", "z", "3");
   EXPECT_EQ(readFile(path_), "[A]\nx=1\ny=2\n\n[B]\nz=3\n");
 
