@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QString>
 
@@ -66,22 +67,32 @@ int QtUserPrompts::messageBox(const std::string& prompt, int flags, const std::s
   QString caption = QString::fromStdString(title);
   if (caption.isEmpty())
     caption = QApplication::applicationDisplayName();
-  QMessageBox box(iconOf(flags), caption, QString::fromStdString(prompt), QMessageBox::NoButton,
-                  QApplication::activeWindow());
+  // The box stands over the active window, or over the first of its owners that stays: a window
+  // already hidden or closing (a file request whose answer started this, the name completer of
+  // that request) is deleted in the box's own loop and would take the box with it.
+  QWidget* over = QApplication::activeWindow();
+  while (over && (!over->isVisible() || over->testAttribute(Qt::WA_DeleteOnClose) ||
+                  over->windowType() == Qt::Popup))
+    over = over->parentWidget() ? over->parentWidget()->window() : nullptr;
+  // On the heap and watched: should its parent go all the same, the box goes with it and the
+  // answer is the escape button's.
+  QPointer<QMessageBox> box = new QMessageBox(
+      iconOf(flags), caption, QString::fromStdString(prompt), QMessageBox::NoButton, over);
   const std::vector<ButtonChoice> choices = buttonSet(flags);
   QMessageBox::StandardButtons buttons;
   for (const ButtonChoice& c : choices)
     buttons |= c.button;
-  box.setStandardButtons(buttons);
+  box->setStandardButtons(buttons);
   size_t defaultIndex = (flags & DefaultThird) ? 2 : (flags & DefaultSecond) ? 1 : 0;
   if (defaultIndex < choices.size())
-    box.setDefaultButton(choices[defaultIndex].button);
+    box->setDefaultButton(choices[defaultIndex].button);
   // Escape gives Cancel where there is one, otherwise the only or the last button.
-  box.setEscapeButton(choices.back().button);
+  box->setEscapeButton(choices.back().button);
   if (flags & msgbox::SystemModal)
-    box.setWindowModality(Qt::ApplicationModal);
+    box->setWindowModality(Qt::ApplicationModal);
 
-  const auto pressed = static_cast<QMessageBox::StandardButton>(box.exec());
+  const auto pressed = static_cast<QMessageBox::StandardButton>(box->exec());
+  delete box.data();
   for (const ButtonChoice& c : choices)
     if (c.button == pressed)
       return c.answer;

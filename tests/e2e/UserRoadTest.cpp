@@ -137,6 +137,24 @@ TEST_F(UserRoad, ADrillFileShowsTheFormatItStatesAndKeepsTheUsersCorrection) {
   EXPECT_LT(gathered.width(), holes.width() / 4) << "the view does not show the new reading";
 }
 
+TEST_F(UserRoad, AnEmptyFileIsNamedOnceAndNotOfferedAsText) {
+  const QString empty = home.filePath("empty.gbr");
+  QFile(empty).open(QIODevice::WriteOnly);
+  host.start(test::binary("tarvex-gbrviewer"), {});
+  ASSERT_TRUE(host.waitForStarted(10000));
+  typeIntoFileRequest(empty);
+  const QString box = visibleWindow("^Tarvex$");
+  ASSERT_FALSE(box.isEmpty()) << "the file was not named";
+  xdo({"windowfocus", "--sync", box});
+  xdo({"key", "Return"});
+  // No second box calls it of an unknown format or offers to show its text, and no import
+  // window opens. (The box once stood over the request's name completer and went with it.)
+  QThread::msleep(1500);
+  for (const char* title : {"^Tarvex$", "Unrecognized", "Import Parameters"})
+    EXPECT_TRUE(xdo({"search", "--onlyvisible", "--name", title}).isEmpty()) << title;
+  EXPECT_FALSE(visibleWindow("Viewer & Import").isEmpty());
+}
+
 TEST_F(UserRoad, FilesOnTheCommandLineEndWithTheOutcomeInTheMessageLine) {
   const QDir samples(QDir(TVX_SOURCE_DIR).filePath("samples"));
   host.start(test::binary("tarvex-gbrviewer"),
