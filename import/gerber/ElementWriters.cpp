@@ -1,5 +1,6 @@
 #include "import/gerber/ElementWriters.h"
 
+#include "import/core/PlaceHole.h"
 #include "import/gerber/GerberFormat.h"
 #include "store/AddElement.h"
 
@@ -66,10 +67,9 @@ bool specialPen(const std::vector<PrimitiveRow>& rows, int32_t first, int32_t dC
 }  // namespace
 
 ElementWriter::ElementWriter(Store& store, const std::vector<PrimitiveRow>& primitives,
-                             LayerRecord& layer, LayerFileRecord& file, HolePlacer placeHole,
-                             int32_t clearColour)
-    : store_(store), primitives_(primitives), layer_(layer), file_(file),
-      placeHole_(std::move(placeHole)), clearColour_(clearColour), exclusions_(file.Tag) {}
+                             LayerRecord& layer, LayerFileRecord& file, int32_t clearColour)
+    : store_(store), primitives_(primitives), layer_(layer), file_(file), clearColour_(clearColour),
+      exclusions_(file.Tag) {}
 
 uint8_t ElementWriter::colour() const {
   return static_cast<uint8_t>(file_.ClearPolarity ? clearColour_ : file_.Colour);
@@ -220,8 +220,7 @@ void ElementWriter::AddOutlinePolygon(const OutlinePoints& points, int32_t link,
 }
 
 void ElementWriter::placeHole(double x, double y, int32_t dCode) {
-  if (placeHole_)
-    placeHole_(x, y, dCode, layer_, file_);
+  PlaceHole(store_, x, y, dCode, layer_, file_);
 }
 
 }  // namespace tvx

@@ -11,16 +11,11 @@
 #include "store/LayerRecord.h"
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace tvx {
 
 class Store;
-
-// Places a hole or pad position at (x, y) under the tool code (PlaceHole in an import).
-using HolePlacer = std::function<void(double x, double y, int32_t toolCode,
-                                      const LayerRecord& layer, const LayerFileRecord& file)>;
 
 // Attribute words handed to the writers.
 namespace flashword {
@@ -50,8 +45,7 @@ enum ApertureKind : int32_t {
 class ElementWriter {
 public:
   ElementWriter(Store& store, const std::vector<PrimitiveRow>& primitives, LayerRecord& layer,
-                LayerFileRecord& file, HolePlacer placeHole = {},
-                int32_t clearColour = slotCode(colourslot::ClearColour));
+                LayerFileRecord& file, int32_t clearColour = slotCode(colourslot::ClearColour));
 
   bool excluded(int32_t dCode) { return exclusions_.excluded(dCode); }
   // The colour of the next element: the file's, or the clear colour under clear polarity.
@@ -91,7 +85,6 @@ private:
   const std::vector<PrimitiveRow>& primitives_;
   LayerRecord& layer_;
   LayerFileRecord& file_;
-  HolePlacer placeHole_;
   int32_t clearColour_;
   ExclusionCache exclusions_;
 };

@@ -34,18 +34,12 @@ int32_t mirrored(int32_t m, bool mirror) {
                                        : m;
 }
 
-HolePlacer holePlacer(Store& store) {
-  return [&store](double x, double y, int32_t toolCode, const LayerRecord& layer,
-                  const LayerFileRecord& file) { PlaceHole(store, x, y, toolCode, layer, file); };
-}
-
 class DrawingPass {
 public:
   DrawingPass(ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
               const GerberDrawContext& context)
       : art_(art), file_(file), context_(context), lists_(context.scan.Lists),
-        writer_(context.store, lists_.PrimitiveList, layer, file, holePlacer(context.store),
-                context.clearColour) {}
+        writer_(context.store, lists_.PrimitiveList, layer, file, context.clearColour) {}
 
   // Replays the stream, then reports each aperture that no list held, once, with the count of
   // elements it cost. The number of elements (flashes, draws, regions) the stream held.

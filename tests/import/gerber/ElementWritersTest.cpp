@@ -192,7 +192,7 @@ TEST(OutlineArcs, ArcThroughThreePoints) {
   EXPECT_EQ(status, 1) << "points on a line";
 }
 
-using test::HoleCall;
+using test::Pad;
 
 class ApertureExpansion : public test::DrawFixture {
 protected:
@@ -223,15 +223,15 @@ TEST_F(ApertureExpansion, FiltersDecideWhatAFlashLeaves) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     clearLayer();
-    holes.clear();
     file.FilterMask = c.mask;
     file.ReaderCode = c.readerCode;
     file.Tag = c.tag;
     flash(1000, 2000, 500, RoundAperture, 10);
     EXPECT_EQ(items().size(), c.items);
-    EXPECT_EQ(holes.size(), c.holes);
-    if (!holes.empty()) {
-      EXPECT_EQ(holes[0], (HoleCall{1000, 2000, 10}));
+    const std::vector<Pad> placed = holes();
+    EXPECT_EQ(placed.size(), c.holes);
+    if (!placed.empty()) {
+      EXPECT_EQ(placed[0], (Pad{1000, 2000, 10}));
     }
   }
 }
@@ -299,7 +299,7 @@ TEST_F(ApertureExpansion, SpecialAperturesWithMacrosOffStillPlaceTheirHoles) {
   file.FilterMask = filter::AF_IPD | filter::AF_IPP;
   flash(10, 20, rect, SpecialAperture, 13);
   EXPECT_TRUE(items().empty());
-  EXPECT_EQ(holes, (std::vector<HoleCall>{{10, 20, 13}}));
+  EXPECT_EQ(holes(), (std::vector<Pad>{{10, 20, 13}}));
   // Rows that end before the shape does stop the flash; so does a first row behind the list.
   file.FilterMask = test::AllFilters;
   const int32_t cut = test::addSpecial(primitives, primitive::Rectangle, 17, {800, 300});

@@ -30,17 +30,6 @@ inline constexpr int32_t AllFilters = 127 | filter::FilledOutlines;
 using Box = std::array<int32_t, 4>;
 inline Box box(const ItemRecord& r) { return {r.X, r.Y, r.Width, r.Height}; }
 
-struct HoleCall {
-  double x = 0;
-  double y = 0;
-  int32_t code = 0;
-  bool operator==(const HoleCall&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const HoleCall& h) {
-  return out << "(" << h.x << ", " << h.y << " D" << h.code << ")";
-}
-
 class DrawFixture : public ::testing::Test {
 protected:
   DrawFixture() {
@@ -56,15 +45,11 @@ protected:
 
   // A writer over the layer and file as they stand now (the exclusion list is read here).
   ElementWriter& writer() {
-    writer_ = std::make_unique<ElementWriter>(k.store, primitives, layer, file, holePlacer());
+    writer_ = std::make_unique<ElementWriter>(k.store, primitives, layer, file);
     return *writer_;
   }
-  HolePlacer holePlacer() {
-    return [this](double x, double y, int32_t code, const LayerRecord&, const LayerFileRecord& f) {
-      if (!f.ClearPolarity)
-        holes.push_back({x, y, code});
-    };
-  }
+  // The hole and pad positions placed in the layer.
+  std::vector<Pad> holes() const { return padsOf(k.store, layer); }
 
   std::vector<ItemRecord> items() const { return itemsOf(k.store, layer); }
   void clearLayer() { EnsureLayerSymbol(k.store, layer, true); }
@@ -93,7 +78,6 @@ protected:
   LayerRecord layer;
   LayerFileRecord file;
   std::vector<PrimitiveRow> primitives;
-  std::vector<HoleCall> holes;
 
 private:
   std::unique_ptr<ElementWriter> writer_;

@@ -17,11 +17,35 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace tvx::test {
+
+// One pad of a layer as the store holds it.
+struct Pad {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t padStack = 0;  // the tool code of its pad stack
+  bool operator==(const Pad&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Pad& p) {
+  return out << "(" << p.x << ", " << p.y << " T" << p.padStack << ")";
+}
+
+inline std::vector<Pad> padsOf(const Store& store, const LayerRecord& layer) {
+  std::vector<Pad> pads;
+  const int32_t count = store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle));
+  for (int32_t i = 1; i <= count; ++i) {
+    EntryRecord entry;
+    if (store.S_ReadEntry(layer.SymbolHandle, i, entry))
+      pads.push_back({entry.X, entry.Y, entry.PadStack});
+  }
+  return pads;
+}
 
 // The layer slots as the layer catalogue lays them out: masks, symbols, the listed layers
 // (1 to 6, 30, 31) and the filter masks of their roles.

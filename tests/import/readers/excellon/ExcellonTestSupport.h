@@ -44,29 +44,6 @@ inline LayerFileRecord drillFile(std::vector<ToolEntry> tools = {}) {
   return file;
 }
 
-// One pad of a layer as the store holds it.
-struct Pad {
-  int32_t x = 0;
-  int32_t y = 0;
-  int32_t padStack = 0;
-  bool operator==(const Pad&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Pad& p) {
-  return out << "(" << p.x << ", " << p.y << " T" << p.padStack << ")";
-}
-
-inline std::vector<Pad> padsOf(const Store& store, const LayerRecord& layer) {
-  std::vector<Pad> pads;
-  const int32_t count = store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle));
-  for (int32_t i = 1; i <= count; ++i) {
-    EntryRecord entry;
-    if (store.S_ReadEntry(layer.SymbolHandle, i, entry))
-      pads.push_back({entry.X, entry.Y, entry.PadStack});
-  }
-  return pads;
-}
-
 // A component's import state over real layer tables, its settings and files in a folder of its own.
 struct ImportWorld {
   ImportWorld() {
