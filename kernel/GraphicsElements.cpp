@@ -431,7 +431,7 @@ int32_t Graphics::G_Triangle(int32_t dev, int32_t x1, int32_t y1, int32_t x2, in
 int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t entries) {
   Device* d = impl_->openDevice(dev);
   Store& store = impl_->store;
-  if (!d || !store.S_Symbol(id))
+  if (!d || store.S_Symbol(id) == ObjectHandle::None)
     return 0;
   if (items)
     impl_->drawItemArray(*d, store.S_SymbolItemArray(id), true);

@@ -15,7 +15,7 @@ int32_t Graphics::I_DrawItemPoly(int32_t dev, int32_t itemOrArray, int32_t a, in
   if (!d)
     return 0;
   const std::string* text = nullptr;
-  if (const ItemFields* f = impl_->store.itemFields(itemOrArray, &text)) {
+  if (const ItemFields* f = impl_->store.itemFields(objectHandle(itemOrArray), &text)) {
     ItemFields moved = *f;
     placeItem(moved, Placement{a, b, 0, false});
     impl_->drawItemFields(*d, moved, text);

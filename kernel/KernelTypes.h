@@ -8,13 +8,16 @@
 namespace tvx {
 
 // All handles and keys are 32-bit; 0 (None) means none or failure.
-using ObjectHandle = int32_t;
-// Arrays and maps have handle types of their own, so that one is never passed for the other or
-// for an object; all of them are entries of the store's one table of objects.
+// Objects (items, entries, symbols, pad stacks), arrays and maps have handle types of their own,
+// so that one is never passed for another or for a count or key; all of them are entries of the
+// store's one table of objects.
+enum class ObjectHandle : int32_t { None = 0 };
 enum class ArrayHandle : int32_t { None = 0 };
 enum class MapHandle : int32_t { None = 0 };
+constexpr int32_t tableEntry(ObjectHandle h) { return static_cast<int32_t>(h); }
 constexpr int32_t tableEntry(ArrayHandle h) { return static_cast<int32_t>(h); }
 constexpr int32_t tableEntry(MapHandle h) { return static_cast<int32_t>(h); }
+constexpr ObjectHandle objectHandle(int32_t entry) { return static_cast<ObjectHandle>(entry); }
 constexpr ArrayHandle arrayHandle(int32_t entry) { return static_cast<ArrayHandle>(entry); }
 constexpr MapHandle mapHandle(int32_t entry) { return static_cast<MapHandle>(entry); }
 using SymbolId = int32_t;

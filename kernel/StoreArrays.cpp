@@ -189,8 +189,8 @@ int32_t Store::OA_GetCount(ArrayHandle array) const {
 ObjectHandle Store::OA_Object(ArrayHandle array, int32_t index) const {
   ArrayData* a = impl_->array(array);
   if (!a || index < 1 || size_t(index) > a->objects.size())
-    return 0;
-  return a->objects[size_t(index) - 1];
+    return ObjectHandle::None;
+  return objectHandle(a->objects[size_t(index) - 1]);
 }
 
 int32_t Store::OA_Add(ArrayHandle array, ObjectHandle object) {
@@ -200,14 +200,13 @@ int32_t Store::OA_Add(ArrayHandle array, ObjectHandle object) {
 int32_t Store::OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index) {
   Impl& s = *impl_;
   ArrayData* a = s.array(array);
-  if (!a || s.table.kindOf(object) != a->element || index < 1 ||
-      size_t(index) > a->objects.size() + 1)
+  if (!a || s.kindOf(object) != a->element || index < 1 || size_t(index) > a->objects.size() + 1)
     return 0;
-  int32_t* owner = ownerField(s, object);
+  int32_t* owner = ownerField(s, tableEntry(object));
   if (!owner || *owner != 0)
     return 0;  // an object belongs to one container at most
   *owner = tableEntry(array);
-  a->objects.insert(a->objects.begin() + (index - 1), object);
+  a->objects.insert(a->objects.begin() + (index - 1), tableEntry(object));
   for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
     setPosition(s, a->objects[i], int32_t(i + 1));
   s.indexMember(*a, object);
@@ -252,7 +251,7 @@ int32_t Store::OA_SearchMask(ArrayHandle array, int32_t firstIndex, int32_t mask
   if (!a)
     return 0;
   for (size_t i = size_t(std::max(firstIndex, 1)); i <= a->objects.size(); ++i)
-    if (O_GetStatus(a->objects[i - 1]) & mask)
+    if (O_GetStatus(objectHandle(a->objects[i - 1])) & mask)
       return int32_t(i);
   return 0;
 }
@@ -306,8 +305,8 @@ int32_t Store::OA_Cover(ArrayHandle array, int32_t firstIndex, int32_t x, int32_
 }
 
 int32_t Store::deleteFreeObject(ObjectHandle object) {
-  int32_t* owner = ownerField(*impl_, object);
-  if (!owner || *owner != 0 || impl_->table.kindOf(object) == ObjectKind::Database)
+  int32_t* owner = ownerField(*impl_, tableEntry(object));
+  if (!owner || *owner != 0 || impl_->kindOf(object) == ObjectKind::Database)
     return 0;
   impl_->destroy(object);
   return 1;
@@ -364,22 +363,21 @@ bool Store::itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<Item
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {
   MapData* m = impl_->map(map);
   if (!m)
-    return 0;
+    return ObjectHandle::None;
   auto it = m->objects.find(key);
-  return it == m->objects.end() ? 0 : it->second;
+  return it == m->objects.end() ? ObjectHandle::None : objectHandle(it->second);
 }
 
 int32_t Store::OM_Add(MapHandle map, ObjectHandle object, int32_t key) {
   Impl& s = *impl_;
   MapData* m = s.map(map);
-  if (!m || key == 0 || key == WalkStart || s.table.kindOf(object) != m->element ||
-      m->objects.count(key))
+  if (!m || key == 0 || key == WalkStart || s.kindOf(object) != m->element || m->objects.count(key))
     return 0;
-  int32_t* owner = ownerField(s, object);
+  int32_t* owner = ownerField(s, tableEntry(object));
   if (!owner || *owner != 0)
     return 0;
   *owner = tableEntry(map);
-  m->objects[key] = object;
+  m->objects[key] = tableEntry(object);
   if (m->element == ObjectKind::PadStack)
     ++s.padEpoch;
   return key;
@@ -407,7 +405,7 @@ int32_t Store::OM_SearchMask(MapHandle map, int32_t* cursor, int32_t value, int3
     return 0;
   auto it = *cursor == WalkStart ? m->objects.begin() : m->objects.upper_bound(*cursor);
   for (; it != m->objects.end(); ++it) {
-    if (((O_GetStatus(it->second) ^ value) & mask) == 0) {
+    if (((O_GetStatus(objectHandle(it->second)) ^ value) & mask) == 0) {
       *cursor = it->first;
       return it->first;
     }

@@ -226,7 +226,7 @@ Store::~Store() = default;
 
 size_t Store::liveObjectCount() const { return impl_->table.liveCount(); }
 
-ObjectHandle Store::DB_DataBase() const { return impl_->database; }
+ObjectHandle Store::DB_DataBase() const { return objectHandle(impl_->database); }
 int32_t Store::DB_CurHier() const { return impl_->currentHierarchy; }
 MapHandle Store::DB_HierarchyMap() const { return mapHandle(impl_->hierarchyMap); }
 ArrayHandle Store::DB_LayerArray() const { return arrayHandle(impl_->layerArray); }

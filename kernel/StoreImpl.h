@@ -167,6 +167,12 @@ public:
   SymbolData* symbolObject(int32_t h) { return lookup(symbols, h, ObjectKind::Symbol); }
   PadStackData* padStack(int32_t h) { return lookup(padStacks, h, ObjectKind::PadStack); }
   NamedData* namedObject(int32_t h);
+  // The same lookups by the handle of the store's interface.
+  ItemData* item(ObjectHandle h) { return item(tableEntry(h)); }
+  EntryData* entry(ObjectHandle h) { return entry(tableEntry(h)); }
+  SymbolData* symbolObject(ObjectHandle h) { return symbolObject(tableEntry(h)); }
+  PadStackData* padStack(ObjectHandle h) { return padStack(tableEntry(h)); }
+  NamedData* namedObject(ObjectHandle h) { return namedObject(tableEntry(h)); }
   SymbolData* symbolById(SymbolId id);
   ArrayData* symbolArray(SymbolId id, int32_t SymbolData::*which);
 
@@ -189,6 +195,11 @@ public:
   void reindexMember(ArrayData& a, int32_t member);
   void unindexMember(ArrayData& a, int32_t member);
   void indexMember(ArrayData& a, int32_t member);
+  void reindexMember(ArrayData& a, ObjectHandle member) { reindexMember(a, tableEntry(member)); }
+  void unindexMember(ArrayData& a, ObjectHandle member) { unindexMember(a, tableEntry(member)); }
+  void indexMember(ArrayData& a, ObjectHandle member) { indexMember(a, tableEntry(member)); }
+  void destroy(ObjectHandle handle) { destroy(tableEntry(handle)); }
+  ObjectKind kindOf(ObjectHandle handle) const { return table.kindOf(tableEntry(handle)); }
   void buildIndex(ArrayData& a);
   Box memberBox(const ArrayData& a, int32_t member);
 

@@ -26,7 +26,8 @@ ObjectHandle Store::I_MakeItem(const ItemRecord& record) {
   f.Link = 0;  // Link and Gap are set through their own operations
   f.Gap = 0;
   bool text = f.Type == ItemVectorText || f.Type == ItemTrueTypeText;
-  return impl_->makeItem(f, text ? &record.Text : nullptr, text ? &record.Face : nullptr);
+  return objectHandle(
+      impl_->makeItem(f, text ? &record.Text : nullptr, text ? &record.Face : nullptr));
 }
 
 ObjectHandle Store::I_MakeText(int32_t x, int32_t y, int32_t angle, int32_t size1, int32_t size2,
@@ -42,7 +43,7 @@ ObjectHandle Store::I_MakeText(int32_t x, int32_t y, int32_t angle, int32_t size
   f.Attributes = attributes;
   f.Colour = uint8_t(colour);
   f.LineWidth = lineWidth;
-  return impl_->makeItem(f, &text, nullptr);
+  return objectHandle(impl_->makeItem(f, &text, nullptr));
 }
 
 ObjectHandle Store::I_MakeTTFText(const ItemRecord& record, const std::string& text,
@@ -51,7 +52,7 @@ ObjectHandle Store::I_MakeTTFText(const ItemRecord& record, const std::string& t
   f.Type = ItemTrueTypeText;
   f.Link = 0;
   f.Gap = 0;
-  return impl_->makeItem(f, &text, &face);
+  return objectHandle(impl_->makeItem(f, &text, &face));
 }
 
 int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
@@ -59,7 +60,7 @@ int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
   if (!d)
     return 0;
   record = ItemRecord{d->f};
-  auto it = impl_->itemTexts.find(impl_->table.find(item, ObjectKind::Item));
+  auto it = impl_->itemTexts.find(impl_->table.find(tableEntry(item), ObjectKind::Item));
   if (it != impl_->itemTexts.end()) {
     record.Text = it->second.text;
     record.Face = it->second.face;
@@ -80,7 +81,7 @@ const ItemFields* Store::itemFields(ObjectHandle item, const std::string** text,
   if (text || face) {
     const ItemText* t = nullptr;
     if (d->f.Type == ItemVectorText || d->f.Type == ItemTrueTypeText) {
-      auto it = impl_->itemTexts.find(impl_->table.find(item, ObjectKind::Item));
+      auto it = impl_->itemTexts.find(impl_->table.find(tableEntry(item), ObjectKind::Item));
       if (it != impl_->itemTexts.end())
         t = &it->second;
     }

@@ -150,7 +150,7 @@ bool Store::Impl::frameOf(ArrayData& a, int32_t mask, Box& frame) {
 
 ObjectHandle Store::S_Symbol(SymbolId id) const {
   SymbolData* s = impl_->symbolById(id);
-  return s ? s->self : 0;
+  return s ? objectHandle(s->self) : ObjectHandle::None;
 }
 
 SymbolId Store::S_CreateSymbol(SymbolId id, const std::string& name) {
@@ -188,7 +188,8 @@ SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
       ObjectHandle original = OA_Object(from, i);
       I_ReadItem(original, r);
       bool text = r.Type == ItemVectorText || r.Type == ItemTrueTypeText;
-      ObjectHandle copy = s.makeItem(r, text ? &r.Text : nullptr, text ? &r.Face : nullptr);
+      ObjectHandle copy =
+          objectHandle(s.makeItem(r, text ? &r.Text : nullptr, text ? &r.Face : nullptr));
       OA_Add(to, copy);
     }
   };
@@ -292,8 +293,8 @@ int32_t Store::S_InsertEntry(SymbolId id, int32_t where, int32_t x, int32_t y) {
   ArrayHandle entries = S_SymbolEntryArray(id);
   if (entries == ArrayHandle::None)
     return 0;
-  ObjectHandle e = impl_->makeEntry();
-  if (!e)
+  ObjectHandle e = objectHandle(impl_->makeEntry());
+  if (e == ObjectHandle::None)
     return 0;
   impl_->entry(e)->x = x;
   impl_->entry(e)->y = y;
@@ -365,7 +366,7 @@ int32_t Store::L_CoverComponent(int32_t, int32_t, int32_t, int32_t*, int32_t, in
   return 0;
 }
 
-ObjectHandle Store::S_MakePadStack() { return impl_->makePadStack(); }
+ObjectHandle Store::S_MakePadStack() { return objectHandle(impl_->makePadStack()); }
 
 int32_t Store::S_ChangePadStackHole(ObjectHandle padStack, int32_t diameter, int32_t kind) {
   PadStackData* p = impl_->padStack(padStack);

@@ -19,7 +19,7 @@ void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& sy
     return;
   }
 
-  ObjectHandle item = 0;
+  ObjectHandle item = ObjectHandle::None;
   if (record.Type == ItemVectorText) {
     item = store.I_MakeText(record.X, record.Y, record.Angle, record.Width, record.Height, text,
                             record.Attributes, record.Colour, record.LineWidth);
@@ -32,7 +32,7 @@ void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& sy
   } else {
     item = store.I_MakeItem(record);
   }
-  if (!item)
+  if (item == ObjectHandle::None)
     return;
   store.I_ChangeItemLink(item, record.Link);
   store.I_ChangeItemGap(item, record.Gap);

@@ -27,7 +27,8 @@ bool FindPolygonRun(const Store& store, ArrayHandle items, int32_t index, int32_
 
 int32_t DeleteElementRun(Store& store, ArrayHandle items, int32_t index) {
   int32_t first = index, last = index;
-  if (!FindPolygonRun(store, items, index, first, last) && !store.OA_Object(items, index))
+  if (!FindPolygonRun(store, items, index, first, last) &&
+      store.OA_Object(items, index) == ObjectHandle::None)
     return 0;
   for (int32_t i = last; i >= first; --i)
     store.OA_Delete(items, i);

@@ -19,7 +19,7 @@ std::string_view trimmed(std::string_view text) {
 
 void EnsureLayerSymbol(Store& store, const LayerRecord& layer, bool replace) {
   const SymbolId id = layer.SymbolHandle;
-  if (ObjectHandle symbol = store.S_Symbol(id)) {
+  if (const ObjectHandle symbol = store.S_Symbol(id); symbol != ObjectHandle::None) {
     bool remove = replace;
     if (!remove) {
       const std::string name = SystemServices::StringFromPointer(store.O_GetName(symbol));
@@ -29,7 +29,7 @@ void EnsureLayerSymbol(Store& store, const LayerRecord& layer, bool replace) {
       store.OM_Delete(store.DB_SymbMap(), id);
   }
   // When the store refuses the symbol the layer stays without one and reads as empty.
-  if (!store.S_Symbol(id) && store.S_CreateSymbol(id, layer.SymbolName) == id)
+  if (store.S_Symbol(id) == ObjectHandle::None && store.S_CreateSymbol(id, layer.SymbolName) == id)
     store.O_Mask(store.S_Symbol(id), attr::MadeBySystem, attr::MadeBySystem);
 }
 

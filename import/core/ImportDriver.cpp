@@ -113,7 +113,7 @@ void centreImportedLayer(Store& store, const LayerRecord& layer, const FileExten
   const int32_t count = store.OA_GetCount(items);
   for (int32_t i = 1; i <= count; ++i) {
     const ObjectHandle item = store.OA_Object(items, i);
-    if (!item)
+    if (item == ObjectHandle::None)
       break;
     ItemRecord record;
     if (store.I_ReadItem(item, record) == 0)

@@ -56,7 +56,7 @@ ItemRecord markerItem(const LayerRecord& layer, int32_t radius) {
 bool makePadStack(Store& store, const LayerRecord& layer, int32_t toolCode, int32_t radius,
                   int32_t holeKind) {
   const ObjectHandle padStack = store.S_MakePadStack();
-  if (!padStack)
+  if (padStack == ObjectHandle::None)
     return false;
   if (store.OM_Add(store.S_SymbolPadStackMap(layer.SymbolHandle), padStack, toolCode) != toolCode) {
     store.deleteFreeObject(padStack);
@@ -64,7 +64,7 @@ bool makePadStack(Store& store, const LayerRecord& layer, int32_t toolCode, int3
   }
   store.S_ChangePadStackHole(padStack, toInt32(2.0 * radius), holeKind);
   const ObjectHandle item = store.I_MakeItem(markerItem(layer, radius));
-  if (!item)
+  if (item == ObjectHandle::None)
     return false;
   store.I_ChangeItemLink(item, 0);
   store.I_ChangeItemGap(item, 0);
@@ -137,7 +137,8 @@ HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
   }
 
   // Key 0 cannot stand in a pad stack map: such a pad is a bare position.
-  if (toolCode != 0 && !store.OM_Object(store.S_SymbolPadStackMap(symbol), toolCode) &&
+  if (toolCode != 0 &&
+      store.OM_Object(store.S_SymbolPadStackMap(symbol), toolCode) == ObjectHandle::None &&
       !makePadStack(store, layer, toolCode, radius, holeKind))
     return HolePlacement::StoreRefused;
 

@@ -246,7 +246,7 @@ TEST_F(GraphicsServicesTest, PolygonRunsAndItemsAtAnOffset) {
   EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, tableEntry(items), 1, 3), 1);
   EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, tableEntry(items), 2, 4), 0) << "beyond the array";
   // The first side once more, moved 3000 up: a line across the top.
-  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, k.store.OA_Object(items, 1), 0, 3000), 1);
+  EXPECT_EQ(k.graphics.I_DrawItemPoly(dev, tableEntry(k.store.OA_Object(items, 1)), 0, 3000), 1);
   k.graphics.G_CloseDC(dev, 1);
   QRgb white = qRgb(255, 255, 255);
   EXPECT_EQ(image.pixel(50, 55), white) << "inside the filled triangle";

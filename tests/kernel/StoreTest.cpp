@@ -28,12 +28,13 @@ TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
   FrameRect f;
   PadStackRecord p;
   for (int32_t bad : {0, -1, 123456789, tableEntry(items) /* an array is not an item */}) {
-    const ArrayHandle notArray = arrayHandle(bad == tableEntry(items) ? item : bad);
-    EXPECT_EQ(std::tuple(s.I_ReadItem(bad, r), s.I_FrameItem(bad, f), s.O_Mask(bad, 0, -1),
-                         s.I_ChangeItemXY(bad, r), s.OA_GetCount(notArray),
-                         s.OA_Add(notArray, item), s.OM_Object(mapHandle(bad), -76501),
-                         s.OM_Delete(mapHandle(bad), -76501), s.S_ReadPadStack(bad, p),
-                         s.O_GetName(bad)),
+    const ArrayHandle notArray = arrayHandle(bad == tableEntry(items) ? tableEntry(item) : bad);
+    const ObjectHandle object = objectHandle(bad);
+    EXPECT_EQ(std::tuple(s.I_ReadItem(object, r), s.I_FrameItem(object, f), s.O_Mask(object, 0, -1),
+                         s.I_ChangeItemXY(object, r), s.OA_GetCount(notArray),
+                         s.OA_Add(notArray, item), tableEntry(s.OM_Object(mapHandle(bad), -76501)),
+                         s.OM_Delete(mapHandle(bad), -76501), s.S_ReadPadStack(object, p),
+                         s.O_GetName(object)),
               std::tuple(0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr))
         << bad;
   }
@@ -42,7 +43,7 @@ TEST(StoreHandles, BadStaleAndWrongKindHandlesFailWithoutChange) {
 
   // Once the symbol is gone, the item's old handle is refused, even after new objects take slots.
   ASSERT_EQ(s.OM_Delete(s.DB_SymbMap(), -76501), 1);
-  EXPECT_EQ(s.S_Symbol(-76501), 0);
+  EXPECT_EQ(s.S_Symbol(-76501), ObjectHandle::None);
   for (int i = 0; i < 3000; ++i)
     s.deleteFreeObject(s.S_MakePadStack());
   ObjectHandle fresh = s.S_MakePadStack();
@@ -75,7 +76,7 @@ TEST(StoreMaps, SymbolKeysAndWalks) {
   EXPECT_EQ(s.S_CreateSymbol(0, ""), 1);
   EXPECT_EQ(s.S_CreateSymbol(0, ""), 2);
   ASSERT_EQ(s.OM_Delete(map, 1), 1);
-  EXPECT_EQ(s.S_Symbol(1), 0);
+  EXPECT_EQ(s.S_Symbol(1), ObjectHandle::None);
   EXPECT_EQ(s.S_CreateSymbol(0, ""), 1);
 
   // OM_Add under a used key fails and the map stays as it was.
@@ -110,12 +111,14 @@ TEST(StoreArrays, IndicesInsertDeleteAndMasks) {
   const auto members = [&] {
     std::vector<ObjectHandle> m;
     for (int32_t i = 0; i <= s.OA_GetCount(a) + 1; ++i)  // 0 and count + 1 read as no object
-      m.push_back(s.S_SymbolItem(5, i) == s.OA_Object(a, i) ? s.OA_Object(a, i) : -1);
+      m.push_back(s.S_SymbolItem(5, i) == s.OA_Object(a, i) ? s.OA_Object(a, i) : objectHandle(-1));
     return m;
   };
-  EXPECT_EQ(members(), (std::vector<ObjectHandle>{0, h[0], h[3], h[1], h[2], 0}));
+  EXPECT_EQ(members(), (std::vector<ObjectHandle>{ObjectHandle::None, h[0], h[3], h[1], h[2],
+                                                  ObjectHandle::None}));
   ASSERT_EQ(s.OA_Delete(a, 1), 1);
-  EXPECT_EQ(members(), (std::vector<ObjectHandle>{0, h[3], h[1], h[2], 0}));
+  EXPECT_EQ(members(),
+            (std::vector<ObjectHandle>{ObjectHandle::None, h[3], h[1], h[2], ObjectHandle::None}));
   ItemRecord r;
   EXPECT_EQ(s.I_ReadItem(h[0], r), 0) << "a deleted item is gone";
   EXPECT_EQ(s.OA_Delete(a, 4), 0);
@@ -426,7 +429,8 @@ TEST(StoreCopy, CopyReplacesTargetEntirely) {
   ItemRecord r;
   s.I_ReadItem(s.S_SymbolItem(-76551, 1), r);
   EXPECT_EQ(std::tuple(r.Text, r.Link), std::tuple("J1", 12));
-  EXPECT_EQ(s.OM_Object(s.S_SymbolPadStackMap(-76551), 99), 0) << "old pad stacks are gone";
+  EXPECT_EQ(s.OM_Object(s.S_SymbolPadStackMap(-76551), 99), ObjectHandle::None)
+      << "old pad stacks are gone";
   ObjectHandle padCopy = s.OM_Object(s.S_SymbolPadStackMap(-76551), 11);
   PadStackRecord pr;
   EntryRecord er;

@@ -143,7 +143,7 @@ TEST_F(ElementRunsTest, FramesOfSelectionsAndSingleElements) {
   store.OM_Delete(store.DB_SymbMap(), before);
   EXPECT_EQ(ExtentOfElement(store, test::Item(ItemCircle, 0).at(10, 0).size(5)),
             (FrameRect{5, -5, 15, 5}));
-  EXPECT_EQ(store.S_Symbol(before), 0) << "the scratch symbol is gone again";
+  EXPECT_EQ(store.S_Symbol(before), ObjectHandle::None) << "the scratch symbol is gone again";
   EXPECT_EQ(store.S_CreateSymbol(0, ""), before) << "and its key is free";
 }
 

@@ -46,7 +46,7 @@ public:
   }
 
   Store& s;
-  ObjectHandle probe = 0;
+  ObjectHandle probe = ObjectHandle::None;
   int32_t mode = -1;
   std::vector<Call> calls;
 };

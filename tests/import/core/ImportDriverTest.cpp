@@ -55,10 +55,10 @@ TEST_F(ImportDriverTest, EnsureLayerSymbolMakesReplacesAndEvictsForeignSymbols) 
   };
 
   EnsureLayerSymbol(store, layer, false);
-  ASSERT_NE(store.S_Symbol(id), 0);
+  ASSERT_NE(store.S_Symbol(id), ObjectHandle::None);
   EXPECT_EQ(name(), "$$GIS_CAT-76503");
   EXPECT_EQ(madeBySystem(), attr::MadeBySystem);
-  ASSERT_NE(addItem(store, id, line(0, 0, 10, 10)), 0);
+  ASSERT_NE(addItem(store, id, line(0, 0, 10, 10)), ObjectHandle::None);
   EnsureLayerSymbol(store, layer, false);
   EXPECT_EQ(itemCount(layer), 1) << "the layer's own symbol is kept without replace";
   EnsureLayerSymbol(store, layer, true);

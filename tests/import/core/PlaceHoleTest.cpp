@@ -103,7 +103,7 @@ TEST_F(PlaceHoleTest, TheDrillLayerDropsToolsWithoutASize) {
     EXPECT_EQ(PlaceHole(store, 0, 0, 2, drill, file, lookup), HolePlacement::Placed);
     EXPECT_EQ(padsOf(store, drill), (std::vector<Pad>{{0, 0, 2}}));
     EXPECT_EQ(holeOf(drill, 2), (std::pair{3000, 4}));
-    EXPECT_EQ(padStack(drill, 1), 0);
+    EXPECT_EQ(padStack(drill, 1), ObjectHandle::None);
   }
   // Elsewhere every tool places its pads, with a hole of size 0.
   const LayerRecord artwork = makeLayer(store, 4, 5);

@@ -150,8 +150,8 @@ template <typename Record> std::vector<int32_t> typesOf(const std::vector<Record
 // An element of a symbol, made the way the store's callers do.
 inline ObjectHandle addItem(Store& store, SymbolId symbol, const ItemRecord& record) {
   ObjectHandle item = store.I_MakeItem(record);
-  if (item && store.OA_Add(store.S_SymbolItemArray(symbol), item) == 0)
-    return 0;
+  if (item != ObjectHandle::None && store.OA_Add(store.S_SymbolItemArray(symbol), item) == 0)
+    return ObjectHandle::None;
   return item;
 }
 
