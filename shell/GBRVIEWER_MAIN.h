@@ -160,10 +160,10 @@ public:
   bool pointerToolActive() const { return pointerToolActive_; }
   void setPointerToolActive(bool active) { pointerToolActive_ = active; }
   // Set by the import dialog while it is loaded and visible.
-  bool importDialogVisible() const { return importDialogVisible_; }
-  void setImportDialogVisible(bool visible) { importDialogVisible_ = visible; }
+  bool importDialogVisible() const;
+  void setImportDialogVisible(bool visible);
   // Set while an import runs; the window is disabled then.
-  bool importRunning() const { return importRunning_; }
+  bool importRunning() const;
 
   // True while start-up has not yet got the view ready; unload then releases nothing.
   bool ExitAnyWay() const { return exitAnyWay_; }
@@ -268,8 +268,6 @@ private:
   bool unloading_ = false;
   bool exitAnyWay_ = false;
   bool pointerToolActive_ = false;
-  bool importDialogVisible_ = false;
-  bool importRunning_ = false;
   bool layersBuilt_ = false;
   bool resizeStartup_ = false;
   bool firstResize_ = false;

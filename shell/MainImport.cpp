@@ -66,6 +66,15 @@ void GBRVIEWER_MAIN::M_FSIimport_Click() {
   request->open();
 }
 
+bool GBRVIEWER_MAIN::importDialogVisible() const { return import_ && import_->windowShown; }
+
+void GBRVIEWER_MAIN::setImportDialogVisible(bool visible) {
+  if (import_)
+    import_->windowShown = visible;
+}
+
+bool GBRVIEWER_MAIN::importRunning() const { return import_ && import_->running; }
+
 void GBRVIEWER_MAIN::setImportControlsEnabled(bool enabled) {
   menuBar()->setEnabled(enabled);
   centralWidget()->setEnabled(enabled);
@@ -97,7 +106,7 @@ void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path, bool reported) {
 }
 
 void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
-  if (!import_ || importRunning_)
+  if (!import_ || import_->running)
     return;
   import_->startJob(path, ImportKind::Unknown);
   const std::string folder = QFileInfo(QString::fromStdString(path)).absolutePath().toStdString();
@@ -120,7 +129,7 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
     import_->state.Job.Kind = kind;
     GBRVIEWER_IMPORT& window = loadImportWindow();
     ImportWindowModel& model = window.model();
-    importRunning_ = true;
+    import_->running = true;
     setImportDialogVisible(true);
     const bool stays = model.ApplyFile();
     if (stays && (isExcellonKind(kind) || isPlotterOrCadKind(kind)))
@@ -152,7 +161,7 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
     return 0;
   int imported = 0;
   setImportControlsEnabled(false);
-  importRunning_ = true;
+  import_->running = true;
   ImportSession::BatchOptions options;
   options.noCenter = settings_.NoCenter;
   options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
@@ -177,7 +186,7 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
   };
   import_->importFiles(tables_->Layers, files, options);
   EditMsgLine(outcome);
-  importRunning_ = false;
+  import_->running = false;
   setImportControlsEnabled(true);
   M_FSI_Click(1);
   redrawView(true);
@@ -221,7 +230,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   link.dialogClosed = [this] {
     if (importWindow_)
       import_->HoleMapping = importWindow_->model().HoleMapping;
-    importRunning_ = false;
+    import_->running = false;
     setImportDialogVisible(false);
     currentFunction_ = 0;
     M_FSI_Click(1);

@@ -33,7 +33,7 @@ void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t /*UnloadMode*/) {
     Cancel = true;
     return;
   }
-  if (importDialogVisible_) {
+  if (importDialogVisible()) {
     Cancel = true;
     return;
   }

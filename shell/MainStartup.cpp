@@ -43,8 +43,6 @@ constexpr int32_t FallbackRaster = 254000;
 void GBRVIEWER_MAIN::resetMembers() {
   exitAnyWay_ = false;
   pointerToolActive_ = false;
-  importDialogVisible_ = false;
-  importRunning_ = false;
   resizeStartup_ = firstResize_ = false;
   minimisingAll_ = false;
   toolbarsLocked_ = false;

@@ -130,6 +130,10 @@ public:
   ReaderTable readers;
   // The import window's hole mapping, kept from one window to the next.
   int32_t HoleMapping = 0;
+  // An import is under way (its window or a run of files): no second one starts.
+  bool running = false;
+  // The import window is up: the host's window may not close under it.
+  bool windowShown = false;
 
 private:
   // For the kinds whose binding only offers layers: the requested layer, else the first offered.

@@ -2,7 +2,6 @@
 // store's locations.
 #include "kernel/Store.h"
 #include "kernel/ItemGeometry.h"
-#include "kernel/KernelStrings.h"
 #include "support/ItemBuilder.h"
 
 #include <gtest/gtest.h>
@@ -162,18 +161,6 @@ TEST(StoreItems, RecordsRoundTripAndLinkGapAreSeparate) {
   ObjectHandle t2 = s.I_MakeTTFText(ItemRecord{{.X = 7}}, "REV A", "Sans");
   ASSERT_EQ(s.I_ReadItem(t2, out), ItemTrueTypeText);
   EXPECT_EQ(std::pair(out.Face, out.Text), std::pair(std::string("Sans"), std::string("REV A")));
-}
-
-TEST(StoreStrings, KernelStringsAndTables) {
-  KernelStrings k;
-  EXPECT_EQ(k.E_GetString("TVNLAYPS"), nullptr);
-  k.E_SetString("TVNLAYPS", "");
-  EXPECT_STREQ(k.E_GetString("TVNLAYPS"), "");
-  // A table is copied in and out whole; the view reads table 5 as 26 whole numbers.
-  int32_t grid[26] = {1, 254000}, back[26] = {};
-  KernelStrings::E_MemCopy(k.E_SysTable(5), grid, sizeof grid);
-  KernelStrings::E_MemCopy(back, k.E_SysTable(5), sizeof back);
-  EXPECT_EQ(std::tuple(back[1], k.E_SysTable(99)), std::tuple(254000, nullptr));
 }
 
 using test::Item;
