@@ -263,8 +263,9 @@ TEST(SecondChanceTest, EachLookTakesWhatTheFourTestsRefusedAndNothingElse) {
 
 TEST(SecondChanceTest, GerberHeadersAreNeitherDrillNorPlotterFiles) {
   // T1 of a date with X and Y of the format passed the drill test; IN of %MOIN the plotter test.
+  ASSERT_EQ(std::pair(IsExcellon(EmptyLayer), IsHpgl(EmptyLayer)),
+            std::pair(ImportKind::Unknown, ImportKind::Unknown));
   const std::tuple<const char*, std::string, int, int, int> cases[] = {
-      {"empty layer", EmptyLayer, 0, 0, 1},
       {"format with inch unit", "%FSLAX24Y24*%\n%MOIN*%\nM02*\n", 0, 0, 2},
       {"format alone", "%FSLAX24Y24*%\nT1\nX1Y1\n", 4, 0, 4},
       {"unit alone", "%MOIN*%\nPU0,0;\n", 0, 7, 7},

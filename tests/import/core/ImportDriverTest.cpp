@@ -11,7 +11,6 @@
 
 #include <fstream>
 #include <regex>
-#include <set>
 
 namespace tvx {
 namespace {
@@ -383,22 +382,6 @@ TEST(ReportStatusTest, BoxIsSystemModalWithBothTitles) {
   EXPECT_EQ(r.prompts.shown[1].flags, msgbox::SystemModal);
   EXPECT_EQ(r.prompts.shown[1].title, "Tarvex Viewer");
   EXPECT_EQ(r.prompts.shown[2].flags, msgbox::Exclamation | msgbox::SystemModal);
-}
-
-TEST(ImportKindTest, EveryKindHasItsOwnCatalogueTextAndOthersAreUnknown) {
-  std::set<std::string_view> ids, texts;
-  for (int32_t k = 1; k <= 8; ++k) {
-    const CatalogueText t = importKindText(static_cast<ImportKind>(k));
-    EXPECT_FALSE(t.id.empty()) << k;
-    EXPECT_TRUE(ids.insert(t.id).second && texts.insert(t.text).second) << k;
-  }
-  const auto text = [](int32_t k) {
-    const CatalogueText t = importKindText(static_cast<ImportKind>(k));
-    return std::pair(std::string(t.id), std::string(t.text));
-  };
-  EXPECT_EQ(text(7), std::pair(std::string("62375"), std::string("HPGL Format file")));
-  for (int32_t k : {0, 9})
-    EXPECT_EQ(text(k), std::pair(std::string(), std::string("unknown file"))) << k;
 }
 
 }  // namespace

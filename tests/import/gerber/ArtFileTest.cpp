@@ -297,7 +297,6 @@ TEST(ApertureSummary, ShapesUsesAndUndefinedCodes) {
   ASSERT_NE(macro, rows.end());
   EXPECT_EQ(macro->MacroName, "DOT");
   EXPECT_THAT(macro->Values, ElementsAre(1, 127000, 0, 0));
-  EXPECT_STREQ(apertureShapeWord(ApertureShape::RegularPolygon), "polygon");
 }
 
 }  // namespace
