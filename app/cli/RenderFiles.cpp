@@ -1,4 +1,5 @@
 #include "app/cli/RenderFiles.h"
+#include "app/cli/CompactPng.h"
 
 #include "common/TextHelpers.h"
 #include "import/readers/ImportSession.h"
@@ -115,7 +116,7 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
              std::to_string(grid.width) + " x " + std::to_string(grid.height) + " pixels";
     if (!drawOn(image, kernel, grid, background, context, order, layers))
       return cannotWrite;
-    return image.save(path, "PNG") ? std::string() : cannotWrite;
+    return writeCompactPng(image, path).ok ? std::string() : cannotWrite;
   }
   case OutputKind::Pdf: {
     QPdfWriter writer(path);

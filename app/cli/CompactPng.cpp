@@ -1,0 +1,112 @@
+#include "app/cli/CompactPng.h"
+
+#include <QImageWriter>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace tvx {
+
+namespace {
+
+// zlib's level 1: fast, and still small for drawn pictures of large even areas.
+constexpr int FastPngQuality = 80;
+
+// The colours of a picture, up to 256, with a small hash from colour to palette index.
+class Palette {
+public:
+  Palette() { slots_.fill(Empty); }
+  // The index of colour, added when new; -1 once the palette is full.
+  int indexOf(uint32_t colour) {
+    if (colour == lastColour_ && lastIndex_ >= 0)
+      return lastIndex_;
+    uint32_t slot = hash(colour);
+    while (slots_[slot] != Empty) {
+      if (colours_[slots_[slot]] == colour)
+        return remember(colour, slots_[slot]);
+      slot = (slot + 1) & (SlotCount - 1);
+    }
+    if (colours_.size() == 256)
+      return -1;
+    slots_[slot] = uint16_t(colours_.size());
+    colours_.push_back(colour);
+    return remember(colour, slots_[slot]);
+  }
+  const std::vector<uint32_t>& colours() const { return colours_; }
+
+private:
+  static constexpr uint32_t SlotCount = 1024;
+  static constexpr uint16_t Empty = 0xFFFF;
+  static uint32_t hash(uint32_t c) { return (c * 2654435761u) >> 22; }
+  int remember(uint32_t colour, int index) {
+    lastColour_ = colour;
+    lastIndex_ = index;
+    return index;
+  }
+  std::array<uint16_t, SlotCount> slots_;
+  std::vector<uint32_t> colours_;
+  uint32_t lastColour_ = 0;
+  int lastIndex_ = -1;
+};
+
+bool countColours(const QImage& image, Palette& palette) {
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* row = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
+    for (int x = 0; x < image.width(); ++x)
+      if (palette.indexOf(row[x]) < 0)
+        return false;
+  }
+  return true;
+}
+
+// Rewrites the picture's rows as palette indices of bits bits (1 or 8) from the start of its own
+// memory: row y of the new picture ends before row y of the old one begins to be read, so no pixel
+// is written over before it has been read.
+QImage packInPlace(QImage& image, Palette& palette, int bits) {
+  const int width = image.width(), height = image.height();
+  const qsizetype sourceLine = image.bytesPerLine();
+  const qsizetype packedLine = ((qsizetype(width) * bits + 31) / 32) * 4;
+  uchar* memory = image.bits();
+  for (int y = 0; y < height; ++y) {
+    const auto* source = reinterpret_cast<const uint32_t*>(memory + y * sourceLine);
+    uchar* packed = memory + y * packedLine;
+    if (bits == 8) {
+      for (int x = 0; x < width; ++x)
+        packed[x] = uchar(palette.indexOf(source[x]));
+      continue;
+    }
+    for (int x = 0; x < width; x += 8) {
+      uchar byte = 0;
+      for (int bit = 0; bit < 8 && x + bit < width; ++bit)
+        byte |= uchar(palette.indexOf(source[x + bit]) << (7 - bit));
+      packed[x / 8] = byte;
+    }
+    std::memset(packed + (width + 7) / 8, 0, size_t(packedLine - (width + 7) / 8));
+  }
+  QImage view(memory, width, height, packedLine,
+              bits == 1 ? QImage::Format_Mono : QImage::Format_Indexed8);
+  QList<QRgb> table(palette.colours().begin(), palette.colours().end());
+  view.setColorTable(table);
+  return view;
+}
+
+}  // namespace
+
+PngWritten writeCompactPng(QImage& image, const QString& path) {
+  QImageWriter writer(path, "png");
+  writer.setQuality(FastPngQuality);
+  if (image.format() != QImage::Format_RGB32)
+    return {writer.write(image), image.depth()};
+  Palette palette;
+  if (!countColours(image, palette))
+    return {writer.write(image), 32};
+  const int bits = palette.colours().size() <= 2 ? 1 : 8;
+  const QImage packed = packInPlace(image, palette, bits);
+  const bool ok = writer.write(packed);
+  image = QImage();
+  return {ok, bits};
+}
+
+}  // namespace tvx
