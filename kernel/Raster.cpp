@@ -144,15 +144,46 @@ void Raster::fillPolygon(const std::vector<QPointF>& p) {
   }
   if (outside(minX, minY, maxX, maxY))
     return;
-  int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
+  const int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
+  // The edges sorted once by their first row; each row looks only at the edges active on it.
+  // Rows are given one spare at each end, and the exact test of the crossing decides, so that a
+  // pixel is set exactly as when every edge is tested on every row.
+  edges_.clear();
+  for (size_t i = 0, j = n - 1; i < n; j = i++) {
+    const double ay = p[j].y(), by = p[i].y();
+    if (ay == by)
+      continue;
+    const double low = std::min(ay, by), high = std::max(ay, by);
+    const int first = int(std::max(std::ceil(low - 0.5) - 1, double(y0)));
+    const int last = int(std::min(std::floor(high - 0.5) + 1, double(y1)));
+    if (first <= last)
+      edges_.push_back({p[j].x(), ay, p[i].x(), by, first, last});
+  }
+  std::sort(edges_.begin(), edges_.end(),
+            [](const Edge& l, const Edge& r) { return l.first < r.first; });
+  active_.clear();
+  size_t next = 0;
   bool any = false;
   for (int y = y0; y <= y1; ++y) {
-    double sy = y + 0.5;
+    if (active_.empty()) {
+      if (next == edges_.size())
+        break;
+      y = std::max(y, edges_[next].first);
+    }
+    while (next < edges_.size() && edges_[next].first <= y)
+      active_.push_back(uint32_t(next++));
+    const double sy = y + 0.5;
     crossings_.clear();
-    for (size_t i = 0, j = n - 1; i < n; j = i++) {
-      double ay = p[j].y(), by = p[i].y();
-      if ((ay <= sy) != (by <= sy))
-        crossings_.push_back(p[j].x() + (sy - ay) * (p[i].x() - p[j].x()) / (by - ay));
+    for (size_t k = 0; k < active_.size();) {
+      const Edge& e = edges_[active_[k]];
+      if (e.last < y) {
+        active_[k] = active_.back();
+        active_.pop_back();
+        continue;
+      }
+      if ((e.ay <= sy) != (e.by <= sy))
+        crossings_.push_back(e.ax + (sy - e.ay) * (e.bx - e.ax) / (e.by - e.ay));
+      ++k;
     }
     std::sort(crossings_.begin(), crossings_.end());
     for (size_t k = 0; k + 1 < crossings_.size(); k += 2) {

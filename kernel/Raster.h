@@ -50,7 +50,15 @@ private:
   int width_;
   int height_;
   QRgb colour_ = 0xFFFFFFFFu;
-  std::vector<double> crossings_;  // kept between calls: no allocation per shape
+  // An edge of a polygon from a to b (as the outline runs), with the rows it may cross.
+  struct Edge {
+    double ax, ay, bx, by;
+    int first, last;
+  };
+  // Kept between calls: no allocation per shape.
+  std::vector<double> crossings_;
+  std::vector<Edge> edges_;
+  std::vector<uint32_t> active_;
 };
 
 }  // namespace tvx
