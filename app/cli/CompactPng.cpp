@@ -51,11 +51,17 @@ private:
   int lastIndex_ = -1;
 };
 
+// Runs of one colour are the rule in a drawn picture: the palette is asked only where the colour
+// changes.
 bool countColours(const QImage& image, Palette& palette) {
-  for (int y = 0; y < image.height(); ++y) {
+  const int width = image.width(), height = image.height();
+  for (int y = 0; y < height; ++y) {
     const auto* row = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
-    for (int x = 0; x < image.width(); ++x)
-      if (palette.indexOf(row[x]) < 0)
+    uint32_t last = row[0];
+    if (palette.indexOf(last) < 0)
+      return false;
+    for (int x = 1; x < width; ++x)
+      if (row[x] != last && palette.indexOf(last = row[x]) < 0)
         return false;
   }
   return true;
@@ -68,6 +74,9 @@ QImage packInPlace(QImage& image, Palette& palette, int bits) {
   const int width = image.width(), height = image.height();
   const qsizetype sourceLine = image.bytesPerLine();
   const qsizetype packedLine = ((qsizetype(width) * bits + 31) / 32) * 4;
+  // The colour of index 1; a picture of one colour has none, and every bit stays 0.
+  const std::vector<uint32_t>& colours = palette.colours();
+  const uint32_t one = colours.size() == 2 ? colours[1] : ~colours[0];
   uchar* memory = image.bits();
   for (int y = 0; y < height; ++y) {
     const auto* source = reinterpret_cast<const uint32_t*>(memory + y * sourceLine);
@@ -77,11 +86,19 @@ QImage packInPlace(QImage& image, Palette& palette, int bits) {
         packed[x] = uchar(palette.indexOf(source[x]));
       continue;
     }
-    for (int x = 0; x < width; x += 8) {
+    const int whole = width / 8;
+    for (int b = 0; b < whole; ++b) {
+      const uint32_t* eight = source + 8 * b;
       uchar byte = 0;
-      for (int bit = 0; bit < 8 && x + bit < width; ++bit)
-        byte |= uchar(palette.indexOf(source[x + bit]) << (7 - bit));
-      packed[x / 8] = byte;
+      for (int bit = 0; bit < 8; ++bit)
+        byte = uchar(byte << 1 | (eight[bit] == one));
+      packed[b] = byte;
+    }
+    if (width % 8) {
+      uchar byte = 0;
+      for (int x = 8 * whole; x < width; ++x)
+        byte |= uchar((source[x] == one) << (7 - (x - 8 * whole)));
+      packed[whole] = byte;
     }
     std::memset(packed + (width + 7) / 8, 0, size_t(packedLine - (width + 7) / 8));
   }
