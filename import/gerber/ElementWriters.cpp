@@ -69,7 +69,7 @@ bool specialPen(const std::vector<PrimitiveRow>& rows, int32_t first, int32_t dC
 ElementWriter::ElementWriter(Store& store, const std::vector<PrimitiveRow>& primitives,
                              LayerRecord& layer, LayerFileRecord& file, int32_t clearColour)
     : store_(store), primitives_(primitives), layer_(layer), file_(file), clearColour_(clearColour),
-      exclusions_(file.Tag) {}
+      exclusions_(file.Tag), placed_(store, layer.SymbolHandle) {}
 
 uint8_t ElementWriter::colour() const {
   return static_cast<uint8_t>(file_.ClearPolarity ? clearColour_ : file_.Colour);
@@ -220,7 +220,7 @@ void ElementWriter::AddOutlinePolygon(const OutlinePoints& points, int32_t link,
 }
 
 void ElementWriter::placeHole(double x, double y, int32_t dCode) {
-  PlaceHole(store_, x, y, dCode, layer_, file_);
+  PlaceHole(store_, x, y, dCode, layer_, file_, nullptr, &placed_);
 }
 
 }  // namespace tvx

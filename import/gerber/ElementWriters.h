@@ -3,6 +3,7 @@
 // clear polarity.
 #pragma once
 
+#include "import/core/PlaceHole.h"
 #include "import/gerber/ApertureLabel.h"
 #include "import/gerber/ApertureLists.h"
 #include "import/gerber/OutlineArcs.h"
@@ -87,6 +88,9 @@ private:
   LayerFileRecord& file_;
   int32_t clearColour_;
   ExclusionCache exclusions_;
+  // The points on which the layer's pads stand: a flash on one of them places no second pad,
+  // found without a cover search of the layer.
+  PlacedPoints placed_;
 };
 
 }  // namespace tvx
