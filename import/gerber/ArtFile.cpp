@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 
@@ -85,6 +86,7 @@ void ArtFile::close() {
   position_ = 0;
   lastOp_ = LastOp::None;
   writable_ = false;
+  readAheadStart_ = -1;
 }
 
 int32_t ArtFile::recordCount() const {
@@ -114,6 +116,7 @@ bool ArtFile::seekTo(int64_t offset, LastOp op) {
 bool ArtFile::write(int32_t n, const ArtRecord& record) {
   if (!file_.is_open() || !writable_ || n < 1)
     return false;
+  readAheadStart_ = -1;
   const int64_t offset = static_cast<int64_t>(n - 1) * ArtRecordLength;
   if (offset > size_) {
     // Fill the gap so the file never has a hole of undefined bytes.
@@ -152,18 +155,36 @@ bool ArtFile::read(int32_t n, ArtRecord& record) {
   if (!file_.is_open() || n < 1 || n > recordCount())
     return false;
   const int64_t offset = static_cast<int64_t>(n - 1) * ArtRecordLength;
-  if (!seekTo(offset, LastOp::Read))
+  if ((readAheadStart_ < 0 || offset < readAheadStart_ ||
+       offset + ArtRecordLength > readAheadStart_ + int64_t(readAhead_.size())) &&
+      !fillReadAhead(offset))
     return false;
   ArtRecordBytes bytes{};
-  file_.read(reinterpret_cast<char*>(bytes.data()), ArtRecordLength);
-  if (file_.gcount() != ArtRecordLength) {
+  std::memcpy(bytes.data(), readAhead_.data() + (offset - readAheadStart_), ArtRecordLength);
+  record = decodeArtRecord(bytes);
+  return true;
+}
+
+bool ArtFile::fillReadAhead(int64_t offset) {
+  constexpr int64_t RecordsAhead = 16384;
+  readAheadStart_ = -1;
+  if (!seekTo(offset, LastOp::Read))
+    return false;
+  const int64_t wanted = std::min(RecordsAhead, (size_ - offset) / ArtRecordLength);
+  readAhead_.resize(size_t(std::max<int64_t>(wanted, 1) * ArtRecordLength));
+  file_.read(readAhead_.data(), std::streamsize(readAhead_.size()));
+  const int64_t got = file_.gcount() / ArtRecordLength * ArtRecordLength;
+  if (got < ArtRecordLength) {
     // The file shrank under us: treat it as ending here.
     file_.clear();
     lastOp_ = LastOp::None;
     return false;
   }
-  position_ = offset + ArtRecordLength;
-  record = decodeArtRecord(bytes);
+  if (!file_)
+    file_.clear();
+  readAhead_.resize(size_t(got));
+  readAheadStart_ = offset;
+  position_ = offset + file_.gcount();
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -85,8 +86,15 @@ private:
   enum class LastOp { None, Read, Write };
   bool seekTo(int64_t offset, LastOp op);
 
+  // Reads a block of whole records from offset into the read-ahead; false when not one is there.
+  bool fillReadAhead(int64_t offset);
+
   std::fstream file_;
   std::string path_;
+  // Records read ahead from readAheadStart_ (-1: none): the drawing pass reads the file in order,
+  // and a record a call through the stream costs more than decoding it. Any write drops them.
+  std::vector<char> readAhead_;
+  int64_t readAheadStart_ = -1;
   int64_t size_ = 0;
   int64_t position_ = 0;
   LastOp lastOp_ = LastOp::None;
