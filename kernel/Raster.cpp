@@ -2,10 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cwchar>
 
 namespace tvx {
 
 namespace {
+// n pixels of one colour. The C library's wide-character fill writes 32-bit values with the
+// machine's widest stores, where a plain loop writes one pixel at a time.
+inline void fillPixels(QRgb* first, size_t n, QRgb colour) {
+  if constexpr (sizeof(wchar_t) == sizeof(QRgb)) {
+    std::wmemset(reinterpret_cast<wchar_t*>(first), static_cast<wchar_t>(colour), n);
+  } else {
+    std::fill_n(first, n, colour);
+  }
+}
+
 // Pixels whose centres lie in [left, right]: from ceil(left - 0.5) to floor(right - 0.5).
 inline int firstPixel(double left) { return int(std::ceil(left - 0.5)); }
 inline int lastPixel(double right) { return int(std::floor(right - 0.5)); }
@@ -22,7 +33,7 @@ void Raster::span(int y, int x0, int x1) {
   x1 = std::min(x1, width_ - 1);
   if (x0 > x1)
     return;
-  std::fill(row(y) + x0, row(y) + x1 + 1, colour_);
+  fillPixels(row(y) + x0, size_t(x1 - x0 + 1), colour_);
 }
 
 void Raster::spanOfInterval(int y, double left, double right) {
