@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace tvx {
 
@@ -153,7 +154,10 @@ void GerberBlockReader::ReadBlock(int32_t& status) {
     } else if (k >= PosFirstLetter && k <= PosLastLetter) {
       letter_ = k - PosFirstLetter;
     } else if (k >= PosFirstDigit && k <= PosLastDigit) {
-      appendToLetter(c);
+      if (letter_ == LetterG || letter_ == NoLetter)
+        appendToLetter(c);
+      else
+        appendDigitRun(c);
     } else if (k == PosPercent) {
       inParameter_ = true;
     } else if (c != '\r' && c != '\n') {
@@ -174,6 +178,35 @@ void GerberBlockReader::appendToLetter(char c) {
     letter.text[letter.length++] = c;
   if (letter_ == LetterG)
     interpretG();
+}
+
+// The rest of a run of digits of a coordinate or a code, taken from the piece at once: the letter
+// keeps what fits, as character by character.
+void GerberBlockReader::appendDigitRun(char c) {
+  size_t end = pos_;
+  while (end < piece_.size()) {
+    const int k = Positions[static_cast<unsigned char>(piece_[end])];
+    if (k < PosFirstDigit || k > PosLastDigit)
+      break;
+    ++end;
+  }
+  LetterText& letter = letters_[size_t(letter_)];
+  if (letter.length < letter.text.size())
+    letter.text[letter.length++] = c;
+  const size_t room = letter.text.size() - letter.length;
+  const size_t taken = std::min(room, end - pos_);
+  std::memcpy(letter.text.data() + letter.length, piece_.data() + pos_, taken);
+  letter.length += taken;
+  // The progress count goes on by the characters passed over.
+  const int passed = int(end - pos_);
+  pos_ = end;
+  if (passed >= untilCheck_) {
+    untilCheck_ = CheckInterval;
+    if (progress_)
+      progress_();
+  } else {
+    untilCheck_ -= passed;
+  }
 }
 
 // A G-code takes effect as soon as it has one digit or two; "1", "2" and "3" act at once and may

@@ -105,6 +105,7 @@ private:
   void noteEnd();
   bool endOfBlock();
   void appendToLetter(char c);
+  void appendDigitRun(char c);
   void interpretG();
   bool parameterCharacter(char c);
   void clearLetters();
