@@ -1,4 +1,5 @@
-// Drawing a layer of a million mixed elements: the whole board, and a view of 1% of it.
+// Drawing a layer of a million mixed elements: the whole board, a view of 1% of it, a pan and a
+// wheel step.
 #include "kernel/Kernel.h"
 
 #include <QGuiApplication>
@@ -59,6 +60,19 @@ void BM_DrawOnePercent(benchmark::State& state) {
   drawView(state, Board, Board / 14400, Board / 2, Board / 2);
 }
 BENCHMARK(BM_DrawOnePercent)->Unit(benchmark::kMillisecond);
+
+// A pan by a tenth of the view at 1%: the view drawn again at its new place (no part of the last
+// picture is kept yet, so this is what the user waits for after a drag).
+void BM_DrawPanTenth(benchmark::State& state) {
+  drawView(state, Board, Board / 14400, Board / 2 + 192 * (Board / 14400), Board / 2);
+}
+BENCHMARK(BM_DrawPanTenth)->Unit(benchmark::kMillisecond);
+
+// One wheel step in from the whole board: a fifth more magnified, about the pointer at the centre.
+void BM_DrawWheelStep(benchmark::State& state) {
+  drawView(state, Board, Board / 1200, Board / 2, Board / 2);
+}
+BENCHMARK(BM_DrawWheelStep)->Unit(benchmark::kMillisecond);
 
 // The same million elements spread so that they rarely overlap.
 void BM_DrawFitSparse(benchmark::State& state) {
