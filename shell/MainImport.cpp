@@ -112,8 +112,8 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   const std::string folder = QFileInfo(QString::fromStdString(path)).absolutePath().toStdString();
   int32_t status = 0;
   writeImpDir(status, context_.services, folder);
-  if (status != 0 && context_.services.firstSettingsFailure())
-    import_->files.ReportWriteError(context_.services.iniFile(), EACCES);
+  if (status != 0)
+    import_->files.ReportSettingsWriteError(EACCES);
   settings_.ImpDir = folder;
 
   setImportControlsEnabled(false);

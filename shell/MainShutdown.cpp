@@ -57,9 +57,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
       settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;
       int32_t status = 0;
       writeViewerSettings(status, context_.services, settings_);
-      if (const int error = batch.commit(); error != 0 && context_.services.firstSettingsFailure())
-        FileLayer(context_.services, &context_.prompts)
-            .ReportWriteError(context_.services.iniFile(), error);
+      FileLayer(context_.services, &context_.prompts).ReportSettingsWriteError(batch.commit());
     }
 
     if (const QCursor* first = kernel.graphics.cursor(cursors_[0]))

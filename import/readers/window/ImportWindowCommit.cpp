@@ -94,8 +94,7 @@ void ImportWindowModel::commit(const std::string& key, const std::string& cellTe
       SaveGerberSettings(session_.services, session_.gerberFormat);
     if (saved & 4)
       SaveDxfSettings(session_.services, session_.dxfFormat);
-    if (const int error = batch.commit(); error != 0 && session_.services.firstSettingsFailure())
-      session_.files.ReportWriteError(session_.services.iniFile(), error);
+    session_.files.ReportSettingsWriteError(batch.commit());
   }
   notify();
 }
