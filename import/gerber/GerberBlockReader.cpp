@@ -118,6 +118,17 @@ void GerberBlockReader::clearLetters() {
   letter_ = NoLetter;
 }
 
+// Progress runs once every CheckInterval characters read.
+inline void GerberBlockReader::countPassed(int characters) {
+  if (characters < untilCheck_) {
+    untilCheck_ -= characters;
+    return;
+  }
+  untilCheck_ = CheckInterval;
+  if (progress_)
+    progress_();
+}
+
 void GerberBlockReader::ReadBlock(int32_t& status) {
   for (;;) {
     if (pos_ >= piece_.size() && !refill(status)) {
@@ -127,11 +138,7 @@ void GerberBlockReader::ReadBlock(int32_t& status) {
       return;
     }
     const char c = piece_[pos_++];
-    if (--untilCheck_ == 0) {
-      untilCheck_ = CheckInterval;
-      if (progress_)
-        progress_();
-    }
+    countPassed(1);
     const int k = Positions[static_cast<unsigned char>(c)];
     if (k != 0)
       foreign_ = 0;
@@ -197,16 +204,8 @@ void GerberBlockReader::appendDigitRun(char c) {
   const size_t taken = std::min(room, end - pos_);
   std::memcpy(letter.text.data() + letter.length, piece_.data() + pos_, taken);
   letter.length += taken;
-  // The progress count goes on by the characters passed over.
-  const int passed = int(end - pos_);
+  countPassed(int(end - pos_));
   pos_ = end;
-  if (passed >= untilCheck_) {
-    untilCheck_ = CheckInterval;
-    if (progress_)
-      progress_();
-  } else {
-    untilCheck_ -= passed;
-  }
 }
 
 // A G-code takes effect as soon as it has one digit or two; "1", "2" and "3" act at once and may

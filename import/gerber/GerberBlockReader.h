@@ -106,6 +106,7 @@ private:
   bool endOfBlock();
   void appendToLetter(char c);
   void appendDigitRun(char c);
+  void countPassed(int characters);
   void interpretG();
   bool parameterCharacter(char c);
   void clearLetters();
