@@ -61,8 +61,13 @@ int32_t Graphics::G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode) {
   d->offsetX = view.Width / 2.0;
   d->offsetY = view.Height / 2.0;
   d->mirror = (view.Mode & viewflag::Mirror) != 0;
-  d->painter = std::make_unique<QPainter>();
-  if (d->usesShadow) {
+  d->rasterOnly = !d->usesShadow && d->target->devType() == QInternal::Image &&
+                  static_cast<QImage*>(d->target)->format() == QImage::Format_Indexed8;
+  d->figuresLeftOut = false;
+  d->painter = d->rasterOnly ? nullptr : std::make_unique<QPainter>();
+  if (d->rasterOnly) {
+    // No painter draws into an 8-bit picture: the span rasteriser alone does.
+  } else if (d->usesShadow) {
     if (d->shadow.width() != view.Width || d->shadow.height() != view.Height)
       G_CreateShadowBitmap(dev);
     if (!d->painter->begin(&d->shadow))
@@ -71,13 +76,12 @@ int32_t Graphics::G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode) {
     d->painter.reset();
     return 0;
   }
-  d->painter->setRenderHint(QPainter::Antialiasing, true);
+  if (d->painter)
+    d->painter->setRenderHint(QPainter::Antialiasing, true);
   d->rasterImage = d->usesShadow                              ? &d->shadow
                    : d->target->devType() == QInternal::Image ? static_cast<QImage*>(d->target)
                                                               : nullptr;
-  if (d->rasterImage && (d->rasterImage->format() == QImage::Format_RGB32 ||
-                         d->rasterImage->format() == QImage::Format_ARGB32 ||
-                         d->rasterImage->format() == QImage::Format_ARGB32_Premultiplied))
+  if (d->rasterImage && Raster::draws(*d->rasterImage))
     d->raster = std::make_unique<Raster>(*d->rasterImage);
   else
     d->raster.reset();
@@ -91,8 +95,13 @@ int32_t Graphics::G_CloseDC(int32_t dev, int32_t flag) {
   Device* d = impl_->device(dev);
   if (!d || !d->open)
     return 0;
-  d->painter->end();
+  if (d->painter)
+    d->painter->end();
   d->painter.reset();
+  if (d->rasterOnly && d->raster) {
+    d->rasterImage->setColorTable(d->raster->palette());
+    d->figuresLeftOut = d->figuresLeftOut || d->raster->paletteOverflowed();
+  }
   d->raster.reset();
   d->open = false;
   if (flag && d->onPresent)
@@ -103,6 +112,11 @@ int32_t Graphics::G_CloseDC(int32_t dev, int32_t flag) {
 const QImage* Graphics::shadowImage(int32_t dev) const {
   Device* d = impl_->device(dev);
   return d && d->usesShadow ? &d->shadow : nullptr;
+}
+
+bool Graphics::figuresLeftOut(int32_t dev) const {
+  Device* d = impl_->device(dev);
+  return d && d->figuresLeftOut;
 }
 
 int32_t Graphics::G_CreateShadowBitmap(int32_t dev) {
@@ -124,6 +138,9 @@ int32_t Graphics::G_CreateShadowBitmap(int32_t dev) {
     } else {
       d->shadow.fill(bg);
     }
+  } else if (d->open && d->rasterOnly) {
+    d->raster->setColour(bg.rgb());
+    d->raster->fill();
   } else if (d->open) {
     // A direct surface: clear the picture area to the background.
     d->painter->save();

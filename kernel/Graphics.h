@@ -69,6 +69,10 @@ public:
   int32_t G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode);
   int32_t G_CloseDC(int32_t dev, int32_t flag);
   const QImage* shadowImage(int32_t dev) const;
+  // An 8-bit picture (QImage::Format_Indexed8) is drawn by the span rasteriser alone, with the
+  // colours it meets as its colour table. True when the last pass on it met a figure only a
+  // painter draws (text, exclusive-or) or more than 256 colours: the picture is then incomplete.
+  bool figuresLeftOut(int32_t dev) const;
   void N_SetNodeView(int32_t flag) { nodeView_ = flag; }
   int32_t G_CreateShadowBitmap(int32_t dev);
   int32_t G_ChangeBackgroundColor(int32_t dev, int32_t colour);

@@ -138,6 +138,8 @@ void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::s
                                     const std::string* face) {
   if (Raster* r = rasterFor(d); r && rasterItem(d, *r, f))
     return;
+  if (!canPaint(d))
+    return;
   QPainter& p = *d.painter;
   bool filled = f.Style == StyleFilled;
   switch (f.Type) {
@@ -250,6 +252,8 @@ void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first,
     }
     return;
   }
+  if (!canPaint(d))
+    return;
   QPainterPath path;
   ItemFields firstSide;
   for (int32_t i = first; i <= last; ++i) {
@@ -319,7 +323,7 @@ void Graphics::Impl::drawEntry(Device& d, SymbolId id, const EntryRecord& e) {
     placeItem(f, place);
     drawItemFields(d, f, &r.Text, &r.Face);
   }
-  if (n == 0) {
+  if (n == 0 && canPaint(d)) {
     // An entry without pad items shows as a small cross at its point.
     applyPen(d, 15, penstyle::Outline, 0);
     QPointF c = d.toDevice(e.X, e.Y);
@@ -389,7 +393,7 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
 }
 
 int32_t Graphics::G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
-  Device* d = impl_->openDevice(dev);
+  Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
   impl_->applyPen(*d, d->colour, d->style, d->width);
@@ -398,7 +402,7 @@ int32_t Graphics::G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_
 }
 
 int32_t Graphics::G_Rectangle(int32_t dev, int32_t x, int32_t y, int32_t width, int32_t height) {
-  Device* d = impl_->openDevice(dev);
+  Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
   impl_->applyPen(*d, d->colour, d->style, d->width);
@@ -408,7 +412,7 @@ int32_t Graphics::G_Rectangle(int32_t dev, int32_t x, int32_t y, int32_t width, 
 }
 
 int32_t Graphics::G_Circle(int32_t dev, int32_t x, int32_t y, int32_t radius) {
-  Device* d = impl_->openDevice(dev);
+  Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
   impl_->applyPen(*d, d->colour, d->style, d->width);
@@ -419,7 +423,7 @@ int32_t Graphics::G_Circle(int32_t dev, int32_t x, int32_t y, int32_t radius) {
 
 int32_t Graphics::G_Triangle(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2,
                              int32_t x3, int32_t y3) {
-  Device* d = impl_->openDevice(dev);
+  Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
   impl_->applyPen(*d, d->colour, d->style, d->width);

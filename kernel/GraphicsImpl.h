@@ -38,6 +38,10 @@ struct Device {
   // Span drawing straight into the pixels, for images in the normal mode; null otherwise.
   std::unique_ptr<Raster> raster;
   QImage* rasterImage = nullptr;
+  // An 8-bit picture with a palette: no painter can draw into it, the span rasteriser alone does.
+  bool rasterOnly = false;
+  // Set when a pass on such a picture met a figure only a painter draws, or too many colours.
+  bool figuresLeftOut = false;
   int32_t thickPens = 0;
   int32_t gridMode = 1;
 
@@ -70,9 +74,22 @@ public:
       return nullptr;
     return devices[size_t(dev) - 1].get();
   }
+  // An open device that elements can be drawn on, by the painter or by the span rasteriser alone.
   Device* openDevice(int32_t dev) {
     Device* d = device(dev);
+    return d && d->open && (d->painter || d->rasterOnly) ? d : nullptr;
+  }
+  // An open device with a painter, for the figures that only a painter draws.
+  Device* paintingDevice(int32_t dev) {
+    Device* d = device(dev);
     return d && d->open && d->painter ? d : nullptr;
+  }
+  // True when the device has a painter for a figure the span rasteriser cannot draw; otherwise
+  // the figure is noted as left out.
+  bool canPaint(Device& d) const {
+    if (!d.painter)
+      d.figuresLeftOut = true;
+    return d.painter != nullptr;
   }
 
   // The RGB of a colour value: palette numbers, slot codes, layer codes; bit 128 is the background.

@@ -42,7 +42,7 @@ int32_t Graphics::G_GetGridMode(int32_t dev) const {
 }
 
 int32_t Graphics::G_DrawGrid(int32_t dev, const FrameRect& r, int32_t step, int32_t flag) {
-  Device* d = impl_->openDevice(dev);
+  Device* d = impl_->paintingDevice(dev);
   if (!d || step <= 0)
     return step;
   int64_t used = step;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <cwchar>
 
 namespace tvx {
@@ -22,9 +23,44 @@ inline int firstPixel(double left) { return int(std::ceil(left - 0.5)); }
 inline int lastPixel(double right) { return int(std::floor(right - 0.5)); }
 }  // namespace
 
+bool Raster::draws(const QImage& image) {
+  switch (image.format()) {
+  case QImage::Format_RGB32:
+  case QImage::Format_ARGB32:
+  case QImage::Format_ARGB32_Premultiplied:
+  case QImage::Format_Indexed8:
+    return true;
+  default:
+    return false;
+  }
+}
+
 Raster::Raster(QImage& image)
     : bits_(image.bits()), stride_(image.bytesPerLine()), width_(image.width()),
-      height_(image.height()) {}
+      height_(image.height()), indexed_(image.format() == QImage::Format_Indexed8) {
+  if (indexed_)
+    index_ = paletteIndex(colour_);
+}
+
+uchar Raster::paletteIndex(QRgb colour) {
+  // A picture holds a handful of colours, and a shape asks for the one of the shape before.
+  if (index_ < palette_.size() && palette_[index_] == colour)
+    return index_;
+  const qsizetype known = palette_.indexOf(colour);
+  if (known >= 0)
+    return uchar(known);
+  if (palette_.size() == 256) {
+    paletteOverflowed_ = true;
+    return 0;
+  }
+  palette_.push_back(colour);
+  return uchar(palette_.size() - 1);
+}
+
+void Raster::fill() {
+  for (int y = 0; y < height_; ++y)
+    span(y, 0, width_ - 1);
+}
 
 void Raster::span(int y, int x0, int x1) {
   if (unsigned(y) >= unsigned(height_))
@@ -33,7 +69,10 @@ void Raster::span(int y, int x0, int x1) {
   x1 = std::min(x1, width_ - 1);
   if (x0 > x1)
     return;
-  fillPixels(row(y) + x0, size_t(x1 - x0 + 1), colour_);
+  if (indexed_)
+    std::memset(bits_ + size_t(y) * stride_ + size_t(x0), index_, size_t(x1 - x0 + 1));
+  else
+    fillPixels(row(y) + x0, size_t(x1 - x0 + 1), colour_);
 }
 
 void Raster::spanOfInterval(int y, double left, double right) {

@@ -1,4 +1,5 @@
-// A span rasteriser for the shapes of the store, writing straight into a 32-bit image.
+// A span rasteriser for the shapes of the store, writing straight into a 32-bit image or into an
+// 8-bit one with a palette (a quarter of the memory, for pictures of few colours).
 //
 // A pixel is set when its centre lies inside the shape; a shape that covers no pixel centre still
 // sets the pixel under its middle, so nothing on the board disappears when zoomed out. There is no
@@ -7,6 +8,7 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
 #include <QPointF>
 
 #include <cstdint>
@@ -18,12 +20,29 @@ class Raster {
 public:
   explicit Raster(QImage& image);
 
-  void setColour(QRgb colour) { colour_ = colour | 0xFF000000u; }
+  // True for the formats drawn into: 32-bit RGB and 8-bit with a palette.
+  static bool draws(const QImage& image);
+
+  void setColour(QRgb colour) {
+    colour_ = colour | 0xFF000000u;
+    if (indexed_)
+      index_ = paletteIndex(colour_);
+  }
+  // The colours drawn into an 8-bit picture, by their index; the picture's colour table.
+  const QList<QRgb>& palette() const { return palette_; }
+  // True when an 8-bit picture was given more colours than 256 (the later ones drawn as the first).
+  bool paletteOverflowed() const { return paletteOverflowed_; }
 
   void plot(int x, int y) {
-    if (unsigned(x) < unsigned(width_) && unsigned(y) < unsigned(height_))
-      row(y)[x] = colour_;
+    if (unsigned(x) < unsigned(width_) && unsigned(y) < unsigned(height_)) {
+      if (indexed_)
+        bits_[size_t(y) * stride_ + size_t(x)] = index_;
+      else
+        row(y)[x] = colour_;
+    }
   }
+  // Every pixel of the picture.
+  void fill();
   // Pixels x0..x1 (inclusive) of row y, clipped.
   void span(int y, int x0, int x1);
 
@@ -44,12 +63,17 @@ public:
 private:
   QRgb* row(int y) { return reinterpret_cast<QRgb*>(bits_ + size_t(y) * stride_); }
   void spanOfInterval(int y, double left, double right);
+  uchar paletteIndex(QRgb colour);
 
   uchar* bits_;
   qsizetype stride_;
   int width_;
   int height_;
+  bool indexed_;
   QRgb colour_ = 0xFFFFFFFFu;
+  uchar index_ = 0;
+  QList<QRgb> palette_;
+  bool paletteOverflowed_ = false;
   // An edge of a polygon from a to b (as the outline runs), with the rows it may cross.
   struct Edge {
     double ax, ay, bx, by;

@@ -51,13 +51,18 @@ private:
   int lastIndex_ = -1;
 };
 
+// The pixels of row y of a picture of Pixel (uint32_t for 32-bit RGB, uchar for 8-bit indices).
+template <typename Pixel> const Pixel* rowOf(const uchar* memory, qsizetype line, int y) {
+  return reinterpret_cast<const Pixel*>(memory + y * line);
+}
+
 // Runs of one colour are the rule in a drawn picture: the palette is asked only where the colour
 // changes.
-bool countColours(const QImage& image, Palette& palette) {
+template <typename Pixel> bool countColours(const QImage& image, Palette& palette) {
   const int width = image.width(), height = image.height();
   for (int y = 0; y < height; ++y) {
-    const auto* row = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
-    uint32_t last = row[0];
+    const Pixel* row = rowOf<Pixel>(image.constBits(), image.bytesPerLine(), y);
+    Pixel last = row[0];
     if (palette.indexOf(last) < 0)
       return false;
     for (int x = 1; x < width; ++x)
@@ -69,17 +74,18 @@ bool countColours(const QImage& image, Palette& palette) {
 
 // Rewrites the picture's rows as palette indices of bits bits (1 or 8) from the start of its own
 // memory: row y of the new picture ends before row y of the old one begins to be read, so no pixel
-// is written over before it has been read.
-QImage packInPlace(QImage& image, Palette& palette, int bits) {
+// is written over before it has been read. colourOf gives the colour of a pixel value.
+template <typename Pixel, typename ColourOf>
+QImage packInPlace(QImage& image, Palette& palette, int bits, ColourOf colourOf) {
   const int width = image.width(), height = image.height();
   const qsizetype sourceLine = image.bytesPerLine();
   const qsizetype packedLine = ((qsizetype(width) * bits + 31) / 32) * 4;
-  // The colour of index 1; a picture of one colour has none, and every bit stays 0.
-  const std::vector<uint32_t>& colours = palette.colours();
-  const uint32_t one = colours.size() == 2 ? colours[1] : ~colours[0];
+  // The value of index 1; a picture of one colour has none, and every bit stays 0.
+  const std::vector<uint32_t>& values = palette.colours();
+  const Pixel one = Pixel(values.size() == 2 ? values[1] : ~values[0]);
   uchar* memory = image.bits();
   for (int y = 0; y < height; ++y) {
-    const auto* source = reinterpret_cast<const uint32_t*>(memory + y * sourceLine);
+    const Pixel* source = rowOf<Pixel>(memory, sourceLine, y);
     uchar* packed = memory + y * packedLine;
     if (bits == 8) {
       for (int x = 0; x < width; ++x)
@@ -88,7 +94,7 @@ QImage packInPlace(QImage& image, Palette& palette, int bits) {
     }
     const int whole = width / 8;
     for (int b = 0; b < whole; ++b) {
-      const uint32_t* eight = source + 8 * b;
+      const Pixel* eight = source + 8 * b;
       uchar byte = 0;
       for (int bit = 0; bit < 8; ++bit)
         byte = uchar(byte << 1 | (eight[bit] == one));
@@ -104,7 +110,9 @@ QImage packInPlace(QImage& image, Palette& palette, int bits) {
   }
   QImage view(memory, width, height, packedLine,
               bits == 1 ? QImage::Format_Mono : QImage::Format_Indexed8);
-  QList<QRgb> table(palette.colours().begin(), palette.colours().end());
+  QList<QRgb> table;
+  for (uint32_t value : values)
+    table.push_back(colourOf(value));
   view.setColorTable(table);
   return view;
 }
@@ -114,13 +122,24 @@ QImage packInPlace(QImage& image, Palette& palette, int bits) {
 PngWritten writeCompactPng(QImage& image, const QString& path) {
   QImageWriter writer(path, "png");
   writer.setQuality(FastPngQuality);
-  if (image.format() != QImage::Format_RGB32)
+  const bool indexed = image.format() == QImage::Format_Indexed8;
+  if (image.format() != QImage::Format_RGB32 && !indexed)
     return {writer.write(image), image.depth()};
   Palette palette;
-  if (!countColours(image, palette))
-    return {writer.write(image), 32};
+  const bool counted =
+      indexed ? countColours<uchar>(image, palette) : countColours<uint32_t>(image, palette);
+  // An 8-bit picture of more than two colours is already as small as a palette makes it.
+  if (!counted || (indexed && palette.colours().size() > 2))
+    return {writer.write(image), image.depth()};
   const int bits = palette.colours().size() <= 2 ? 1 : 8;
-  const QImage packed = packInPlace(image, palette, bits);
+  const QList<QRgb> table = image.colorTable();
+  const QImage packed =
+      indexed ? packInPlace<uchar>(image, palette, bits,
+                                   [&](uint32_t index) {
+                                     return index < uint32_t(table.size()) ? table[index] : 0u;
+                                   })
+              : packInPlace<uint32_t>(image, palette, bits,
+                                      [](uint32_t colour) { return colour | 0xFF000000u; });
   const bool ok = writer.write(packed);
   image = QImage();
   return {ok, bits};

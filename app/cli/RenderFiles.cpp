@@ -25,6 +25,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <variant>
 
 namespace tvx {
 
@@ -75,14 +76,17 @@ std::optional<WindowMm> framedWindow(Store& store, const LayerTables& tables) {
   return WindowMm{w.x0 - margin, w.y0 - margin, w.x1 + margin, w.y1 + margin};
 }
 
-// Draws the layers on a device over target; false when the device could not be opened.
-bool drawOn(QPaintDevice& target, Kernel& kernel, const RenderGrid& grid, int32_t background,
-            LayerDrawContext& context, std::span<const LayerOrderRow> order,
-            std::span<const LayerRecord> layers) {
+enum class Drawn { Whole, Incomplete, Failed };
+
+// Draws the layers on a device over target. Incomplete: an 8-bit picture met a figure that only
+// a painter draws. Failed: the device could not be opened.
+Drawn drawOn(QPaintDevice& target, Kernel& kernel, const RenderGrid& grid, int32_t background,
+             LayerDrawContext& context, std::span<const LayerOrderRow> order,
+             std::span<const LayerRecord> layers) {
   Graphics& graphics = kernel.graphics;
   const int32_t dev = graphics.G_GetDC(&target);
   if (dev == 0)
-    return false;
+    return Drawn::Failed;
   graphics.G_ChangeBackgroundColor(dev, background);
   ViewSetup view;
   view.Scale = grid.scale;
@@ -93,13 +97,40 @@ bool drawOn(QPaintDevice& target, Kernel& kernel, const RenderGrid& grid, int32_
   view.Mode = drawmode::Normal;
   if (!graphics.G_OpenDC(dev, view, drawmode::Normal)) {
     graphics.G_DeleteDC(dev);
-    return false;
+    return Drawn::Failed;
   }
   graphics.G_CreateShadowBitmap(dev);  // clears the picture to the background
   DrawLayers(context, dev, drawmode::Normal, order, layers);
   graphics.G_CloseDC(dev, 1);
+  const bool whole = !graphics.figuresLeftOut(dev);
   graphics.G_DeleteDC(dev);
-  return true;
+  return whole ? Drawn::Whole : Drawn::Incomplete;
+}
+
+// The picture for a PNG. A monochrome one holds a few colours (black, white, the drill layer's):
+// it is drawn with one byte a pixel, a quarter of the memory and time of 32-bit colour, unless it
+// holds a figure that only a painter draws, which the 32-bit picture then takes.
+std::variant<QImage, std::string> drawPicture(const RenderOptions& options, const RenderGrid& grid,
+                                              Kernel& kernel, int32_t background,
+                                              LayerDrawContext& context,
+                                              std::span<const LayerOrderRow> order,
+                                              std::span<const LayerRecord> layers) {
+  const QImage::Format formats[] = {QImage::Format_Indexed8, QImage::Format_RGB32};
+  for (QImage::Format format : std::span(formats).subspan(options.mono ? 0 : 1)) {
+    QImage image(int(grid.width), int(grid.height), format);
+    if (image.isNull())
+      return "gbrview: " + options.output + ": no memory for a picture of " +
+             std::to_string(grid.width) + " x " + std::to_string(grid.height) + " pixels";
+    switch (drawOn(image, kernel, grid, background, context, order, layers)) {
+    case Drawn::Whole:
+      return image;
+    case Drawn::Incomplete:
+      continue;
+    case Drawn::Failed:
+      return "gbrview: " + options.output + ": cannot be written";
+    }
+  }
+  return "gbrview: " + options.output + ": cannot be written";
 }
 
 std::string writePicture(const RenderOptions& options, const RenderGrid& grid, Kernel& kernel,
@@ -110,13 +141,10 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
   const std::string cannotWrite = "gbrview: " + options.output + ": cannot be written";
   switch (outputKindOf(options.output)) {
   case OutputKind::Png: {
-    QImage image(int(grid.width), int(grid.height), QImage::Format_RGB32);
-    if (image.isNull())
-      return "gbrview: " + options.output + ": no memory for a picture of " +
-             std::to_string(grid.width) + " x " + std::to_string(grid.height) + " pixels";
-    if (!drawOn(image, kernel, grid, background, context, order, layers))
-      return cannotWrite;
-    return writeCompactPng(image, path).ok ? std::string() : cannotWrite;
+    auto picture = drawPicture(options, grid, kernel, background, context, order, layers);
+    if (std::string* error = std::get_if<std::string>(&picture))
+      return *error;
+    return writeCompactPng(std::get<QImage>(picture), path).ok ? std::string() : cannotWrite;
   }
   case OutputKind::Pdf: {
     QPdfWriter writer(path);
@@ -125,7 +153,7 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
     writer.setPageLayout(
         QPageLayout(QPageSize(pageMm, QPageSize::Millimeter, QString(), QPageSize::ExactMatch),
                     QPageLayout::Portrait, QMarginsF(0, 0, 0, 0), QPageLayout::Millimeter));
-    if (!drawOn(writer, kernel, grid, background, context, order, layers))
+    if (drawOn(writer, kernel, grid, background, context, order, layers) == Drawn::Failed)
       return cannotWrite;
     break;
   }
@@ -136,7 +164,7 @@ std::string writePicture(const RenderOptions& options, const RenderGrid& grid, K
     generator.setViewBox(QRect(0, 0, int(grid.width), int(grid.height)));
     generator.setResolution(std::max(1, int(std::lround(options.dpi))));
     generator.setTitle(QStringLiteral("gbrview render"));
-    if (!drawOn(generator, kernel, grid, background, context, order, layers))
+    if (drawOn(generator, kernel, grid, background, context, order, layers) == Drawn::Failed)
       return cannotWrite;
     break;
   }

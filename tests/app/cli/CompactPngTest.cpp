@@ -14,6 +14,7 @@ TEST(CompactPng, EveryPictureReadsBackAsDrawnWithTheFewestBits) {
     const char* name;
     int width, height, colours;
     int bits;
+    QImage::Format format = QImage::Format_RGB32;
   };
   // Widths that fill no whole byte or word test the row ends of the packed forms.
   const Case cases[] = {
@@ -23,6 +24,8 @@ TEST(CompactPng, EveryPictureReadsBackAsDrawnWithTheFewestBits) {
       {"a full palette", 101, 40, 256, 8},
       {"one colour too many", 64, 64, 257, 32},
       {"a single pixel", 1, 1, 2, 1},
+      {"8-bit, two colours", 37, 9, 2, 1, QImage::Format_Indexed8},
+      {"8-bit, three colours", 33, 7, 3, 8, QImage::Format_Indexed8},
   };
   QTemporaryDir folder;
   ASSERT_TRUE(folder.isValid());
@@ -32,13 +35,23 @@ TEST(CompactPng, EveryPictureReadsBackAsDrawnWithTheFewestBits) {
     std::vector<QRgb> colours;
     for (int i = 0; i < c.colours; ++i)
       colours.push_back(qRgb(i & 0xFF, (i * 37) & 0xFF, i >> 8 ? 200 : 10));
-    QImage drawn(c.width, c.height, QImage::Format_RGB32);
+    const bool indexed = c.format == QImage::Format_Indexed8;
+    QImage drawn(c.width, c.height, c.format);
+    if (indexed) {
+      // Palette entries beyond the used ones, as the rasteriser leaves them, must not count.
+      QList<QRgb> table;
+      for (QRgb colour : colours)
+        table.push_back(colour | 0xFF000000);
+      table.push_back(qRgb(1, 2, 3));
+      drawn.setColorTable(table);
+    }
     int next = 0;  // every colour at least once, then at random
     for (int y = 0; y < c.height; ++y)
-      for (int x = 0; x < c.width; ++x)
-        drawn.setPixel(x, y,
-                       colours[next < c.colours ? next++ : random.bounded(c.colours)] | 0xFF000000);
-    const QImage expected = drawn.copy();
+      for (int x = 0; x < c.width; ++x) {
+        const int pick = next < c.colours ? next++ : random.bounded(c.colours);
+        drawn.setPixel(x, y, indexed ? uint(pick) : colours[size_t(pick)] | 0xFF000000);
+      }
+    const QImage expected = drawn.convertToFormat(QImage::Format_RGB32);
     const QString path = folder.filePath(QString(c.name) + ".png");
     const PngWritten written = writeCompactPng(drawn, path);
     EXPECT_TRUE(written.ok);
