@@ -296,46 +296,23 @@ struct StatusCase {
   const char* byId;      // the text when every id's entry reads "<id>"
 };
 
-// Name is "F.GBR" and the format 3.4 throughout.
+// Name is "F.GBR" and the format 3.4 throughout: one row for each way a text is put together.
 const StatusCase Cases[] = {
     {StatusReported, Cr, "Range Error - format:3.4", "<62379>3.4"},
     {StatusIncorrectFormat, Ex, "Artwork File - Incorrect format", "<62380>"},
-    {StatusNoVectorFont, Ex, "Can't load local vector font, default assumed.F.GBR", "<62381>F.GBR"},
-    {StatusCannotLoad, Ex, "Can't load F.GBR", "<62382>F.GBR"},
     {StatusSaveFailed, Ex, "Save of F.GBR failed", "<62383>F.GBR<62384>"},
-    {StatusOutsideLimits, 0,
-     "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.",
-     "<62385>\r\n<62386>"},
-    {StatusApertureMissing, 0,
-     "F.GBR aperture not found in the list during import.\r\nSelect proper Aperture Table and "
-     "import again.",
-     "F.GBR<62387>\r\n<62388>"},
     {StatusExtents, 0,
      "Coordinates outside limits\r\nCheck parameters for F.GBR file and import again.",
      "<62385>\r\n<62389>F.GBR <62390>"},
     {StatusNotSupported, Ex, "F.GBR - import of files in this format is not supported",
      "F.GBR - <62391>"},
-    {StatusNotFormatTwo, Ex,
-     "F.GBR - this is not Format 2 File.\r\nFormat parameters and/or tools sizes might need "
-     "adjustment for correct import",
-     "F.GBR - <62392>\r\n<62393>"},
-    {StatusPolygonTooComplex, Ex, "Polygon to complex F.GBR", "<62395>F.GBR"},
-    {StatusPathNotClosed, Ex, "This path is not a closed shapeF.GBR", "<62396>F.GBR"},
-    {StatusNoLayers, Ex, "F.GBR No available layers", "F.GBR <62397>"},
-    {StatusNoData, Ex, "No data to output", "<62398>"},
     {StatusCompleted, 0, "F.GBR Completed", "F.GBR <62399>"},
-    {StatusNoAperture, Ex, "F.GBR No aperture defined for selected item", "F.GBR <4953>"},
     // Both texts of StatusExtentsTruncated stand under the id "loc", which no catalogue holds.
     {StatusExtentsTruncated, Ex,
      "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range.",
      "Drawing extents are out of range.\r\nF.GBR\r\nImport may be truncated into supported range."},
-    {StatusBadStepping, Ex, "Incorrect stepping parametersF.GBR", "<62400>F.GBR"},
-    {StatusNoRotationPoints, Ex, "Set Point(s) to define rotation.", "<62401>"},
-    {StatusOutOfRange, Ex, "Out of RangeF.GBR", "<62402>F.GBR"},
-    {StatusNothingToImport, Ex, "Nothing to importF.GBR", "<151219>F.GBR"},
     {StatusOk, Cr, "Unknown Error", "<62403>"},
     {95, Cr, "Unknown Error", "<62403>"},
-    {-1, Cr, "Unknown Error", "<62403>"},
 };
 
 // A catalogue in which every id used by the status table reads as itself in angle brackets.
