@@ -347,13 +347,8 @@ struct ReaderRun {
 
 TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateFile) {
   ReaderRun r;
-  test::GerberPass& pass = r.pass;
-  Store& store = r.store;
-  FileExtents& extents = r.extents;
-  GerberFileReader& reader = r.reader;
-  ImportJob& job = r.job;
-  const std::string source = pass.source;
-  std::ofstream(source, std::ios::binary)
+  auto& [pass, store, extents, context, reader, job] = r;
+  std::ofstream(pass.source, std::ios::binary)
       << "%FSLAX24Y24*%%MOIN*%%ADD10C,0.0100*%%ADD11R,0.0600X0.0400*%\r\n"
          "D10*X0Y0D02*X10000Y0D01*D11*X5000Y5000D03*X6000Y5000D03*M02*\r\n";
   ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
@@ -417,10 +412,7 @@ TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
   for (const auto& [text, items] : cases) {
     SCOPED_TRACE(text);
     ReaderRun r;
-    test::GerberPass& pass = r.pass;
-    Store& store = r.store;
-    GerberFileReader& reader = r.reader;
-    ImportJob& job = r.job;
+    auto& [pass, store, extents, context, reader, job] = r;
     std::ofstream(pass.source, std::ios::binary) << text;
     ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
     auto layers = test::makeLayers();
@@ -438,17 +430,10 @@ TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
 }
 
 TEST(GerberFileReader, AFailedScanLeavesNothingToImport) {
-  test::GerberPass pass;
-  Store store;
-  FileExtents extents;
-  GerberPassContext context = pass.context();
-  GerberFileReader reader(store, pass.reporting.reporter, context, extents);
-  ImportJob job;
-  job.SourcePath = pass.dir.file("missing.gbr");
-  job.Kind = ImportKind::ArtworkRS274X;
-  EXPECT_EQ(reader.scan(job), ScanResult::Failed);
-  EXPECT_TRUE(job.IntermediatePath.empty());
-  EXPECT_FALSE(job.Prepared);
+  ReaderRun r;
+  r.job.SourcePath = r.pass.dir.file("missing.gbr");
+  EXPECT_EQ(r.reader.scan(r.job), ScanResult::Failed);
+  EXPECT_EQ(std::pair(r.job.IntermediatePath, r.job.Prepared), std::pair(std::string(), false));
 }
 
 }  // namespace
