@@ -26,7 +26,6 @@ TEST(ImportWindowRows, AGerberFileWaitsForALayerThenShowsItsLayerAndFilterRows) 
   // The file's own format, read-only and grey.
   EXPECT_EQ(world.row("IMP_UNITG").Value, "Inches");
   EXPECT_TRUE(world.row("IMP_UNITG").ReadOnly);
-  EXPECT_EQ(world.row("IMP_UNITG").ValueBack, 0xE6E6E6);
   EXPECT_EQ(world.row("IMP_PFXG").Value, "2.4");
   EXPECT_EQ(world.row("IMP_APT").Value, "Embedded");
   EXPECT_FALSE(world.row("IMP_APT").Enabled) << "the aperture windows are not there";
@@ -119,11 +118,6 @@ TEST(ImportWindowRows, APlotterFileHasNoFormatRowsAndOnlyTheOutlineLayer) {
   EXPECT_EQ(world.model->list(importlist::Layers), Keys{"Board Outline/Cut-outs"});
   world.model->cmdFilters();
   EXPECT_EQ(world.keys(), keys) << "filters have nothing to show for it";
-}
-
-TEST(ImportWindowRows, ToolLabelsAreFiveCharacters) {
-  EXPECT_EQ(ToolLabel(1), "T1   ");
-  EXPECT_EQ(ToolLabel(123456), "T1234");
 }
 
 }  // namespace
