@@ -219,9 +219,6 @@ TEST(CountryTable, RowsAndDefaultsFromTheSettings) {
   // A default that names a missing row gives the built-in row.
   std::ofstream(ini) << "[COUNTRY]\nNumber=1\nDefault=7\n1=Deutsch,German,0\n";
   EXPECT_EQ(ReadCountryTable(services).DefaultRow, CountryRow{});
-
-  EXPECT_EQ(parseCountryRow("Français,French"), (CountryRow{"Français", "French", 65535}));
-  EXPECT_EQ(parseCountryRow(""), CountryRow{});
 }
 
 // Switching the default row switches catalogue and menu file, end to end over the shipped data.

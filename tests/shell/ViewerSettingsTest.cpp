@@ -1,4 +1,4 @@
-// The viewer's settings: defaults, corrections of stored values, the order and form of writing,
+// The viewer's settings: corrections of stored values, the order and form of writing,
 // and the default tables that go into the kernel and come back out of it.
 #include "shell/ViewerSettings.h"
 
@@ -52,22 +52,6 @@ protected:
   std::unique_ptr<SystemServices> services_;
   Kernel k_;
 };
-
-TEST_F(ViewerSettingsTest, MissingSectionsGiveTheDefaults) {
-  useFile("[COUNTRY]\r\nLanguage=1\r\n");
-  const ViewerSettings s = readAll("Tarvex Pro");
-  EXPECT_EQ(std::tuple(s.JobDir, s.ImpDir),
-            std::tuple("C:\\Tarvex Pro\\JOB", "C:\\Tarvex Pro\\JOB"))
-      << "ImpDir defaults to the job folder";
-
-  // The default tables reach the kernel: 0.1 inch and 2 mm raster, 2 pixels pick distance,
-  // precision row 12 of each unit.
-  const ViewTables view = ReadViewTables(k_.strings);
-  EXPECT_EQ((std::vector<int32_t>{view.currentGridStep(0), view.currentGridStep(1),
-                                  view.currentPickPixels(), view.currentPrecisionRow(0),
-                                  view.currentPrecisionRow(1)}),
-            (std::vector<int32_t>{254000, 200000, 2, 25400, 25000}));
-}
 
 TEST_F(ViewerSettingsTest, StoredValuesAreCorrectedOnReading) {
   const auto get = [](const ViewerSettings& s, std::string_view key) -> double {
