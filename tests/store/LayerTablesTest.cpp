@@ -180,22 +180,6 @@ protected:
   }
 };
 
-TEST_F(ColourSlotsTest, SlotsFollowTableOneAndNameThemselvesByCode) {
-  for (int slot = 0; slot < ColourSlotCount; ++slot)
-    table()[slot] = uint8_t((slot * 7 + 3) % PaletteSize);
-  colours.build(k.strings);
-  for (int32_t slot = 0; slot < ColourSlotCount; ++slot) {
-    EXPECT_EQ(
-        std::tuple(colours[slot].ColourNumber, uint32_t(colours[slot].Rgb), colours[slot].Code),
-        std::tuple(table()[slot], paletteRgb()[table()[slot]],
-                   slot < 32 ? 32 + slot : 64 + (slot - 32)))
-        << slot;
-  }
-  EXPECT_EQ(std::tuple(colours.ClearColour(), colours.highlightColour(false),
-                       colours.highlightColour(true), colours.backgroundColour()),
-            std::tuple(colours[60].Code, colours[36].Code, 12, colours[63].Code));
-}
-
 TEST_F(ColourSlotsTest, CategoryRowsAreWrittenThroughToTableOne) {
   EXPECT_EQ(readGroup(CategoryGroup::Layout), 11);
   colours.build(k.strings);
