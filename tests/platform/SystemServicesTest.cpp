@@ -131,12 +131,6 @@ TEST(ShippedCatalogues, GermanTranslatesEveryEnglishMessage) {
   EXPECT_EQ(german.size(), english.size()) << "German holds ids English has not";
   for (const std::string& id : ids)
     EXPECT_NE(german.find(id), nullptr) << "missing in German: " << id;
-
-  SystemServices services;
-  services.loadCatalogue(std::string(TVX_SOURCE_DIR) + "/data/COUNTRY/German");
-  EXPECT_EQ(services.LocalMessage("Can't read file: ", "62451"),
-            "Datei kann nicht gelesen werden: ");
-  EXPECT_EQ(services.LocalMessage("Delete element?", "625"), "Element l\xC3\xB6schen?");
 }
 
 namespace fs = std::filesystem;
