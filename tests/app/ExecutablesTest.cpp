@@ -4,17 +4,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
-#include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
 
 #include <unistd.h>
 
@@ -22,31 +16,9 @@ namespace {
 
 using test::binary;
 
-// Three holes of 0.04 inch at (0.1, 0.1), (0.5, 0.1) and (0.3, 0.4) inch.
+// Three holes of 0.04 inch.
 constexpr const char* Drill = "M48\r\nINCH,TZ\r\nT1C0.04\r\n%\r\nT1\r\nX1000Y1000\r\nX5000Y1000\r\n"
                               "X3000Y4000\r\nM30\r\n";
-
-// The runs of true values in a row of flags, and the length from the first true to the last.
-int runsOf(const std::vector<bool>& flags) {
-  int runs = 0;
-  for (size_t i = 0; i < flags.size(); ++i)
-    runs += flags[i] && (i == 0 || !flags[i - 1]);
-  return runs;
-}
-double spanOf(const std::vector<bool>& flags) {
-  const auto first = std::find(flags.begin(), flags.end(), true);
-  const auto last = std::find(flags.rbegin(), flags.rend(), true);
-  return double(flags.rend() - last) - double(first - flags.begin());
-}
-
-// Reads the host's output until a line holding text arrives or the time runs out.
-bool waitForLine(QProcess& host, QByteArray& output, const QByteArray& text) {
-  for (int i = 0; i < 100 && !output.contains(text); ++i) {
-    host.waitForReadyRead(200);
-    output += host.readAllStandardOutput();
-  }
-  return output.contains(text);
-}
 
 class HostTest : public ::testing::Test {
 protected:
@@ -131,59 +103,6 @@ TEST_F(HostTest, EndOfInputLeavesTheWindowOpen) {
   EXPECT_EQ(host.readAllStandardOutput().toStdString(), "");
 }
 
-// End to end: the drill file of the command line is imported and the view shows its holes and
-// nothing else. On a virtual X display when the machine has one (xvfb-run), so the view is grabbed
-// as a real window shows it.
-TEST_F(HostTest, TheDrillFileOfTheCommandLineShowsItsHolesOnly) {
-  QFile file(home.filePath("board.drl"));
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(Drill) > 0);
-  file.close();
-  const QString xvfb = QStandardPaths::findExecutable("xvfb-run");
-  if (xvfb.isEmpty()) {
-    start({"-platform", "offscreen", file.fileName()});
-  } else {
-    QProcessEnvironment environment = host.processEnvironment();
-    environment.remove("QT_QPA_PLATFORM");
-    host.setProcessEnvironment(environment);
-    host.start(xvfb, {"-a", "-s", "-screen 0 1280x1024x24", binary("tarvex-gbrviewer"), "-platform",
-                      "xcb", file.fileName()});
-    ASSERT_TRUE(host.waitForStarted(10000));
-  }
-
-  const QString picture = home.filePath("view.png");
-  host.write(("TARVEX,SAVEVIEW," + picture + "\n").toUtf8());
-  QByteArray output;
-  ASSERT_TRUE(waitForLine(host, output, "SAVEVIEW,")) << output.toStdString();
-  EXPECT_TRUE(output.contains("TARVEX\tSAVEVIEW,OK\n")) << output.toStdString();
-
-  host.write("All,EX\n");
-  ASSERT_TRUE(host.waitForFinished(20000));
-  output += host.readAllStandardOutput();
-  EXPECT_EQ(host.exitCode(), 0);
-  EXPECT_TRUE(output.endsWith("TVNGBRVIEWER\tSHUTDOWN\n")) << output.toStdString();
-
-  QImage image(picture);
-  ASSERT_FALSE(image.isNull());
-  // The fit leaves the ruler's margin left and below: the top right corner is background.
-  const QRgb background = image.pixel(image.width() - 1, 0);
-  std::vector<bool> columns(size_t(image.width()), false), rows(size_t(image.height()), false);
-  int64_t marked = 0;
-  for (int y = 0; y < image.height(); ++y)
-    for (int x = 0; x < image.width(); ++x)
-      if (image.pixel(x, y) != background) {
-        columns[size_t(x)] = rows[size_t(y)] = true;
-        ++marked;
-      }
-  // Three holes in three columns and two rows; everything else is background.
-  EXPECT_EQ(runsOf(columns), 3);
-  EXPECT_EQ(runsOf(rows), 2);
-  EXPECT_GT(marked, 0);
-  EXPECT_LT(marked, int64_t(image.width()) * image.height() / 50);
-  // The holes' spread is 0.44 by 0.34 inch.
-  const double ratio = spanOf(columns) / spanOf(rows);
-  EXPECT_NEAR(ratio, 0.44 / 0.34, 0.1);
-}
-
 TEST(CliTest, BadArgumentsExitWithTwoAndTheUsage) {
   ASSERT_TRUE(QFileInfo(binary("gbrview")).isExecutable()) << "build the target gbrview first";
   // Refused by the command line (whose own tests hold the reasons) or by the render's check.
@@ -212,16 +131,6 @@ TEST(CliTest, HelpPrintsTheUsage) {
   EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D) and Excellon drill files render"),
             std::string::npos)
       << run.out;
-}
-
-TEST(CliTest, VersionPrintsTheProjectsVersion) {
-  const test::ProcessRun run = test::runGbrview({"--version"});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_TRUE(QRegularExpression("^gbrview \\d+\\.\\d+(\\.\\d+)*\n$")
-                  .match(QString::fromStdString(run.out))
-                  .hasMatch())
-      << run.out;
-  EXPECT_EQ(run.err, "");
 }
 
 // Without XDG_RUNTIME_DIR Qt would warn on stderr; gbrview makes a private folder of mode 0700
