@@ -42,17 +42,14 @@ void appendArc(const Device& d, QPainterPath& path, const ItemFields& f, bool jo
 }
 
 // Points along an arc in device coordinates, close enough that no chord strays a quarter pixel.
-void flattenArc(const Device& d, const ItemFields& f, std::vector<QPointF>& out) {
+void flattenArc(const Device& d, const ItemFields& f, ArcDirections& arcs,
+                std::vector<QPointF>& out) {
   double r = std::abs(double(f.Width));
-  double radiusPx = r * d.scale;
   double sweep = f.Sweep / 1000.0;
-  double step =
-      radiusPx > 0.5 ? 2 * std::acos(std::max(-1.0, 1 - 0.25 / radiusPx)) / RadiansPerDegree : 90;
+  double step = arcs.stepFor(r * d.scale);
   int steps = std::clamp(int(std::ceil(std::abs(sweep) / std::max(step, 0.5))), 1, 720);
-  for (int i = 0; i <= steps; ++i) {
-    double a = (f.Height / 1000.0 + sweep * i / steps) * RadiansPerDegree;
-    out.push_back(d.toDevice(f.X + r * std::cos(a), f.Y + r * std::sin(a)));
-  }
+  for (const auto& [cosine, sine] : arcs.along(f.Height, f.Sweep, steps))
+    out.push_back(d.toDevice(f.X + r * cosine, f.Y + r * sine));
 }
 
 QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
@@ -113,7 +110,7 @@ bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
       return true;
     }
     points_.clear();
-    flattenArc(d, f, points_);
+    flattenArc(d, f, arcs_, points_);
     for (size_t i = 1; i < points_.size(); ++i)
       r.strokeSegment(points_[i - 1], points_[i], pen);
     return true;
@@ -231,7 +228,7 @@ void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first,
         firstSide = f;
       if (f.Type == ItemArc) {
         size_t start = points_.size();
-        flattenArc(d, f, points_);
+        flattenArc(d, f, arcs_, points_);
         if (start > 0 && points_.size() > start + 1 &&
             QLineF(points_[start - 1], points_.back()).length() <
                 QLineF(points_[start - 1], points_[start]).length())

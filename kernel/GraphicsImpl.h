@@ -1,6 +1,7 @@
 // Internal state of the drawing engine. Only the engine's own .cpp files include this.
 #pragma once
 
+#include "kernel/ArcDirections.h"
 #include "kernel/Graphics.h"
 #include "kernel/ItemGeometry.h"
 #include "kernel/KernelStrings.h"
@@ -65,8 +66,9 @@ public:
 
   Store& store;
   KernelStrings& strings;
-  std::vector<std::unique_ptr<Device>> devices;   // id n at index n - 1
-  std::vector<QPointF> points_;                   // scratch outline, reused between elements
+  std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
+  std::vector<QPointF> points_;                  // scratch outline, reused between elements
+  ArcDirections arcs_;
   std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 
   Device* device(int32_t dev) {
