@@ -183,8 +183,9 @@ protected:
 TEST_F(ColourSlotsTest, CategoryRowsAreWrittenThroughToTableOne) {
   EXPECT_EQ(readGroup(CategoryGroup::Layout), 11);
   colours.build(k.strings);
-  EXPECT_EQ(std::tuple(table()[60], colours[colourslot::ClearColour].ColourNumber),
-            std::tuple(15, 15))
+  EXPECT_EQ(std::tuple(table()[60], colours[colourslot::ClearColour].ColourNumber,
+                       uint32_t(colours[colourslot::ClearColour].Rgb)),
+            std::tuple(15, 15, paletteRgb()[15]))
       << "the defaults are read";
 
   // Settings replace rows one by one; an empty row and a key outside the group write nothing.
