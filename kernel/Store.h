@@ -120,8 +120,8 @@ public:
   // The same for an item array, each position with the item's fields read in place (valid until the
   // store next changes), so that a drawing walk reaches them without the handle lookups.
   struct ItemInBox {
-    int32_t position;
-    const ItemFields* fields;
+    int32_t position = 0;
+    const ItemFields* fields = nullptr;
   };
   bool itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
 
