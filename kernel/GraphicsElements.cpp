@@ -434,6 +434,10 @@ int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t 
   Store& store = impl_->store;
   if (!d || store.S_Symbol(id) == ObjectHandle::None)
     return 0;
+  // The span rasteriser keeps the symbol's shapes and draws them on both cores before returning.
+  Raster* raster = impl_->rasterFor(*d);
+  if (raster)
+    raster->beginBatch();
   if (items)
     impl_->drawItemArray(*d, store.S_SymbolItemArray(id), true);
   if (entries) {
@@ -448,6 +452,8 @@ int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t 
       if (store.S_ReadEntry(id, i, e) && (e.Attributes & attr::Shown))
         impl_->drawEntry(*d, id, e);
   }
+  if (raster)
+    raster->flush();
   return 1;
 }
 

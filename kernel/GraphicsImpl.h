@@ -91,6 +91,8 @@ public:
   bool canPaint(Device& d) const {
     if (!d.painter)
       d.figuresLeftOut = true;
+    else if (d.raster)
+      d.raster->flush();  // what the rasteriser holds lies under the painter's figure
     return d.painter != nullptr;
   }
 

@@ -1,9 +1,11 @@
 #include "kernel/Raster.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <cwchar>
+#include <thread>
 
 namespace tvx {
 
@@ -21,7 +23,286 @@ inline void fillPixels(QRgb* first, size_t n, QRgb colour) {
 // Pixels whose centres lie in [left, right]: from ceil(left - 0.5) to floor(right - 0.5).
 inline int firstPixel(double left) { return int(std::ceil(left - 0.5)); }
 inline int lastPixel(double right) { return int(std::floor(right - 0.5)); }
+
+// A batch is drawn once it holds this many shapes or points, so that it stays small in memory.
+constexpr size_t BatchShapes = size_t(1) << 16;
+constexpr size_t BatchPoints = size_t(1) << 20;
+// Fewer shapes than this, or fewer rows, are not worth a second thread.
+constexpr size_t ShapesForTwoBands = 256;
+constexpr int RowsForTwoBands = 32;
+
+using Shape = Raster::Shape;
+using Kind = Raster::ShapeKind;
+
+// The spans of a shape on the rows first..last, each given to take(y, x0, x1) in the order of the
+// rows; take returns false to stop. Returns true when some span was given. Hairlines and single
+// pixels have no spans.
+template <typename Take>
+bool spansOf(const Shape& s, int first, int last, PolygonScratch& scratch, Take&& take) {
+  bool any = false;
+  // One row's interval [left, right] of pixel centres: a span when it holds one.
+  auto interval = [&](int y, double left, double right) {
+    const int x0 = firstPixel(left), x1 = lastPixel(right);
+    if (x0 > x1)
+      return true;
+    any = true;
+    return take(y, x0, x1);
+  };
+  switch (s.kind) {
+  case Kind::Disc: {
+    const double cx = s.v[0], cy = s.v[1], r = s.v[2];
+    const int y0 = std::max(firstPixel(cy - r), first), y1 = std::min(lastPixel(cy + r), last);
+    for (int y = y0; y <= y1; ++y) {
+      const double dy = y + 0.5 - cy;
+      const double h2 = r * r - dy * dy;
+      if (h2 < 0)
+        continue;
+      const double h = std::sqrt(h2);
+      if (!interval(y, cx - h, cx + h))
+        break;
+    }
+    return any;
+  }
+  case Kind::Ring: {
+    const double cx = s.v[0], cy = s.v[1], outer = s.v[2], inner = s.v[3];
+    const int y0 = std::max(firstPixel(cy - outer), first);
+    const int y1 = std::min(lastPixel(cy + outer), last);
+    for (int y = y0; y <= y1; ++y) {
+      const double dy = y + 0.5 - cy;
+      const double o2 = outer * outer - dy * dy;
+      if (o2 < 0)
+        continue;
+      const double ho = std::sqrt(o2);
+      const double i2 = inner * inner - dy * dy;
+      const int ox0 = firstPixel(cx - ho), ox1 = lastPixel(cx + ho);
+      if (i2 <= 0) {
+        if (ox0 <= ox1) {
+          any = true;
+          if (!take(y, ox0, ox1))
+            break;
+        }
+        continue;
+      }
+      const double hi = std::sqrt(i2);
+      // Pixels between the outer and the inner circle, on both sides.
+      const int ix0 = firstPixel(cx - hi), ix1 = lastPixel(cx + hi);
+      if (ox0 <= ix0 - 1) {
+        any = true;
+        if (!take(y, ox0, ix0 - 1))
+          break;
+      }
+      if (ix1 + 1 <= ox1) {
+        any = true;
+        if (!take(y, ix1 + 1, ox1))
+          break;
+      }
+    }
+    return any;
+  }
+  case Kind::Convex: {
+    const QPointF* p = s.points;
+    const int n = int(s.count);
+    const int y0 = std::max(firstPixel(s.v[1]), first), y1 = std::min(lastPixel(s.v[3]), last);
+    for (int y = y0; y <= y1; ++y) {
+      double sy = y + 0.5, left = HUGE_VAL, right = -HUGE_VAL;
+      for (int i = 0, j = n - 1; i < n; j = i++) {
+        const double ay = p[j].y(), by = p[i].y();
+        if ((ay <= sy) == (by <= sy))
+          continue;
+        const double x = p[j].x() + (sy - ay) * (p[i].x() - p[j].x()) / (by - ay);
+        left = std::min(left, x);
+        right = std::max(right, x);
+      }
+      if (left <= right && !interval(y, left, right))
+        break;
+    }
+    return any;
+  }
+  case Kind::Polygon: {
+    const QPointF* p = s.points;
+    const size_t n = s.count;
+    const int y0 = std::max(firstPixel(s.v[1]), first), y1 = std::min(lastPixel(s.v[3]), last);
+    // The edges sorted once by their first row; each row looks only at the edges active on it.
+    // Rows are given one spare at each end, and the exact test of the crossing decides, so that a
+    // pixel is set exactly as when every edge is tested on every row.
+    auto& edges = scratch.edges;
+    edges.clear();
+    for (size_t i = 0, j = n - 1; i < n; j = i++) {
+      const double ay = p[j].y(), by = p[i].y();
+      if (ay == by)
+        continue;
+      const double low = std::min(ay, by), high = std::max(ay, by);
+      const int from = int(std::max(std::ceil(low - 0.5) - 1, double(y0)));
+      const int to = int(std::min(std::floor(high - 0.5) + 1, double(y1)));
+      if (from <= to)
+        edges.push_back({p[j].x(), ay, p[i].x(), by, from, to});
+    }
+    std::sort(edges.begin(), edges.end(),
+              [](const PolygonScratch::Edge& l, const PolygonScratch::Edge& r) {
+                return l.first < r.first;
+              });
+    auto& active = scratch.active;
+    auto& crossings = scratch.crossings;
+    active.clear();
+    size_t next = 0;
+    for (int y = y0; y <= y1; ++y) {
+      if (active.empty()) {
+        if (next == edges.size())
+          break;
+        y = std::max(y, edges[next].first);
+      }
+      while (next < edges.size() && edges[next].first <= y)
+        active.push_back(uint32_t(next++));
+      const double sy = y + 0.5;
+      crossings.clear();
+      for (size_t k = 0; k < active.size();) {
+        const PolygonScratch::Edge& e = edges[active[k]];
+        if (e.last < y) {
+          active[k] = active.back();
+          active.pop_back();
+          continue;
+        }
+        if ((e.ay <= sy) != (e.by <= sy))
+          crossings.push_back(e.ax + (sy - e.ay) * (e.bx - e.ax) / (e.by - e.ay));
+        ++k;
+      }
+      std::sort(crossings.begin(), crossings.end());
+      for (size_t k = 0; k + 1 < crossings.size(); k += 2)
+        if (!interval(y, crossings[k], crossings[k + 1]))
+          return true;
+    }
+    return any;
+  }
+  case Kind::Segment: {
+    // The body as a quad; the round ends as discs. Row by row the three pieces of this convex
+    // shape are joined into one span, so no pixel is set twice.
+    const QPointF a(s.v[0], s.v[1]), b(s.v[2], s.v[3]);
+    const double r = s.v[4] / 2;
+    const double dx = b.x() - a.x(), dy = b.y() - a.y();
+    const double len = std::hypot(dx, dy);
+    const double nx = -dy / len * r, ny = dx / len * r;
+    const QPointF quad[4] = {{a.x() + nx, a.y() + ny},
+                             {b.x() + nx, b.y() + ny},
+                             {b.x() - nx, b.y() - ny},
+                             {a.x() - nx, a.y() - ny}};
+    const double minY = std::min(a.y(), b.y()) - r, maxY = std::max(a.y(), b.y()) + r;
+    const int y0 = std::max(firstPixel(minY), first), y1 = std::min(lastPixel(maxY), last);
+    for (int y = y0; y <= y1; ++y) {
+      double sy = y + 0.5, left = HUGE_VAL, right = -HUGE_VAL;
+      for (QPointF c : {a, b}) {
+        const double d = sy - c.y(), h2 = r * r - d * d;
+        if (h2 >= 0) {
+          const double h = std::sqrt(h2);
+          left = std::min(left, c.x() - h);
+          right = std::max(right, c.x() + h);
+        }
+      }
+      for (int i = 0, j = 3; i < 4; j = i++) {
+        const double ay = quad[j].y(), by = quad[i].y();
+        if ((ay <= sy) == (by <= sy))
+          continue;
+        const double x = quad[j].x() + (sy - ay) * (quad[i].x() - quad[j].x()) / (by - ay);
+        left = std::min(left, x);
+        right = std::max(right, x);
+      }
+      if (left <= right && !interval(y, left, right))
+        break;
+    }
+    return any;
+  }
+  case Kind::Hairline:
+  case Kind::Plot:
+    return false;
+  }
+  return false;
+}
+
+// A one-pixel line, clipped to the picture first so that the walk stays short (Liang-Barsky).
+void walkHairline(const Shape& s, int width, int height, SpanWriter& out) {
+  const QPointF a(s.v[0], s.v[1]), b(s.v[2], s.v[3]);
+  const double dx = b.x() - a.x(), dy = b.y() - a.y();
+  const double minX = std::min(a.x(), b.x()), maxX = std::max(a.x(), b.x());
+  const double minY = std::min(a.y(), b.y()), maxY = std::max(a.y(), b.y());
+  double t0 = 0, t1 = 1;
+  if (minX < -1 || minY < -1 || maxX > width + 1 || maxY > height + 1) {
+    auto clip = [&](double p, double q) {
+      if (p == 0)
+        return q >= 0;
+      const double r = q / p;
+      if (p < 0) {
+        if (r > t1)
+          return false;
+        t0 = std::max(t0, r);
+      } else {
+        if (r < t0)
+          return false;
+        t1 = std::min(t1, r);
+      }
+      return true;
+    };
+    if (!clip(-dx, a.x() + 1) || !clip(dx, width + 1 - a.x()) || !clip(-dy, a.y() + 1) ||
+        !clip(dy, height + 1 - a.y()))
+      return;
+  }
+  const double fx = a.x() + t0 * dx, fy = a.y() + t0 * dy;
+  const double lx = dx * (t1 - t0), ly = dy * (t1 - t0);
+  const int steps = int(std::ceil(std::max(std::abs(lx), std::abs(ly))));
+  // Fixed point with 16 fraction bits; the shift floors negative values too.
+  int64_t x = int64_t(std::llround(fx * 65536.0)), y = int64_t(std::llround(fy * 65536.0));
+  if (steps == 0) {
+    out.plot(int(x >> 16), int(y >> 16));
+    return;
+  }
+  const int64_t sx = int64_t(std::llround(lx / steps * 65536.0));
+  const int64_t sy = int64_t(std::llround(ly / steps * 65536.0));
+  for (int i = 0; i <= steps; ++i, x += sx, y += sy)
+    out.plot(int(x >> 16), int(y >> 16));
+}
+
+// Draws a shape into the rows of out. standIn: the pixel under its middle stands for a shape that
+// sets no pixel. A shape of a batch is drawn in bands, where that was decided beforehand.
+void drawShape(const Shape& s, int width, int height, SpanWriter& out, PolygonScratch& scratch,
+               bool standIn) {
+  out.setColour(s.colour, s.index);
+  switch (s.kind) {
+  case Kind::Hairline:
+    walkHairline(s, width, height, out);
+    return;
+  case Kind::Plot:
+    out.plot(s.fallbackX, s.fallbackY);
+    return;
+  default: {
+    const bool any = spansOf(s, out.rowBegin(), out.rowLast(), scratch, [&](int y, int x0, int x1) {
+      out.span(y, x0, x1);
+      return true;
+    });
+    if (!any && standIn && s.kind != Kind::Segment)
+      out.plot(s.fallbackX, s.fallbackY);
+  }
+  }
+}
+
+// The rows [top, bottom] a shape may touch, from its extent in y.
+void setRows(Shape& s, double minY, double maxY) {
+  s.top = int(std::floor(minY)) - 1;
+  s.bottom = int(std::ceil(maxY)) + 1;
+}
+
 }  // namespace
+
+void SpanWriter::span(int y, int x0, int x1) {
+  if (y < rowBegin_ || y >= rowEnd_)
+    return;
+  x0 = std::max(x0, 0);
+  x1 = std::min(x1, width_ - 1);
+  if (x0 > x1)
+    return;
+  if (indexed_)
+    std::memset(bits_ + size_t(y) * stride_ + size_t(x0), index_, size_t(x1 - x0 + 1));
+  else
+    fillPixels(reinterpret_cast<QRgb*>(bits_ + size_t(y) * stride_) + x0, size_t(x1 - x0 + 1),
+               colour_);
+}
 
 bool Raster::draws(const QImage& image) {
   switch (image.format()) {
@@ -42,6 +323,8 @@ Raster::Raster(QImage& image)
     index_ = paletteIndex(colour_);
 }
 
+Raster::~Raster() { flush(); }
+
 uchar Raster::paletteIndex(QRgb colour) {
   // A picture holds a handful of colours, and a shape asks for the one of the shape before.
   if (index_ < palette_.size() && palette_[index_] == colour)
@@ -57,51 +340,104 @@ uchar Raster::paletteIndex(QRgb colour) {
   return uchar(palette_.size() - 1);
 }
 
-void Raster::fill() {
-  for (int y = 0; y < height_; ++y)
-    span(y, 0, width_ - 1);
-}
-
-void Raster::span(int y, int x0, int x1) {
-  if (unsigned(y) >= unsigned(height_))
-    return;
-  x0 = std::max(x0, 0);
-  x1 = std::min(x1, width_ - 1);
-  if (x0 > x1)
-    return;
+void Raster::setColour(QRgb colour) {
+  colour_ = colour | 0xFF000000u;
   if (indexed_)
-    std::memset(bits_ + size_t(y) * stride_ + size_t(x0), index_, size_t(x1 - x0 + 1));
-  else
-    fillPixels(row(y) + x0, size_t(x1 - x0 + 1), colour_);
+    index_ = paletteIndex(colour_);
 }
 
-void Raster::spanOfInterval(int y, double left, double right) {
-  int x0 = firstPixel(left), x1 = lastPixel(right);
-  if (x0 <= x1)
-    span(y, x0, x1);
+SpanWriter Raster::wholePicture() const {
+  SpanWriter out(bits_, stride_, width_, indexed_, 0, height_);
+  out.setColour(colour_, index_);
+  return out;
+}
+
+void Raster::plot(int x, int y) {
+  Shape s{Kind::Plot};
+  s.fallbackX = x;
+  s.fallbackY = y;
+  setRows(s, y, y);
+  submit(s);
+}
+
+void Raster::fill() {
+  flush();
+  SpanWriter out = wholePicture();
+  for (int y = 0; y < height_; ++y)
+    out.span(y, 0, width_ - 1);
+}
+
+void Raster::submit(Shape s) {
+  s.colour = colour_;
+  s.index = index_;
+  if (!batching_) {
+    SpanWriter out = wholePicture();
+    drawShape(s, width_, height_, out, scratch_, true);
+    return;
+  }
+  // Whether the shape sets a pixel anywhere in the picture is decided here, once: a band that
+  // holds none of its pixels must not take the pixel that stands for it.
+  if (s.kind != Kind::Hairline && s.kind != Kind::Plot && s.kind != Kind::Segment &&
+      !spansOf(s, 0, height_ - 1, scratch_, [](int, int, int) { return false; })) {
+    s.kind = Kind::Plot;
+    setRows(s, s.fallbackY, s.fallbackY);
+  }
+  if (s.points && s.kind != Kind::Plot) {
+    s.first = uint32_t(points_.size());
+    points_.insert(points_.end(), s.points, s.points + s.count);
+  }
+  s.points = nullptr;
+  shapes_.push_back(s);
+  if (shapes_.size() >= BatchShapes || points_.size() >= BatchPoints) {
+    flush();
+    batching_ = true;
+  }
+}
+
+void Raster::flush() {
+  batching_ = false;
+  if (shapes_.empty())
+    return;
+  for (Shape& s : shapes_)
+    if (s.kind == Kind::Convex || s.kind == Kind::Polygon)
+      s.points = points_.data() + s.first;
+  auto drawRows = [this](int rowBegin, int rowEnd, PolygonScratch& scratch) {
+    SpanWriter out(bits_, stride_, width_, indexed_, rowBegin, rowEnd);
+    for (const Shape& s : shapes_)
+      if (s.bottom >= rowBegin && s.top < rowEnd)
+        drawShape(s, width_, height_, out, scratch, false);
+  };
+  if (shapes_.size() < ShapesForTwoBands || height_ < RowsForTwoBands) {
+    drawRows(0, height_, scratch_);
+  } else {
+    // The rows split where half of the shapes lie above, so that both cores have work.
+    std::vector<int> middles;
+    middles.reserve(shapes_.size());
+    for (const Shape& s : shapes_)
+      middles.push_back(std::clamp((s.top + s.bottom) / 2, 1, height_ - 1));
+    std::nth_element(middles.begin(), middles.begin() + qsizetype(middles.size() / 2),
+                     middles.end());
+    const int split = middles[middles.size() / 2];
+    PolygonScratch upperScratch;
+    std::thread upper([&] { drawRows(0, split, upperScratch); });
+    drawRows(split, height_, scratch_);
+    upper.join();
+  }
+  shapes_.clear();
+  points_.clear();
 }
 
 void Raster::fillDisc(QPointF c, double r) {
   if (outside(c.x() - r, c.y() - r, c.x() + r, c.y() + r))
     return;
-  int y0 = firstPixel(c.y() - r), y1 = lastPixel(c.y() + r);
-  bool any = false;
-  y0 = std::max(y0, 0);
-  y1 = std::min(y1, height_ - 1);
-  for (int y = y0; y <= y1; ++y) {
-    double dy = y + 0.5 - c.y();
-    double h2 = r * r - dy * dy;
-    if (h2 < 0)
-      continue;
-    double h = std::sqrt(h2);
-    int x0 = firstPixel(c.x() - h), x1 = lastPixel(c.x() + h);
-    if (x0 <= x1) {
-      span(y, x0, x1);
-      any = true;
-    }
-  }
-  if (!any)
-    plot(int(std::floor(c.x())), int(std::floor(c.y())));
+  Shape s{Kind::Disc};
+  s.v[0] = c.x();
+  s.v[1] = c.y();
+  s.v[2] = r;
+  s.fallbackX = int(std::floor(c.x()));
+  s.fallbackY = int(std::floor(c.y()));
+  setRows(s, c.y() - r, c.y() + r);
+  submit(s);
 }
 
 void Raster::fillRing(QPointF c, double outer, double inner) {
@@ -111,188 +447,73 @@ void Raster::fillRing(QPointF c, double outer, double inner) {
   }
   if (outside(c.x() - outer, c.y() - outer, c.x() + outer, c.y() + outer))
     return;
-  int y0 = std::max(firstPixel(c.y() - outer), 0);
-  int y1 = std::min(lastPixel(c.y() + outer), height_ - 1);
-  bool any = false;
-  for (int y = y0; y <= y1; ++y) {
-    double dy = y + 0.5 - c.y();
-    double o2 = outer * outer - dy * dy;
-    if (o2 < 0)
-      continue;
-    double ho = std::sqrt(o2);
-    double i2 = inner * inner - dy * dy;
-    int ox0 = firstPixel(c.x() - ho), ox1 = lastPixel(c.x() + ho);
-    if (i2 <= 0) {
-      if (ox0 <= ox1) {
-        span(y, ox0, ox1);
-        any = true;
-      }
-      continue;
-    }
-    double hi = std::sqrt(i2);
-    // Pixels between the outer and the inner circle, on both sides.
-    int ix0 = firstPixel(c.x() - hi), ix1 = lastPixel(c.x() + hi);
-    if (ox0 <= ix0 - 1) {
-      span(y, ox0, ix0 - 1);
-      any = true;
-    }
-    if (ix1 + 1 <= ox1) {
-      span(y, ix1 + 1, ox1);
-      any = true;
-    }
-  }
-  if (!any)
-    plot(int(std::floor(c.x() + outer)), int(std::floor(c.y())));
+  Shape s{Kind::Ring};
+  s.v[0] = c.x();
+  s.v[1] = c.y();
+  s.v[2] = outer;
+  s.v[3] = inner;
+  s.fallbackX = int(std::floor(c.x() + outer));
+  s.fallbackY = int(std::floor(c.y()));
+  setRows(s, c.y() - outer, c.y() + outer);
+  submit(s);
 }
 
-void Raster::fillConvex(const QPointF* p, int n) {
-  if (n < 3)
-    return;
+namespace {
+// A shape of points with its extent (v: minX, minY, maxX, maxY) and the pixel under its middle.
+Shape outlineShape(Kind kind, const QPointF* p, size_t n) {
+  Shape s{kind};
   double minX = p[0].x(), maxX = minX, minY = p[0].y(), maxY = minY;
-  for (int i = 1; i < n; ++i) {
+  for (size_t i = 1; i < n; ++i) {
     minX = std::min(minX, p[i].x());
     maxX = std::max(maxX, p[i].x());
     minY = std::min(minY, p[i].y());
     maxY = std::max(maxY, p[i].y());
   }
-  if (outside(minX, minY, maxX, maxY))
+  s.v[0] = minX;
+  s.v[1] = minY;
+  s.v[2] = maxX;
+  s.v[3] = maxY;
+  s.points = p;
+  s.count = uint32_t(n);
+  s.fallbackX = int(std::floor((minX + maxX) / 2));
+  s.fallbackY = int(std::floor((minY + maxY) / 2));
+  setRows(s, minY, maxY);
+  return s;
+}
+}  // namespace
+
+void Raster::fillConvex(const QPointF* p, int n) {
+  if (n < 3)
     return;
-  int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
-  bool any = false;
-  for (int y = y0; y <= y1; ++y) {
-    double sy = y + 0.5, left = HUGE_VAL, right = -HUGE_VAL;
-    for (int i = 0, j = n - 1; i < n; j = i++) {
-      double ay = p[j].y(), by = p[i].y();
-      if ((ay <= sy) == (by <= sy))
-        continue;
-      double x = p[j].x() + (sy - ay) * (p[i].x() - p[j].x()) / (by - ay);
-      left = std::min(left, x);
-      right = std::max(right, x);
-    }
-    if (left <= right) {
-      int x0 = firstPixel(left), x1 = lastPixel(right);
-      if (x0 <= x1) {
-        span(y, x0, x1);
-        any = true;
-      }
-    }
-  }
-  if (!any)
-    plot(int(std::floor((minX + maxX) / 2)), int(std::floor((minY + maxY) / 2)));
+  const Shape s = outlineShape(Kind::Convex, p, size_t(n));
+  if (!outside(s.v[0], s.v[1], s.v[2], s.v[3]))
+    submit(s);
 }
 
 void Raster::fillPolygon(const std::vector<QPointF>& p) {
-  size_t n = p.size();
-  if (n < 3)
+  if (p.size() < 3)
     return;
-  double minX = p[0].x(), maxX = minX, minY = p[0].y(), maxY = minY;
-  for (const QPointF& q : p) {
-    minX = std::min(minX, q.x());
-    maxX = std::max(maxX, q.x());
-    minY = std::min(minY, q.y());
-    maxY = std::max(maxY, q.y());
-  }
-  if (outside(minX, minY, maxX, maxY))
-    return;
-  const int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
-  // The edges sorted once by their first row; each row looks only at the edges active on it.
-  // Rows are given one spare at each end, and the exact test of the crossing decides, so that a
-  // pixel is set exactly as when every edge is tested on every row.
-  edges_.clear();
-  for (size_t i = 0, j = n - 1; i < n; j = i++) {
-    const double ay = p[j].y(), by = p[i].y();
-    if (ay == by)
-      continue;
-    const double low = std::min(ay, by), high = std::max(ay, by);
-    const int first = int(std::max(std::ceil(low - 0.5) - 1, double(y0)));
-    const int last = int(std::min(std::floor(high - 0.5) + 1, double(y1)));
-    if (first <= last)
-      edges_.push_back({p[j].x(), ay, p[i].x(), by, first, last});
-  }
-  std::sort(edges_.begin(), edges_.end(),
-            [](const Edge& l, const Edge& r) { return l.first < r.first; });
-  active_.clear();
-  size_t next = 0;
-  bool any = false;
-  for (int y = y0; y <= y1; ++y) {
-    if (active_.empty()) {
-      if (next == edges_.size())
-        break;
-      y = std::max(y, edges_[next].first);
-    }
-    while (next < edges_.size() && edges_[next].first <= y)
-      active_.push_back(uint32_t(next++));
-    const double sy = y + 0.5;
-    crossings_.clear();
-    for (size_t k = 0; k < active_.size();) {
-      const Edge& e = edges_[active_[k]];
-      if (e.last < y) {
-        active_[k] = active_.back();
-        active_.pop_back();
-        continue;
-      }
-      if ((e.ay <= sy) != (e.by <= sy))
-        crossings_.push_back(e.ax + (sy - e.ay) * (e.bx - e.ax) / (e.by - e.ay));
-      ++k;
-    }
-    std::sort(crossings_.begin(), crossings_.end());
-    for (size_t k = 0; k + 1 < crossings_.size(); k += 2) {
-      int x0 = firstPixel(crossings_[k]), x1 = lastPixel(crossings_[k + 1]);
-      if (x0 <= x1) {
-        span(y, x0, x1);
-        any = true;
-      }
-    }
-  }
-  if (!any)
-    plot(int(std::floor((minX + maxX) / 2)), int(std::floor((minY + maxY) / 2)));
+  const Shape s = outlineShape(Kind::Polygon, p.data(), p.size());
+  if (!outside(s.v[0], s.v[1], s.v[2], s.v[3]))
+    submit(s);
 }
 
 void Raster::hairline(QPointF a, QPointF b) {
-  double dx = b.x() - a.x(), dy = b.y() - a.y();
-  double minX = std::min(a.x(), b.x()), maxX = std::max(a.x(), b.x());
-  double minY = std::min(a.y(), b.y()), maxY = std::max(a.y(), b.y());
+  const double minX = std::min(a.x(), b.x()), maxX = std::max(a.x(), b.x());
+  const double minY = std::min(a.y(), b.y()), maxY = std::max(a.y(), b.y());
   if (outside(minX, minY, maxX, maxY))
     return;
-  double t0 = 0, t1 = 1;
-  if (minX < -1 || minY < -1 || maxX > width_ + 1 || maxY > height_ + 1) {
-    // Clip long lines to the image first so the walk stays short (Liang-Barsky).
-    auto clip = [&](double p, double q) {
-      if (p == 0)
-        return q >= 0;
-      double r = q / p;
-      if (p < 0) {
-        if (r > t1)
-          return false;
-        t0 = std::max(t0, r);
-      } else {
-        if (r < t0)
-          return false;
-        t1 = std::min(t1, r);
-      }
-      return true;
-    };
-    if (!clip(-dx, a.x() + 1) || !clip(dx, width_ + 1 - a.x()) || !clip(-dy, a.y() + 1) ||
-        !clip(dy, height_ + 1 - a.y()))
-      return;
-  }
-  double fx = a.x() + t0 * dx, fy = a.y() + t0 * dy;
-  double lx = dx * (t1 - t0), ly = dy * (t1 - t0);
-  int steps = int(std::ceil(std::max(std::abs(lx), std::abs(ly))));
-  // Fixed point with 16 fraction bits; the shift floors negative values too.
-  int64_t x = int64_t(std::llround(fx * 65536.0)), y = int64_t(std::llround(fy * 65536.0));
-  if (steps == 0) {
-    plot(int(x >> 16), int(y >> 16));
-    return;
-  }
-  int64_t sx = int64_t(std::llround(lx / steps * 65536.0));
-  int64_t sy = int64_t(std::llround(ly / steps * 65536.0));
-  for (int i = 0; i <= steps; ++i, x += sx, y += sy)
-    plot(int(x >> 16), int(y >> 16));
+  Shape s{Kind::Hairline};
+  s.v[0] = a.x();
+  s.v[1] = a.y();
+  s.v[2] = b.x();
+  s.v[3] = b.y();
+  setRows(s, minY, maxY);
+  submit(s);
 }
 
 void Raster::strokeSegment(QPointF a, QPointF b, double width) {
-  double r = width / 2;
+  const double r = width / 2;
   if (width < 1.5) {
     hairline(a, b);
     return;
@@ -300,42 +521,18 @@ void Raster::strokeSegment(QPointF a, QPointF b, double width) {
   if (outside(std::min(a.x(), b.x()) - r, std::min(a.y(), b.y()) - r, std::max(a.x(), b.x()) + r,
               std::max(a.y(), b.y()) + r))
     return;
-  double dx = b.x() - a.x(), dy = b.y() - a.y();
-  double len = std::hypot(dx, dy);
-  if (len < 1e-9) {
+  if (std::hypot(b.x() - a.x(), b.y() - a.y()) < 1e-9) {
     fillDisc(a, r);
     return;
   }
-  // The body as a quad; the round ends as discs. Row by row the three pieces of this convex
-  // shape are joined into one span, so no pixel is set twice.
-  double nx = -dy / len * r, ny = dx / len * r;
-  QPointF quad[4] = {{a.x() + nx, a.y() + ny},
-                     {b.x() + nx, b.y() + ny},
-                     {b.x() - nx, b.y() - ny},
-                     {a.x() - nx, a.y() - ny}};
-  double minY = std::min(a.y(), b.y()) - r, maxY = std::max(a.y(), b.y()) + r;
-  int y0 = std::max(firstPixel(minY), 0), y1 = std::min(lastPixel(maxY), height_ - 1);
-  for (int y = y0; y <= y1; ++y) {
-    double sy = y + 0.5, left = HUGE_VAL, right = -HUGE_VAL;
-    for (QPointF c : {a, b}) {
-      double d = sy - c.y(), h2 = r * r - d * d;
-      if (h2 >= 0) {
-        double h = std::sqrt(h2);
-        left = std::min(left, c.x() - h);
-        right = std::max(right, c.x() + h);
-      }
-    }
-    for (int i = 0, j = 3; i < 4; j = i++) {
-      double ay = quad[j].y(), by = quad[i].y();
-      if ((ay <= sy) == (by <= sy))
-        continue;
-      double x = quad[j].x() + (sy - ay) * (quad[i].x() - quad[j].x()) / (by - ay);
-      left = std::min(left, x);
-      right = std::max(right, x);
-    }
-    if (left <= right)
-      spanOfInterval(y, left, right);
-  }
+  Shape s{Kind::Segment};
+  s.v[0] = a.x();
+  s.v[1] = a.y();
+  s.v[2] = b.x();
+  s.v[3] = b.y();
+  s.v[4] = width;
+  setRows(s, std::min(a.y(), b.y()) - r, std::max(a.y(), b.y()) + r);
+  submit(s);
 }
 
 }  // namespace tvx
