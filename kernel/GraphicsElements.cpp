@@ -453,7 +453,7 @@ int32_t Graphics::S_DrawSymbol(int32_t dev, SymbolId id, int32_t items, int32_t 
         impl_->drawEntry(*d, id, e);
   }
   if (raster)
-    raster->flush();
+    raster->endBatch();
   return 1;
 }
 
