@@ -514,10 +514,16 @@ bool FileRecogniser::load(const std::string& path, std::string& text, bool mayRe
       refusedEarly_ = true;
       return true;
     }
-    std::string rest;
+    // The whole file is read again in one piece: cheaper than joining the rest to the prefix,
+    // which copies it once more.
+    files_.CloseFile(false, handle, path);
     if (status == 0)
-      files_.ReadCharacters(status, handle, rest, static_cast<int32_t>(length - PrefixBytes));
-    text += rest;
+      files_.OpenForBinary(status, handle, path);
+    if (status != 0) {
+      text.clear();
+      return false;
+    }
+    files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
   } else if (length > 0) {
     files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
   }
