@@ -8,6 +8,7 @@
 // (through NodeSlot), so removal is a short search of one node.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -24,6 +25,11 @@ struct Box {
     return minX <= o.maxX && o.minX <= maxX && minY <= o.maxY && o.minY <= maxY;
   }
 };
+
+inline Box unite(const Box& a, const Box& b) {
+  return {std::min(a.minX, b.minX), std::min(a.minY, b.minY), std::max(a.maxX, b.maxX),
+          std::max(a.maxY, b.maxY)};
+}
 
 class SpatialIndex {
 public:

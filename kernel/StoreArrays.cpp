@@ -59,6 +59,33 @@ Box Store::Impl::memberBox(const ArrayData& a, int32_t member) {
   return itemFrame(d->f, textLength(*d));
 }
 
+void Store::Impl::touchMarks(int32_t arrayHandle) {
+  ArrayData* a = array(arrayHandle);
+  if (!a)
+    return;
+  const uint64_t before = a->version;
+  touchArray(arrayHandle);
+  if (a->element == ObjectKind::Item)
+    for (FrameCacheEntry& c : a->frames)
+      if (c.mask == -1 && c.version == before)
+        c.version = a->version;
+}
+
+void Store::Impl::growWholeFrame(ArrayData& a, uint64_t before, int32_t member) {
+  if (a.element != ObjectKind::Item)
+    return;
+  const Box box = memberBox(a, member);
+  for (FrameCacheEntry& c : a.frames)
+    if (c.mask == -1 && c.version == before) {
+      c.frame = c.any ? unite(c.frame, box) : box;
+      c.any = true;
+      c.version = a.version;
+      return;
+    }
+  if (a.objects.size() == 1)
+    a.frames.push_back({-1, a.version, 0, box, true});
+}
+
 void Store::Impl::indexMember(ArrayData& a, int32_t member) {
   if (!a.index)
     return;
@@ -210,7 +237,9 @@ int32_t Store::OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index) 
   for (size_t i = size_t(index) - 1; i < a->objects.size(); ++i)
     setPosition(s, a->objects[i], int32_t(i + 1));
   s.indexMember(*a, object);
+  const uint64_t before = a->version;
   s.touchArray(tableEntry(array));
+  s.growWholeFrame(*a, before, tableEntry(object));
   return index;
 }
 

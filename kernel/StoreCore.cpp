@@ -277,7 +277,7 @@ int32_t Store::O_Mask(ObjectHandle object, int32_t value, int32_t mask) {
     return 0;
   *a = (*a & ~mask) | (value & mask);
   if (owner && *owner)
-    impl_->touchArray(*owner);
+    impl_->touchMarks(*owner);
   return 1;
 }
 

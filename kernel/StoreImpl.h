@@ -195,6 +195,12 @@ public:
   void reindexMember(ArrayData& a, int32_t member);
   void unindexMember(ArrayData& a, int32_t member);
   void indexMember(ArrayData& a, int32_t member);
+  // The kept frame of all an item array's members (mask -1), valid at version before, takes in a
+  // new member, so that a large import is never walked again for its frame.
+  void growWholeFrame(ArrayData& a, uint64_t before, int32_t member);
+  // touchArray for a change of marks or style alone: an item's frame depends on neither, so the
+  // kept frame of all members stays.
+  void touchMarks(int32_t arrayHandle);
   void reindexMember(ArrayData& a, ObjectHandle member) { reindexMember(a, tableEntry(member)); }
   void unindexMember(ArrayData& a, ObjectHandle member) { unindexMember(a, tableEntry(member)); }
   void indexMember(ArrayData& a, ObjectHandle member) { indexMember(a, tableEntry(member)); }

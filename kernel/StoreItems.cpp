@@ -130,7 +130,7 @@ int32_t Store::I_ChangeItemAttr(ObjectHandle item, int32_t attributes, int32_t c
   d->f.Colour = uint8_t(colour);
   d->f.Style = uint8_t(style);
   if (shapeOrMarks && d->owner)
-    impl_->touchArray(d->owner);
+    impl_->touchMarks(d->owner);
   return 1;
 }
 

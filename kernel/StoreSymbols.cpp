@@ -7,11 +7,6 @@
 namespace tvx {
 
 namespace {
-Box unite(const Box& a, const Box& b) {
-  return {std::min(a.minX, b.minX), std::min(a.minY, b.minY), std::max(a.maxX, b.maxX),
-          std::max(a.maxY, b.maxY)};
-}
-
 bool matchesMask(int32_t attributes, int32_t mask) {
   return mask == -1 || (attributes & mask) != 0;
 }

@@ -366,8 +366,10 @@ TEST(StoreFrames, SymbolFramesFollowChangesAndMasks) {
   s.O_Mask(far, attr::PolygonFrameMark, attr::PolygonFrameMark);
   ASSERT_EQ(s.S_FrameSymbolItems(3, attr::PolygonFrameMark, f), 1);
   EXPECT_EQ(f, (FrameRect{4990, 4990, 5010, 5010}));
-  s.OA_MaskAll(a, 0, attr::PolygonFrameMark);
+  s.O_Mask(far, 0, attr::PolygonFrameMark);
   EXPECT_EQ(s.S_FrameSymbolItems(3, attr::PolygonFrameMark, f), 0);
+  ASSERT_EQ(s.S_FrameSymbolItems(3, -1, f), 1);
+  EXPECT_EQ(f, (FrameRect{0, 0, 5010, 5010})) << "marks change no frame";
 
   // A moved item moves the frame (the cached frame is not reused).
   s.I_ChangeItemXY(far, Item(ItemCircle).at(-5000, 0).size(10));
