@@ -117,6 +117,36 @@ QImage packInPlace(QImage& image, Palette& palette, int bits, ColourOf colourOf)
   return view;
 }
 
+// An 8-bit picture whose pixels are the indices 0 and 1 packed in place into one bit a pixel,
+// eight pixels at a time: the multiplication gathers the low bits of eight bytes into the top
+// byte, the first pixel in the highest bit.
+QImage packTwoIndices(QImage& image) {
+  const int width = image.width(), height = image.height();
+  const qsizetype sourceLine = image.bytesPerLine();
+  const qsizetype packedLine = ((qsizetype(width) + 31) / 32) * 4;
+  uchar* memory = image.bits();
+  for (int y = 0; y < height; ++y) {
+    const uchar* source = memory + y * sourceLine;
+    uchar* packed = memory + y * packedLine;
+    const int whole = width / 8;
+    for (int b = 0; b < whole; ++b) {
+      uint64_t eight;
+      std::memcpy(&eight, source + 8 * b, sizeof eight);
+      packed[b] = uchar((eight * 0x8040201008040201ull) >> 56);
+    }
+    if (width % 8) {
+      uchar byte = 0;
+      for (int x = 8 * whole; x < width; ++x)
+        byte |= uchar((source[x] & 1) << (7 - (x - 8 * whole)));
+      packed[whole] = byte;
+    }
+    std::memset(packed + (width + 7) / 8, 0, size_t(packedLine - (width + 7) / 8));
+  }
+  QImage view(memory, width, height, packedLine, QImage::Format_Mono);
+  view.setColorTable(image.colorTable());
+  return view;
+}
+
 }  // namespace
 
 PngWritten writeCompactPng(QImage& image, const QString& path) {
@@ -125,6 +155,13 @@ PngWritten writeCompactPng(QImage& image, const QString& path) {
   const bool indexed = image.format() == QImage::Format_Indexed8;
   if (image.format() != QImage::Format_RGB32 && !indexed)
     return {writer.write(image), image.depth()};
+  if (indexed && image.colorCount() <= 2) {
+    // At most two colours in its table: every pixel is 0 or 1, nothing to count.
+    const QImage packed = packTwoIndices(image);
+    const bool ok = writer.write(packed);
+    image = QImage();
+    return {ok, 1};
+  }
   Palette palette;
   const bool counted =
       indexed ? countColours<uchar>(image, palette) : countColours<uint32_t>(image, palette);
