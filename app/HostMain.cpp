@@ -8,10 +8,10 @@
 // answer what the user sees, for the scripts and tests that drive the viewer.
 
 #include "app/HostQueries.h"
+#include "common/widgets/QtUserPrompts.h"
 #include "kernel/Kernel.h"
 #include "platform/RuntimeDirectory.h"
 #include "platform/SystemServices.h"
-#include "platform/widgets/QtUserPrompts.h"
 #include "shell/ComponentContext.h"
 #include "shell/GBRVIEWER_MAIN.h"
 #include "shell/HostCommands.h"

@@ -1,4 +1,4 @@
-#include "platform/widgets/QtUserPrompts.h"
+#include "common/widgets/QtUserPrompts.h"
 
 #include <QApplication>
 #include <QMessageBox>
