@@ -168,7 +168,7 @@ void runGerberPath(benchmark::State& state, int megabytes) {
     state.SkipWithError("the generated file could not be written");
     return;
   }
-  double importSeconds = 0, drawSeconds = 0;
+  double importSeconds = 0, drawSeconds = 0, longestPause = 0;
   int64_t items = 0;
   for (auto _ : state) {
     ScriptedPrompts prompts;
@@ -180,7 +180,17 @@ void runGerberPath(benchmark::State& state, int megabytes) {
     const auto start = std::chrono::steady_clock::now();
     ImportOptions options;
     options.layer = CopperLayer;
+    // The longest time between two yields to the event loop: how long the window stops
+    // answering during the import.
+    auto lastYield = start;
+    auto notePause = [&] {
+      const auto now = std::chrono::steady_clock::now();
+      longestPause = std::max(longestPause, std::chrono::duration<double>(now - lastYield).count());
+      lastYield = now;
+    };
+    options.yield = notePause;
     const ImportResult result = run.session->importFile(run.layers(), path, options);
+    notePause();
     const auto imported = std::chrono::steady_clock::now();
     if (result.status != 0) {
       state.SkipWithError("the import failed");
@@ -224,6 +234,7 @@ void runGerberPath(benchmark::State& state, int megabytes) {
   const double runs = double(state.iterations());
   state.counters["import_s"] = importSeconds / runs;
   state.counters["redraw_s"] = drawSeconds / runs;
+  state.counters["longest_import_pause_s"] = longestPause;
   state.counters["items"] = double(items);
   state.SetBytesProcessed(int64_t(runs) * int64_t(megabytes) * 1000000);
 }

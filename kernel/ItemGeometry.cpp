@@ -140,9 +140,13 @@ Box itemFrame(const ItemFields& item, size_t textLength) {
     };
     onArc(start);
     onArc(double(start) + sweep);
+    // The quarter points without a sine or cosine: rounded, the tiny values that the functions
+    // give for the zeros of the quarters vanish, and the ones are exact.
+    static constexpr double QuarterX[] = {1, 0, -1, 0}, QuarterY[] = {0, 1, 0, -1};
     for (int quarter = 0; quarter < 4; ++quarter)
       if (angleInSweep(quarter * 90000.0, start, sweep))
-        onArc(quarter * 90000.0);
+        b.add({std::round(item.X + r * QuarterX[quarter]),
+               std::round(item.Y + r * QuarterY[quarter])});
     return b.grown(pen);
   }
   case ItemTriangle:
