@@ -136,11 +136,17 @@ int main(int argc, char* argv[]) {
   tvx::Kernel kernel;
   tvx::QtUserPrompts prompts;
   tvx::SystemServices services(&prompts);
+  prompts.setServices(&services);
   kernel.strings.E_SetString(tvx::IniFileString, iniFile.toStdString());
   kernel.strings.E_SetString(tvx::WorkDirString, workDirectory.toStdString());
 
   tvx::ComponentContext context{kernel, services, prompts};
   tvx::clsTVNGBRVIEWER component(context);
+  // Ctrl+F1 in the query box opens the viewer's help.
+  prompts.setHelpHandler([] {
+    if (tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow())
+      window->M_Help_Click();
+  });
 
   QObject::connect(&component, &tvx::clsTVNGBRVIEWER::NotifyServer,
                    [&app](const std::string& Aname, const std::string& sCommand) {

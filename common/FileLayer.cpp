@@ -1,5 +1,6 @@
 #include "common/FileLayer.h"
 
+#include "common/UserDialogs.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
 
@@ -44,14 +45,14 @@ FileLayer::OpenFile* FileLayer::find(int16_t handle) {
 
 void FileLayer::ReportReadError(const std::string& name, int error) {
   if (prompts_)
-    prompts_->messageBox(services_.LocalMessage("Can't read file: ", "62451") + name,
-                         msgbox::Exclamation, errorText(error));
+    ShowMessage(*prompts_, services_.LocalMessage("Can't read file: ", "62451") + name,
+                msgbox::Exclamation, errorText(error));
 }
 
 void FileLayer::ReportWriteError(const std::string& name, int error) {
   if (prompts_)
-    prompts_->messageBox(services_.LocalMessage("Can't create/write to file: ", "62452") + name,
-                         msgbox::Exclamation, errorText(error));
+    ShowMessage(*prompts_, services_.LocalMessage("Can't create/write to file: ", "62452") + name,
+                msgbox::Exclamation, errorText(error));
 }
 
 void FileLayer::ReportSettingsWriteError(int error) {
