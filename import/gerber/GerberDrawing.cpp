@@ -1,5 +1,6 @@
 #include "import/gerber/GerberDrawing.h"
 
+#include "import/core/FileRecognition.h"
 #include "import/core/PlaceHole.h"
 #include "import/core/ReportStatus.h"
 #include "import/core/StatusCodes.h"
@@ -39,7 +40,8 @@ public:
   DrawingPass(ArtFile& art, LayerRecord& layer, LayerFileRecord& file,
               const GerberDrawContext& context)
       : art_(art), file_(file), context_(context), lists_(context.scan.Lists),
-        writer_(context.store, lists_.PrimitiveList, layer, file, context.clearColour) {}
+        writer_(context.store, lists_.PrimitiveList, layer, file, context.clearColour),
+        clock_(context.yield) {}
 
   // Replays the stream, then reports each aperture that no list held, once, with the count of
   // elements it cost. The number of elements (flashes, draws, regions) the stream held.
@@ -80,6 +82,7 @@ private:
   int32_t elements_ = 0;
   // D-codes that no list held, with the elements each one cost, in the order of their codes.
   std::map<int32_t, int64_t> missing_;
+  YieldClock clock_;
 };
 
 template <typename Body> void DrawingPass::forEachRepeat(Body body) const {
@@ -250,6 +253,8 @@ void DrawingPass::replay(int32_t& status) {
       status = 1;
       break;
     }
+    if (n % 64 == 0)
+      clock_.poll();
     curX_ = record.X - minX_ + shiftX_;
     curY_ = record.Y - minY_ + shiftY_;
     if (file_.Mirror)

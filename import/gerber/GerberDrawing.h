@@ -10,6 +10,7 @@
 #include "store/LayerRecord.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace tvx {
 
@@ -24,6 +25,8 @@ struct GerberDrawContext {
   const StatusReporter& reporter;
   const GerberScan& scan;
   int32_t clearColour = slotCode(colourslot::ClearColour);
+  // Hands control to the event loop about every 30 ms while the stream is replayed.
+  std::function<void()> yield = {};
 };
 
 // Replays records 6 on of the open intermediate file. status 0 when the stream ended, also when

@@ -56,7 +56,7 @@ void GerberFileReader::importFile(int32_t& status, const ImportJob& job, LayerRe
   LoadArtHeader(status, art, false, pass_.scan, reporter_);
   int32_t elements = 0;
   if (status == StatusOk) {
-    const GerberDrawContext drawing{store_, reporter_, pass_.scan, clearColour};
+    const GerberDrawContext drawing{store_, reporter_, pass_.scan, clearColour, pass_.yield};
     elements = DrawGerberStream(status, art, layer, file, drawing);
   }
   art.close();

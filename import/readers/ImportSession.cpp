@@ -160,6 +160,16 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
     return result;
   }
   ImportJob& job = state.Job;
+  // The readers hand control to the event loop through options.yield for this file only.
+  gerberPass.yield = options.yield;
+  excellon.yield = options.yield;
+  struct ForgetYield {
+    ImportSession& session;
+    ~ForgetYield() {
+      session.gerberPass.yield = nullptr;
+      session.excellon.yield = nullptr;
+    }
+  } forgetYield{*this};
   const ScanResult scanned = applyFile(layers, options.noCenter);
   result.kind = job.Kind;
   result.scanned = state.Extents;
