@@ -30,6 +30,10 @@ constexpr size_t BatchPoints = size_t(1) << 20;
 // Fewer shapes than this, or fewer rows, are not worth a second thread.
 constexpr size_t ShapesForTwoBands = 256;
 constexpr int RowsForTwoBands = 32;
+// A batch whose first shapes are this small on average (in rows) is drawn at once from there on:
+// keeping tiny shapes costs more than a second core saves on them.
+constexpr size_t ShapesToJudge = 4096;
+constexpr int64_t SmallShapeRows = 12;
 
 using Shape = Raster::Shape;
 using Kind = Raster::ShapeKind;
@@ -37,8 +41,11 @@ using Kind = Raster::ShapeKind;
 // The spans of a shape on the rows first..last, each given to take(y, x0, x1) in the order of the
 // rows; take returns false to stop. Returns true when some span was given. Hairlines and single
 // pixels have no spans.
+// Always inlined: called with a shape of a known kind, the switch folds away, and a tiny shape
+// drawn at once costs no more than its own arithmetic.
 template <typename Take>
-bool spansOf(const Shape& s, int first, int last, PolygonScratch& scratch, Take&& take) {
+[[gnu::always_inline]] inline bool spansOf(const Shape& s, int first, int last,
+                                           PolygonScratch& scratch, Take&& take) {
   bool any = false;
   // One row's interval [left, right] of pixel centres: a span when it holds one.
   auto interval = [&](int y, double left, double right) {
@@ -218,7 +225,8 @@ bool spansOf(const Shape& s, int first, int last, PolygonScratch& scratch, Take&
 }
 
 // A one-pixel line, clipped to the picture first so that the walk stays short (Liang-Barsky).
-void walkHairline(const Shape& s, int width, int height, SpanWriter& out) {
+[[gnu::always_inline]] inline void walkHairline(const Shape& s, int width, int height,
+                                                SpanWriter& out) {
   const QPointF a(s.v[0], s.v[1]), b(s.v[2], s.v[3]);
   const double dx = b.x() - a.x(), dy = b.y() - a.y();
   const double minX = std::min(a.x(), b.x()), maxX = std::max(a.x(), b.x());
@@ -261,8 +269,8 @@ void walkHairline(const Shape& s, int width, int height, SpanWriter& out) {
 
 // Draws a shape into the rows of out. standIn: the pixel under its middle stands for a shape that
 // sets no pixel. A shape of a batch is drawn in bands, where that was decided beforehand.
-void drawShape(const Shape& s, int width, int height, SpanWriter& out, PolygonScratch& scratch,
-               bool standIn) {
+[[gnu::always_inline]] inline void drawShape(const Shape& s, int width, int height, SpanWriter& out,
+                                             PolygonScratch& scratch, bool standIn) {
   out.setColour(s.colour, s.index);
   switch (s.kind) {
   case Kind::Hairline:
@@ -282,10 +290,11 @@ void drawShape(const Shape& s, int width, int height, SpanWriter& out, PolygonSc
   }
 }
 
-// The rows [top, bottom] a shape may touch, from its extent in y.
-void setRows(Shape& s, double minY, double maxY) {
-  s.top = int(std::floor(minY)) - 1;
-  s.bottom = int(std::ceil(maxY)) + 1;
+// The rows [top, bottom] a shape may touch, from its extent in y: whole rows with a row to spare
+// on each side, within a few rows beyond the picture (the conversion truncates towards zero).
+void setRows(Shape& s, double minY, double maxY, int height) {
+  s.top = int(std::clamp(minY, -4.0, height + 4.0)) - 2;
+  s.bottom = int(std::clamp(maxY, -4.0, height + 4.0)) + 2;
 }
 
 }  // namespace
@@ -356,7 +365,7 @@ void Raster::plot(int x, int y) {
   Shape s{Kind::Plot};
   s.fallbackX = x;
   s.fallbackY = y;
-  setRows(s, y, y);
+  setRows(s, y, y, height_);
   submit(s);
 }
 
@@ -367,7 +376,7 @@ void Raster::fill() {
     out.span(y, 0, width_ - 1);
 }
 
-void Raster::submit(Shape s) {
+[[gnu::always_inline]] inline void Raster::submit(Shape& s) {
   s.colour = colour_;
   s.index = index_;
   if (!batching_) {
@@ -380,7 +389,7 @@ void Raster::submit(Shape s) {
   if (s.kind != Kind::Hairline && s.kind != Kind::Plot && s.kind != Kind::Segment &&
       !spansOf(s, 0, height_ - 1, scratch_, [](int, int, int) { return false; })) {
     s.kind = Kind::Plot;
-    setRows(s, s.fallbackY, s.fallbackY);
+    setRows(s, s.fallbackY, s.fallbackY, height_);
   }
   if (s.points && s.kind != Kind::Plot) {
     s.first = uint32_t(points_.size());
@@ -388,14 +397,16 @@ void Raster::submit(Shape s) {
   }
   s.points = nullptr;
   shapes_.push_back(s);
-  if (shapes_.size() >= BatchShapes || points_.size() >= BatchPoints) {
-    flush();
-    batching_ = true;
+  rowsKept_ += s.bottom - s.top;
+  if (shapes_.size() == ShapesToJudge && rowsKept_ < int64_t(ShapesToJudge) * SmallShapeRows) {
+    endBatch();
+    return;
   }
+  if (shapes_.size() >= BatchShapes || points_.size() >= BatchPoints)
+    flush();
 }
 
 void Raster::flush() {
-  batching_ = false;
   if (shapes_.empty())
     return;
   for (Shape& s : shapes_)
@@ -425,6 +436,7 @@ void Raster::flush() {
   }
   shapes_.clear();
   points_.clear();
+  rowsKept_ = 0;
 }
 
 void Raster::fillDisc(QPointF c, double r) {
@@ -436,7 +448,7 @@ void Raster::fillDisc(QPointF c, double r) {
   s.v[2] = r;
   s.fallbackX = int(std::floor(c.x()));
   s.fallbackY = int(std::floor(c.y()));
-  setRows(s, c.y() - r, c.y() + r);
+  setRows(s, c.y() - r, c.y() + r, height_);
   submit(s);
 }
 
@@ -454,13 +466,13 @@ void Raster::fillRing(QPointF c, double outer, double inner) {
   s.v[3] = inner;
   s.fallbackX = int(std::floor(c.x() + outer));
   s.fallbackY = int(std::floor(c.y()));
-  setRows(s, c.y() - outer, c.y() + outer);
+  setRows(s, c.y() - outer, c.y() + outer, height_);
   submit(s);
 }
 
 namespace {
 // A shape of points with its extent (v: minX, minY, maxX, maxY) and the pixel under its middle.
-Shape outlineShape(Kind kind, const QPointF* p, size_t n) {
+Shape outlineShape(Kind kind, const QPointF* p, size_t n, int height) {
   Shape s{kind};
   double minX = p[0].x(), maxX = minX, minY = p[0].y(), maxY = minY;
   for (size_t i = 1; i < n; ++i) {
@@ -477,7 +489,7 @@ Shape outlineShape(Kind kind, const QPointF* p, size_t n) {
   s.count = uint32_t(n);
   s.fallbackX = int(std::floor((minX + maxX) / 2));
   s.fallbackY = int(std::floor((minY + maxY) / 2));
-  setRows(s, minY, maxY);
+  setRows(s, minY, maxY, height);
   return s;
 }
 }  // namespace
@@ -485,7 +497,7 @@ Shape outlineShape(Kind kind, const QPointF* p, size_t n) {
 void Raster::fillConvex(const QPointF* p, int n) {
   if (n < 3)
     return;
-  const Shape s = outlineShape(Kind::Convex, p, size_t(n));
+  Shape s = outlineShape(Kind::Convex, p, size_t(n), height_);
   if (!outside(s.v[0], s.v[1], s.v[2], s.v[3]))
     submit(s);
 }
@@ -493,7 +505,7 @@ void Raster::fillConvex(const QPointF* p, int n) {
 void Raster::fillPolygon(const std::vector<QPointF>& p) {
   if (p.size() < 3)
     return;
-  const Shape s = outlineShape(Kind::Polygon, p.data(), p.size());
+  Shape s = outlineShape(Kind::Polygon, p.data(), p.size(), height_);
   if (!outside(s.v[0], s.v[1], s.v[2], s.v[3]))
     submit(s);
 }
@@ -508,7 +520,7 @@ void Raster::hairline(QPointF a, QPointF b) {
   s.v[1] = a.y();
   s.v[2] = b.x();
   s.v[3] = b.y();
-  setRows(s, minY, maxY);
+  setRows(s, minY, maxY, height_);
   submit(s);
 }
 
@@ -531,7 +543,7 @@ void Raster::strokeSegment(QPointF a, QPointF b, double width) {
   s.v[2] = b.x();
   s.v[3] = b.y();
   s.v[4] = width;
-  setRows(s, std::min(a.y(), b.y()) - r, std::max(a.y(), b.y()) + r);
+  setRows(s, std::min(a.y(), b.y()) - r, std::max(a.y(), b.y()) + r, height_);
   submit(s);
 }
 

@@ -127,7 +127,7 @@ public:
 private:
   uchar paletteIndex(QRgb colour);
   // Draws a shape at once, or keeps it (with a copy of its points) in a batch.
-  void submit(Shape shape);
+  void submit(Shape& shape);
   SpanWriter wholePicture() const;
 
   uchar* bits_;
@@ -142,6 +142,7 @@ private:
   bool batching_ = false;
   std::vector<Shape> shapes_;
   std::vector<QPointF> points_;
+  int64_t rowsKept_ = 0;  // the rows the kept shapes may touch, summed
   PolygonScratch scratch_;
 };
 

@@ -10,13 +10,19 @@ namespace tvx {
 namespace {
 
 // Draws a random mix of every kind of shape, from below a pixel to larger than the picture, many
-// of them across the middle rows where the bands meet.
-void drawScene(Raster& r, uint32_t seed) {
+// of them across the middle rows where the bands meet. tinyFirst: the first 5000 shapes are all
+// small, which makes a batch draw the rest at once.
+void drawScene(Raster& r, uint32_t seed, bool tinyFirst) {
   std::mt19937 rng(seed);
   std::uniform_real_distribution<double> x(-20, 220), y(-20, 170), size(0.05, 30), tiny(0, 0.6);
   auto at = [&] { return QPointF(x(rng), y(rng)); };
-  for (int i = 0; i < 3000; ++i) {
+  const int count = tinyFirst ? 8000 : 3000;
+  for (int i = 0; i < count; ++i) {
     r.setColour(qRgb(int(rng() % 256), int(rng() % 256), i % 7 * 30));
+    if (tinyFirst && i < 5000) {
+      r.fillDisc(at(), tiny(rng));
+      continue;
+    }
     const bool small = i % 4 == 0;
     const double s = small ? tiny(rng) : size(rng);
     switch (i % 8) {
@@ -62,12 +68,13 @@ TEST(RasterBatch, BandsOnBothCoresDrawTheSamePicture) {
   for (QImage::Format format : {QImage::Format_RGB32, QImage::Format_Indexed8}) {
     for (uint32_t seed : {1u, 2u, 3u}) {
       SCOPED_TRACE(seed);
+      const bool tinyFirst = seed == 3;
       QImage atOnce(200, 150, format), batched(200, 150, format);
       {
         Raster r(atOnce);
         r.setColour(qRgb(0, 0, 0));
         r.fill();
-        drawScene(r, seed);
+        drawScene(r, seed, tinyFirst);
         if (format == QImage::Format_Indexed8)
           atOnce.setColorTable(r.palette());
       }
@@ -76,7 +83,7 @@ TEST(RasterBatch, BandsOnBothCoresDrawTheSamePicture) {
         r.setColour(qRgb(0, 0, 0));
         r.fill();
         r.beginBatch();
-        drawScene(r, seed);
+        drawScene(r, seed, tinyFirst);
         r.endBatch();
         if (format == QImage::Format_Indexed8)
           batched.setColorTable(r.palette());
