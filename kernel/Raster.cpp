@@ -38,6 +38,18 @@ constexpr int64_t SmallShapeRows = 12;
 using Shape = Raster::Shape;
 using Kind = Raster::ShapeKind;
 
+// Widens [left, right] to the crossings of the row through sy with the closed outline p.
+inline void widenByCrossings(const QPointF* p, int n, double sy, double& left, double& right) {
+  for (int i = 0, j = n - 1; i < n; j = i++) {
+    const double ay = p[j].y(), by = p[i].y();
+    if ((ay <= sy) == (by <= sy))
+      continue;
+    const double x = p[j].x() + (sy - ay) * (p[i].x() - p[j].x()) / (by - ay);
+    left = std::min(left, x);
+    right = std::max(right, x);
+  }
+}
+
 // The spans of a shape on the rows first..last, each given to take(y, x0, x1) in the order of the
 // rows; take returns false to stop. Returns true when some span was given. Hairlines and single
 // pixels have no spans.
@@ -112,14 +124,7 @@ template <typename Take>
     const int y0 = std::max(firstPixel(s.v[1]), first), y1 = std::min(lastPixel(s.v[3]), last);
     for (int y = y0; y <= y1; ++y) {
       double sy = y + 0.5, left = HUGE_VAL, right = -HUGE_VAL;
-      for (int i = 0, j = n - 1; i < n; j = i++) {
-        const double ay = p[j].y(), by = p[i].y();
-        if ((ay <= sy) == (by <= sy))
-          continue;
-        const double x = p[j].x() + (sy - ay) * (p[i].x() - p[j].x()) / (by - ay);
-        left = std::min(left, x);
-        right = std::max(right, x);
-      }
+      widenByCrossings(p, n, sy, left, right);
       if (left <= right && !interval(y, left, right))
         break;
     }
@@ -204,14 +209,7 @@ template <typename Take>
           right = std::max(right, c.x() + h);
         }
       }
-      for (int i = 0, j = 3; i < 4; j = i++) {
-        const double ay = quad[j].y(), by = quad[i].y();
-        if ((ay <= sy) == (by <= sy))
-          continue;
-        const double x = quad[j].x() + (sy - ay) * (quad[i].x() - quad[j].x()) / (by - ay);
-        left = std::min(left, x);
-        right = std::max(right, x);
-      }
+      widenByCrossings(quad, 4, sy, left, right);
       if (left <= right && !interval(y, left, right))
         break;
     }
