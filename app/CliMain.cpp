@@ -41,7 +41,8 @@ int runRender(const tvx::RenderOptions& options) {
 int runInfo(const tvx::CliArguments& arguments) {
   std::string out;
   std::string err;
-  const int code = tvx::runInfoCommand(arguments.infoFile, arguments.json, out, err);
+  const int code = tvx::runInfoCommand(arguments.infoFile, arguments.json, out, err,
+                                       arguments.infoApertureTable);
   std::fwrite(out.data(), 1, out.size(), stdout);
   std::fwrite(err.data(), 1, err.size(), stderr);
   return code;

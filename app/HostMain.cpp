@@ -11,6 +11,7 @@
 #include "common/widgets/QtUserPrompts.h"
 #include "kernel/Kernel.h"
 #include "platform/RuntimeDirectory.h"
+#include "platform/SuiteFolders.h"
 #include "platform/SystemServices.h"
 #include "shell/ComponentContext.h"
 #include "shell/GBRVIEWER_MAIN.h"
@@ -41,13 +42,6 @@
 namespace {
 
 // $XDG_<variable> when it is set to an absolute path, otherwise ~/<fallback>.
-QString xdgDirectory(const char* variable, const char* fallback) {
-  const QString value = qEnvironmentVariable(variable);
-  if (!value.isEmpty() && QDir::isAbsolutePath(value))
-    return value;
-  return QDir::homePath() + "/" + fallback;
-}
-
 // Reads standard input as it arrives, without blocking the event loop, and hands each complete
 // line to a callback. The end of input stops the reading and nothing else.
 class StandardInputReader {
@@ -127,10 +121,11 @@ int main(int argc, char* argv[]) {
 
   QString iniFile = parser.value(iniOption);
   if (iniFile.isEmpty())
-    iniFile = xdgDirectory("XDG_CONFIG_HOME", ".config") + "/tarvex/tarvex.ini";
+    iniFile = QString::fromStdString(tvx::defaultSettingsFile());
   iniFile = QDir::cleanPath(QDir::current().absoluteFilePath(iniFile));
   QDir().mkpath(QFileInfo(iniFile).absolutePath());
-  const QString workDirectory = xdgDirectory("XDG_CACHE_HOME", ".cache") + "/tarvex";
+  const QString workDirectory =
+      QString::fromStdString(tvx::xdgFolder("XDG_CACHE_HOME", ".cache")) + "/tarvex";
   QDir().mkpath(workDirectory);
 
   tvx::Kernel kernel;

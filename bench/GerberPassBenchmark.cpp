@@ -130,7 +130,7 @@ void runPass(benchmark::State& state, const std::string& source) {
   int yields = 0;
   const std::string art = (workDirectory() / "TMP.ART").string();
   GerberPassContext context{
-      services, reporter, files, format, scan, {}, {}, {}, [&yields] { ++yields; }};
+      services, reporter, files, format, scan, nullptr, {}, {}, [&yields] { ++yields; }};
   const long peakBefore = peakResidentKilobytes();
   int32_t status = 0;
   for (auto _ : state) {

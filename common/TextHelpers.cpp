@@ -40,4 +40,12 @@ std::string OneLine(std::string text) {
   return text;
 }
 
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper)
+    if (c >= 'a' && c <= 'z')
+      c = char(c - 'a' + 'A');
+  return upper;
+}
+
 }  // namespace tvx

@@ -19,6 +19,9 @@ std::string StripQuotes(std::string_view text);
 // The text without blanks at either end.
 std::string_view TrimBlanks(std::string_view text);
 
+// The text with its ASCII letters in upper case (names of tables and files are compared so).
+std::string UpperCase(std::string_view text);
+
 // A message on one line: each line break a blank, runs of blanks one (a break was two characters).
 std::string OneLine(std::string text);
 

@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   GerberScan scan;
   const std::vector<ApertureTableRow> table = {{2540, 10, 20, 30}, {5080, 11, 21, 31}};
-  GerberPassContext context{services, reporter, files, format, scan, table, {}, {}, {}};
+  GerberPassContext context{services, reporter, files, format, scan, &table, {}, {}, {}};
   std::ofstream(sourcePath(), std::ios::binary | std::ios::trunc)
       .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   int32_t status = 0;

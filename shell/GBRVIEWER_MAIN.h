@@ -6,6 +6,7 @@
 // unload, resize) and MainImport.cpp (the file-open command and the host's files).
 #pragma once
 
+#include "aperture/ApertureTable.h"
 #include "platform/ViewerWorkFolder.h"
 #include "shell/ComponentContext.h"
 #include "shell/MenuFile.h"
@@ -288,7 +289,9 @@ private:
   std::string helpFile_;
   std::string viewerTitle_;
   std::string coordinateFormat_;
-  std::string apertureFile_;
+  // The aperture table in force, read at every application of the settings; the Gerber text
+  // pass starts its lists from its rows.
+  ApertureTable apertureTable_;
   std::string severPath_;
   std::vector<QPointer<QWidget>> minimisedWithMe_;
 };

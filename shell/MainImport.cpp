@@ -261,7 +261,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   model.stages().programTitle = windowTitle().toStdString();
   model.NoCenter = settings_.NoCenter;
   model.ImpDir = settings_.ImpDir;
-  model.apertureTableName = settings_.Aper;
+  model.apertureTableName = apertureTable_.current;
   model.HoleMapping = import_->HoleMapping;
   model.FormFill();
   importWindow_ = window;

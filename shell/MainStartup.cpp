@@ -1,6 +1,7 @@
 // Start-up of the main window (Form_Load), its positioning, and ApplySystemSettings.
 #include "shell/GBRVIEWER_MAIN.h"
 
+#include "common/TextHelpers.h"
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/InterfaceFont.h"
@@ -210,7 +211,10 @@ void GBRVIEWER_MAIN::ApplySystemSettings() {
   const int32_t decimals = import_ ? import_->gerberFormat.DecimalDigits[0] : 0;
   if (decimals > 0)
     coordinateFormat_ += "." + std::string(size_t(decimals), '0');
-  apertureFile_ = defaultApertureFile(sysDir_, settings_.Aper);
+  apertureTable_.current = UpperCase(settings_.Aper);
+  apertureTable_.load(sysDir_);
+  if (import_)
+    import_->gerberPass.apertureTable = &apertureTable_.rows;
   view_->ZoomModeFlag = zoommode::Board;
 
   view_->readKernelTables(kernel.strings);

@@ -187,10 +187,6 @@ void writeImpDir(int32_t& status, SystemServices& services, const std::string& f
     status = 1;
 }
 
-std::string defaultApertureFile(const std::string& sysDir, const std::string& aper) {
-  return (std::filesystem::path(sysDir) / (aper + ".APT")).string();
-}
-
 // --- The view's share --------------------------------------------------------------------------
 
 void applyToView(const ViewerSettings& settings, ViewState& view) {

@@ -148,9 +148,6 @@ void writeViewerSettings(int32_t& status, SystemServices& services, const Viewer
 // After an import: the folder of the imported file.
 void writeImpDir(int32_t& status, SystemServices& services, const std::string& folder);
 
-// The file of the default aperture table: SysDir, a separator, Aper and ".APT".
-std::string defaultApertureFile(const std::string& sysDir, const std::string& aper);
-
 // The view's share: UNIT, VIEW and ZOOM into the view state (monochrome not applied: the view
 // starts in colour), and back from it before writing.
 void applyToView(const ViewerSettings& settings, ViewState& view);

@@ -14,9 +14,9 @@ namespace tvx {
 
 const char* const GbrviewUsage =
     "usage:\n"
-    "  gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] -o OUT.(png|pdf|svg) "
-    "FILE...\n"
-    "  gbrview info FILE [--json]\n"
+    "  gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] [--apt TABLE]\n"
+    "                 -o OUT.(png|pdf|svg) FILE...\n"
+    "  gbrview info FILE [--json] [--apt TABLE]\n"
     "  gbrview --help | --version\n"
     "\n"
     "An option's value follows as the next argument or after \"=\": --dpi 600 or --dpi=600.\n"
@@ -32,6 +32,9 @@ const char* const GbrviewUsage =
     "        extents, apertures with their draws and flashes, the counts of draws, arcs,\n"
     "        flashes and regions, polarities, step and repeat and file attributes; for a drill\n"
     "        file its format, tools, holes and extents.\n"
+    "--apt   an aperture table file (lines \"size,lines D,round D,square D\" in 1/100000 mm)\n"
+    "        that gives a plain RS-274-D file its sizes; without it the table the viewer's\n"
+    "        settings name is used.\n"
     "Exit codes: 0 success, 1 a file failed, 2 bad arguments.\n";
 
 namespace {
@@ -110,8 +113,9 @@ bool parseVerb(QCommandLineParser& parser, const QStringList& arguments, CliArgu
 std::string parseRender(const QStringList& arguments, CliArguments& out) {
   QCommandLineParser parser;
   const QCommandLineOption dpi("dpi", {}, "N"), window("window", {}, "x0,y0,x1,y1"), mono("mono"),
-      layer("layer", {}, "N"), output(QStringList{"o", "output"}, {}, "OUT");
-  parser.addOptions({dpi, window, mono, layer, output});
+      layer("layer", {}, "N"), output(QStringList{"o", "output"}, {}, "OUT"),
+      apt("apt", {}, "FILE");
+  parser.addOptions({dpi, window, mono, layer, output, apt});
   if (!parseVerb(parser, arguments, out))
     return out.error;
   RenderOptions& render = out.render;
@@ -139,6 +143,9 @@ std::string parseRender(const QStringList& arguments, CliArguments& out) {
     if (!render.layer || *render.layer < 1 || *render.layer > 31)
       return "--layer must be a layer number from 1 to 31";
   }
+  if (std::string error = oneValue(parser, apt, value); !error.empty())
+    return error;
+  render.apertureTable = value;
   if (std::string error = oneValue(parser, output, value); !error.empty())
     return error;
   if (!parser.isSet(output))
@@ -155,11 +162,15 @@ std::string parseRender(const QStringList& arguments, CliArguments& out) {
 
 std::string parseInfo(const QStringList& arguments, CliArguments& out) {
   QCommandLineParser parser;
-  const QCommandLineOption json("json");
-  parser.addOption(json);
+  const QCommandLineOption json("json"), apt("apt", {}, "FILE");
+  parser.addOptions({json, apt});
   if (!parseVerb(parser, arguments, out))
     return out.error;
   out.json = parser.isSet(json);
+  std::string value;
+  if (std::string error = oneValue(parser, apt, value); !error.empty())
+    return error;
+  out.infoApertureTable = value;
   const QStringList files = parser.positionalArguments();
   if (files.isEmpty())
     return "info needs a file";

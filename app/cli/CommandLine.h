@@ -22,9 +22,10 @@ enum class CliCommand { Help, Version, Render, Info, Bad };
 
 struct CliArguments {
   CliCommand command = CliCommand::Bad;
-  std::string error;     // why the arguments are bad
-  RenderOptions render;  // for Render
-  std::string infoFile;  // for Info
+  std::string error;              // why the arguments are bad
+  RenderOptions render;           // for Render
+  std::string infoFile;           // for Info
+  std::string infoApertureTable;  // for Info: --apt FILE
   bool json = false;
 };
 

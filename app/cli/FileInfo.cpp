@@ -1,4 +1,5 @@
 #include "app/cli/FileInfo.h"
+#include "app/cli/CliApertureTable.h"
 
 #include "common/TextHelpers.h"
 #include "import/core/FileRecognition.h"
@@ -148,7 +149,8 @@ std::vector<FileAttribute> fileAttributesOf(const std::vector<std::string>& text
   return out;
 }
 
-FileInfo gatherFileInfo(const std::string& path) {
+FileInfo gatherFileInfo(const std::string& path,
+                        const std::vector<ApertureTableRow>* apertureTable) {
   FileInfo info;
   info.path = path;
   ScriptedPrompts prompts;  // shows nothing; keeps every message for the report
@@ -169,6 +171,7 @@ FileInfo gatherFileInfo(const std::string& path) {
   if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind)) {
     WindowlessLayers run(services, prompts);
     run.session->titles.programTitle = "gbrview";
+    run.session->gerberPass.apertureTable = apertureTable;
     // A work folder of this run's own for the intermediate file.
     QTemporaryDir workFolder;
     if (workFolder.isValid())
@@ -182,8 +185,14 @@ FileInfo gatherFileInfo(const std::string& path) {
   return info;
 }
 
-int runInfoCommand(const std::string& path, bool json, std::string& out, std::string& err) {
-  const FileInfo info = gatherFileInfo(path);
+int runInfoCommand(const std::string& path, bool json, std::string& out, std::string& err,
+                   const std::string& apertureTablePath) {
+  ApertureTable table;
+  if (std::string error = loadCliApertureTable(table, apertureTablePath); !error.empty()) {
+    err = "gbrview: " + error + "\n";
+    return 2;
+  }
+  const FileInfo info = gatherFileInfo(path, &table.rows);
   if (!info.readable) {
     err =
         "gbrview: " + (info.messages.empty() ? path + ": cannot be read" : info.messages.front()) +

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "import/core/ImportJob.h"
+#include "import/gerber/ApertureLists.h"
 #include "import/gerber/ApertureSummary.h"
 #include "import/gerber/GerberFormat.h"
 #include "import/gerber/GerberStreamCounts.h"
@@ -91,15 +92,20 @@ struct FileInfo {
 
 // Reads and scans a file on its own store and layers, with the import settings' defaults, and
 // imports a drill file into the drill layer with the file's own coordinates kept.
-FileInfo gatherFileInfo(const std::string& path);
+// An RS-274-D file takes its sizes from apertureTable's rows (none: no sizes).
+FileInfo gatherFileInfo(const std::string& path,
+                        const std::vector<ApertureTableRow>* apertureTable = nullptr);
 
 // The report as lines of text or as one JSON object; both end with a line break and hold the same
 // facts. Lengths are in millimetres (5 decimals) and inches (6 decimals).
 std::string fileInfoText(const FileInfo& info);
 std::string fileInfoJson(const FileInfo& info);
 
-// "gbrview info FILE [--json]": the report on out, a message on err naming the file when it failed.
-// Returns the exit code: 0, or 1 when the file could not be read or its import failed.
-int runInfoCommand(const std::string& path, bool json, std::string& out, std::string& err);
+// "gbrview info FILE [--json] [--apt TABLE]": the report on out, a message on err naming the file
+// when it failed. Returns the exit code: 0, or 1 when the file could not be read or its import
+// failed, 2 when the aperture table cannot be read. Without apertureTablePath the settings' table
+// serves.
+int runInfoCommand(const std::string& path, bool json, std::string& out, std::string& err,
+                   const std::string& apertureTablePath = {});
 
 }  // namespace tvx

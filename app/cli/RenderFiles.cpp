@@ -1,4 +1,5 @@
 #include "app/cli/RenderFiles.h"
+#include "app/cli/CliApertureTable.h"
 #include "app/cli/CompactPng.h"
 
 #include "common/TextHelpers.h"
@@ -252,6 +253,11 @@ RenderOutcome renderFiles(const RenderOptions& options) {
   const ColourSlots& colours = run.colours;
   ImportSession& session = *run.session;
   session.titles.programTitle = "gbrview";
+  ApertureTable apertureTable;
+  if (std::string error = loadCliApertureTable(apertureTable, options.apertureTable);
+      !error.empty())
+    return badOptions(error);
+  session.gerberPass.apertureTable = &apertureTable.rows;
   // A work folder of this run's own for the intermediate file, so that renders running side by
   // side never share one; removed with everything in it at the end.
   QTemporaryDir workFolder;

@@ -20,6 +20,7 @@ struct RenderOptions {
   bool mono = false;               // white on black, clear elements black
   std::optional<int32_t> layer;    // the layer of the first Gerber file
   std::string output;              // ends in .png, .pdf or .svg
+  std::string apertureTable;       // --apt: a table file for RS-274-D files, else the settings'
   std::vector<std::string> files;
 };
 

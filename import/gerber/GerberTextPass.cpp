@@ -98,7 +98,9 @@ private:
 bool TextPass::createIntermediate(int32_t& status) {
   header_ = ArtHeader{};
   context_.scan.NotGerber = false;
-  loadApertureTable(lists_, context_.apertureTable);
+  loadApertureTable(lists_, context_.apertureTable
+                                ? std::span<const ApertureTableRow>(*context_.apertureTable)
+                                : std::span<const ApertureTableRow>());
   parameters_.reset();
   if (!out_.create(intermediate_)) {
     writeFailed(status);

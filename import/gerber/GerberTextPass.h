@@ -12,6 +12,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -27,8 +28,9 @@ struct GerberPassContext {
   FileLayer& files;
   GerberFormat& format;
   GerberScan& scan;
-  // The current aperture table; the lists start with its rows.
-  std::span<const ApertureTableRow> apertureTable;
+  // The aperture table in force, as it stands when a pass starts (a load replaces its rows); the
+  // lists start with its rows. None: the lists start empty.
+  const std::vector<ApertureTableRow>* apertureTable = nullptr;
   // The import dialog's message line, for the progress; the main window's, for "Cancelled".
   std::function<void(const std::string&)> editMsgLine;
   std::function<void(const std::string&)> mainMsgLine;

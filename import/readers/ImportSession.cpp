@@ -31,8 +31,9 @@ bool layerIsEmpty(const Store& store, const LayerRecord& layer) {
 
 ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserPrompts& prompts)
     : store(theStore), services(theServices), reporter(services, prompts, titles, digits),
-      files(services, &prompts), gerberPass{services, reporter, files, gerberFormat, gerberScan, {},
-                                            {},       {},       {}},
+      files(services, &prompts), gerberPass{services,     reporter,   files,
+                                            gerberFormat, gerberScan, nullptr,
+                                            {},           {},         {}},
       excellon(store, services, reporter, excellonFormat, state.Extents),
       gerberReader(store, reporter, gerberPass, state.Extents), excellonReader(excellon, files) {
   LoadExcellonSettings(services, excellonFormat);

@@ -126,7 +126,7 @@ TEST(CliTest, HelpPrintsTheUsage) {
   const test::ProcessRun run = test::runGbrview({"--help"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_NE(run.out.find("gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] "
-                         "-o OUT.(png|pdf|svg) FILE..."),
+                         "[--apt TABLE]"),
             std::string::npos);
   EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D) and Excellon drill files render"),
             std::string::npos)

@@ -177,7 +177,6 @@ TEST_F(ViewerSettingsTest, SuiteNamesAndSectionsOfTheirOwn) {
   EXPECT_EQ((Texts{s.Ver, s.Rev, s.Range, s.Maker, s.JobDir, s.LibDir, s.ImpDir, s.Aper}),
             (Texts{"7", "B", "Lab", "Someone", "/jobs", "/libs", "/jobs", "STANDARD"}));
   EXPECT_EQ(std::tie(s.IMGHEIGHT, s.IMGWIDTH), std::make_tuple(24, 32));
-  EXPECT_EQ(defaultApertureFile("/opt/tvx/SYS", s.Aper), "/opt/tvx/SYS/STANDARD.APT");
 
   // The caption follows the catalogue.
   std::ofstream(dir_.filePath("GBRVIEWER.MSG").toStdString()) << "62450\tViewer\n";

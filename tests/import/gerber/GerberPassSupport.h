@@ -54,7 +54,7 @@ struct GerberPass {
             files,
             format,
             scan,
-            table,
+            &table,
             [this](const std::string& line) { progressLines.push_back(line); },
             [this](const std::string& line) { mainLines.push_back(line); },
             [this] { ++yields; }};
