@@ -18,7 +18,7 @@ if [ $# -gt 0 ] && [[ "$1" =~ ^[0-9]+$ ]]; then
 fi
 build=${TVX_FUZZ_BUILD:-$top/build-fuzz}
 all=(fuzz_recognition fuzz_excellon fuzz_parameter_blocks fuzz_macro_expansion fuzz_ini fuzz_menu
-  fuzz_gerber_pass fuzz_import)
+  fuzz_aperture_table fuzz_gerber_pass fuzz_import)
 targets=()
 for arg in "$@"; do
   if [[ "$arg" == */* ]]; then
@@ -58,6 +58,11 @@ done
 printf '[Settings]\nUnit=1\nLanguage = English\n\n; a comment\n[Window]\nLeft=10\nTitle="  padded  "\n' \
   >"$seeds/fuzz_ini/settings"
 printf '\357\273\277[A]\r\nKey=Value\r\n[a]\r\nkey=second\r\n' >"$seeds/fuzz_ini/bom-crlf"
+for file in "$top"/data/SYS/*.APT "$corpus"/gerbv/ekf/*.apt; do
+  [ -f "$file" ] || continue
+  cp "$file" "$seeds/fuzz_aperture_table/$(basename "$file")"
+done
+printf '1000,10,0,0\r\n"2540",11,20,30\r\n#,#,#,#\r\n' >"$seeds/fuzz_aperture_table/minimal"
 if [ -f "$corpus/MANIFEST.tsv" ]; then
   awk -F'\t' 'NR > 1 { print $1 "\t" $2 }' "$corpus/MANIFEST.tsv" | while IFS=$'\t' read -r file kind; do
     name=$(echo "$file" | tr '/' '_')
@@ -127,6 +132,7 @@ dictOf() {
     fuzz_parameter_blocks | fuzz_gerber_pass) echo "$top/fuzz/dict/gerber.dict" ;;
     fuzz_macro_expansion) echo "$top/fuzz/dict/macro.dict" ;;
     fuzz_ini) echo "$top/fuzz/dict/ini.dict" ;;
+    fuzz_aperture_table) echo "$top/fuzz/dict/apt.dict" ;;
     fuzz_menu) echo "$top/fuzz/dict/menu.dict" ;;
   esac
 }
