@@ -441,17 +441,5 @@ TEST_F(GerberPixels, AnOutlineTurnsAboutTheFlashPoint) {
   EXPECT_EQ(at(-1000, 3000), none);
 }
 
-TEST_F(GerberPixels, ARoundApertureWithAHoleShowsTheClearColourInside) {
-  const int32_t first =
-      test::addSpecial(primitives, primitive::RoundWithHole, 12, {10000, 4000, 0});
-  FlashAperture(writer(), 0, 0, first, SpecialAperture, 12);
-  image = render(Size, Size, Scale, ClearPalette);
-  EXPECT_EQ(at(0, 0), colourOf(ClearPalette));
-  EXPECT_EQ(at(1500, 0), colourOf(ClearPalette));
-  EXPECT_EQ(at(3000, 0), ink);
-  EXPECT_EQ(at(0, -4000), ink);
-  EXPECT_EQ(at(6000, 0), none);
-}
-
 }  // namespace
 }  // namespace tvx

@@ -406,7 +406,6 @@ TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateF
 TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
   const std::pair<std::string, int32_t> cases[] = {
       {"G04 #@! TF.FileFunction,Copper,L2,Inr*\n%FSLAX46Y46*%\n%MOMM*%\n%ADD10C,0.1*%\nM02*\n", 0},
-      {"%FSLAX24Y24*%%MOIN*%%ADD10C,0.01*%D10*X1000Y1000D02*M02*\n", 0},
       {"%FSLAX24Y24*%%MOIN*%%ADD10C,0.01*%D10*X1000Y1000D03*M02*\n", 1},
   };
   for (const auto& [text, items] : cases) {
@@ -427,13 +426,6 @@ TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
                          test::boxesOf(pass.reporting.prompts)),
               std::tuple(0, items, said));
   }
-}
-
-TEST(GerberFileReader, AFailedScanLeavesNothingToImport) {
-  ReaderRun r;
-  r.job.SourcePath = r.pass.dir.file("missing.gbr");
-  EXPECT_EQ(r.reader.scan(r.job), ScanResult::Failed);
-  EXPECT_EQ(std::pair(r.job.IntermediatePath, r.job.Prepared), std::pair(std::string(), false));
 }
 
 }  // namespace
