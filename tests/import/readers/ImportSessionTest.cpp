@@ -150,18 +150,6 @@ TEST_F(ImportSessionTest, AFileThatCannotBeReadLeavesTheLayerAsItWas) {
   EXPECT_TRUE(session->state.Job.ExcellonText.empty());  // nothing of the last file's scan stays
 }
 
-TEST_F(ImportSessionTest, ACoordinateBeyondTheWorldFailsTheImport) {
-  const ImportResult result =
-      run(write("far.drl", "M48\nMETRIC\nT1C1\n%\nT1\nX1.0Y1.0\nX99999999999.0Y1.0\nX3.0Y3.0\n"));
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.layer, DrillLayer);
-  ASSERT_EQ(boxes().size(), 1u);
-  EXPECT_EQ(boxes()[0],
-            "Coordinates outside limits\r\nCheck parameters for GERBER file and import again.");
-  EXPECT_EQ(drillPads(), (std::vector<Pad>{{100000, 100000, 1}}));
-  EXPECT_EQ(drill().LastFile, "");
-}
-
 TEST_F(ImportSessionTest, WithoutAListedDrillLayerNothingIsBound) {
   drill().Listed = false;
   const ImportResult result = run(write("board.txt", FormatTwo));
