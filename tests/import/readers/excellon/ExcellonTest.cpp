@@ -41,7 +41,6 @@ TEST_F(ScanTest, TheHeaderSetsTheFormat) {
       // "METRIC" and the format on its line.
       {"M48|METRIC|T1C0.5|%|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 3, 0}, 3},
       {"M48|METRIC,0000.00|T1C0.5|%|T1|X1Y1|", {0, 2, 4, 0}, {1, 4, 2, 0}, 3},
-      {"M48|METRIC,000.00|T1C0.5|%|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 2, 0}, 3},
       {"M48|METRIC,TZ,000.000|T1C0.5|%|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 3, 1}, 3},
       // Without "%" the header ends at "M95"; a line that ends behind it is not examined.
       {"M48|T1C0.5|METRIC,0000.00M95,9|T1|X1Y1|", {0, 2, 4, 0}, {1, 3, 3, 0}, 3},

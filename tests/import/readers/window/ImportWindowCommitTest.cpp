@@ -421,14 +421,6 @@ TEST_F(ImportWindowCommit, ADxfFileBoundToTheOutlineCanBeMovedToAnotherLayer) {
   expectOnLayer2();
 }
 
-TEST_F(ImportWindowCommit, APickerCancelledFromTheFileNameChangesNothing) {
-  world.open("top.gbr", test::TwoPadsAndATrack);
-  world.nextFile.clear();
-  model().ClickRow(model().rowOf("IMP_FLEN"), true);
-  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
-  EXPECT_EQ(world.events.back(), "picker 2 in " + world.folder.path().string());
-}
-
 TEST_F(ImportWindowCommit, AScanThatVanishedFailsTheImportButNotTheWindow) {
   // Artwork: the window stays, the filter button shows even though the import failed.
   world.model->apertureTableName = "PLOTTER1";
@@ -476,7 +468,7 @@ TEST_F(ImportWindowCommit, ALayerKeepsItsRowsWhenARescanFindsNoFile) {
   EXPECT_EQ(world.layer(1).OffsetX, offset);
 }
 
-TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
+TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndAPickerCancelledChangesNothing) {
   world.open("top.gbr", test::TwoPadsAndATrack);
   model().cmdView();
   EXPECT_TRUE(model().ViewShown);
@@ -489,6 +481,11 @@ TEST_F(ImportWindowCommit, TheTextViewShowsTheFileAndGoesAgain) {
   EXPECT_EQ(world.events[before].rfind("picker 1 in ", 0), 0u) << "the request for display";
   EXPECT_EQ(world.events.back(), "main line " + world.nextFile + " Processing");
   EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X) << "import state untouched";
+  // A picker cancelled from the file name changes nothing either.
+  world.nextFile.clear();
+  model().ClickRow(model().rowOf("IMP_FLEN"), true);
+  EXPECT_EQ(world.session->state.Job.Kind, ImportKind::ArtworkRS274X);
+  EXPECT_EQ(world.events.back(), "picker 2 in " + world.folder.path().string());
 }
 
 }  // namespace
