@@ -85,6 +85,7 @@ TEST(IsExcellonTest, HeaderToolsAndCoordinatesDecideTheFormat) {
   expectKinds(IsExcellon,
               {
                   {"format two", "M48\nINCH,LZ\nT1C0.032\n%\nT1\nX1000Y2000\nM30\n", 3},
+                  {"metric header", "M48\nMETRIC\nT1C0.8\n%\nT1\nX10Y20\n", 3},
                   {"header closed by M95", "M48\nINCH\nT1C0.03\nM95\nT1\nX1Y2\n", 3},
                   {"unit behind the closing mark", "M48\nT1C0.03\n%\nINCH\nT1\nX1Y2\n", 4},
                   {"percent ahead of M48 closes nothing", "%\nM48\nINCH\nT1C0.03\nT1\nX1Y2\n", 4},
@@ -124,6 +125,7 @@ TEST(IsDxfTest, EntitiesWithTablesNotAheadOfHeader) {
                          {"entities only", entities, 8},
                          {"entities first in the text", "ENTITIES\n0\nEOF\n", 8},
                          {"tables without header", tables + entities, 8},
+                         {"entities ahead of both", entities + header + tables, 8},
                          {"tables ahead of header", tables + header + entities, 0},
                          {"header without tables", header + entities, 0},
                          {"header first in the text, no tables", "HEADER\n" + entities, 0},
