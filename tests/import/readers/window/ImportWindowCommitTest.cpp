@@ -460,6 +460,7 @@ TEST_F(ImportWindowCommit, ALayerKeepsItsRowsWhenARescanFindsNoFile) {
   std::filesystem::remove(world.session->state.Job.SourcePath);
   commit("IMP_SCFYG", "2");
   ASSERT_FALSE(world.session->state.Job.Prepared) << "the scan found nothing to import";
+  EXPECT_EQ(world.session->state.Job.IntermediatePath, "") << "nor left a TMP.ART to read";
   ASSERT_EQ(world.session->state.DialogLayer, 1);
   EXPECT_LT(model().rowOf("IMP_LAYER"), 0) << "the layer choice needs a scan";
   for (const char* key : {"AF_ICL", "AFS_XO", "AFS_YO", "AFS_NOCENTER"})
