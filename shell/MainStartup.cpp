@@ -110,6 +110,13 @@ void GBRVIEWER_MAIN::Form_Load() {
 
   // The working arrays and the job's file records start empty.
   import_ = std::make_unique<ImportSession>(kernel.store, services, context_.prompts);
+  // While a file is read the windows keep painting and the message line shows the progress; what
+  // the user does waits until the reading is over, as do the host's commands, so nothing starts
+  // inside an import.
+  import_->setYield([] {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                    QEventLoop::ExcludeSocketNotifiers);
+  });
   // The viewer's own folder in the work directory: another viewer on the same folder never sees
   // its intermediate files.
   const char* work = kernel.strings.E_GetString(WorkDirString);

@@ -450,6 +450,8 @@ namespace {
 
 // How much of a large file is looked at before the rest is read.
 constexpr std::uintmax_t PrefixBytes = 1 << 20;
+// A large file is read in pieces of this size.
+constexpr std::uintmax_t ReadPieceBytes = std::uintmax_t(8) << 20;
 
 // A prefix of binary content that no test can take: more than one byte in a hundred is a control
 // character (the Gerber and drill tests refuse any), it is no binary drawing file, and the plotter
@@ -514,16 +516,18 @@ bool FileRecogniser::load(const std::string& path, std::string& text, bool mayRe
       refusedEarly_ = true;
       return true;
     }
-    // The whole file is read again in one piece: cheaper than joining the rest to the prefix,
-    // which copies it once more.
-    files_.CloseFile(false, handle, path);
-    if (status == 0)
-      files_.OpenForBinary(status, handle, path);
-    if (status != 0) {
-      text.clear();
-      return false;
+    // The rest follows in pieces, the event loop served between them: a large file takes a
+    // tenth of a second to read.
+    YieldClock clock(yield);
+    text.reserve(size_t(length));
+    std::string piece;
+    for (std::uintmax_t done = PrefixBytes; status == 0 && done < length;) {
+      const std::uintmax_t count = std::min<std::uintmax_t>(length - done, ReadPieceBytes);
+      files_.ReadCharacters(status, handle, piece, static_cast<int32_t>(count));
+      text += piece;
+      done += count;
+      clock.poll();
     }
-    files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
   } else if (length > 0) {
     files_.ReadCharacters(status, handle, text, static_cast<int32_t>(length));
   }

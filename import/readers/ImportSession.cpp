@@ -47,11 +47,17 @@ ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserP
   };
 }
 
+void ImportSession::setYield(std::function<void()> yield) {
+  yield_ = std::move(yield);
+  gerberPass.yield = yield_;
+  excellon.yield = yield_;
+}
+
 ImportKind ImportSession::recognise(const std::string& path, const MessageLine& editMsgLine,
                                     const std::function<void()>& yield) {
   FileRecogniser recogniser(files, services);
   recogniser.editMsgLine = editMsgLine;
-  recogniser.yield = yield;
+  recogniser.yield = yield ? yield : yield_;
   recogniser.gerberUnit = &gerberFormat.Unit;
   const ImportKind kind = recogniser.RecogniseFile(path);
   lastRefusal = recogniser.refusal;
@@ -162,15 +168,13 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   }
   ImportJob& job = state.Job;
   // The readers hand control to the event loop through options.yield for this file only.
-  gerberPass.yield = options.yield;
-  excellon.yield = options.yield;
-  struct ForgetYield {
+  struct FileYield {
     ImportSession& session;
-    ~ForgetYield() {
-      session.gerberPass.yield = nullptr;
-      session.excellon.yield = nullptr;
-    }
-  } forgetYield{*this};
+    std::function<void()> kept;
+    ~FileYield() { session.setYield(std::move(kept)); }
+  } fileYield{*this, yield_};
+  if (options.yield)
+    setYield(options.yield);
   const ScanResult scanned = applyFile(layers, options.noCenter);
   result.kind = job.Kind;
   result.scanned = state.Extents;

@@ -65,9 +65,14 @@ public:
   ImportSession& operator=(const ImportSession&) = delete;
 
   // The kind of a file by its text; Unknown when it is none of ours or cannot be read (reported
-  // by the file layer).
+  // by the file layer). Without a yield of its own the session's serves.
   ImportKind recognise(const std::string& path, const MessageLine& editMsgLine = {},
                        const std::function<void()>& yield = {});
+
+  // How every reading of the session hands control to the event loop (about every 30 ms): the
+  // host's window gives one, so that it keeps painting while a large file is read. None: the
+  // readings run through. ImportOptions::yield replaces it for one file.
+  void setYield(std::function<void()> yield);
 
   // Why the last recognised file has no kind.
   Refusal lastRefusal = Refusal::None;
@@ -138,6 +143,8 @@ public:
 private:
   // For the kinds whose binding only offers layers: the requested layer, else the first offered.
   bool bindRequestedLayer(std::span<LayerRecord> layers, const ImportOptions& options);
+
+  std::function<void()> yield_;
 };
 
 }  // namespace tvx
