@@ -2,6 +2,7 @@
 
 #include "common/ParseList.h"
 #include "platform/DataFiles.h"
+#include "platform/TextLines.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -29,24 +30,17 @@ int32_t wholeField(double value) {
 
 std::vector<ApertureTableRow> ApertureTable::parse(std::string_view text) {
   std::vector<ApertureTableRow> rows;
-  size_t from = 0;
-  while (from < text.size()) {
-    size_t end = text.find('\n', from);
-    if (end == std::string_view::npos)
-      end = text.size();
-    std::string_view line = text.substr(from, end - from);
-    from = end + 1;
-    if (!line.empty() && line.back() == '\r')
-      line.remove_suffix(1);
+  forEachTextLine(text, [&rows](std::string_view line) {
     const ParsedList fields = ParseList(line);
     // Fewer than four fields (a blank line, a lone "#") is passed over; "#" first ends the table.
     if (fields.count() < 4)
-      continue;
+      return true;
     if (fields.token(1) == "#")
-      break;
+      return false;
     rows.push_back({wholeField(fields.value(1)), wholeField(fields.value(2)),
                     wholeField(fields.value(3)), wholeField(fields.value(4))});
-  }
+    return true;
+  });
   // A file of no rows leaves the one-row table: the grid and the size search always have a row.
   return rows.empty() ? OneRowTable : rows;
 }

@@ -2,6 +2,7 @@
 
 #include "platform/DataFiles.h"
 #include "platform/IniFile.h"
+#include "platform/TextLines.h"
 
 namespace tvx {
 
@@ -42,28 +43,20 @@ void MessageCatalogue::parse(const std::string& input) {
   std::string_view text(input);
   if (text.size() >= 3 && text.substr(0, 3) == "\xEF\xBB\xBF")
     text.remove_prefix(3);
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t end = text.find('\n', pos);
-    if (end == std::string_view::npos)
-      end = text.size();
-    std::string_view line = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!line.empty() && line.back() == '\r')
-      line.remove_suffix(1);
+  forEachTextLine(text, [this](std::string_view line) {
     if (line.empty() || line[0] == '#')
-      continue;
+      return true;
     size_t tab = line.find('\t');
     if (tab == std::string_view::npos || tab == 0 || tab + 1 >= line.size())
-      continue;
+      return true;
     std::string_view id = line.substr(0, tab);
     bool digits = true;
     for (char c : id)
       digits = digits && c >= '0' && c <= '9';
-    if (!digits)
-      continue;
-    texts_.try_emplace(std::string(id), unescape(std::string(line.substr(tab + 1))));
-  }
+    if (digits)
+      texts_.try_emplace(std::string(id), unescape(std::string(line.substr(tab + 1))));
+    return true;
+  });
 }
 
 bool MessageCatalogue::load(const std::string& languagePath) {
