@@ -39,6 +39,7 @@ TEST(GerberTextPass, StreamTypesOfSmallTexts) {
       {"M00", ad + "X0Y0D03*X5Y5D03M00*X7Y7D03*", {Flash}},
       {"M01 is no stop", ad + "X0Y0D03*X5Y5D03M01*M02*", {Flash, Flash}},
       // A G code acts at its first digit, whatever follows.
+      {"G1", ad + "G75*G03X0Y0D02*G1X100Y0D01*M02*", {Start, Point}},
       {"G12", ad + "G75*G03X0Y0D02*G12X100Y0D01*M02*", {Start, Point}},
       {"G01", ad + "G75*G03X0Y0D02*G01X100Y0D01*M02*", {Start, Point}},
       {"G30", ad + "G75*X0Y0D02*G30X100Y0I50J0D01*M02*", {Centre, Start, Point}},
