@@ -94,16 +94,13 @@ TEST(SystemServicesQuestion, AskYesNoGoesThroughThePrompts) {
 }
 
 TEST(SystemServicesPaths, EnsureBackslashAddsOneSeparatorOnly) {
-  const std::pair<std::string, std::string> cases[] = {{"/opt/tarvex", "/opt/tarvex/"},
-                                                       {"/opt/tarvex/", "/opt/tarvex/"},
-                                                       {"C:\\Tarvex\\", "C:\\Tarvex\\"},
-                                                       {"", ""}};
-  for (const auto& [in, out] : cases) {
-    SCOPED_TRACE(in);
-    std::string path = in;
-    EXPECT_EQ(SystemServices::EnsureBackslash(path), out);
-    EXPECT_EQ(path, out);
-  }
+  // The added separator is kept in the path too.
+  std::string plain = "/opt/tarvex", slash = "/opt/", backslash = "C:\\Tarvex\\", empty;
+  EXPECT_EQ(std::tuple(SystemServices::EnsureBackslash(plain), plain,
+                       SystemServices::EnsureBackslash(slash),
+                       SystemServices::EnsureBackslash(backslash),
+                       SystemServices::EnsureBackslash(empty)),
+            std::tuple("/opt/tarvex/", "/opt/tarvex/", "/opt/", "C:\\Tarvex\\", ""));
   EXPECT_EQ(SystemServices::StringFromPointer(nullptr) + SystemServices::StringFromPointer("TVN"),
             "TVN");
 }
