@@ -1,6 +1,7 @@
 // The file-open command of the main window and the host's files, and the layer visibility window.
 #include "shell/GBRVIEWER_MAIN.h"
 
+#include "aperture/widgets/GBRVIEWER_APT.h"
 #include "import/core/StatusCodes.h"
 #include "import/readers/ImportSession.h"
 #include "import/readers/window/widgets/FileRequest.h"
@@ -227,6 +228,22 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
       RedrawScreen();
     }
   };
+  link.openApertureTable = [this] {
+    SystemServices& services = context_.services;
+    ApertureTablesModel tables(apertureTable_, services, context_.prompts, sysDir_,
+                               [this, &services](const std::string& name) {
+                                 int32_t status = 0;
+                                 services.WriteIniString("POSTART", "Aper", name, status);
+                                 if (status != 0)
+                                   import_->files.ReportSettingsWriteError(EACCES);
+                                 settings_.Aper = name;
+                               });
+    GBRVIEWER_APT window(tables, importWindow_);
+    window.exec();
+    if (importWindow_)
+      importWindow_->model().apertureTableName = apertureTable_.current;
+    return true;
+  };
   link.dialogClosed = [this] {
     if (importWindow_)
       import_->HoleMapping = importWindow_->model().HoleMapping;
@@ -262,6 +279,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   model.NoCenter = settings_.NoCenter;
   model.ImpDir = settings_.ImpDir;
   model.apertureTableName = apertureTable_.current;
+  model.apertureTableWindow = true;
   model.HoleMapping = import_->HoleMapping;
   model.FormFill();
   importWindow_ = window;

@@ -190,9 +190,10 @@ public:
   bool colourPageShown = false;
   std::string viewerText;
   int32_t viewerBackground = importcolour::ViewerWhite;
-  std::string apertureTableName;        // the aperture table an RS-274-D file is read with
-  bool apertureButtonsEnabled = false;  // IMP_APT and IMP_APTUSE have their windows
-  std::function<void()> changed;        // rows or state changed: the window refills
+  std::string apertureTableName;     // the aperture table an RS-274-D file is read with
+  bool apertureTableWindow = false;  // IMP_APT has its window (for plain RS-274-D files)
+  bool apertureUseWindow = false;    // IMP_APTUSE has its window
+  std::function<void()> changed;     // rows or state changed: the window refills
 
   // Row builders, public for the window and the tests.
   void buildApertureRows();

@@ -148,12 +148,12 @@ void ImportWindowModel::addFormatRows(ImportKind k) {
              digitsText(g.IntegerDigits[AxisY], g.DecimalDigits[AxisY]), 5));
     GridRow table = cell("IMP_APT", text("Aperture Table", "62206"), CellKind::Button,
                          fixed ? text("Embedded", "62365") : apertureTableName);
-    table.Enabled = apertureButtonsEnabled;
+    table.Enabled = apertureTableWindow && !fixed;
     add(std::move(table));
     if (!session_.state.Job.IntermediatePath.empty()) {
       GridRow use = cell("IMP_APTUSE", text("Apertures used", "62342"), CellKind::Button,
                          text("Click for info & setup", "62366"));
-      use.Enabled = apertureButtonsEnabled;
+      use.Enabled = apertureUseWindow;
       rows.push_back(std::move(use));
     }
   }

@@ -8,6 +8,7 @@
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/LocalizeForm.h"
+#include "platform/widgets/WindowHelpers.h"
 #include "platform/widgets/WindowPlace.h"
 
 #include <QActionGroup>
@@ -52,9 +53,8 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   link.setTopmost = [this, outer = std::move(link.setTopmost)](bool on) {
     if (outer)
       outer(on);
-    setWindowFlag(Qt::WindowStaysOnTopHint, on);
-    if (isVisible())
-      show();
+    // Changing the flag hides the window; the helper shows it again where it was.
+    SetTopMost(*this, on);
   };
   showHelp_ = link.showHelp;
   model_ = std::make_unique<ImportWindowModel>(std::move(owners));

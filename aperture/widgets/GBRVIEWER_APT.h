@@ -1,0 +1,47 @@
+// The window "Aperture Tables": the tables of the system folder, the sizes of the table in force
+// and the commands, shown over ApertureTablesModel, which holds all of the window's logic.
+#pragma once
+
+#include "aperture/ApertureTablesModel.h"
+
+#include <QDialog>
+
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTableWidget;
+
+namespace tvx {
+
+class GBRVIEWER_APT : public QDialog {
+  Q_OBJECT
+
+public:
+  GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent = nullptr);
+
+  QListWidget* AptLst = nullptr;
+  QLabel* staCurApt = nullptr;
+  QLineEdit* txtNewFname = nullptr;
+  QTableWidget* egrdSizes = nullptr;
+  QPushButton* cmdInsSize[2] = {nullptr, nullptr};
+  QPushButton* cmdDelSize = nullptr;
+  QPushButton* cmdSaveAfile = nullptr;
+  QPushButton* cmdAccept = nullptr;
+  QPushButton* cmdCancel = nullptr;
+
+protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void reject() override;  // Escape and closing the window: Cancel
+
+private:
+  // Shows the model: the list, the name, the grid, the current cell.
+  void refresh();
+  void fillGrid();
+  void measureRows();
+
+  ApertureTablesModel& model_;
+  bool filling_ = false;
+};
+
+}  // namespace tvx
