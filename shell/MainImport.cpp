@@ -233,7 +233,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     ApertureTablesModel tables(apertureTable_, services, context_.prompts, sysDir_,
                                [this, &services](const std::string& name) {
                                  int32_t status = 0;
-                                 services.WriteIniString("POSTART", "Aper", name, status);
+                                 writeAper(status, services, name);
                                  if (status != 0)
                                    import_->files.ReportSettingsWriteError(EACCES);
                                  settings_.Aper = name;

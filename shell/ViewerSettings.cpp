@@ -18,6 +18,9 @@ namespace {
 
 constexpr const char* Suite = "Tarvex";
 constexpr const char* Viewer = "GBRVIEWER";
+// The current aperture table's name.
+constexpr const char* AperSection = "POSTART";
+constexpr const char* AperKey = "Aper";
 
 int32_t readWhole(const SystemServices& services, const char* section, const char* key,
                   const char* defaultText) {
@@ -154,7 +157,7 @@ void readSystemSettings(const SystemServices& services, KernelStrings& strings,
   settings.GRID = readWhole(services, Viewer, "GRID", "1");
   settings.Tables = readDefaultTables(services);
   writeDefaultTables(strings, settings.Tables);
-  settings.Aper = services.GetIniString("POSTART", "Aper", "NONE");
+  settings.Aper = services.GetIniString(AperSection, AperKey, "NONE");
   settings.NoCenter = readWhole(services, Viewer, "NoCenter", "1") != 0;
   settings.IMGHEIGHT = readWhole(services, "IMAGES", "IMGHEIGHT", "16");
   settings.IMGWIDTH = readWhole(services, "IMAGES", "IMGWIDTH", "16");
@@ -183,6 +186,13 @@ void writeViewerSettings(int32_t& status, SystemServices& services,
 void writeImpDir(int32_t& status, SystemServices& services, const std::string& folder) {
   status = 0;
   services.WriteIniString(Viewer, "ImpDir", folder, status);
+  if (status != 0)
+    status = 1;
+}
+
+void writeAper(int32_t& status, SystemServices& services, const std::string& name) {
+  status = 0;
+  services.WriteIniString(AperSection, AperKey, name, status);
   if (status != 0)
     status = 1;
 }

@@ -147,6 +147,8 @@ void readSystemSettings(const SystemServices& services, KernelStrings& strings,
 void writeViewerSettings(int32_t& status, SystemServices& services, const ViewerSettings& settings);
 // After an import: the folder of the imported file.
 void writeImpDir(int32_t& status, SystemServices& services, const std::string& folder);
+// When the aperture table in force changes: its name.
+void writeAper(int32_t& status, SystemServices& services, const std::string& name);
 
 // The view's share: UNIT, VIEW and ZOOM into the view state (monochrome not applied: the view
 // starts in colour), and back from it before writing.
