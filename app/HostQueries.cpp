@@ -1,7 +1,7 @@
 #include "app/HostQueries.h"
 
+#include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
-#include "import/readers/window/widgets/ImportPropertyGrid.h"
 #include "shell/GBRVIEWER_MAIN.h"
 
 #include <QApplication>
@@ -23,7 +23,7 @@ std::string importRows(GBRVIEWER_MAIN* window) {
   GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
   if (!import || !import->isVisible())
     return line("IMPORTROWS,NONE");
-  ImportPropertyGrid& grid = import->grid();
+  PropertyGrid& grid = import->grid();
   std::string out;
   for (int row = 0; row < grid.rowCount(); ++row) {
     const QTableWidgetItem* caption = grid.item(row, 0);
@@ -38,7 +38,7 @@ std::string importRows(GBRVIEWER_MAIN* window) {
 std::string cellPlace(GBRVIEWER_MAIN* window, const std::string& caption) {
   GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
   if (import && import->isVisible()) {
-    ImportPropertyGrid& grid = import->grid();
+    PropertyGrid& grid = import->grid();
     for (int row = 0; row < grid.rowCount(); ++row)
       if (const QTableWidgetItem* cell = grid.item(row, 0);
           cell && cell->text().toStdString() == caption)

@@ -1,5 +1,6 @@
 #include "common/widgets/TvxQuery.h"
 
+#include "common/widgets/HelpKey.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/WindowHelpers.h"
 #include "platform/widgets/WindowPlace.h"
@@ -216,7 +217,7 @@ bool TvxQuery::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void TvxQuery::keyReleaseEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_F1 && (event->modifiers() & Qt::ControlModifier) && help_) {
+  if (isHelpKey(*event) && help_) {
     help_();
     return;
   }

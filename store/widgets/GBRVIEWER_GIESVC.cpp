@@ -1,5 +1,6 @@
 #include "store/widgets/GBRVIEWER_GIESVC.h"
 
+#include "common/widgets/HelpKey.h"
 #include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowPlace.h"
 
@@ -197,7 +198,7 @@ void GBRVIEWER_GIESVC::closeEvent(QCloseEvent* event) {
 }
 
 void GBRVIEWER_GIESVC::keyReleaseEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_F1 && (event->modifiers() & Qt::ControlModifier) && help_) {
+  if (isHelpKey(*event) && help_) {
     help_();
     return;
   }

@@ -2,8 +2,8 @@
 // and the menu's display options.
 #include "ComponentTestSupport.h"
 
+#include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
-#include "import/readers/window/widgets/ImportPropertyGrid.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "store/LayerCatalogue.h"

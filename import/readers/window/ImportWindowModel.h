@@ -4,6 +4,7 @@
 // user's actions. The two stages of an import are ImportDialogModel's.
 #pragma once
 
+#include "common/GridRow.h"
 #include "import/core/FileRecognition.h"
 #include "import/readers/ImportSession.h"
 #include "import/readers/window/ImportDialogModel.h"
@@ -50,8 +51,6 @@ struct HighlightLink {
   std::string& HLPadstackText;
 };
 
-enum class CellKind { Text, List, Number, Check, Button, Group };
-
 // The fixed lists of the grid.
 namespace importlist {
 inline constexpr int32_t None = 0;
@@ -68,7 +67,7 @@ inline constexpr int32_t Count = 10;
 
 // Colours of the grid, 0xBBGGRR; NoColour leaves the grid's own.
 namespace importcolour {
-inline constexpr int32_t NoColour = -1;
+inline constexpr int32_t NoColour = gridcolour::NoColour;
 inline constexpr int32_t ReadOnly = 0xE6E6E6;
 inline constexpr int32_t Group = 0xC0C0C0;
 inline constexpr int32_t EnterFormat = 0xFFFF00;
@@ -76,24 +75,6 @@ inline constexpr int32_t FileText = 255;
 inline constexpr int32_t ViewerWhite = 0xFFFFFF;
 inline constexpr int32_t ViewerOnly = 0xFFFFC0;  // a file shown by "Open for View"
 }  // namespace importcolour
-
-// One row of the grid: a caption, a value and a key the user doesn't see.
-struct GridRow {
-  std::string Key;      // empty for group rows and plain information rows
-  std::string Caption;  // a group's first text
-  std::string Value;    // the shown value; a group's second text
-  CellKind Cell = CellKind::Text;
-  int32_t List = importlist::None;  // the fixed list of a list cell
-  bool ReadOnly = false;
-  bool Checked = false;  // a check box's value
-  bool Enabled = true;   // a button whose window is not there is shown disabled
-  int32_t CaptionBack = importcolour::NoColour;
-  int32_t ValueBack = importcolour::NoColour;
-  int32_t ValueFore = importcolour::NoColour;
-  int32_t Swatch = importcolour::NoColour;  // a 16 by 16 picture in this RGB beside the value
-
-  bool operator==(const GridRow&) const = default;
-};
 
 // "T" + number, filled with blanks to exactly 5 characters.
 std::string ToolLabel(int32_t code);

@@ -1,9 +1,10 @@
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 
+#include "common/widgets/HelpKey.h"
 #include "import/readers/window/widgets/FileRequest.h"
 
 #include "common/GridHelpers.h"
-#include "import/readers/window/widgets/ImportPropertyGrid.h"
+#include "common/widgets/PropertyGrid.h"
 #include "kernel/Palette.h"
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
@@ -59,7 +60,7 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   showHelp_ = link.showHelp;
   model_ = std::make_unique<ImportWindowModel>(std::move(owners));
 
-  egrdProp_ = new ImportPropertyGrid;
+  egrdProp_ = new PropertyGrid;
   const SystemServices& services = model_->session().services;
   egrdProp_->setHorizontalHeaderLabels(
       {QString::fromStdString(services.LocalMessage("Import File", "62363")),
@@ -112,10 +113,10 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   connect(cmdFilters_, &QPushButton::clicked, this, [&m] { m.cmdFilters(); });
   connect(cmdClear_, &QPushButton::clicked, this, [&m] { m.cmdClear(); });
   connect(cmdView_, &QPushButton::clicked, this, [&m] { m.cmdView(); });
-  connect(egrdProp_, &ImportPropertyGrid::cellEdited, this, [&m] { m.CellEdited = true; });
-  connect(egrdProp_, &ImportPropertyGrid::cellCommitted, this,
+  connect(egrdProp_, &PropertyGrid::cellEdited, this, [&m] { m.CellEdited = true; });
+  connect(egrdProp_, &PropertyGrid::cellCommitted, this,
           [&m](int row, const QString& text) { m.CommitCell(row, text.toStdString()); });
-  connect(egrdProp_, &ImportPropertyGrid::rowClicked, this,
+  connect(egrdProp_, &PropertyGrid::rowClicked, this,
           [&m](int row, bool valueCell) { m.ClickRow(row, valueCell); });
   m.changed = [this] { refresh(); };
   // The message line changes while an import runs: only the line follows then.
@@ -176,7 +177,7 @@ QWidget* GBRVIEWER_IMPORT::buildPalette() {
     square->setFixedSize(SquareSize, SquareSize);
     square->setStyleSheet(
         QString("background-color: %1; border: 1px solid gray;")
-            .arg(ImportPropertyGrid::colourOf(int32_t(paletteRgb()[size_t(colour)])).name()));
+            .arg(PropertyGrid::colourOf(int32_t(paletteRgb()[size_t(colour)])).name()));
     connect(square, &QPushButton::clicked, this, [this, colour] { model_->PaletteClick(colour); });
     squares->addWidget(square, colour / PaletteColumns, colour % PaletteColumns);
   }
@@ -215,7 +216,7 @@ void GBRVIEWER_IMPORT::refresh() {
     F_Viewer_->setPlainText(
         QString::fromLocal8Bit(m.viewerText.data(), static_cast<qsizetype>(m.viewerText.size())));
     QPalette colours = F_Viewer_->palette();
-    colours.setColor(QPalette::Base, ImportPropertyGrid::colourOf(m.viewerBackground));
+    colours.setColor(QPalette::Base, PropertyGrid::colourOf(m.viewerBackground));
     F_Viewer_->setPalette(colours);
     if (!wasShown)
       SizeControls(egrdProp_->width());
@@ -247,7 +248,7 @@ void GBRVIEWER_IMPORT::SizeControls(int splitterPosition) {
 }
 
 void GBRVIEWER_IMPORT::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_F1 && (event->modifiers() & Qt::ControlModifier) && showHelp_) {
+  if (isHelpKey(*event) && showHelp_) {
     showHelp_();
     return;
   }

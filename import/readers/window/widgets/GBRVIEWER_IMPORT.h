@@ -22,7 +22,7 @@ class QTabWidget;
 
 namespace tvx {
 
-class ImportPropertyGrid;
+class PropertyGrid;
 class UserStore;
 
 class GBRVIEWER_IMPORT : public QMainWindow {
@@ -36,7 +36,7 @@ public:
   ~GBRVIEWER_IMPORT() override;
 
   ImportWindowModel& model() { return *model_; }
-  ImportPropertyGrid& grid() { return *egrdProp_; }
+  PropertyGrid& grid() { return *egrdProp_; }
   // Shows the model's state: rows, buttons, texts, the viewer and the page.
   void refresh();
   // SizeControls: the grid's share of the splitter, in pixels.
@@ -54,7 +54,7 @@ private:
 
   std::unique_ptr<ImportWindowModel> model_;
   std::function<void()> showHelp_;
-  ImportPropertyGrid* egrdProp_ = nullptr;
+  PropertyGrid* egrdProp_ = nullptr;
   QPlainTextEdit* F_Viewer_ = nullptr;
   QSplitter* picSplitter_ = nullptr;
   QTabWidget* tabColor_ = nullptr;

@@ -2,8 +2,8 @@
 // its list imports the file, and an offset typed into its cell moves the drawn layer.
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 
+#include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/ImportWindowTestSupport.h"
-#include "import/readers/window/widgets/ImportPropertyGrid.h"
 #include "platform/UserStore.h"
 #include "platform/widgets/WindowPlace.h"
 #include "support/WidgetTestApplication.h"
@@ -41,7 +41,7 @@ TEST(ImportWindowWidget, TheGridShowsAGerberFileAndATypedOffsetMovesTheLayer) {
   window.findChild<QAction*>("M_FileSelect")->trigger();
   settle();
 
-  ImportPropertyGrid& grid = window.grid();
+  PropertyGrid& grid = window.grid();
   QKeyEvent help(QEvent::KeyPress, Qt::Key_F1, Qt::ControlModifier);
   QCoreApplication::sendEvent(&window, &help);
   EXPECT_EQ(world.events.back(), "help");

@@ -1,4 +1,4 @@
-#include "import/readers/window/widgets/ImportPropertyGrid.h"
+#include "common/widgets/PropertyGrid.h"
 
 #include "common/GridHelpers.h"
 
@@ -20,11 +20,11 @@ namespace {
 constexpr int KeyRole = Qt::UserRole + 1;
 }  // namespace
 
-QColor ImportPropertyGrid::colourOf(int32_t bgr) {
+QColor PropertyGrid::colourOf(int32_t bgr) {
   return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
 }
 
-ImportPropertyGrid::ImportPropertyGrid(QWidget* parent) : QTableWidget(parent) {
+PropertyGrid::PropertyGrid(QWidget* parent) : QTableWidget(parent) {
   setObjectName("egrdProp");
   setColumnCount(2);
   horizontalHeader()->setStretchLastSection(true);
@@ -48,7 +48,7 @@ ImportPropertyGrid::ImportPropertyGrid(QWidget* parent) : QTableWidget(parent) {
   });
 }
 
-QSize ImportPropertyGrid::sizeHint() const {
+QSize PropertyGrid::sizeHint() const {
   // Beyond these the grid scrolls: a long aperture list does not make a window taller than a
   // screen, nor a long path one wider.
   constexpr int MostRowsShown = 30;
@@ -62,23 +62,23 @@ QSize ImportPropertyGrid::sizeHint() const {
   return {width + frame + scrollBar, height + frame};
 }
 
-void ImportPropertyGrid::emitLater(int row, const QString& text) {
+void PropertyGrid::emitLater(int row, const QString& text) {
   QTimer::singleShot(0, this, [this, row, text] { emit cellCommitted(row, text); });
 }
 
-QString ImportPropertyGrid::keyOf(int row) const {
+QString PropertyGrid::keyOf(int row) const {
   const QTableWidgetItem* caption = item(row, 0);
   return caption ? caption->data(KeyRole).toString() : QString();
 }
 
-int ImportPropertyGrid::rowOfKey(const QString& key) const {
+int PropertyGrid::rowOfKey(const QString& key) const {
   for (int row = 0; row < rowCount(); ++row)
     if (keyOf(row) == key)
       return row;
   return -1;
 }
 
-QString ImportPropertyGrid::shownValue(int row) const {
+QString PropertyGrid::shownValue(int row) const {
   const QWidget* editor = cellWidget(row, 1);
   if (const auto* box = qobject_cast<const QComboBox*>(editor))
     return box->currentText();
@@ -90,12 +90,12 @@ QString ImportPropertyGrid::shownValue(int row) const {
   return cell ? cell->text() : QString();
 }
 
-QRect ImportPropertyGrid::valueCellOnScreen(int row) const {
+QRect PropertyGrid::valueCellOnScreen(int row) const {
   const QRect cell = visualRect(model()->index(row, 1));
   return {viewport()->mapToGlobal(cell.topLeft()), cell.size()};
 }
 
-int ImportPropertyGrid::wholeRowsShown() const {
+int PropertyGrid::wholeRowsShown() const {
   const int bottom = viewport()->height();
   int shown = 0;
   for (int row = 0; row < rowCount(); ++row)
@@ -103,9 +103,8 @@ int ImportPropertyGrid::wholeRowsShown() const {
   return shown;
 }
 
-void ImportPropertyGrid::setRows(
-    const std::vector<GridRow>& rows,
-    const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
+void PropertyGrid::setRows(const std::vector<GridRow>& rows,
+                           const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
   filling_ = true;
   const int current = currentRow();
   const int top = TopRow();
@@ -129,13 +128,13 @@ void ImportPropertyGrid::setRows(
       caption->setFont(bold);
       value->setFont(bold);
     }
-    if (gridRow.CaptionBack != importcolour::NoColour)
+    if (gridRow.CaptionBack != gridcolour::NoColour)
       caption->setBackground(colourOf(gridRow.CaptionBack));
-    if (gridRow.ValueBack != importcolour::NoColour)
+    if (gridRow.ValueBack != gridcolour::NoColour)
       value->setBackground(colourOf(gridRow.ValueBack));
-    if (gridRow.ValueFore != importcolour::NoColour)
+    if (gridRow.ValueFore != gridcolour::NoColour)
       value->setForeground(colourOf(gridRow.ValueFore));
-    if (gridRow.Swatch != importcolour::NoColour) {
+    if (gridRow.Swatch != gridcolour::NoColour) {
       QPixmap square(16, 16);
       square.fill(colourOf(gridRow.Swatch));
       value->setIcon(QIcon(square));
@@ -150,7 +149,7 @@ void ImportPropertyGrid::setRows(
   updateGeometry();
 }
 
-void ImportPropertyGrid::addValueWidget(
+void PropertyGrid::addValueWidget(
     int row, const GridRow& gridRow,
     const std::function<const std::vector<std::string>&(int32_t)>& listOf) {
   const QString value = QString::fromStdString(gridRow.Value);
@@ -169,7 +168,7 @@ void ImportPropertyGrid::addValueWidget(
       box->setCurrentIndex(-1);
       box->setEditText(value);
     }
-    if (gridRow.Swatch != importcolour::NoColour) {
+    if (gridRow.Swatch != gridcolour::NoColour) {
       QPixmap square(16, 16);
       square.fill(colourOf(gridRow.Swatch));
       box->setItemIcon(0, QIcon(square));
@@ -202,20 +201,20 @@ void ImportPropertyGrid::addValueWidget(
   }
 }
 
-int32_t ImportPropertyGrid::CellBackColor(int32_t row, int32_t col) const {
+int32_t PropertyGrid::CellBackColor(int32_t row, int32_t col) const {
   const QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col);
   if (!cell || cell->background().style() == Qt::NoBrush)
-    return importcolour::NoColour;
+    return gridcolour::NoColour;
   const QColor c = cell->background().color();
   return c.red() | (c.green() << 8) | (c.blue() << 16);
 }
 
-void ImportPropertyGrid::SetCellBackColor(int32_t row, int32_t col, int32_t colour) {
+void PropertyGrid::SetCellBackColor(int32_t row, int32_t col, int32_t colour) {
   if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col))
     cell->setBackground(colourOf(colour));
 }
 
-void ImportPropertyGrid::SetCellFontBold(int32_t row, int32_t col, bool bold) {
+void PropertyGrid::SetCellFontBold(int32_t row, int32_t col, bool bold) {
   if (QTableWidgetItem* cell = row > 0 ? item(row - 1, col) : horizontalHeaderItem(col)) {
     QFont font = cell->font();
     font.setBold(bold);
@@ -223,19 +222,17 @@ void ImportPropertyGrid::SetCellFontBold(int32_t row, int32_t col, bool bold) {
   }
 }
 
-void ImportPropertyGrid::SetBackColorFixed(int32_t colour) {
+void PropertyGrid::SetBackColorFixed(int32_t colour) {
   horizontalHeader()->setStyleSheet(
       QString("QHeaderView::section { background-color: %1; }").arg(colourOf(colour).name()));
 }
 
 // The first row below the heading that is shown.
-int32_t ImportPropertyGrid::TopRow() const { return verticalScrollBar()->value() + 1; }
+int32_t PropertyGrid::TopRow() const { return verticalScrollBar()->value() + 1; }
 
-void ImportPropertyGrid::SetTopRow(int32_t row) {
-  verticalScrollBar()->setValue(std::max(0, row - 1));
-}
+void PropertyGrid::SetTopRow(int32_t row) { verticalScrollBar()->setValue(std::max(0, row - 1)); }
 
-void ImportPropertyGrid::wheelEvent(QWheelEvent* event) {
+void PropertyGrid::wheelEvent(QWheelEvent* event) {
   const int rotation = event->angleDelta().y();
   if (rotation != 0)
     ScrollGrid(*this, rotation);

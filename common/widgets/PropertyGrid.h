@@ -1,12 +1,12 @@
-// The property grid of the import window: a caption cell and a value cell per row, and the row's
+// The suite's property grid: a caption cell and a value cell per row, and the row's
 // key hidden in the caption cell. Value cells are read-only texts, lists, typed numbers, check
 // boxes and buttons; group rows span both cells. Every change the user makes comes out as one
 // signal, cellCommitted, delivered after the event that caused it so that the receiver may
 // rebuild the rows.
 #pragma once
 
+#include "common/GridRow.h"
 #include "common/PropertyGridAccess.h"
-#include "import/readers/window/ImportWindowModel.h"
 
 #include <QTableWidget>
 
@@ -16,11 +16,11 @@
 
 namespace tvx {
 
-class ImportPropertyGrid : public QTableWidget, public PropertyGridAccess {
+class PropertyGrid : public QTableWidget, public PropertyGridAccess {
   Q_OBJECT
 
 public:
-  explicit ImportPropertyGrid(QWidget* parent = nullptr);
+  explicit PropertyGrid(QWidget* parent = nullptr);
 
   // Shows rows; listOf gives the entries of a fixed list. The current row is kept.
   void setRows(const std::vector<GridRow>& rows,

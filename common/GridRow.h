@@ -1,0 +1,35 @@
+// One row of the suite's property grid, as a dialog's model fills it: a caption, a value, the
+// kind of value cell and a key the user doesn't see. No widget lives here.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tvx {
+
+enum class CellKind { Text, List, Number, Check, Button, Group };
+
+namespace gridcolour {
+// Leaves the grid's own colour.
+inline constexpr int32_t NoColour = -1;
+}  // namespace gridcolour
+
+struct GridRow {
+  std::string Key;      // empty for group rows and plain information rows
+  std::string Caption;  // a group's first text
+  std::string Value;    // the shown value; a group's second text
+  CellKind Cell = CellKind::Text;
+  int32_t List = 0;  // the dialog's fixed list of a list cell; 0 for none
+  bool ReadOnly = false;
+  bool Checked = false;  // a check box's value
+  bool Enabled = true;   // a button whose window is not there is shown disabled
+  // Colours are 0xBBGGRR.
+  int32_t CaptionBack = gridcolour::NoColour;
+  int32_t ValueBack = gridcolour::NoColour;
+  int32_t ValueFore = gridcolour::NoColour;
+  int32_t Swatch = gridcolour::NoColour;  // a 16 by 16 picture in this colour beside the value
+
+  bool operator==(const GridRow&) const = default;
+};
+
+}  // namespace tvx
