@@ -4,7 +4,6 @@
 #include "platform/DataFiles.h"
 #include "platform/TextLines.h"
 
-#include <QFile>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -58,15 +57,9 @@ std::string ApertureTable::format(const std::vector<ApertureTableRow>& rows) {
 }
 
 bool ApertureTable::loadFile(const std::string& path) {
-  rows = OneRowTable;
-  QFile file(QString::fromStdString(path));
-  if (path.empty() || !file.open(QIODevice::ReadOnly))
-    return false;
-  const QByteArray text = file.readAll();
-  if (file.error() != QFileDevice::NoError)
-    return false;
-  rows = parse(std::string_view(text.constData(), size_t(text.size())));
-  return true;
+  const std::optional<std::string> text = readWholeFile(path);
+  rows = text ? parse(*text) : OneRowTable;
+  return text.has_value();
 }
 
 bool ApertureTable::load(const std::string& folder, std::string_view extension) {

@@ -1,5 +1,6 @@
 #include "aperture/ApertureTablesModel.h"
 
+#include "aperture/ForeignApertureList.h"
 #include "common/FormatNumber.h"
 #include "common/TextHelpers.h"
 #include "common/ToNumber.h"
@@ -180,6 +181,36 @@ void ApertureTablesModel::deleteSize() {
   TopRow = std::max(1, TopRow - 1);
   CurrentRow = std::min(CurrentRow, rowCount());
   ChangedFlag = 1;
+}
+
+void ApertureTablesModel::readList(const std::string& path) {
+  askUnsaved();
+  const std::string title = text("Aperture Table", "62206");
+  const std::optional<ForeignApertureList> list = readForeignApertureListFile(path);
+  if (!list) {
+    ShowMessage(prompts_, text("Can't read file: ", "62451") + path, 0, title);
+    return;
+  }
+  if (list->rows.empty()) {
+    ShowMessage(prompts_, text("No round or square aperture in", "900106") + " " + path, 0, title);
+    return;
+  }
+  table_.rows = list->rows;
+  ChangedFlag = 1;
+  CurrentRow = TopRow = 1;
+  CurrentColumn = 2;
+  txtNewFname = UpperCase(FirstWord(std::filesystem::path(path).stem().string()));
+  std::string report = text("Aperture list read:", "900104") + " " +
+                       std::to_string(list->codes.size()) + " " + text("codes taken", "900105");
+  if (!list->leftOut.empty()) {
+    report += "\r" + text("Left out (no round or square shape):", "900107") + " ";
+    constexpr size_t Named = 24;
+    for (size_t i = 0; i < std::min(Named, list->leftOut.size()); ++i)
+      report += (i > 0 ? " D" : "D") + std::to_string(list->leftOut[i]);
+    if (list->leftOut.size() > Named)
+      report += " ...";
+  }
+  ShowMessage(prompts_, report, 0, title);
 }
 
 void ApertureTablesModel::save() {

@@ -42,6 +42,10 @@ public:
   void insertSize(int index);
   // Deletes the current row after a question; never the last row.
   void deleteSize();
+  // Replaces the rows with those of another tool's aperture list (after the unsaved-changes
+  // question) and says how many codes were taken and which were left out. The table is then
+  // changed, named after the list, and waits to be saved.
+  void readList(const std::string& path);
   // Saves under the name typed (txtNewFname), upper case up to its first blank.
   void save();
   // The unsaved-changes question, then the window may close; the table stays as it is.

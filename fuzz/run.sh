@@ -58,7 +58,8 @@ done
 printf '[Settings]\nUnit=1\nLanguage = English\n\n; a comment\n[Window]\nLeft=10\nTitle="  padded  "\n' \
   >"$seeds/fuzz_ini/settings"
 printf '\357\273\277[A]\r\nKey=Value\r\n[a]\r\nkey=second\r\n' >"$seeds/fuzz_ini/bom-crlf"
-for file in "$top"/data/SYS/*.APT "$corpus"/gerbv/ekf/*.apt; do
+for file in "$top"/data/SYS/*.APT "$corpus"/gerbv/ekf/*.apt "$corpus"/gerbv/ekf/*.gap \
+  "$corpus"/gerbv/protel-pnp/*.apr; do
   [ -f "$file" ] || continue
   cp "$file" "$seeds/fuzz_aperture_table/$(basename "$file")"
 done

@@ -1,5 +1,7 @@
 #include "platform/DataFiles.h"
 
+#include <QFile>
+
 #include <filesystem>
 #include <system_error>
 
@@ -34,6 +36,16 @@ std::string findFileCaseBlind(const std::string& folder, const std::string& name
       return it->path().string();
   }
   return {};
+}
+
+std::optional<std::string> readWholeFile(const std::string& path) {
+  QFile file(QString::fromStdString(path));
+  if (path.empty() || !file.open(QIODevice::ReadOnly))
+    return std::nullopt;
+  const QByteArray text = file.readAll();
+  if (file.error() != QFileDevice::NoError)
+    return std::nullopt;
+  return text.toStdString();
 }
 
 }  // namespace tvx

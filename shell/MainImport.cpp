@@ -239,6 +239,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
                                  settings_.Aper = name;
                                });
     GBRVIEWER_APT window(tables, importWindow_);
+    window.setHelpHandler([this] { M_Help_Click(); });
     window.exec();
     if (importWindow_)
       importWindow_->model().apertureTableName = apertureTable_.current;

@@ -1,9 +1,13 @@
 #include "aperture/widgets/GBRVIEWER_APT.h"
 
+#include "common/widgets/HelpKey.h"
+
+#include <QFileDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -44,6 +48,7 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
   cmdInsSize[1] = button(this, "cmdInsSize1", tr(" mm"));
   cmdDelSize = button(this, "cmdDelSize", tr("Delete Size"));
   cmdSaveAfile = button(this, "cmdSaveAfile", tr("Save Aperture Table"));
+  cmdReadList = button(this, "cmdReadList", tr("Read Aperture List..."));
   cmdAccept = button(this, "cmdAccept", tr("Accept"));
   cmdCancel = button(this, "cmdCancel", tr("Cancel"));
 
@@ -63,6 +68,7 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
   layout->addWidget(insert, 1, 2);
   layout->addWidget(cmdDelSize, 2, 2);
   layout->addWidget(cmdSaveAfile, 3, 2);
+  layout->addWidget(cmdReadList, 4, 2);
   layout->addWidget(cmdAccept, 8, 2);
   layout->addWidget(cmdCancel, 9, 2);
   layout->setColumnStretch(1, 1);
@@ -84,11 +90,17 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
     model_.CurrentRow = row + 1;
     model_.CurrentColumn = column;
   });
+  egrdSizes->installEventFilter(this);
   connect(egrdSizes, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
-    if (filling_)
-      return;
-    model_.EditAptValues(item->row() + 1, item->column(), item->text().toStdString());
-    refresh();  // the row shows the table's values, typed or kept
+    if (!filling_)
+      commitCell(item->row(), item->column(), item->text());
+  });
+  // An editor left with its text unchanged gives no itemChanged; a pending edit is still taken.
+  connect(egrdSizes->itemDelegate(), &QAbstractItemDelegate::closeEditor, this, [this] {
+    const int row = egrdSizes->currentRow();
+    const int column = egrdSizes->currentColumn();
+    if (model_.CellEditPending && row >= 0 && column >= 0 && egrdSizes->item(row, column))
+      commitCell(row, column, egrdSizes->item(row, column)->text());
   });
   connect(txtNewFname, &QLineEdit::textEdited, this,
           [this](const QString& text) { model_.txtNewFname = text.toStdString(); });
@@ -106,6 +118,16 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
     model_.save();
     refresh();
   });
+  connect(cmdReadList, &QPushButton::clicked, this, [this] {
+    // Qt's own dialog, so that it looks and answers alike everywhere, tests included.
+    const QString path =
+        QFileDialog::getOpenFileName(this, cmdReadList->text(), QString(), tr("Aperture lists (*)"),
+                                     nullptr, QFileDialog::DontUseNativeDialog);
+    if (path.isEmpty())
+      return;
+    model_.readList(path.toStdString());
+    refresh();
+  });
   connect(cmdAccept, &QPushButton::clicked, this, [this] {
     model_.accept();
     accept();
@@ -116,6 +138,31 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
 void GBRVIEWER_APT::reject() {
   model_.cancel();
   QDialog::reject();
+}
+
+void GBRVIEWER_APT::commitCell(int row, int column, const QString& text) {
+  model_.EditAptValues(row + 1, column, text.toStdString());
+  // After the editor has gone: the row shows the table's values, typed or kept.
+  QMetaObject::invokeMethod(
+      this, [this] { refresh(); }, Qt::QueuedConnection);
+}
+
+void GBRVIEWER_APT::keyReleaseEvent(QKeyEvent* event) {
+  if (isHelpKey(*event) && help_) {
+    help_();
+    return;
+  }
+  QDialog::keyReleaseEvent(event);
+}
+
+bool GBRVIEWER_APT::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == egrdSizes && event->type() == QEvent::KeyPress) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (!key->text().isEmpty() && key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter &&
+        key->key() != Qt::Key_Tab && key->key() != Qt::Key_Escape)
+      model_.CellEditPending = true;
+  }
+  return QDialog::eventFilter(watched, event);
 }
 
 void GBRVIEWER_APT::resizeEvent(QResizeEvent* event) {

@@ -6,6 +6,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -20,6 +22,9 @@ class GBRVIEWER_APT : public QDialog {
 public:
   GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent = nullptr);
 
+  // What Ctrl+F1 opens.
+  void setHelpHandler(std::function<void()> help) { help_ = std::move(help); }
+
   QListWidget* AptLst = nullptr;
   QLabel* staCurApt = nullptr;
   QLineEdit* txtNewFname = nullptr;
@@ -27,21 +32,27 @@ public:
   QPushButton* cmdInsSize[2] = {nullptr, nullptr};
   QPushButton* cmdDelSize = nullptr;
   QPushButton* cmdSaveAfile = nullptr;
+  QPushButton* cmdReadList = nullptr;  // another tool's aperture list into the table
   QPushButton* cmdAccept = nullptr;
   QPushButton* cmdCancel = nullptr;
 
 protected:
   void resizeEvent(QResizeEvent* event) override;
   void reject() override;  // Escape and closing the window: Cancel
+  void keyReleaseEvent(QKeyEvent* event) override;
+  // A key typed into the grid, other than the ones that leave or keep a cell, marks an edit.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   // Shows the model: the list, the name, the grid, the current cell.
   void refresh();
   void fillGrid();
   void measureRows();
+  void commitCell(int row, int column, const QString& text);
 
   ApertureTablesModel& model_;
   bool filling_ = false;
+  std::function<void()> help_;
 };
 
 }  // namespace tvx

@@ -7,7 +7,8 @@
 
 namespace tvx {
 
-// Reads the table file at path (--apt); without a path, the table that the settings name
+// Reads the table file at path (--apt), or another tool's aperture list there; without a path, the
+// table that the settings name
 // ("Aper" of section "POSTART", in the data folder SYS beside the program), as the viewer reads
 // it. The error for a path that cannot be read; empty otherwise (a missing settings table leaves
 // the one-row table, as in the viewer).

@@ -14,27 +14,18 @@
 namespace tvx {
 namespace {
 
-// The table of an aperture list of lines "Dnn ROUND|SQUARE inches mm ...": round codes both draw
-// and flash, square codes flash; the sizes of the list, with the table's rows in order of size.
-// dCodeSizes receives each code's size.
-std::string tableFromList(const std::string& listPath, std::map<int32_t, int32_t>& dCodeSizes) {
+// The size in store units of each code of a list of lines "Dnn SHAPE mil mm ...".
+std::map<int32_t, int32_t> sizesOfList(const std::string& listPath) {
   std::ifstream list(listPath);
-  std::multimap<int32_t, std::string> rows;
+  std::map<int32_t, int32_t> sizes;
   for (std::string line; std::getline(list, line);) {
     std::istringstream fields(line);
     std::string code, shape;
-    double inches = 0, mm = 0;
-    if (!(fields >> code >> shape >> inches >> mm) || code.size() < 2 || code[0] != 'D')
-      continue;
-    const int32_t d = std::stoi(code.substr(1)), size = int32_t(std::lround(mm * 100000));
-    dCodeSizes[d] = size;
-    const std::string c = std::to_string(d);
-    rows.emplace(size, shape == "SQUARE" ? "0,0," + c : c + "," + c + ",0");
+    double mil = 0;
+    if (fields >> code >> shape >> mil && code.size() > 1 && code[0] == 'D')
+      sizes[std::stoi(code.substr(1))] = int32_t(std::lround(mil * 2540));
   }
-  std::string text;
-  for (const auto& [size, codes] : rows)
-    text += std::to_string(size) + "," + codes + "\r\n";
-  return text + "\"#\",\"#\",\"#\",\"#\"\r\n";
+  return sizes;
 }
 
 TEST(ApertureTableRun, EveryCodeOfAPlainFileHasItsSizeFromTheTable) {
@@ -42,12 +33,16 @@ TEST(ApertureTableRun, EveryCodeOfAPlainFileHasItsSizeFromTheTable) {
   if (corpus.empty())
     GTEST_SKIP() << "no corpus";
   const std::string file = corpus + "/gerbv/ekf/l1.off";
+  // The list as it came with the file, and a table written from it.
+  const std::string listPath = corpus + "/gerbv/ekf/ekf.gap";
+  std::map<int32_t, int32_t> sizes = sizesOfList(listPath);
+  ASSERT_EQ(sizes.size(), 199u);
   QTemporaryDir folder;
   ASSERT_TRUE(folder.isValid());
-  std::map<int32_t, int32_t> sizes;
+  ApertureTable fromList;
+  ASSERT_EQ(loadCliApertureTable(fromList, listPath), "");
   const std::string tablePath = folder.filePath("EKF.APT").toStdString();
-  std::ofstream(tablePath, std::ios::binary) << tableFromList(corpus + "/gerbv/ekf/ekf.gap", sizes);
-  ASSERT_EQ(sizes.size(), 199u);
+  ASSERT_TRUE(fromList.save(folder.path().toStdString(), "EKF"));
 
   ApertureTable table;
   ASSERT_EQ(loadCliApertureTable(table, tablePath), "");
