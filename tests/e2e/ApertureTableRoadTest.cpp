@@ -1,6 +1,7 @@
 // A plain RS-274-D file gets its sizes from an aperture table the user makes in the window
 // "Aperture Tables", through the real windows with real X input.
 #include "e2e/HostDriver.h"
+#include "support/CorpusPath.h"
 
 #include <QDir>
 #include <QFile>
@@ -98,10 +99,63 @@ TEST_F(ApertureTableRoad, ATableMadeInTheWindowSizesThePlainFileAndIsKept) {
   };
   EXPECT_NEAR(cover(drawn) / cover(reference), 1.0, 0.35);
 
-  // The table stays the current one for the next start: the settings name it.
+  // The table stays the current one for the next start: the settings name it, and the file
+  // opened again after a restart is shown with it.
   QFile settings(home.filePath("config/tarvex/tarvex.ini"));
   ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
   EXPECT_TRUE(settings.readAll().contains("Aper=" + name.toUtf8())) << "the setting was not kept";
+  restart();
+  typeIntoFileRequest(plain);
+  rows = rowsWhen([](auto& r) { return r.count("Aperture Table") > 0; });
+  EXPECT_EQ(rows["Aperture Table"], name);
+  QFile::remove(table);
+}
+
+TEST_F(ApertureTableRoad, AnotherToolsApertureListIsReadIntoATable) {
+  const std::string corpus = tvx::test::corpusDir();
+  if (corpus.empty())
+    GTEST_SKIP() << "no corpus";
+  const QString name = "E2ELIST";
+  const QString table = QFileInfo(test::binary("gbrview")).absolutePath() + "/SYS/" + name + ".APT";
+  QFile::remove(table);
+  host.start(test::binary("tarvex-gbrviewer"), {});
+  ASSERT_TRUE(host.waitForStarted(10000));
+  typeIntoFileRequest(QString::fromStdString(corpus) + "/gerbv/ekf/l1.off");
+  rowsWhen([](auto& r) { return r.count("Aperture Table") > 0; });
+  const ScreenRect button = place("CELL,Aperture Table", "CELL,");
+  ASSERT_TRUE(button.valid());
+  click(button, button.width / 2);
+  ASSERT_FALSE(visibleWindow("Aperture Tables").isEmpty());
+
+  const ScreenRect read = place("PLACE,cmdReadList", "PLACE,");
+  ASSERT_TRUE(read.valid());
+  click(read, read.width / 2);
+  const QString request = visibleWindow("Read Aperture List");
+  ASSERT_FALSE(request.isEmpty()) << "no file request";
+  xdo({"windowfocus", "--sync", request});
+  xdo({"type", "--delay", "5", QString::fromStdString(corpus) + "/gerbv/ekf/ekf.gap"});
+  xdo({"key", "Return"});
+  // The count of codes taken is told in a message box; Enter closes it.
+  const QString told = visibleWindow("^Aperture Table$");
+  ASSERT_FALSE(told.isEmpty()) << "no report of the list";
+  xdo({"windowfocus", "--sync", told});
+  xdo({"key", "Return"});
+
+  // Saved, the table holds the list's sizes: D10 at 4 mil first; the round D19 and the square
+  // D71, both 24 mil, in one row; 199 codes in 136 rows and the end line.
+  const ScreenRect save = place("PLACE,cmdSaveAfile", "PLACE,");
+  const ScreenRect nameBox = place("PLACE,txtNewFname", "PLACE,");
+  click(nameBox, nameBox.width / 2);
+  xdo({"key", "ctrl+a"});
+  xdo({"type", "--delay", "20", name});
+  click(save, save.width / 2);
+  test::waitUntil([&] { return QFile::exists(table); });
+  QFile saved(table);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly)) << "the table was not saved";
+  const QByteArray text = saved.readAll();
+  EXPECT_TRUE(text.startsWith("10160,10,10,0\r\n")) << text.left(200).toStdString();
+  EXPECT_TRUE(text.contains("\r\n60960,19,19,71\r\n"));
+  EXPECT_EQ(text.count("\r\n"), 137);
   QFile::remove(table);
 }
 

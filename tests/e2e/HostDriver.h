@@ -156,13 +156,23 @@ protected:
     host.setProcessEnvironment(environment);
     host.setProcessChannelMode(QProcess::SeparateChannels);
   }
-  void TearDown() override {
+  void TearDown() override { stop(); }
+
+  // Ends the host as the suite does.
+  void stop() {
     if (host.state() != QProcess::NotRunning) {
       host.write("All,EX\n");
       if (!host.waitForFinished(5000))
         host.kill();
       host.waitForFinished(5000);
     }
+  }
+  // The host ended and started again with no file, as the user restarts the viewer.
+  void restart() {
+    stop();
+    output.clear();
+    host.start(binary("tarvex-gbrviewer"), {});
+    ASSERT_TRUE(host.waitForStarted(10000));
   }
 
   // xdotool with the test's display; its standard output.
