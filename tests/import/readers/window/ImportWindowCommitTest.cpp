@@ -1,6 +1,7 @@
 // The commit step of the import window: range edges refused in silence with the old value shown
 // again, the re-run that keeps the chosen layer, the drill layer switch, the aperture check boxes
 // and their Tag, the highlights, the colour page, Clear, Close and the DXF rebinding.
+#include "aperture/ApertureTablesModel.h"
 #include "import/readers/window/ImportWindowTestSupport.h"
 
 #include "import/readers/ImportSettings.h"
@@ -338,6 +339,35 @@ TEST_F(ImportWindowCommit, TheApertureWindowsReimportIntoTheChosenLayer) {
     EXPECT_EQ(world.session->state.DialogLayer, 3);
     EXPECT_EQ(world.model->ApertureRows.size(), 1u);
   }
+}
+
+// The tables window's model behind the link, answered by scripted prompts: a size inserted, D10
+// typed under Lines, Accept without saving; the layer is imported again with traces that wide.
+TEST_F(ImportWindowCommit, ASizeInsertedInTheTableWindowGivesTheTracesTheirWidth) {
+  ApertureTable table;
+  world.session->gerberPass.apertureTable = &table.rows;
+  ScriptedPrompts& prompts = world.reporting.prompts;
+  ImportWindowOwners owners = world.makeOwners();
+  owners.window.openApertureTable = [&] {
+    ApertureTablesModel tables(table, world.reporting.services, prompts,
+                               world.folder.path().string(), [](const std::string&) {});
+    tables.FillAptform();
+    prompts.queryAnswers.push_back({"0.5", 0});
+    tables.insertSize(1);
+    EXPECT_TRUE(tables.EditAptValues(tables.CurrentRow, 2, "D10*"));
+    prompts.answers.push_back(7);  // not saved: the table in memory is what the pass uses
+    tables.accept();
+    return true;
+  };
+  world.model = std::make_unique<ImportWindowModel>(std::move(owners));
+  world.model->FormFill();
+  world.openAs("plain.gbr", test::PlainTrack, ImportKind::ArtworkRS274D);
+  world.choose(world.layer(3).DisplayName);
+  ASSERT_FALSE(world.items(3).empty());
+  EXPECT_NE(world.items(3).back().LineWidth, 50000);
+  model().CommitCell(model().rowOf("IMP_APT"), "NONE");
+  ASSERT_FALSE(world.items(3).empty());
+  EXPECT_EQ(world.items(3).back().LineWidth, 50000) << "0.5 mm in store units";
 }
 
 TEST_F(ImportWindowCommit, TheColourPageRefusesTheClearColourOnCopper) {
