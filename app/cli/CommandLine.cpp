@@ -33,8 +33,9 @@ const char* const GbrviewUsage =
     "        flashes and regions, polarities, step and repeat and file attributes; for a drill\n"
     "        file its format, tools, holes and extents.\n"
     "--apt   an aperture table file (lines \"size,lines D,round D,square D\" in 1/100000 mm)\n"
-    "        that gives a plain RS-274-D file its sizes; without it the table the viewer's\n"
-    "        settings name is used.\n"
+    "        that gives a plain RS-274-D file its sizes, or another tool's aperture list\n"
+    "        (lines \"D10 ROUND 4.00 ...\", sizes in mil unless the list names mm or inch);\n"
+    "        without it the table the viewer's settings name is used.\n"
     "Exit codes: 0 success, 1 a file failed, 2 bad arguments.\n";
 
 namespace {
