@@ -29,6 +29,8 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include <cstdlib>
+
 namespace tvx {
 
 namespace {
@@ -341,13 +343,18 @@ bool GBRVIEWER_MAIN::saveViewPicture(const std::string& path) const {
 
 bool GBRVIEWER_MAIN::eventFilter(QObject* watched, QEvent* event) {
   if (watched == viewPicture_ && event->type() == QEvent::Wheel && cpDcId_ != 0) {
-    // The wheel steps through the precision table, keeping the point under the pointer.
+    // The wheel steps through the precision table, keeping the point under the pointer; the
+    // steps of one event are shown by one redraw.
     auto* wheel = static_cast<QWheelEvent*>(event);
-    const int rotation = wheel->angleDelta().y();
-    if (rotation != 0) {
+    const int32_t steps = wheelSteps_.add(wheel->angleDelta().y(), wheel->pixelDelta().y());
+    if (steps != 0) {
       const QPoint at = wheel->position().toPoint();
       view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
-      applyViewChange(view_->wheelZoom(rotation, at.x(), at.y()));
+      ViewChange change;
+      for (int32_t step = 0; step < std::abs(steps); ++step)
+        change |= view_->wheelZoom(steps > 0 ? WheelSteps::AnglePerStep : -WheelSteps::AnglePerStep,
+                                   at.x(), at.y());
+      applyViewChange(change);
     }
     return true;
   }

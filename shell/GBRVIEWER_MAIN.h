@@ -7,6 +7,7 @@
 #pragma once
 
 #include "aperture/ApertureTable.h"
+#include "common/WheelSteps.h"
 #include "platform/ViewerWorkFolder.h"
 #include "shell/ComponentContext.h"
 #include "shell/MenuFile.h"
@@ -253,6 +254,7 @@ private:
   std::unique_ptr<HelpWindow> help_;
 
   std::unique_ptr<ViewState> view_;
+  WheelSteps wheelSteps_;
   std::unique_ptr<LayerTables> tables_;
   std::unique_ptr<ColourSlots> colours_;
   std::unique_ptr<ViewRedraw> redraw_;

@@ -13,6 +13,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tvx {
 
@@ -233,9 +234,9 @@ int32_t PropertyGrid::TopRow() const { return verticalScrollBar()->value() + 1; 
 void PropertyGrid::SetTopRow(int32_t row) { verticalScrollBar()->setValue(std::max(0, row - 1)); }
 
 void PropertyGrid::wheelEvent(QWheelEvent* event) {
-  const int rotation = event->angleDelta().y();
-  if (rotation != 0)
-    ScrollGrid(*this, rotation);
+  const int32_t steps = wheelSteps_.add(event->angleDelta().y(), event->pixelDelta().y());
+  for (int32_t step = 0; step < std::abs(steps); ++step)
+    ScrollGrid(*this, steps);
   event->accept();
 }
 

@@ -7,6 +7,7 @@
 
 #include "common/GridRow.h"
 #include "common/PropertyGridAccess.h"
+#include "common/WheelSteps.h"
 
 #include <QTableWidget>
 
@@ -72,6 +73,7 @@ private:
                       const std::function<const std::vector<std::string>&(int32_t)>& listOf);
   void emitLater(int row, const QString& text);
   bool filling_ = false;
+  WheelSteps wheelSteps_;
 };
 
 }  // namespace tvx
