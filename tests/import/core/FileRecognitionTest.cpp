@@ -20,19 +20,6 @@
 namespace tvx {
 namespace {
 
-struct Case {
-  const char* name;
-  std::string text;
-  int kind;
-};
-
-void expectKinds(ImportKind (*test)(std::string_view), const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(static_cast<int>(test(c.text)), c.kind);
-  }
-}
-
 std::string run(char c, std::size_t n) { return std::string(n, c); }
 
 // The four tests alone, in their order.
@@ -45,112 +32,112 @@ ImportKind firstFour(std::string_view text) {
   return ImportKind::Unknown;
 }
 
-TEST(IsGerberTest, DrawingCodesAndFormatBlocksDecideTheKind) {
-  expectKinds(IsGerber,
-              {
-                  {"move and draw", "X1Y1D02*X2Y2D01*", 2},
-                  {"flashes only", "X1Y1D03*X5D03*", 2},
-                  {"short flash only", "X1Y1D3*", 2},
-                  {"draws without move or flash", "X1Y1D01*X2Y2D01*", 0},
-                  {"short move without short draw", "X1Y1D2*X3D2*", 0},
-                  {"short move and draw", "X1Y1D2*X2D1*", 2},
-                  {"long move with short draw", "X1Y1D02*X2D1*", 0},
-                  {"code without its star", "X1Y1D03\n", 0},
-                  {"lower case", "x1y1d03*", 0},
-                  {"extended: %FS and %AD", "%FSLAX24Y24*%\n%ADD10C,0.01*%\nX1Y1D03*\n", 1},
-                  {"%FS without %AD", "%FSLAX24Y24*%\nX1Y1D03*\n", 2},
-                  {"%AD without %FS", "%ADD10C,0.01*%\nX1Y1D03*\n", 2},
-                  {"lower case block", "%fsLAX24Y24*%%ADD10C*%D03*", 2},
-              });
-}
+// An empty copper layer as a CAD tool writes it: attributes, format, unit and an aperture, no
+// draws.
+const std::string EmptyLayer = "G04 #@! TF.CreationDate,2020-01-01T12:00:00+01:00*\n"
+                               "%TF.CreationDate,2020-01-01T12:00:00+01:00*%\n"
+                               "%FSLAX46Y46*%\n%MOMM*%\n%LPD*%\n%ADD10C,0.100000*%\nM02*\n";
 
-TEST(IsGerberTest, CharacterWalkRejectsControlsAndLongRunsOutsideTheSet) {
-  const std::string flash = "X1Y1D03*\r\n";
-  expectKinds(IsGerber,
-              {
-                  {"tab in a comment", "G04 a\tcomment*\n" + flash, 0},
-                  {"NUL", flash + std::string(1, '\0'), 0},
-                  {"end-of-file mark", flash + "\x1A", 0},
-                  {"code 255", flash + "\xFF", 0},
-                  {"codes 128 and 254", flash + "\x80\xFE", 2},
-                  {"100 outside the set", run('c', 100) + flash, 2},
-                  {"101 outside the set", run('c', 101) + flash, 0},
-                  {"a set character clears", run('c', 100) + "*" + run('c', 100) + flash, 2},
-                  {"line ends do not clear", run('c', 60) + "\r\n" + run('c', 41) + flash, 0},
-                  {"line ends do not count", run('c', 60) + "\r\n" + run('c', 40) + flash, 2},
-              });
-}
+struct Case {
+  const char* name;
+  std::string text;
+  int kind;
+};
 
-TEST(IsExcellonTest, HeaderToolsAndCoordinatesDecideTheFormat) {
-  expectKinds(IsExcellon,
-              {
-                  {"format two", "M48\nINCH,LZ\nT1C0.032\n%\nT1\nX1000Y2000\nM30\n", 3},
-                  {"metric header", "M48\nMETRIC\nT1C0.8\n%\nT1\nX10Y20\n", 3},
-                  {"header closed by M95", "M48\nINCH\nT1C0.03\nM95\nT1\nX1Y2\n", 3},
-                  {"unit behind the closing mark", "M48\nT1C0.03\n%\nINCH\nT1\nX1Y2\n", 4},
-                  {"percent ahead of M48 closes nothing", "%\nM48\nINCH\nT1C0.03\nT1\nX1Y2\n", 4},
-                  {"M71 stands for a header", "M71\nT1C0.8\nT1\nX1Y2\n", 3},
-                  {"M72 with T01", "M72\nT01C0.03\nT01\nX1Y2\n", 3},
-                  {"T001", "M48\nINCH\nT001C0.03\n%\nT001\nX1Y2\n", 3},
-                  {"header without definition", "M48\nINCH\n%\nT1\nX1Y2\n", 4},
-                  {"T10 calls but does not define T1", "M48\nINCH\nT10C0.03\n%\nT10\nX1Y2\n", 4},
-                  {"no header", "T1C0.03\nT1\nX1Y2\n", 4},
-                  {"header and definition, no X", "M48\nINCH\nT1C0.03\n%\nT1\nY2\nY3\n", 0},
-                  {"header and definition, no Y", "M48\nINCH\nT1C0.03\n%\nT1\nX2\n", 0},
-                  {"no tool one", "M48\nINCH\nT2C0.03\n%\nT2\nX1Y2\n", 0},
-                  {"lower case", "m48\ninch\nt1c0.03\n%\nt1\nx1y2\n", 0},
-              });
-}
-
-TEST(IsExcellonTest, CharacterWalkPassesTabsAndCountsDigitsOnce) {
-  const std::string drill = "M48\nINCH\nT1C0.03\n%\nT1\nX1Y2\n";
-  expectKinds(IsExcellon,
-              {
-                  {"tab", "M48\tINCH\nT1C0.03\n%\nT1\tX1Y2\n", 3},
-                  {"NUL", drill + std::string(1, '\0'), 0},
-                  {"100 outside the set", run('c', 100) + drill, 3},
-                  {"101 outside the set", run('c', 101) + drill, 0},
-                  {"a letter clears", run('c', 100) + "X" + run('c', 100) + drill, 3},
-                  {"a digit leaves one", run('c', 100) + "5" + run('c', 100) + drill, 0},
-                  {"a digit then 99", run('c', 100) + "5" + run('c', 99) + drill, 3},
-              });
-}
-
-TEST(IsDxfTest, EntitiesWithTablesNotAheadOfHeader) {
+// Each of the four tests alone: the codes and blocks that decide it, and its character walk that
+// rejects controls and long runs outside its character set.
+TEST(KindTests, EachTestDecidesByItsOwnMarks) {
+  const std::string flash = "X1Y1D03*\r\n", drill = "M48\nINCH\nT1C0.03\n%\nT1\nX1Y2\n";
   const std::string header = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n";
   const std::string tables = "0\nSECTION\n2\nTABLES\n0\nENDSEC\n";
   const std::string entities = "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
-  expectKinds(IsDxf, {
-                         {"all three in order", header + tables + entities, 8},
-                         {"entities only", entities, 8},
-                         {"entities first in the text", "ENTITIES\n0\nEOF\n", 8},
-                         {"tables without header", tables + entities, 8},
-                         {"entities ahead of both", entities + header + tables, 8},
-                         {"tables ahead of header", tables + header + entities, 0},
-                         {"header without tables", header + entities, 0},
-                         {"header first in the text, no tables", "HEADER\n" + entities, 0},
-                         {"no entities", header + tables + "0\nEOF\n", 0},
-                         {"lower case", "entities\n", 0},
-                     });
-}
-
-TEST(IsHpglTest, FirstOccurrenceOfEachPenCommandMustBeFollowedSoundly) {
-  expectKinds(IsHpgl, {
-                          {"plain plot", "IN;SP1;PU0,0;PD100,0,100,100;PU;", 7},
-                          {"PUZZ fails all", "IN;SP1;PUZZ;PU0,0;PD100,100;", 0},
-                          {"later PUZZ is not looked at", "IN;PU0,0;PD1,1;PUZZ;", 7},
-                          {"a command follows", "INSP1PA10,10", 7},
-                          {"blanks and line ends passed over", "IN \r\n ;", 7},
-                          {"a pair with a bar of the table", "PUF|", 7},
-                          {"a letter then a digit", "PUa1", 7},
-                          {"a pair that is no command", "PUab", 0},
-                          {"command at the end", "SP1;PU", 0},
-                          {"only blanks to the end", "PU   \r\n", 0},
-                          {"relative pen", "PR10,10;", 7},
-                          {"no pen command", "SP1;LT;VS10;", 0},
-                          {"lower case", "in;pu;", 0},
-                          {"characters above 127", "PU\xC4\xD6", 0},
-                      });
+  const std::pair<ImportKind (*)(std::string_view), std::vector<Case>> groups[] = {
+      {IsGerber,
+       {
+           {"move and draw", "X1Y1D02*X2Y2D01*", 2},
+           {"flashes only", "X1Y1D03*X5D03*", 2},
+           {"short flash only", "X1Y1D3*", 2},
+           {"draws without move or flash", "X1Y1D01*X2Y2D01*", 0},
+           {"short move without short draw", "X1Y1D2*X3D2*", 0},
+           {"short move and draw", "X1Y1D2*X2D1*", 2},
+           {"long move with short draw", "X1Y1D02*X2D1*", 0},
+           {"code without its star", "X1Y1D03\n", 0},
+           {"lower case", "x1y1d03*", 0},
+           {"extended: %FS and %AD", "%FSLAX24Y24*%\n%ADD10C,0.01*%\nX1Y1D03*\n", 1},
+           {"%FS without %AD", "%FSLAX24Y24*%\nX1Y1D03*\n", 2},
+           {"%AD without %FS", "%ADD10C,0.01*%\nX1Y1D03*\n", 2},
+           {"lower case block", "%fsLAX24Y24*%%ADD10C*%D03*", 2},
+           {"tab in a comment", "G04 a\tcomment*\n" + flash, 0},
+           {"NUL", flash + std::string(1, '\0'), 0},
+           {"end-of-file mark", flash + "\x1A", 0},
+           {"code 255", flash + "\xFF", 0},
+           {"codes 128 and 254", flash + "\x80\xFE", 2},
+           {"100 outside the set", run('c', 100) + flash, 2},
+           {"101 outside the set", run('c', 101) + flash, 0},
+           {"a set character clears", run('c', 100) + "*" + run('c', 100) + flash, 2},
+           {"line ends do not clear", run('c', 60) + "\r\n" + run('c', 41) + flash, 0},
+           {"line ends do not count", run('c', 60) + "\r\n" + run('c', 40) + flash, 2},
+       }},
+      {IsExcellon,
+       {
+           {"format two", "M48\nINCH,LZ\nT1C0.032\n%\nT1\nX1000Y2000\nM30\n", 3},
+           {"metric header", "M48\nMETRIC\nT1C0.8\n%\nT1\nX10Y20\n", 3},
+           {"header closed by M95", "M48\nINCH\nT1C0.03\nM95\nT1\nX1Y2\n", 3},
+           {"unit behind the closing mark", "M48\nT1C0.03\n%\nINCH\nT1\nX1Y2\n", 4},
+           {"percent ahead of M48 closes nothing", "%\nM48\nINCH\nT1C0.03\nT1\nX1Y2\n", 4},
+           {"M71 stands for a header", "M71\nT1C0.8\nT1\nX1Y2\n", 3},
+           {"M72 with T01", "M72\nT01C0.03\nT01\nX1Y2\n", 3},
+           {"T001", "M48\nINCH\nT001C0.03\n%\nT001\nX1Y2\n", 3},
+           {"header without definition", "M48\nINCH\n%\nT1\nX1Y2\n", 4},
+           {"T10 calls but does not define T1", "M48\nINCH\nT10C0.03\n%\nT10\nX1Y2\n", 4},
+           {"no header", "T1C0.03\nT1\nX1Y2\n", 4},
+           {"header and definition, no X", "M48\nINCH\nT1C0.03\n%\nT1\nY2\nY3\n", 0},
+           {"header and definition, no Y", "M48\nINCH\nT1C0.03\n%\nT1\nX2\n", 0},
+           {"no tool one", "M48\nINCH\nT2C0.03\n%\nT2\nX1Y2\n", 0},
+           {"lower case", "m48\ninch\nt1c0.03\n%\nt1\nx1y2\n", 0},
+           {"tab", "M48\tINCH\nT1C0.03\n%\nT1\tX1Y2\n", 3},
+           {"NUL", drill + std::string(1, '\0'), 0},
+           {"100 outside the set", run('c', 100) + drill, 3},
+           {"101 outside the set", run('c', 101) + drill, 0},
+           {"a letter clears", run('c', 100) + "X" + run('c', 100) + drill, 3},
+           {"a digit leaves one", run('c', 100) + "5" + run('c', 100) + drill, 0},
+           {"a digit then 99", run('c', 100) + "5" + run('c', 99) + drill, 3},
+       }},
+      {IsDxf,
+       {
+           {"all three in order", header + tables + entities, 8},
+           {"entities only", entities, 8},
+           {"entities first in the text", "ENTITIES\n0\nEOF\n", 8},
+           {"tables without header", tables + entities, 8},
+           {"entities ahead of both", entities + header + tables, 8},
+           {"tables ahead of header", tables + header + entities, 0},
+           {"header without tables", header + entities, 0},
+           {"header first in the text, no tables", "HEADER\n" + entities, 0},
+           {"no entities", header + tables + "0\nEOF\n", 0},
+           {"lower case", "entities\n", 0},
+       }},
+      // The first occurrence of each pen command must be followed soundly.
+      {IsHpgl,
+       {
+           {"plain plot", "IN;SP1;PU0,0;PD100,0,100,100;PU;", 7},
+           {"PUZZ fails all", "IN;SP1;PUZZ;PU0,0;PD100,100;", 0},
+           {"later PUZZ is not looked at", "IN;PU0,0;PD1,1;PUZZ;", 7},
+           {"a command follows", "INSP1PA10,10", 7},
+           {"blanks and line ends passed over", "IN \r\n ;", 7},
+           {"a pair with a bar of the table", "PUF|", 7},
+           {"a letter then a digit", "PUa1", 7},
+           {"a pair that is no command", "PUab", 0},
+           {"command at the end", "SP1;PU", 0},
+           {"only blanks to the end", "PU   \r\n", 0},
+           {"relative pen", "PR10,10;", 7},
+           {"no pen command", "SP1;LT;VS10;", 0},
+           {"lower case", "in;pu;", 0},
+           {"characters above 127", "PU\xC4\xD6", 0},
+       }},
+  };
+  for (const auto& [test, cases] : groups)
+    for (const Case& c : cases)
+      EXPECT_EQ(static_cast<int>(test(c.text)), c.kind) << c.name;
 }
 
 TEST(RecogniseTextTest, FirstTestInTheFixedOrderWins) {
@@ -166,6 +153,12 @@ TEST(RecogniseTextTest, FirstTestInTheFixedOrderWins) {
       {"dxf before hpgl", "IN;PU0,0;\nENTITIES\n", 0, 0, 8, 7, 8},
       {"hpgl last", "IN;PU0,0;PD5,5;\n", 0, 0, 0, 7, 7},
       {"empty", "", 0, 0, 0, 0, 0},
+      // T1 of a date with X and Y of the format passed the drill test; IN of %MOIN the plotter
+      // test: Gerber headers are neither drill nor plotter files.
+      {"empty layer", EmptyLayer, 0, 0, 0, 0, 1},
+      {"format with inch unit", "%FSLAX24Y24*%\n%MOIN*%\nM02*\n", 0, 0, 0, 0, 2},
+      {"format alone", "%FSLAX24Y24*%\nT1\nX1Y1\n", 0, 4, 0, 0, 4},
+      {"unit alone", "%MOIN*%\nPU0,0;\n", 0, 0, 0, 7, 7},
   };
   for (const Ordered& c : cases) {
     SCOPED_TRACE(c.name);
@@ -210,12 +203,6 @@ TEST(RecogniseTextTest, MatchesAcrossChunkBoundaries) {
             ImportKind::ArtworkRS274D);
 }
 
-// An empty copper layer as a CAD tool writes it: attributes, format, unit and an aperture, no
-// draws.
-const std::string EmptyLayer = "G04 #@! TF.CreationDate,2020-01-01T12:00:00+01:00*\n"
-                               "%TF.CreationDate,2020-01-01T12:00:00+01:00*%\n"
-                               "%FSLAX46Y46*%\n%MOMM*%\n%LPD*%\n%ADD10C,0.100000*%\nM02*\n";
-
 TEST(SecondChanceTest, EachLookTakesWhatTheFourTestsRefusedAndNothingElse) {
   using Look = ImportKind (*)(std::string_view);
   const Look gerber = SecondChanceGerber, drill = SecondChanceExcellon, plot = SecondChanceHpgl;
@@ -254,24 +241,6 @@ TEST(SecondChanceTest, EachLookTakesWhatTheFourTestsRefusedAndNothingElse) {
     if (kind != 0) {
       EXPECT_EQ(firstFour(text), ImportKind::Unknown) << "a case of the four tests";
     }
-  }
-}
-
-TEST(SecondChanceTest, GerberHeadersAreNeitherDrillNorPlotterFiles) {
-  // T1 of a date with X and Y of the format passed the drill test; IN of %MOIN the plotter test.
-  ASSERT_EQ(std::pair(IsExcellon(EmptyLayer), IsHpgl(EmptyLayer)),
-            std::pair(ImportKind::Unknown, ImportKind::Unknown));
-  const std::tuple<const char*, std::string, int, int, int> cases[] = {
-      {"format with inch unit", "%FSLAX24Y24*%\n%MOIN*%\nM02*\n", 0, 0, 2},
-      {"format alone", "%FSLAX24Y24*%\nT1\nX1Y1\n", 4, 0, 4},
-      {"unit alone", "%MOIN*%\nPU0,0;\n", 0, 7, 7},
-  };
-  for (const auto& [name, text, excellon, hpgl, result] : cases) {
-    SCOPED_TRACE(name);
-    YieldClock clock;
-    EXPECT_EQ(std::tuple(static_cast<int>(IsExcellon(text)), static_cast<int>(IsHpgl(text)),
-                         static_cast<int>(recogniseText(text, clock))),
-              std::tuple(excellon, hpgl, result));
   }
 }
 
