@@ -1,6 +1,5 @@
-// Gerber files from their path into an artwork layer without a window: the text pass in stage one,
-// the layer chosen among those offered, the drawing into its symbol with hole positions, and every
-// Gerber file of the shared corpus.
+// Gerber files from their path into an artwork layer without a window: the scan's work folder, and
+// every Gerber file of the shared corpus imported into the first layer offered.
 #include "import/readers/window/ImportWindowTestSupport.h"
 #include "support/CorpusPath.h"
 
@@ -10,41 +9,6 @@ namespace tvx {
 namespace {
 
 using test::ImportWorld;
-
-TEST(GerberImport, AnArtworkFileGoesIntoTheLayerChosenWithItsPadPositions) {
-  ImportWorld world;
-  const std::string path = world.write("top.gbr", test::TwoPadsAndATrack);
-  ImportResult result = world.run(path);
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.kind, ImportKind::ArtworkRS274X);
-  const int32_t first = result.layer;
-  ASSERT_GE(first, 1);
-  EXPECT_NE(first, 31) << "artwork never goes to the drill layer by itself";
-  EXPECT_TRUE(world.reporting.prompts.shown.empty());
-  EXPECT_EQ(result.scanned.MaxX - result.scanned.MinX, 2540000);
-
-  const auto all = world.items(first);
-  ASSERT_EQ(all.size(), 3u);
-  // Own coordinates are kept: the track runs from 0 to 1 inch, 2540000 units.
-  EXPECT_EQ((std::array{all[0].Type, all[0].X, all[0].Y, all[0].Width}),
-            (std::array<int32_t, 4>{ItemRectangle, -76200, -76200, 152400}));
-  EXPECT_EQ((std::array{all[2].Type, all[2].X, all[2].Width, all[2].LineWidth}),
-            (std::array<int32_t, 4>{ItemLine, 0, 2540000, 25400}));
-  EXPECT_EQ(world.pads(first), (std::vector<test::Pad>{{0, 0, 11}, {2540000, 0, 11}}));
-  EXPECT_EQ(world.layer(first).Files.at(0).FileName, world.session->state.Job.IntermediatePath);
-  EXPECT_EQ(world.layer(first).LastFile, path);
-
-  // Another layer by choice; centred without NoCenter.
-  ImportOptions options;
-  options.layer = 3;
-  options.noCenter = false;
-  result = world.run(path, options);
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.layer, 3);
-  const auto centred = world.items(3);
-  ASSERT_EQ(centred.size(), 3u);
-  EXPECT_EQ((std::array{centred[2].X, centred[2].Width}), (std::array{-1270000, 2540000}));
-}
 
 TEST(GerberImport, WithoutAWorkDirectoryTheScanGoesToTheTemporaryFolder) {
   ImportWorld world;
