@@ -159,26 +159,21 @@ TEST(GerberTextPass, ParseCoordinateByZeroMode) {
   EXPECT_DOUBLE_EQ(parse("120000", AxisX), test::millimetres(12) / 2);
 }
 
-TEST(GerberTextPass, UndefinedDCodesAreKeptWithSizeZero) {
+// Where a use lands: an undefined code is kept with size 0, a draw with a square or special
+// aperture links to its flash row and counts a use there, so that its size reaches the file.
+TEST(GerberTextPass, UsesOfUndefinedSquareAndSpecialApertures) {
   GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%D99*X0Y0D02*X100Y0D01*D98*X5Y5D03*M02*"), 0);
+  ASSERT_EQ(pass.run("%ADD10C,0.01*%%ADD11R,0.02X0.02*%%ADD13R,0.02X0.04*%D99*X0Y0D02*X100Y0D01*"
+                     "D11*X0Y0D02*X100Y0D01*D13*X200Y0D01*D98*X5Y5D03*M02*"),
+            0);
   const ApertureLists& lists = pass.scan.Lists;
   EXPECT_THAT(lists.DrawList, Contains(ApertureUse{99, 0, 1}));
   EXPECT_THAT(lists.RoundPadList, Contains(ApertureUse{98, 0, 1}));
-  EXPECT_FALSE(lists.DefinedDCodes.count(99));
-  EXPECT_TRUE(lists.DefinedDCodes.count(10));
+  EXPECT_EQ(lists.DefinedDCodes, (std::set<int32_t>{10, 11, 13}));
   EXPECT_EQ(pass.stream().back().N, 98);
-}
-
-TEST(GerberTextPass, DrawsWithSquareOrSpecialAperturesLinkToThem) {
-  GerberPass pass;
-  ASSERT_EQ(pass.run("%ADD10C,0.01*%%ADD11R,0.02X0.02*%%ADD13R,0.02X0.04*%"
-                     "D11*X0Y0D02*X100Y0D01*D13*X200Y0D01*M02*"),
-            0);
-  const ApertureLists& lists = pass.scan.Lists;
   EXPECT_EQ(findRow(lists.DrawList, 11)->Size, LinkToSquarePad);
   EXPECT_EQ(findRow(lists.DrawList, 13)->Size, LinkToSpecial);
-  EXPECT_EQ(findRow(lists.SquarePadList, 11)->Uses, 1) << "so that its size reaches the file";
+  EXPECT_EQ(findRow(lists.SquarePadList, 11)->Uses, 1);
   EXPECT_EQ(findRow(lists.SpecialList, 13)->Uses, 1);
   EXPECT_EQ(findRow(lists.DrawList, 10)->Uses, 0);
 }
