@@ -262,13 +262,6 @@ TEST_F(ImportExcellonTest, HolesWithoutAKnownToolGoOnlyIntoOtherLayers) {
             (std::vector<Pad>{{1 * Mm, 1 * Mm, 0}, {2 * Mm, 2 * Mm, 5}, {3 * Mm, 3 * Mm, 1}}));
 }
 
-TEST_F(ImportExcellonTest, ASecondProgramUsesItsOwnTools) {
-  LayerFileRecord file = drillFile();
-  EXPECT_EQ(import("T1C1|X1.0Y1.0|M30|T1C2|X2.0Y2.0|", file), 0);
-  EXPECT_EQ(padsOf(store, drill), (std::vector<Pad>{{1 * Mm, 1 * Mm, 1}, {2 * Mm, 2 * Mm, 101}}));
-  EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 100000, 1, 1}, {101, 200000, 1, 1}}));
-}
-
 class ReadExcellonTextTest : public ::testing::Test {
 protected:
   test::TempDir folder;
