@@ -73,17 +73,6 @@ struct GerberPass {
     return status;
   }
 
-  // Reads the header and sections of what the pass wrote into back; the status of the reading
-  // (-1 when the file does not open).
-  int32_t readBack(GerberScan& back) {
-    ArtFile file;
-    if (!file.open(art))
-      return -1;
-    int32_t status = -1;
-    LoadArtHeader(status, file, false, back, reporting.reporter);
-    return status;
-  }
-
   // Every record of TMP.ART.
   std::vector<ArtRecord> records() const {
     std::vector<ArtRecord> all;
