@@ -35,42 +35,6 @@ struct ImportSessionTest : ::testing::Test, test::ImportWorld {
 constexpr const char* FormatTwo = "M48\r\n; a comment\r\nINCH,TZ\r\nT1C0.02\r\nT2C0.04\r\n%\r\n"
                                   "T1\r\nX1000Y1000\r\nX2000Y2000\r\nT2\r\nX3000Y3000\r\nM30\r\n";
 
-TEST_F(ImportSessionTest, AFormatTwoFileGoesIntoTheDrillLayer) {
-  const std::string path = write("board.txt", FormatTwo);
-  const ImportResult result = run(path);
-  EXPECT_EQ(std::tuple(result.status, result.kind, result.layer),
-            std::tuple(0, ImportKind::ExcellonFormatTwo, DrillLayer));
-  EXPECT_TRUE(boxes().empty());
-  // Inches, 2.4, right-aligned: "1000" is 0.1 inch = 254000 units. Own coordinates are kept.
-  EXPECT_EQ(drillPads(),
-            (std::vector<Pad>{{254000, 254000, 1}, {508000, 508000, 1}, {762000, 762000, 2}}));
-  EXPECT_EQ(std::pair(result.scanned.MinX, result.scanned.MaxY), std::pair(254000.0, 762000.0));
-  const LayerFileRecord& file = drill().Files.at(0);
-  EXPECT_EQ(file.FileName, path);
-  EXPECT_EQ(file.ReaderCode, ReaderExcellon);
-  EXPECT_EQ(file.Tools, (std::vector<ToolEntry>{{1, 50800, 1, 2}, {2, 101600, 1, 1}}));
-  EXPECT_EQ(drill().LastFile, path);
-  EXPECT_EQ(session->excellonFormat, (ExcellonFormat{0, 2, 4, 1}));
-
-  // Without NoCenter the holes are centred on the origin; the layer is cleared first.
-  ImportOptions centred;
-  centred.noCenter = false;
-  EXPECT_EQ(run(path, centred).status, 0);
-  EXPECT_EQ(drillPads(), (std::vector<Pad>{{-254000, -254000, 1}, {0, 0, 1}, {254000, 254000, 2}}));
-}
-
-TEST_F(ImportSessionTest, AFormatTwoFileThatScansAsFormatOneIsReportedAndImported) {
-  // "M71" makes recognition say Format Two; without a header unit the scan says Format One.
-  const ImportResult result = run(write("m71.drl", "M71\nT1C0.5\nT1\nX1000Y1000\nX2000Y2000\n"));
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.kind, ImportKind::ExcellonFormatOne);
-  ASSERT_EQ(boxes().size(), 1u);
-  EXPECT_NE(boxes()[0].find("m71.drl - this is not Format 2 File."), std::string::npos);
-  // The unit code gives millimetres, 3.3. The numbers end with zeros and none begins with one:
-  // they are right-aligned, 1 and 2 mm.
-  EXPECT_EQ(drillPads(), (std::vector<Pad>{{100000, 100000, 1}, {200000, 200000, 1}}));
-}
-
 TEST_F(ImportSessionTest, AFormatOneFileStartsFromWhatItStatesAndKeepsTheUsersCorrections) {
   // A stored format of another file; this one states its digits in a comment and shows by its
   // leading zeros that its numbers are left-aligned.
