@@ -125,29 +125,28 @@ TEST_F(ImportSessionTest, WithoutAListedDrillLayerNothingIsBound) {
 
 TEST_F(ImportSessionTest, BadInputEndsWithAStatusNeverACrash) {
   struct Case {
-    const char* name;
     std::string text;
     int32_t status;
     size_t pads;
   } cases[] = {
-      {"a line of five million digits", "T1C0.1\nT1\nX" + std::string(5'000'000, '1') + "Y1\n", 0,
-       1},
-      {"tools that never get a size", "T1\nX01Y01\nT7\nX02Y02\n", 0, 0},
-      {"a tool used before its size", "T1\nX01Y01\nT1C0.05\nX09Y09\n", 0, 2},
-      {"coordinates without a tool", "X01Y01\nT1C0.05\nT1\nX09Y09\n", 0, 1},
-      {"an absurd coordinate", "T1C0.5\nT1\nX99999999999.5Y01\n", 1, 0},
-      // A pad that covers the world; a hole beside its centre is still a hole of its own.
-      {"an absurd tool size", "T1C99999999999\nT1\nX01Y01\nX02Y02\nX01Y01\n", 0, 2},
-      {"an absurd tool number",
-       "T1C0.1\nT99999999999999C0.2\nT1\nX01Y01\nT99999999999999\nX09Y09\n", 0, 2},
-      {"many ends of programs", repeated("M30\n", 200'000) + "T1C0.1\nT1\nX01Y01\n", 0, 1},
-      {"binary junk", std::string("\x01\x02T1\xffX1Y1\x00", 10), 1, 0},
-      {"an empty file", "", 1, 0},
+      {"T1C0.1\nT1\nX" + std::string(5'000'000, '1') + "Y1\n", 0, 1},  // five million digits
+      {"T1\nX01Y01\nT7\nX02Y02\n", 0, 0},                              // tools never sized
+      {"T1\nX01Y01\nT1C0.05\nX09Y09\n", 0, 2},    // a tool used before its size
+      {"X01Y01\nT1C0.05\nT1\nX09Y09\n", 0, 1},    // coordinates without a tool
+      {"T1C0.5\nT1\nX99999999999.5Y01\n", 1, 0},  // an absurd coordinate
+      // An absurd tool size: a pad that covers the world; a hole beside its centre is still a
+      // hole of its own.
+      {"T1C99999999999\nT1\nX01Y01\nX02Y02\nX01Y01\n", 0, 2},
+      // An absurd tool number.
+      {"T1C0.1\nT99999999999999C0.2\nT1\nX01Y01\nT99999999999999\nX09Y09\n", 0, 2},
+      {repeated("M30\n", 200'000) + "T1C0.1\nT1\nX01Y01\n", 0, 1},  // many ends of programs
+      {std::string("\x01\x02T1\xffX1Y1\x00", 10), 1, 0},            // binary junk
+      {"", 1, 0},                                                   // an empty file
       // Gerber goes into the first artwork layer offered, never the drill layer.
-      {"a Gerber file", "%FSLAX24Y24*%\n%ADD10C,0.1*%\nD10*\nX0Y0D03*\n", 0, 0},
+      {"%FSLAX24Y24*%\n%ADD10C,0.1*%\nD10*\nX0Y0D03*\n", 0, 0},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text.substr(0, 40));
     const ImportResult result = run(write("bad.drl", c.text));
     EXPECT_EQ(result.status, c.status);
     EXPECT_EQ(drillPads().size(), c.pads);

@@ -172,23 +172,21 @@ using test::ImportExcellonTest;
 TEST_F(ImportExcellonTest, HolesAreCentredMovedByTheOffsetsAndMirrored) {
   // The pads of "X10.0Y20.0" and "X30.0Y60.0", millimetres.
   struct Case {
-    const char* name;
     bool original, mirror;
     int32_t offsetX, offsetY;
     int32_t x1, y1, x2, y2;
   } cases[] = {
-      {"centred", false, false, 0, 0, -10 * Mm, -20 * Mm, 10 * Mm, 20 * Mm},
-      // The mirror axis of a centred file is its offset.
-      {"centred, moved, mirrored", false, true, 500, 700, 10 * Mm + 500, -20 * Mm + 700,
-       -10 * Mm + 500, 20 * Mm + 700},
-      {"own coordinates", true, false, 0, 0, 10 * Mm, 20 * Mm, 30 * Mm, 60 * Mm},
-      // With the file's own coordinates the axis is still half the width: x becomes 20 mm - x.
-      {"own coordinates, mirrored", true, true, 0, 0, 10 * Mm, 20 * Mm, -10 * Mm, 60 * Mm},
-      {"own coordinates, moved", true, false, -3, 4, 10 * Mm - 3, 20 * Mm + 4, 30 * Mm - 3,
-       60 * Mm + 4},
+      {false, false, 0, 0, -10 * Mm, -20 * Mm, 10 * Mm, 20 * Mm},  // centred
+      // Centred, moved, mirrored: the mirror axis of a centred file is its offset.
+      {false, true, 500, 700, 10 * Mm + 500, -20 * Mm + 700, -10 * Mm + 500, 20 * Mm + 700},
+      {true, false, 0, 0, 10 * Mm, 20 * Mm, 30 * Mm, 60 * Mm},  // own coordinates
+      // Own coordinates, mirrored: the axis is still half the width, x becomes 20 mm - x.
+      {true, true, 0, 0, 10 * Mm, 20 * Mm, -10 * Mm, 60 * Mm},
+      {true, false, -3, 4, 10 * Mm - 3, 20 * Mm + 4, 30 * Mm - 3, 60 * Mm + 4},  // and moved
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(testing::Message()
+                 << "original " << c.original << " mirror " << c.mirror << " offset " << c.offsetX);
     EnsureLayerSymbol(store, drill, true);
     LayerFileRecord file = drillFile();
     file.OriginalCoordinates = c.original;
