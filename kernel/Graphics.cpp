@@ -281,6 +281,18 @@ int32_t Graphics::G_DPtoLP(int32_t dev, int32_t& x, int32_t& y) const {
   return 1;
 }
 
+int32_t Graphics::G_LPtoDP(int32_t dev, int32_t& x, int32_t& y) const {
+  Device* d = impl_->device(dev);
+  if (!d || d->view.Scale <= 0)
+    return 0;
+  double dx = (double(x) - d->view.OriginX) * d->scale;
+  if (d->mirror)
+    dx = -dx;
+  x = clampToInt32(std::floor(dx + d->offsetX));
+  y = clampToInt32(std::floor(d->offsetY - (double(y) - d->view.OriginY) * d->scale));
+  return 1;
+}
+
 int32_t Graphics::G_AngleAdj(int32_t angle) { return normalisedAngle(angle); }
 
 void Graphics::G_GetAllRGBColors(int32_t, uint32_t* table) {

@@ -111,6 +111,8 @@ public:
   int32_t G_DrawGrid(int32_t dev, const FrameRect& deviceRect, int32_t step, int32_t flag);
 
   // Geometry helpers.
+  // The device pixel of a world point, as the device was last opened; 0 without a view.
+  int32_t G_LPtoDP(int32_t dev, int32_t& x, int32_t& y) const;
   int32_t G_DPtoLP(int32_t dev, int32_t& x, int32_t& y) const;
   static int32_t G_AngleAdj(int32_t angle);
   // Brings an arc into the store's form: positive radius, start in 0..359999, positive sweep.

@@ -27,16 +27,10 @@
 #include <QStatusBar>
 #include <QTextBrowser>
 #include <QToolButton>
-#include <QWheelEvent>
-
-#include <cstdlib>
 
 namespace tvx {
 
 namespace {
-
-// The key code of Escape as Form_KeyDown takes it.
-constexpr int KeyEscape = 27;
 
 // The busy panel's two pictures: a red lamp while working, a green one when idle.
 QPixmap lampPicture(bool busy) {
@@ -109,6 +103,7 @@ GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
 
   buildStatusBar();
   buildMenus();
+  buildPointerInput();
 }
 
 GBRVIEWER_MAIN::~GBRVIEWER_MAIN() = default;
@@ -137,7 +132,7 @@ void GBRVIEWER_MAIN::buildStatusBar() {
   // A panel that looks pressed while the mouse holds it, and acts as the Escape key.
   connect(escPanel_, &QToolButton::clicked, this, [this] {
     if (escPanel_->objectName().trimmed().toUpper() == EscPanel)
-      Form_KeyDown(KeyEscape, 0);
+      Form_KeyDown(keycode::Escape, 0);
   });
   messagePanel_ = new QLabel(bar);
   messagePanel_->setObjectName(MessagePanel);
@@ -165,11 +160,6 @@ void GBRVIEWER_MAIN::UpdateStatusBusy() {
   setBusyPicture(BusyPicture);
 }
 
-void GBRVIEWER_MAIN::Form_KeyDown(int KeyCode, int /*Shift*/) {
-  if (KeyCode == KeyEscape)
-    pointerToolActive_ = false;
-}
-
 // --- Menu bar ----------------------------------------------------------------------------------
 
 void GBRVIEWER_MAIN::buildMenus() {
@@ -185,6 +175,7 @@ void GBRVIEWER_MAIN::buildMenus() {
   file->setObjectName("M_File");
   entry(file, "M_FSIimport", "&Import Artworks&&Drilling", &GBRVIEWER_MAIN::M_FSIimport_Click);
   entry(file, "M_Scopy", "Copy Screen to Clipboard", &GBRVIEWER_MAIN::M_Scopy_Click);
+  entry(file, "M_BScopy", "Copy Block to Clipboard", &GBRVIEWER_MAIN::M_BScopy_Click);
   file->addSeparator();
   entry(file, "M_Exit", "E&xit", &GBRVIEWER_MAIN::M_Exit_Click);
 
@@ -205,6 +196,7 @@ void GBRVIEWER_MAIN::buildMenus() {
   entry(viewMenu, "M_Mono", "Mono&chrome", &GBRVIEWER_MAIN::M_Mono_Click, true);
   viewMenu->addSeparator();
   entry(viewMenu, "M_Sbars", "Scroll Bars", &GBRVIEWER_MAIN::M_Sbars_Click, true);
+  entry(viewMenu, "M_LCursor", "Long &Cursor", &GBRVIEWER_MAIN::M_LCursor_Click, true);
 
   QMenu* help = menuBar()->addMenu("&Help");
   help->setObjectName("M_Help");
@@ -339,26 +331,6 @@ bool GBRVIEWER_MAIN::saveViewPicture(const std::string& path) const {
   }
   const QImage* image = context_.kernel.graphics.shadowImage(cpDcId_);
   return image && !image->isNull() && image->save(QString::fromStdString(path), "PNG");
-}
-
-bool GBRVIEWER_MAIN::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == viewPicture_ && event->type() == QEvent::Wheel && cpDcId_ != 0) {
-    // The wheel steps through the precision table, keeping the point under the pointer; the
-    // steps of one event are shown by one redraw.
-    auto* wheel = static_cast<QWheelEvent*>(event);
-    const int32_t steps = wheelSteps_.add(wheel->angleDelta().y(), wheel->pixelDelta().y());
-    if (steps != 0) {
-      const QPoint at = wheel->position().toPoint();
-      view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
-      ViewChange change;
-      for (int32_t step = 0; step < std::abs(steps); ++step)
-        change |= view_->wheelZoom(steps > 0 ? WheelSteps::AnglePerStep : -WheelSteps::AnglePerStep,
-                                   at.x(), at.y());
-      applyViewChange(change);
-    }
-    return true;
-  }
-  return QMainWindow::eventFilter(watched, event);
 }
 
 // --- Host commands

@@ -10,10 +10,13 @@
 #include "common/WheelSteps.h"
 #include "platform/ViewerWorkFolder.h"
 #include "shell/ComponentContext.h"
+#include "shell/FunctionKeys.h"
 #include "shell/MenuFile.h"
 #include "shell/ViewerSettings.h"
 #include "store/ColourSlots.h"
 #include "store/Layers.h"
+#include "viewer/KeyboardInput.h"
+#include "viewer/PointerTools.h"
 #include "viewer/Redraw.h"
 #include "viewer/ViewState.h"
 
@@ -31,9 +34,11 @@
 class QAction;
 class QCloseEvent;
 class QFileDialog;
+class QKeyEvent;
 class QLabel;
 class QScrollBar;
 class QToolButton;
+class QWheelEvent;
 
 namespace tvx {
 
@@ -101,7 +106,7 @@ public:
   void ShutDown();
   // Unloads the window without asking Form_QueryUnload: the component itself is going away.
   void unloadUnconditionally();
-  // The keys the window acts on so far: Escape ends a pointer tool.
+  // A key of the window, by the key codes of viewer/KeyboardInput.h (MainPointer.cpp).
   void Form_KeyDown(int KeyCode, int Shift);
 
   // Executes one incoming command "addressee,verb[,...]".
@@ -158,9 +163,16 @@ public:
   // The import window while it is loaded.
   GBRVIEWER_IMPORT* importWindow() const;
 
-  // Set by the pointer tools while a tool or a rubber figure runs.
-  bool pointerToolActive() const { return pointerToolActive_; }
-  void setPointerToolActive(bool active) { pointerToolActive_ = active; }
+  // The pointer tools, the keys and the functions' keys (MainPointer.cpp).
+  PointerTools& pointerTools() { return *pointer_; }
+  KeyboardInput& keyboard() { return *keyboard_; }
+  FunctionKeys& functionKeys() { return *keys_; }
+  // A tool that keeps the window open and on the screen runs (any but the layer properties).
+  bool pointerToolActive() const { return pointer_->ToolCode > toolcode::LayerProperties; }
+  // Asks yes or no through the pop-up menu M_Conf at a view pixel; closing it answers no.
+  bool ConfirmYESNO(const std::string& text, int32_t X, int32_t Y);
+  void M_BScopy_Click();
+  void M_LCursor_Click();
   // Set by the import dialog while it is loaded and visible.
   bool importDialogVisible() const;
   void setImportDialogVisible(bool visible);
@@ -238,6 +250,12 @@ private:
   // Loads the import window for the job's file, wired to this window; the one that is loaded
   // already is used again.
   GBRVIEWER_IMPORT& loadImportWindow();
+  // Pointer, keys and wheel (MainPointer.cpp).
+  void buildPointerInput();
+  void viewPointer(int action, int button, int shift, double x, double y);
+  bool routeKey(QKeyEvent* event);
+  bool routeWheel(QObject* watched, QWheelEvent* event);
+  void setViewCursor(int32_t cursor);
 
   ComponentContext context_;
   UserStore* userStore_ = nullptr;
@@ -258,6 +276,10 @@ private:
   std::unique_ptr<LayerTables> tables_;
   std::unique_ptr<ColourSlots> colours_;
   std::unique_ptr<ViewRedraw> redraw_;
+  std::unique_ptr<PointerTools> pointer_;
+  std::unique_ptr<FunctionKeys> keys_;
+  std::unique_ptr<KeyboardInput> keyboard_;
+  bool inWheel_ = false;
   std::unique_ptr<ImportSession> import_;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;
@@ -270,7 +292,6 @@ private:
   bool loaded_ = false;
   bool unloading_ = false;
   bool exitAnyWay_ = false;
-  bool pointerToolActive_ = false;
   bool layersBuilt_ = false;
   bool resizeStartup_ = false;
   bool firstResize_ = false;

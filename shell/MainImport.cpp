@@ -33,14 +33,13 @@ constexpr const char* DisplayFileId = "151217";
 constexpr const char* DisplayFileText = "Display file?";
 constexpr const char* UnrecognisedId = "151218";
 constexpr const char* UnrecognisedText = "Unrecognized  format";
-constexpr int KeyEscape = 27;
 
 }  // namespace
 
 void GBRVIEWER_MAIN::M_FSIimport_Click() {
   if (!import_)
     return;
-  Form_KeyDown(KeyEscape, 0);
+  Form_KeyDown(keycode::Escape, 0);
   import_->startJob({}, ImportKind::Unknown);
   if (fileRequest_) {
     fileRequest_->raise();

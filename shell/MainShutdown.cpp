@@ -23,7 +23,7 @@
 namespace tvx {
 
 void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t /*UnloadMode*/) {
-  if (pointerToolActive_) {
+  if (pointerToolActive()) {
     Cancel = true;
     return;
   }
@@ -42,7 +42,7 @@ void GBRVIEWER_MAIN::Form_QueryUnload(bool& Cancel, int16_t /*UnloadMode*/) {
 // Unload, in the order of its steps. While start-up has not got the view ready it only reports.
 void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
   Kernel& kernel = context_.kernel;
-  viewPicture_->removeEventFilter(this);
+  qApp->removeEventFilter(this);
   if (!exitAnyWay_) {
     kernel.strings.E_SetString(ComponentName, "");
     {
@@ -143,7 +143,7 @@ void GBRVIEWER_MAIN::Form_Resize() {
   if (!loaded_ || unloading_)
     return;
   const bool minimised = (windowState() & Qt::WindowMinimized) != 0;
-  if (minimised && pointerToolActive_) {
+  if (minimised && pointerToolActive()) {
     // A running tool keeps the window on the screen.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     return;

@@ -15,6 +15,7 @@
 #include "shell/Language.h"
 #include "viewer/widgets/ViewPicture.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QScreen>
@@ -43,7 +44,6 @@ constexpr int32_t FallbackRaster = 254000;
 
 void GBRVIEWER_MAIN::resetMembers() {
   exitAnyWay_ = false;
-  pointerToolActive_ = false;
   resizeStartup_ = firstResize_ = false;
   minimisingAll_ = false;
   toolbarsLocked_ = false;
@@ -57,6 +57,7 @@ void GBRVIEWER_MAIN::resetMembers() {
   viewerTitle_.clear();
   settings_ = ViewerSettings{};
   functions_ = FunctionTable{};
+  pointer_->reset();
   ViewRedraw& r = *redraw_;
   r.RedrawPending = r.PaintBusy = r.RedrawBusy = r.ResizeBusy = r.ResizePending = false;
   r.HLDCode = r.HLPadstack = 0;
@@ -89,8 +90,8 @@ void GBRVIEWER_MAIN::Form_Load() {
     ShutDown();
     return;
   }
-  // The wheel reaches the view through an event filter on the view picture.
-  viewPicture_->installEventFilter(this);
+  // Keys and the wheel reach the window before its controls: an application-wide filter.
+  qApp->installEventFilter(this);
   exitAnyWay_ = false;
 
   localizeWindow();
@@ -203,6 +204,7 @@ void GBRVIEWER_MAIN::localizeWindow() {
 void GBRVIEWER_MAIN::ApplySystemSettings() {
   Kernel& kernel = context_.kernel;
   SystemServices& services = context_.services;
+  pointer_->reset();
   ViewRedraw& r = *redraw_;
   const bool wasBusy = r.RedrawBusy;
   r.RedrawBusy = true;

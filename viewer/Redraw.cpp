@@ -153,6 +153,8 @@ void ViewRedraw::rebuild() {
   setBackgroundSlots(0);
   if (MiddleDragTimed && hooks.ticks)
     RedrawTime = int32_t(hooks.ticks() - started);
+  if (hooks.rebuilt)
+    hooks.rebuilt();
 }
 
 void ViewRedraw::setBackgroundSlots(int32_t state) {

@@ -33,6 +33,7 @@ struct RedrawHooks {
   std::function<void(int32_t device)> drawDragMark;      // a running pan's mark at its start
   std::function<void(int32_t device)> drawReferencePoint;
   std::function<uint32_t()> ticks;  // milliseconds, for RedrawTime
+  std::function<void()> rebuilt;    // the picture was drawn afresh: no overlay is left on it
 };
 
 // The display options with a menu entry and a tool each.

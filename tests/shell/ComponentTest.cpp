@@ -35,7 +35,7 @@ TEST_F(ComponentTest, LoadShowsTheWindowInTheRequestedState) {
 // user's close take the same path.
 TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
   load(windowstate::Minimised);
-  window()->setPointerToolActive(true);
+  window()->pointerTools().StartTool(toolcode::Box);
   window()->setImportDialogVisible(true);
   component->NotifyMe("TARVEX", "All,EX");
   EXPECT_FALSE(window()->close());
@@ -43,7 +43,7 @@ TEST_F(ComponentTest, CloseRefusalsComeInTheirOrder) {
       std::tuple(window()->windowStateCode(), window()->isVisible(), kernelString(ComponentName)),
       std::tuple(windowstate::Minimised, true, std::string(RunningMarker)));
 
-  window()->setPointerToolActive(false);
+  window()->pointerTools().FinishMove(0, 0);
   component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
   EXPECT_EQ(window()->windowStateCode(), windowstate::Normal);
 
@@ -113,7 +113,7 @@ TEST_F(ComponentTest, WindowCanBeLoadedAgainAfterShutdown) {
   ASSERT_FALSE(window()->isLoaded() || window()->isVisible());
   component->NotifyMe("TARVEX", "All,EX");
   EXPECT_EQ(sent, shutdownOnly()) << "an unloaded window has nothing more to report";
-  window()->setPointerToolActive(true);
+  window()->pointerTools().StartTool(toolcode::Box);
   load(windowstate::Maximised);
   EXPECT_EQ(std::tuple(window()->pointerToolActive(), kernelString(ComponentName),
                        window()->windowStateCode()),

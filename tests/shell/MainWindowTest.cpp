@@ -82,7 +82,7 @@ TEST_F(MainWindowTest, StartUpEndsIdleWithTheFileRequestOpen) {
   auto* esc = qobject_cast<QToolButton*>(w.statusPanel(EscPanel));
   ASSERT_NE(esc, nullptr);
   EXPECT_EQ(esc->text().toStdString(), "Esc");
-  w.setPointerToolActive(true);
+  w.pointerTools().StartTool(toolcode::Box);
   esc->click();
   EXPECT_FALSE(w.pointerToolActive());
 }

@@ -1,6 +1,8 @@
 // The view picture: the widget the kernel's view device draws for. It shows the device's shadow
 // image, and hands every paint the window system asks for to the window's paint first, so that a
-// pending rebuild happens before the picture is shown.
+// pending rebuild happens before the picture is shown. Presses, moves and releases go to the
+// window's pointer handler with the buttons (1 left, 2 right, 4 middle) and Shift bits (1 Shift,
+// 2 Ctrl, 4 Alt) of the pointer tools.
 #pragma once
 
 #include <QWidget>
@@ -8,6 +10,7 @@
 #include <functional>
 
 class QImage;
+class QMouseEvent;
 
 namespace tvx {
 
@@ -21,6 +24,11 @@ public:
   void setPaintHandler(std::function<void()> handler) { paintHandler_ = std::move(handler); }
   // The picture shown: the view device's shadow image (may be null until the device exists).
   void setImageSource(std::function<const QImage*()> source) { imageSource_ = std::move(source); }
+  enum class PointerAction { Press, Move, Release };
+  using PointerHandler =
+      std::function<void(PointerAction, int button, int shift, double x, double y)>;
+  void setPointerHandler(PointerHandler handler) { pointerHandler_ = std::move(handler); }
+
   // Called when the device presents its picture (G_CloseDC with 1): schedules a repaint unless
   // the picture is being painted right now.
   void present();
@@ -30,8 +38,14 @@ public:
 
 protected:
   void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+  void forward(PointerAction action, QMouseEvent* event, int button);
+
+  PointerHandler pointerHandler_;
   std::function<void()> paintHandler_;
   std::function<const QImage*()> imageSource_;
   bool painting_ = false;
