@@ -73,6 +73,13 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
   if (query.rfind("SAVEVIEW,", 0) == 0) {
     const bool saved = window && window->saveViewPicture(argumentOf("SAVEVIEW,"));
     answer = line(std::string("SAVEVIEW,") + (saved ? "OK" : "FAILED"));
+  } else if (query == "VIEWSTATE") {
+    answer = line(window ? "VIEWSTATE," + std::to_string(window->view().m_Precision) + "," +
+                               std::to_string(window->view().ViewCenterX) + "," +
+                               std::to_string(window->view().ViewCenterY) + "," +
+                               std::to_string(window->pointerTools().ToolCode) + "\t" +
+                               window->MessageLine()
+                         : std::string("VIEWSTATE,NONE"));
   } else if (query == "MSGLINE") {
     answer = line("MSGLINE\t" + (window ? window->MessageLine() : std::string()));
   } else if (query == "IMPORTROWS") {

@@ -1,0 +1,108 @@
+// The view worked with the mouse, the wheel and the keyboard, through real X input on the demo
+// board as `make run` shows it: the wheel zooms about the pointer, a middle drag pans, Shift+B
+// and two clicks frame a box, Tab goes back, Escape ends a box without effect.
+#include "e2e/HostDriver.h"
+
+#include <QDir>
+
+namespace {
+
+using test::ScreenRect;
+using test::waitUntil;
+
+struct ViewNow {
+  int64_t precision = 0, centreX = 0, centreY = 0;  // centreY negated, as the view keeps it
+  int tool = -1;
+  QString message;
+  bool operator==(const ViewNow& o) const {
+    return precision == o.precision && centreX == o.centreX && centreY == o.centreY;
+  }
+};
+
+class ViewRoad : public test::HostDriver {
+protected:
+  ViewNow state() {
+    const QStringList lines = ask("TARVEX,VIEWSTATE", "VIEWSTATE");
+    ViewNow now;
+    if (lines.isEmpty())
+      return now;
+    const QString answer = lines.back().section('\t', 1);
+    const QStringList fields = answer.section('\t', 0, 0).split(',');
+    if (fields.size() == 5) {
+      now.precision = fields[1].toLongLong();
+      now.centreX = fields[2].toLongLong();
+      now.centreY = fields[3].toLongLong();
+      now.tool = fields[4].toInt();
+    }
+    now.message = answer.section('\t', 1);
+    return now;
+  }
+  ViewNow stateWhen(const std::function<bool(const ViewNow&)>& ok) {
+    ViewNow now;
+    waitUntil([&] { return ok(now = state()); });
+    return now;
+  }
+  void moveTo(int toX, int toY) { xdo({"mousemove", QString::number(toX), QString::number(toY)}); }
+};
+
+TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
+  QStringList files;
+  for (const char* name : {"demo-top.gbr", "demo-silk-top.gbr", "demo-outline.gbr", "demo.drl"})
+    files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
+  host.start(test::binary("tarvex-gbrviewer"), files);
+  ASSERT_TRUE(host.waitForStarted(10000));
+  const ViewNow fit = stateWhen([](const ViewNow& v) { return v.precision > 0; });
+  const ScreenRect view = place("PLACE,ViewPicture", "PLACE,");
+  ASSERT_TRUE(view.valid());
+  const int midX = view.x + view.width / 2, midY = view.y + view.height / 2;
+
+  // Two wheel clicks towards the user zoom in about the pointer: its world point stays.
+  const int px = midX + 120, py = midY - 80;
+  moveTo(px, py);
+  xdo({"click", "5"});
+  xdo({"click", "5"});
+  const ViewNow zoomed = stateWhen([&](const ViewNow& v) { return v.precision < fit.precision; });
+  const auto worldX = [&](const ViewNow& v) { return v.centreX + (px - midX) * v.precision; };
+  EXPECT_NEAR(double(worldX(zoomed)), double(worldX(fit)), 2.0 * zoomed.precision);
+
+  // A middle drag 100 pixels left and 50 down moves the centre right and up by as much.
+  moveTo(midX, midY);
+  xdo({"mousedown", "2"});
+  for (int step = 1; step <= 5; ++step)
+    moveTo(midX - 20 * step, midY + 10 * step);
+  xdo({"mouseup", "2"});
+  const ViewNow panned = stateWhen([&](const ViewNow& v) { return v.centreX != zoomed.centreX; });
+  EXPECT_NEAR(double(panned.centreX - zoomed.centreX), 100.0 * zoomed.precision,
+              2.0 * zoomed.precision);
+  EXPECT_NEAR(double(panned.centreY - zoomed.centreY), -50.0 * zoomed.precision,
+              2.0 * zoomed.precision);
+
+  // Tab remembers this view; Shift+B and two clicks frame a box; Tab comes back.
+  xdo({"key", "Tab"});
+  xdo({"key", "shift+b"});
+  moveTo(midX - 60, midY - 40);
+  xdo({"click", "1"});
+  ViewNow boxing = stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  EXPECT_EQ(boxing.tool, 600);
+  moveTo(midX + 60, midY + 40);
+  xdo({"click", "1"});
+  const ViewNow framed = stateWhen([&](const ViewNow& v) { return v.tool == 0; });
+  EXPECT_LT(framed.precision, panned.precision);
+  EXPECT_NEAR(double(framed.centreX), double(panned.centreX), 2.0 * panned.precision)
+      << "the box was centred on the view";
+  xdo({"key", "Tab"});
+  EXPECT_EQ(stateWhen([&](const ViewNow& v) { return v == panned; }), panned);
+
+  // Escape during a box ends it without effect and with nothing left armed.
+  xdo({"key", "shift+b"});
+  moveTo(midX - 60, midY - 40);
+  xdo({"click", "1"});
+  stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  moveTo(midX + 30, midY + 30);
+  xdo({"key", "Escape"});
+  const ViewNow escaped = stateWhen([](const ViewNow& v) { return v.tool == 0; });
+  EXPECT_EQ(escaped, panned);
+  EXPECT_EQ(escaped.message, "");
+}
+
+}  // namespace
