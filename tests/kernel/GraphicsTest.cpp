@@ -1,5 +1,6 @@
-// The drawing engine on offscreen images: transform, colours, modes and element drawing; grid,
-// geometry helpers, text sizes, polygon drawing at an offset, clipboard and cursors.
+// The drawing engine on offscreen images: transform, colours, modes and element drawing, 8-bit
+// pictures drawn without a painter; grid, geometry helpers, text sizes, polygon drawing at an
+// offset, clipboard and cursors.
 #include "kernel/Kernel.h"
 #include "kernel/Palette.h"
 #include "support/GuiTestApplication.h"
@@ -24,16 +25,20 @@ protected:
     k.store.S_CreateSymbol(sym, "S");
   }
 
-  // Draws the symbol on w x h pixels, scale store units per pixel, centred on (ox, oy).
-  QImage render(int w, int h, int32_t scale, int32_t ox, int32_t oy, int32_t mode = 4) {
-    QImage image(w, h, QImage::Format_RGB32);
+  // Draws the symbol on w x h pixels of the format, scale store units per pixel, centred on
+  // (ox, oy); leftOut tells whether a figure that needs a painter was left out.
+  QImage render(int w, int h, int32_t scale, int32_t ox, int32_t oy, int32_t mode = 4,
+                QImage::Format format = QImage::Format_RGB32, int32_t drawMode = drawmode::Normal) {
+    QImage image(w, h, format);
     int32_t dev = k.graphics.G_GetDC(&image);
     ViewSetup v{scale, w, h, ox, oy, mode};
     EXPECT_EQ(k.graphics.G_OpenDC(dev, v, 0), 1);
     k.graphics.G_ChangeBackgroundColor(dev, 0);
     k.graphics.G_CreateShadowBitmap(dev);
+    k.graphics.G_SetDrawMode(dev, drawMode);
     k.graphics.S_DrawSymbol(dev, sym, 1, 1);
     k.graphics.G_CloseDC(dev, 1);
+    leftOut = k.graphics.figuresLeftOut(dev);
     k.graphics.G_DeleteDC(dev);
     return image;
   }
@@ -47,6 +52,7 @@ protected:
 
   Kernel k;
   SymbolId sym = -76503;
+  bool leftOut = false;
 };
 
 TEST_F(GraphicsTest, DeviceToStoreIsTheInverseOfTheView) {
@@ -173,6 +179,48 @@ TEST_F(GraphicsTest, PartialViewsMatchTheWholePicture) {
       differing += delta > 64;
     }
   EXPECT_LE(differing, 20);
+}
+
+// An 8-bit picture with a palette is drawn by the span rasteriser alone: the same pixels as a
+// 32-bit one.
+TEST_F(GraphicsTest, AnIndexedPictureDrawsTheSamePixelsAsAColourPicture) {
+  std::mt19937 rng(11);
+  std::uniform_int_distribution<int32_t> pos(-25000, 25000), size(100, 8000), angle(0, 359999);
+  const int32_t types[] = {ItemLine, ItemCircle, ItemRectangle, ItemArc, ItemTriangle};
+  for (int i = 0; i < 400; ++i) {
+    const int32_t type = types[i % 5];
+    add(Item(type)
+            .at(pos(rng), pos(rng))
+            .size(size(rng), size(rng))
+            .pen(size(rng) / 8)
+            .angle(type == ItemTriangle ? pos(rng) : angle(rng))
+            .sweep(type == ItemTriangle ? pos(rng) : 90000)
+            .style(i % 2 ? StyleFilled : 0)
+            .colour(i % 32));
+  }
+  const QImage colour = render(300, 200, 200, 0, 0, 4, QImage::Format_RGB32, 0);
+  const QImage indexed = render(300, 200, 200, 0, 0, 4, QImage::Format_Indexed8, 0);
+  EXPECT_FALSE(leftOut);
+  EXPECT_LE(indexed.colorCount(), 33);
+  EXPECT_EQ(indexed.convertToFormat(QImage::Format_RGB32), colour);
+}
+
+// A figure that only a painter draws is noted as left out of an indexed picture.
+TEST_F(GraphicsTest, FiguresOnlyAPainterDrawsAreNotedAsLeftOut) {
+  add(Item(ItemRectangle).at(0, 0).size(5000, 5000).filled().colour(12));
+  const auto indexedLeftOut = [this](int32_t drawMode) {
+    render(300, 200, 200, 0, 0, 4, QImage::Format_Indexed8, drawMode);
+    return leftOut;
+  };
+  EXPECT_FALSE(indexedLeftOut(0));
+  EXPECT_TRUE(indexedLeftOut(drawmode::ExclusiveOr));
+  EXPECT_FALSE(indexedLeftOut(0)) << "each pass starts anew";
+  Item text(ItemVectorText);
+  text.Text = "TEXT";
+  add(text.at(-10000, 0).size(3000, 3000).colour(15));
+  EXPECT_TRUE(indexedLeftOut(0));
+  render(300, 200, 200, 0, 0, 4, QImage::Format_RGB32, 0);
+  EXPECT_FALSE(leftOut) << "a painter draws it there";
 }
 
 class GraphicsServicesTest : public ::testing::Test {
