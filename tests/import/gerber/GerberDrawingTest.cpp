@@ -343,6 +343,15 @@ struct ReaderRun {
     job.SourcePath = pass.source;
     job.Kind = ImportKind::ArtworkRS274X;
   }
+  // The import into an emptied layer, with a fresh scan and no messages yet; its status.
+  int32_t import(LayerRecord& layer, LayerFileRecord& file) {
+    pass.reporting.prompts.shown.clear();
+    pass.scan = GerberScan{};
+    EnsureLayerSymbol(store, layer, true);
+    int32_t status = 99;  // set anew by the reader
+    reader.importFile(status, job, layer, file);
+    return status;
+  }
 };
 
 TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateFile) {
@@ -359,14 +368,7 @@ TEST(GerberFileReader, ScanThenImportDrawsTheFileAndReportsADamagedIntermediateF
   auto layers = test::makeLayers();
   LayerRecord& layer = layers[0];
   LayerFileRecord& file = StartLayerFile(job, layer, true);
-  const auto run = [&] {
-    pass.reporting.prompts.shown.clear();
-    pass.scan = GerberScan{};
-    EnsureLayerSymbol(store, layer, true);
-    int32_t status = 99;  // set anew by the reader
-    reader.importFile(status, job, layer, file);
-    return status;
-  };
+  const auto run = [&] { return r.import(layer, file); };
   const auto elements = [&] {
     return store.OA_GetCount(store.S_SymbolItemArray(layer.SymbolHandle)) +
            store.OA_GetCount(store.S_SymbolEntryArray(layer.SymbolHandle));
@@ -415,10 +417,7 @@ TEST(GerberFileReader, ALayerWithoutElementsIsImportedEmptyWithAMessage) {
     std::ofstream(pass.source, std::ios::binary) << text;
     ASSERT_EQ(reader.scan(job), ScanResult::Scanned);
     auto layers = test::makeLayers();
-    LayerFileRecord& file = StartLayerFile(job, layers[0], true);
-    EnsureLayerSymbol(store, layers[0], true);
-    int32_t status = 99;
-    reader.importFile(status, job, layers[0], file);
+    const int32_t status = r.import(layers[0], StartLayerFile(job, layers[0], true));
     const std::vector<std::string> said =
         items == 0 ? std::vector<std::string>{"Nothing to import: " + pass.source}
                    : std::vector<std::string>{};
