@@ -352,37 +352,32 @@ namespace {
 // What the pass drops or cuts is noted once, at the line where it stands; a sound file gives none.
 TEST(GerberTextPassNotes, BadNumbersAndCutFilesAreNotedByLine) {
   const std::string head = "%FSLAX24Y24*%\n%MOIN*%\n";
+  const std::string cut = head + "%ADD10C,0.01*%\nD10*\nX0Y0D03*\n";
+  const std::vector<InputNote> cutInABlock = {
+      {0, 6, "the file ends inside a block, which is dropped"}};
   struct Case {
-    const char* name;
     std::string text;
     std::vector<InputNote> notes;  // offsets are not compared
   } cases[] = {
-      {"a sound file", head + "%ADD10C,0.01*%\nD10*\nX0Y0D03*\nM02*\n", {}},
-      {"numbers that are none",
-       head + "%ADD10C,nan*%\n%ADD11R,0.1Xinf*%\n%ADD12C,1e999*%\nD10*\nX0Y0D03*\nM02*\n",
+      {cut + "M02*\n", {}},  // a sound file
+      {head + "%ADD10C,nan*%\n%ADD11R,0.1Xinf*%\n%ADD12C,1e999*%\nD10*\nX0Y0D03*\nM02*\n",
        {{0, 3, "aperture D10: \"nan\" is no number, read as 0"},
         {0, 4, "aperture D11: \"inf\" is no number, read as 0"},
         {0, 5, "aperture D12: \"1e999\" is no number, read as 0"}}},
-      {"a division by zero in a macro",
-       head + "%AMBOX*21,1,$1/0,$1,0,0,0*%\n%ADD10BOX,0.1*%\nD10*\nX0Y0D03*\nM02*\n",
+      {head + "%AMBOX*21,1,$1/0,$1,0,0,0*%\n%ADD10BOX,0.1*%\nD10*\nX0Y0D03*\nM02*\n",
        {{0, 4,
          "aperture D10 (macro BOX): 1 step of its arithmetic gave no number (a division "
          "by zero or an overflow), passed over"}}},
-      {"step and repeat counts over the limits",
-       head + "%SRX5000Y1I0.1J0.1*%\n%SRX100Y200I0.1J0.1*%\n%ADD10C,0.01*%\nD10*\nX0Y0D03*\n"
+      {head + "%SRX5000Y1I0.1J0.1*%\n%SRX100Y200I0.1J0.1*%\n%ADD10C,0.01*%\nD10*\nX0Y0D03*\n"
               "%SR*%\nM02*\n",
        {{0, 3, "step and repeat: X count 5000 cut to 1000"},
         {0, 4, "step and repeat: Y count cut to 100, for at most 10000 copies"}}},
-      {"no M02", head + "%ADD10C,0.01*%\nD10*\nX0Y0D03*\n", {{0, 6, "the file ends without M02"}}},
-      {"cut in a block",
-       head + "%ADD10C,0.01*%\nD10*\nX0Y0D03*\nX100Y1",
-       {{0, 6, "the file ends inside a block, which is dropped"}}},
-      {"cut in a parameter block",
-       head + "%ADD10C,0.01*%\nD10*\nX0Y0D03*\n%ADD11C,0.0",
-       {{0, 6, "the file ends inside a block, which is dropped"}}},
+      {cut, {{0, 6, "the file ends without M02"}}},
+      {cut + "X100Y1", cutInABlock},
+      {cut + "%ADD11C,0.0", cutInABlock},  // in a parameter block
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text);
     test::GerberPass pass;
     EXPECT_EQ(pass.run(c.text), 0);
     std::vector<InputNote> notes = pass.scan.Notes;
