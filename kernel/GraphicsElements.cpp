@@ -7,6 +7,7 @@
 #include <QPolygonF>
 
 #include <cmath>
+#include <optional>
 
 namespace tvx {
 
@@ -389,12 +390,64 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
       drawAt(i, nullptr);
 }
 
+namespace {
+
+// Exclusive-or of a colour into a row or a column of a 32-bit picture, clipped to it. The alpha
+// byte is left as it is.
+void xorRow(QImage& image, double y, double x0, double x1, uint32_t rgb) {
+  const int row = int(std::floor(y));
+  if (row < 0 || row >= image.height())
+    return;
+  const int from = int(std::max(0.0, std::floor(std::min(x0, x1))));
+  const int to = int(std::min(double(image.width() - 1), std::floor(std::max(x0, x1))));
+  auto* pixels = reinterpret_cast<uint32_t*>(image.scanLine(row));
+  for (int x = from; x <= to; ++x)
+    pixels[x] ^= rgb;
+}
+
+void xorColumn(QImage& image, double x, double y0, double y1, uint32_t rgb) {
+  const int column = int(std::floor(x));
+  if (column < 0 || column >= image.width())
+    return;
+  const int from = int(std::max(0.0, std::floor(std::min(y0, y1))));
+  const int to = int(std::min(double(image.height() - 1), std::floor(std::max(y0, y1))));
+  for (int y = from; y <= to; ++y)
+    reinterpret_cast<uint32_t*>(image.scanLine(y))[column] ^= rgb;
+}
+
+}  // namespace
+
+std::optional<uint32_t> Graphics::Impl::straightXorColour(Device& d) {
+  // The rubber figures of the tools: exclusive-or hairlines on a 32-bit picture. Set straight
+  // into the pixels, a step costs the pixels it touches; a painter costs far more to start up,
+  // and hands long lines to its threads.
+  const QImage* image = d.rasterImage;
+  if (!(d.drawMode & drawmode::ExclusiveOr) || d.style != penstyle::Outline || !image ||
+      (image->format() != QImage::Format_RGB32 && image->format() != QImage::Format_ARGB32 &&
+       image->format() != QImage::Format_ARGB32_Premultiplied) ||
+      (!isOutlineView(d) && std::max(0, d.width) * d.scale >= 1.0))
+    return std::nullopt;
+  if (d.raster)
+    d.raster->flush();
+  return rgbOf(d, d.colour) & 0xFFFFFFu;
+}
+
 int32_t Graphics::G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
   Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
+  const QPointF a = d->toDevice(x1, y1), b = d->toDevice(x2, y2);
+  if (std::floor(a.y()) == std::floor(b.y()) || std::floor(a.x()) == std::floor(b.x())) {
+    if (const std::optional<uint32_t> rgb = impl_->straightXorColour(*d)) {
+      if (std::floor(a.y()) == std::floor(b.y()))
+        xorRow(*d->rasterImage, a.y(), a.x(), b.x(), *rgb);
+      else
+        xorColumn(*d->rasterImage, a.x(), a.y(), b.y(), *rgb);
+      return 1;
+    }
+  }
   impl_->applyPen(*d, d->colour, d->style, d->width);
-  d->painter->drawLine(d->toDevice(x1, y1), d->toDevice(x2, y2));
+  d->painter->drawLine(a, b);
   return 1;
 }
 
@@ -402,9 +455,24 @@ int32_t Graphics::G_Rectangle(int32_t dev, int32_t x, int32_t y, int32_t width, 
   Device* d = impl_->paintingDevice(dev);
   if (!d)
     return 0;
+  const QRectF r =
+      QRectF(d->toDevice(x, y), d->toDevice(double(x) + width, double(y) + height)).normalized();
+  if (const std::optional<uint32_t> colour = impl_->straightXorColour(*d)) {
+    const uint32_t rgb = *colour;
+    // Every pixel of the outline once, corners too, so that drawing it twice restores them.
+    QImage& image = *d->rasterImage;
+    xorRow(image, r.top(), r.left(), r.right(), rgb);
+    if (std::floor(r.bottom()) != std::floor(r.top()))
+      xorRow(image, r.bottom(), r.left(), r.right(), rgb);
+    if (std::floor(r.bottom()) - std::floor(r.top()) >= 2) {
+      xorColumn(image, r.left(), std::floor(r.top()) + 1, std::floor(r.bottom()) - 1, rgb);
+      if (std::floor(r.right()) != std::floor(r.left()))
+        xorColumn(image, r.right(), std::floor(r.top()) + 1, std::floor(r.bottom()) - 1, rgb);
+    }
+    return 1;
+  }
   impl_->applyPen(*d, d->colour, d->style, d->width);
-  QRectF r(d->toDevice(x, y), d->toDevice(double(x) + width, double(y) + height));
-  d->painter->drawRect(r.normalized());
+  d->painter->drawRect(r);
   return 1;
 }
 

@@ -16,6 +16,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tvx {
@@ -100,6 +101,9 @@ public:
   uint32_t rgbOf(const Device& d, int32_t colour) const;
   void applyPen(Device& d, int32_t colour, int32_t style, int32_t width);
   void applyMode(Device& d);
+  // The colour to set straight into the pixels for an exclusive-or hairline on a 32-bit
+  // picture; nothing when the figure goes to the painter.
+  std::optional<uint32_t> straightXorColour(Device& d);
 
   // Element drawing, all in store units on an open device.
   void drawItemFields(Device& d, const ItemFields& f, const std::string* text,

@@ -108,6 +108,34 @@ TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
   }
 }
 
+// The rubber box of the tools: an exclusive-or hairline rectangle (and the long cursor's lines)
+// changes every pixel of its outline once, corners too, clipped to the picture; twice, nothing.
+TEST_F(GraphicsTest, ExclusiveOrHairlinesTouchEachOutlinePixelOnce) {
+  QImage image(120, 80, QImage::Format_RGB32);
+  image.fill(Qt::darkGreen);
+  const QImage before = image;
+  const int32_t dev = k.graphics.G_GetDC(&image);
+  const auto draw = [&] {
+    ASSERT_EQ(k.graphics.G_OpenDC(dev, ViewSetup{100, 120, 80, 0, 0, 4}, 0), 1);
+    k.graphics.G_SetDrawMode(dev, 6);
+    k.graphics.G_SetColor(dev, 12);
+    k.graphics.G_Rectangle(dev, -2000, 1000, 3000, -2000);        // pixels 40..70 by 40..60
+    k.graphics.G_Line(dev, -220000000, -3000, 220000000, -3000);  // row 70, the whole width
+    k.graphics.G_CloseDC(dev, 0);
+  };
+  draw();
+  int changed = 0;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      changed += image.pixel(x, y) != before.pixel(x, y);
+  EXPECT_EQ(changed, 2 * 31 + 2 * 19 + 120);
+  EXPECT_NE(image.pixel(40, 30), before.pixel(40, 30)) << "a corner";
+  EXPECT_EQ(image.pixel(55, 40), before.pixel(55, 40)) << "inside";
+  draw();
+  EXPECT_EQ(image, before);
+  k.graphics.G_DeleteDC(dev);
+}
+
 TEST_F(GraphicsTest, PenWidthTrueSizeAndSkeletonOutline) {
   add(Item(ItemLine).at(-5000, 0).colour(15).pen(2000 /* 20 pixels */).size(10000));
   QImage img = render(200, 100, 100, 0, 0);
