@@ -399,8 +399,8 @@ TEST(GerberTextPassNotes, NotesBeyondTheMostAreCounted) {
   EXPECT_EQ(noteTexts(pass.scan).back(), "and 5 more of the same kinds");
 }
 
-// TMP.ART: the layout of a record, random access by record number, truncated files; the table
-// part with its sections written by the pass and read back, edited sizes written into place, and
+// TMP.ART: the layout of a record, random access by record number, truncated files; the tables
+// with their sections written by the pass and read back, edited sizes written into place, and
 // the buffered record streams underneath.
 std::string hex(const std::string& bytes) {
   static const char digits[] = "0123456789abcdef";
@@ -431,7 +431,7 @@ TEST(ArtRecordTest, LayoutIsTwentyOneLittleEndianBytesFieldByField) {
 
 TEST(ArtFileTest, RandomAccessByRecordNumber) {
   TempDir dir;
-  // An earlier scan's file is removed, not overwritten in part.
+  // An earlier scan's file is removed, not overwritten piecemeal.
   const std::string path = dir.write("TMP.ART", std::string(100, 'x'));
   ArtFile art;
   ASSERT_TRUE(art.create(path));
