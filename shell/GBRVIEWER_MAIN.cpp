@@ -320,6 +320,8 @@ void GBRVIEWER_MAIN::applyViewChange(const ViewChange& change) {
     RedrawScreen();
   if (change.FocusView)
     viewPicture_->setFocus();
+  if (change.RepeatPointerMove && pointer_)
+    pointer_->repeatPointerMove();
 }
 
 bool GBRVIEWER_MAIN::saveViewPicture(const std::string& path) const {
@@ -408,6 +410,18 @@ void GBRVIEWER_MAIN::setWindowStateCode(int16_t state) {
   }
 }
 
-void GBRVIEWER_MAIN::M_FSI_Click(int16_t function) { currentFunction_ = function; }
+void GBRVIEWER_MAIN::M_FSI_Click(int16_t function) {
+  if (function != currentFunction_ && function >= 0 && function < FunctionCount) {
+    // A running tool or an armed one belongs to the function before.
+    Form_KeyDown(keycode::Escape, 0);
+    currentFunction_ = function;
+    keys_->rebuildOptions();
+    std::string title = functions_[size_t(function)].Name;
+    std::erase(title, '&');
+    keys_->FunctionTitle = title;
+  }
+  // The function's prompt shows at the next move over the view: the outcome of an import that
+  // ends here stays readable until then.
+}
 
 }  // namespace tvx

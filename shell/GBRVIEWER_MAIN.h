@@ -21,6 +21,7 @@
 #include "viewer/ViewState.h"
 
 #include <QMainWindow>
+#include <QPointF>
 #include <QPointer>
 
 #include <array>
@@ -280,6 +281,9 @@ private:
   std::unique_ptr<FunctionKeys> keys_;
   std::unique_ptr<KeyboardInput> keyboard_;
   bool inWheel_ = false;
+  bool wheelQueued_ = false;
+  int32_t pendingWheelSteps_ = 0;
+  QPointF pendingWheelAt_;
   std::unique_ptr<ImportSession> import_;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;

@@ -11,12 +11,15 @@
 #include <QAction>
 #include <QApplication>
 #include <QCursor>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace tvx {
 
@@ -73,6 +76,16 @@ void GBRVIEWER_MAIN::buildPointerInput() {
   pointer_ = std::make_unique<PointerTools>(kernel.graphics, context_.services, *view_, *redraw_);
   keys_ = std::make_unique<FunctionKeys>(functions_, context_.services);
   keyboard_ = std::make_unique<KeyboardInput>(*pointer_, *view_, *redraw_, context_.services);
+
+  // Redraws during a middle drag are timed: a slow one makes the next drag a rubber line.
+  redraw_->hooks.ticks = [] {
+    static QElapsedTimer clock = [] {
+      QElapsedTimer started;
+      started.start();
+      return started;
+    }();
+    return uint32_t(clock.elapsed());
+  };
 
   PointerHooks& p = pointer_->hooks;
   p.applyViewChange = [this](const ViewChange& change) { applyViewChange(change); };
@@ -203,13 +216,18 @@ bool GBRVIEWER_MAIN::routeWheel(QObject* watched, QWheelEvent* event) {
     return true;
   inWheel_ = true;
   if (target == viewPicture_ && cpDcId_ != 0) {
-    // The wheel over the view zooms, whatever has the keyboard focus; the steps of one event
-    // are shown by one redraw.
-    const int32_t steps = wheelSteps_.add(event->angleDelta().y(), event->pixelDelta().y());
-    if (steps != 0) {
-      view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
-      const QPointF at = event->position();
-      pointer_->wheel(steps, at.x(), at.y());
+    // The wheel over the view zooms, whatever has the keyboard focus.
+    // Steps that queued up while a slow redraw ran are taken together, with one redraw.
+    pendingWheelSteps_ += wheelSteps_.add(event->angleDelta().y(), event->pixelDelta().y());
+    pendingWheelAt_ = event->position();
+    if (pendingWheelSteps_ != 0 && !wheelQueued_) {
+      wheelQueued_ = true;
+      QTimer::singleShot(0, this, [this] {
+        wheelQueued_ = false;
+        const int32_t steps = std::exchange(pendingWheelSteps_, 0);
+        view_->setPictureSize(viewPicture_->width(), viewPicture_->height());
+        pointer_->wheel(steps, pendingWheelAt_.x(), pendingWheelAt_.y());
+      });
     }
   }
   inWheel_ = false;

@@ -218,6 +218,10 @@ void PointerTools::ViewPicture_MouseUp(int32_t button, int32_t shift, double x, 
 }
 
 void PointerTools::repeatPointerMove() {
+  // A repeat brings a rubber figure back. Without a running tool there is none, and the message
+  // line keeps what the command that asked for the repeat said (an import's outcome, say).
+  if (!toolRunning())
+    return;
   ViewPicture_MouseMove(mousebutton::Left, shiftbit::Shift, PointerX, PointerY);
 }
 
@@ -513,6 +517,9 @@ void PointerTools::armSelectObject() {
 }
 
 void PointerTools::disarm() {
+  // An armed state takes its check and its prompt with it; with nothing armed the message line
+  // keeps what it says.
+  const bool armed = BlockZoomArmed || SelectObjectArmed || BoxCopyArmed;
   if (BlockZoomArmed) {
     BlockZoomArmed = false;
     callHook(hooks.checkTool, ArmedTool::BlockZoom, false);
@@ -526,7 +533,8 @@ void PointerTools::disarm() {
   ShortcutText.clear();
   ToolCursor = false;
   setIdleCursor();
-  edit("");
+  if (armed)
+    edit("");
 }
 
 void PointerTools::requestEnd() {

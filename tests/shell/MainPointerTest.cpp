@@ -23,6 +23,7 @@ void wheel(QWidget* target, int angle) {
   QWheelEvent event(at, target->mapToGlobal(at), QPoint(), QPoint(0, angle), Qt::NoButton,
                     Qt::NoModifier, Qt::NoScrollPhase, false);
   QApplication::sendEvent(target, &event);
+  QCoreApplication::processEvents();  // the steps are taken after the events queued with them
 }
 
 void mouse(QWidget* target, QEvent::Type type, Qt::MouseButton button, QPointF at) {
@@ -69,6 +70,20 @@ TEST_F(MainPointerTest, EventsReachTheToolsThroughTheWindow) {
   EXPECT_LT(now()[0], start[0]);
   key(view, Qt::Key_Tab);
   EXPECT_EQ(now(), start);
+
+  // Steps that arrive together zoom together, with one redraw.
+  const std::array<int32_t, 3> one = now();
+  const int32_t rebuilds = w.redraw().rebuilds();
+  for (int i = 0; i < 3; ++i) {
+    const QPointF at(view->width() / 2.0, view->height() / 2.0);
+    QWheelEvent step(at, view->mapToGlobal(at), QPoint(), QPoint(0, 120), Qt::NoButton,
+                     Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view, &step);
+  }
+  QCoreApplication::processEvents();
+  EXPECT_EQ(w.redraw().rebuilds(), rebuilds + 1);
+  EXPECT_GT(now()[0], one[0]);
+  key(view, Qt::Key_Tab);
 
   // With the focus elsewhere the wheel over the view still zooms.
   w.findChild<QToolButton*>()->setFocus();
