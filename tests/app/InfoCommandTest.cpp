@@ -1,5 +1,5 @@
-// "gbrview info" as the user runs it: the report on stdout, the same on every run, and exit 1 with
-// the file's name on stderr when the file cannot be read.
+// "gbrview info" as the user runs it: the report on stdout, as text or JSON. Its failures as a
+// process are checked beside render's (RenderCommandTest).
 #include "app/cli/FileInfo.h"
 #include "support/CliProcess.h"
 
@@ -30,16 +30,6 @@ TEST_F(InfoCommandTest, ADrillFileIsReportedAsTextAndAsJson) {
   }
   EXPECT_NE(tvx::fileInfoText(facts).find("  T1  0.50800 mm  0.020000 in  2 holes\n"),
             std::string::npos);
-}
-
-TEST_F(InfoCommandTest, AFileThatCannotBeReadExitsWithOneAndNamesIt) {
-  for (const QString& path : {folder.filePath("missing.drl"), folder.path()}) {
-    SCOPED_TRACE(path.toStdString());
-    const test::ProcessRun run = info({path});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.out, "");
-    EXPECT_NE(run.err.find(path.toStdString()), std::string::npos) << run.err;
-  }
 }
 
 }  // namespace

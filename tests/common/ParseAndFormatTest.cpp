@@ -111,74 +111,55 @@ TEST(TextHelpers, PathPartFirstWordStripQuotes) {
   EXPECT_EQ(StripQuotes("   "), "");
 }
 
-using Cases = std::vector<std::pair<double, const char*>>;
-
-void expectPicture(const char* picture, const Cases& cases) {
-  for (const auto& [value, text] : cases) {
-    SCOPED_TRACE(std::string(picture) + " of " + std::to_string(value));
-    EXPECT_EQ(FormatNumber(value, picture), text);
-  }
-}
-
-TEST(FormatNumberTest, LengthPicturesOfThePanels) {
-  // Inch and millimetre lengths: required and one optional decimal.
-  const Cases inch = {{0, "0.0000"},        {25.4, "25.4000"},     {0.123456, "0.12346"},
-                      {9.99995, "9.99995"}, {9.999995, "10.0000"}, {1.000005, "1.00001"},
-                      {0.000004, "0.0000"}, {-3.25, "-3.2500"},    {-0.0393701, "-0.03937"}};
-  expectPicture("#0.0000#", inch);
-  expectPicture("###0.000#", {{1234.56789, "1234.5679"}, {12345.6, "12345.600"}});
-  expectPicture("#0.000", {{9.99995, "10.000"}, {2.675, "2.675"}, {-0.0005, "-0.001"}});
-  expectPicture("###0.0", {{0.05, "0.1"}, {0.04, "0.0"}, {-99.95, "-100.0"}});
-}
-
-TEST(FormatNumberTest, AnglesScalesAndSheetSizes) {
-  expectPicture("##0.0#", {{22.5, "22.5"}, {0.125, "0.13"}, {1.999, "2.0"}, {-360, "-360.0"}});
-  expectPicture("00.00", {{5, "05.00"}, {123.456, "123.46"}, {0.005, "00.01"}});
-}
-
-TEST(FormatNumberTest, PicturesWithoutAnIntegerZero) {
-  // No integer zero: a value below 1 begins with the point, and a zero leaves only the point.
-  expectPicture("#.00", {{0.5, ".50"}, {0, ".00"}, {1.005, "1.01"}, {-0.25, "-.25"}});
-  // The ruler labels: the point stays when no decimal is left.
-  const Cases ruler = {
-      {0, "."},        {2, "2."}, {2.5, "2.5"}, {0.0005, ".001"}, {1234.5678, "1234.568"},
-      {-1.25, "-1.25"}};
-  expectPicture("###.###", ruler);
-  expectPicture("######.###", {{1000, "1000."}, {1234567.0001, "1234567."}});
-}
-
-// The coordinate pictures: "####0" and, with decimals, "." and that many zeros.
-TEST(FormatNumberTest, CoordinatePictures) {
-  expectPicture("####0", {{2.5, "3"}, {-2.5, "-3"}, {0.4, "0"}, {123456, "123456"}});
-  expectPicture("####0.0000", {{3.14159265, "3.1416"}, {-3.14159265, "-3.1416"}});
-  expectPicture("####0.", {{0, "0."}, {4.5, "5."}});
-}
-
-TEST(FormatNumberTest, SeparatorsSectionsAndLiterals) {
-  // No grouping unless the picture asks for it.
-  expectPicture("#0.00", {{1234567.891, "1234567.89"}});
-  expectPicture("#,##0.00", {{1234567.891, "1,234,567.89"}, {999, "999.00"}, {-1000, "-1,000.00"}});
-  // Commas right before the point divide by a thousand each.
-  expectPicture("0,", {{1500000, "1500"}});
-  expectPicture("0,,.0", {{1900000, "1.9"}});
-  expectPicture("0%", {{0.255, "26%"}});
-  expectPicture("0.00;(0.00);\"zero\"", {{2, "2.00"}, {-1.5, "(1.50)"}, {0, "zero"}});
-  expectPicture("0.0;;\"-\"", {{-1.5, "-1.5"}, {0, "-"}});
-  expectPicture("0.0\" mm\"", {{1.25, "1.3 mm"}});
-  expectPicture("$#", {{-10, "-$10"}});
-  expectPicture("\\#0", {{7, "#7"}});
-}
-
-TEST(FormatNumberTest, EdgeValues) {
-  EXPECT_EQ(FormatNumber(-0.0, "#0.000"), "0.000");
-  EXPECT_EQ(FormatNumber(-0.0004, "#0.000"), "-0.000");  // the sign of the value is kept
-  EXPECT_EQ(FormatNumber(1e20, "0.00"), "100000000000000000000.00");
-  EXPECT_EQ(FormatNumber(123456789012345678.0, "0"), "123456789012346000");
-  EXPECT_EQ(FormatNumber(1e-20, "0.0000#"), "0.0000");
-  EXPECT_EQ(FormatNumber(2.5, ""), "2.5");
-  EXPECT_EQ(FormatNumber(1e20, ""), "1E+20");
-  EXPECT_EQ(FormatNumber(std::numeric_limits<double>::quiet_NaN(), "0.0"), "NaN");
-  EXPECT_EQ(FormatNumber(-std::numeric_limits<double>::infinity(), "0.0"), "-Infinity");
+// Each picture against known texts: the length pictures of the panels (required and optional
+// decimals), angles and sheet sizes, pictures without an integer zero (the ruler labels), the
+// coordinate pictures, grouping, commas that scale, sections and literals, and edge values.
+TEST(FormatNumberTest, PicturesGiveTheirTexts) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  // clang-format off
+  const std::pair<const char*, std::vector<std::pair<double, const char*>>> pictures[] = {
+      {"#0.0000#", {{0, "0.0000"}, {25.4, "25.4000"}, {0.123456, "0.12346"}, {9.99995, "9.99995"},
+                    {9.999995, "10.0000"}, {1.000005, "1.00001"}, {0.000004, "0.0000"},
+                    {-3.25, "-3.2500"}, {-0.0393701, "-0.03937"}}},
+      {"###0.000#", {{1234.56789, "1234.5679"}, {12345.6, "12345.600"}}},
+      // The sign of the value is kept.
+      {"#0.000", {{9.99995, "10.000"}, {2.675, "2.675"}, {-0.0005, "-0.001"}, {-0.0, "0.000"},
+                  {-0.0004, "-0.000"}}},
+      {"###0.0", {{0.05, "0.1"}, {0.04, "0.0"}, {-99.95, "-100.0"}}},
+      {"##0.0#", {{22.5, "22.5"}, {0.125, "0.13"}, {1.999, "2.0"}, {-360, "-360.0"}}},
+      {"00.00", {{5, "05.00"}, {123.456, "123.46"}, {0.005, "00.01"}}},
+      // No integer zero: a value below 1 begins with the point, and a zero leaves only the point.
+      {"#.00", {{0.5, ".50"}, {0, ".00"}, {1.005, "1.01"}, {-0.25, "-.25"}}},
+      // The ruler labels: the point stays when no decimal is left.
+      {"###.###", {{0, "."}, {2, "2."}, {2.5, "2.5"}, {0.0005, ".001"}, {1234.5678, "1234.568"},
+                   {-1.25, "-1.25"}}},
+      {"######.###", {{1000, "1000."}, {1234567.0001, "1234567."}}},
+      // The coordinate pictures: "####0" and, with decimals, "." and that many zeros.
+      {"####0", {{2.5, "3"}, {-2.5, "-3"}, {0.4, "0"}, {123456, "123456"}}},
+      {"####0.0000", {{3.14159265, "3.1416"}, {-3.14159265, "-3.1416"}}},
+      {"####0.", {{0, "0."}, {4.5, "5."}}},
+      // No grouping unless the picture asks for it; commas right before the point divide by a
+      // thousand each.
+      {"#0.00", {{1234567.891, "1234567.89"}}},
+      {"#,##0.00", {{1234567.891, "1,234,567.89"}, {999, "999.00"}, {-1000, "-1,000.00"}}},
+      {"0,", {{1500000, "1500"}}},
+      {"0,,.0", {{1900000, "1.9"}}},
+      {"0%", {{0.255, "26%"}}},
+      {"0.00;(0.00);\"zero\"", {{2, "2.00"}, {-1.5, "(1.50)"}, {0, "zero"}}},
+      {"0.0;;\"-\"", {{-1.5, "-1.5"}, {0, "-"}}},
+      {"0.0\" mm\"", {{1.25, "1.3 mm"}}},
+      {"$#", {{-10, "-$10"}}},
+      {"\\#0", {{7, "#7"}}},
+      {"0.00", {{1e20, "100000000000000000000.00"}}},
+      {"0", {{123456789012345678.0, "123456789012346000"}}},
+      {"0.0000#", {{1e-20, "0.0000"}}},
+      {"", {{2.5, "2.5"}, {1e20, "1E+20"}}},
+      {"0.0", {{nan, "NaN"}, {-infinity, "-Infinity"}}}};
+  // clang-format on
+  for (const auto& [picture, cases] : pictures)
+    for (const auto& [value, text] : cases)
+      EXPECT_EQ(FormatNumber(value, picture), text) << picture << " of " << value;
 }
 
 TEST(LengthFormats, InchesAndMillimetresWithTheirMarksAndShortForms) {

@@ -85,6 +85,10 @@ TEST_F(MainWindowTest, StartUpEndsIdleWithTheFileRequestOpen) {
   w.pointerTools().StartTool(toolcode::Box);
   esc->click();
   EXPECT_FALSE(w.pointerToolActive());
+
+  // The window cannot be made smaller than at load.
+  w.resize(200, 150);
+  EXPECT_TRUE(w.width() >= int(w.MinWidth()) && w.height() >= int(w.MinHeight()));
 }
 
 TEST_F(MainWindowTest, AMissingMenuFileEndsStartUp) {
@@ -125,13 +129,6 @@ TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
     EXPECT_LT(window()->x(), area.width());
     EXPECT_EQ(std::tuple(window()->y(), window()->size()), std::tuple(10, QSize(700, 600)));
   }
-}
-
-TEST_F(MainWindowTest, TheWindowCannotBeMadeSmallerThanAtLoad) {
-  load();
-  window()->resize(200, 150);
-  EXPECT_GE(window()->width(), int(window()->MinWidth()));
-  EXPECT_GE(window()->height(), int(window()->MinHeight()));
 }
 
 // The menu's display options keep their checks through "UP", and unload writes them.
