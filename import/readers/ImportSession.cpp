@@ -35,13 +35,15 @@ ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserP
                                             gerberFormat, gerberScan, nullptr,
                                             {},           {},         {}},
       excellon(store, services, reporter, excellonFormat, state.Extents),
-      gerberReader(store, reporter, gerberPass, state.Extents), excellonReader(excellon, files) {
+      gerberReader(store, reporter, gerberPass, state.Extents), excellonReader(excellon, files),
+      hpglReader(files, services, store) {
   LoadExcellonSettings(services, excellonFormat);
   LoadGerberSettings(services, gerberFormat);
   LoadDxfSettings(services, dxfFormat);
   readers.add(ReaderGerberArtwork, gerberReader);
   readers.add(ReaderGerberDrilling, gerberReader);
   readers.add(ReaderExcellon, excellonReader);
+  readers.add(ReaderHpgl, hpglReader);
   excellonReader.restoreStoredFormat = [this] {
     LoadExcellonSettings(this->services, excellonFormat);
   };

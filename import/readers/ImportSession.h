@@ -15,6 +15,7 @@
 #include "import/readers/ImportSettings.h"
 #include "import/readers/excellon/ExcellonFileReader.h"
 #include "import/readers/excellon/ExcellonReader.h"
+#include "import/readers/hpgl/HpglFileReader.h"
 #include "store/LayerRecord.h"
 
 #include <cstdint>
@@ -132,6 +133,7 @@ public:
   ExcellonReader excellon;
   GerberFileReader gerberReader;
   ExcellonFileReader excellonReader;
+  HpglFileReader hpglReader;
   ReaderTable readers;
   // The import window's hole mapping, kept from one window to the next.
   int32_t HoleMapping = 0;

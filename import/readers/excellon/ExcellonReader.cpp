@@ -3,6 +3,7 @@
 
 #include "common/FileLayer.h"
 #include "import/core/FileRecognition.h"
+#include "import/core/ReadTextFile.h"
 #include "import/core/ReportStatus.h"
 #include "import/readers/excellon/DrillMotion.h"
 #include "import/readers/excellon/ExcellonBlocks.h"
@@ -54,41 +55,15 @@ bool ReadExcellonText(FileLayer& files, const SystemServices& services, const st
   text.clear();
   if (comments)
     comments->clear();
-  if (editMsgLine)
-    editMsgLine(fileName + " " + services.LocalMessage("Processing", "62441"));
-
-  // Only a plain file is read: a folder reads as empty and a pipe may never end.
-  std::error_code error;
-  const auto type = std::filesystem::status(fileName, error).type();
-  if (type == std::filesystem::file_type::directory) {
-    files.ReportReadError(fileName, EISDIR);
-    return false;
+  const bool read =
+      readTextFileLines(files, services, fileName, editMsgLine,
+                        [&](const std::string& line) { appendBlock(text, comments, line); });
+  if (!read) {
+    text.clear();
+    if (comments)
+      comments->clear();
   }
-  if (type != std::filesystem::file_type::regular &&
-      type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none) {
-    files.ReportReadError(fileName, EINVAL);
-    return false;
-  }
-
-  int32_t status = 0;
-  int16_t handle = 0;
-  files.OpenForInput(status, handle, fileName);
-  if (status != 0)
-    return false;
-  std::string line;
-  while (!files.EndOfFile(handle)) {
-    files.ReadTextLine(status, handle, line);
-    if (status != 0) {
-      files.CloseFile(false, handle, fileName);
-      text.clear();
-      if (comments)
-        comments->clear();
-      return false;
-    }
-    appendBlock(text, comments, line);
-  }
-  files.CloseFile(false, handle, fileName);
-  return true;
+  return read;
 }
 
 ExcellonReader::ExcellonReader(Store& store, const SystemServices& services,

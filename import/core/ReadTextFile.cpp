@@ -1,0 +1,46 @@
+#include "import/core/ReadTextFile.h"
+
+#include "common/FileLayer.h"
+#include "platform/SystemServices.h"
+
+#include <cerrno>
+#include <filesystem>
+
+namespace tvx {
+
+bool readTextFileLines(FileLayer& files, const SystemServices& services,
+                       const std::string& fileName,
+                       const std::function<void(const std::string&)>& editMsgLine,
+                       const std::function<void(const std::string&)>& onLine) {
+  if (editMsgLine)
+    editMsgLine(fileName + " " + services.LocalMessage("Processing", "62441"));
+  std::error_code error;
+  const auto type = std::filesystem::status(fileName, error).type();
+  if (type == std::filesystem::file_type::directory) {
+    files.ReportReadError(fileName, EISDIR);
+    return false;
+  }
+  if (type != std::filesystem::file_type::regular &&
+      type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none) {
+    files.ReportReadError(fileName, EINVAL);
+    return false;
+  }
+  int32_t status = 0;
+  int16_t handle = 0;
+  files.OpenForInput(status, handle, fileName);
+  if (status != 0)
+    return false;
+  std::string line;
+  while (!files.EndOfFile(handle)) {
+    files.ReadTextLine(status, handle, line);
+    if (status != 0) {
+      files.CloseFile(false, handle, fileName);
+      return false;
+    }
+    onLine(line);
+  }
+  files.CloseFile(false, handle, fileName);
+  return true;
+}
+
+}  // namespace tvx

@@ -1,0 +1,462 @@
+#include "import/readers/hpgl/HpglInterpreter.h"
+
+#include "common/ToNumber.h"
+#include "import/core/FileRecognition.h"
+#include "import/gerber/OutlineArcs.h"
+#include "kernel/PlaneGeometry.h"
+#include "store/AddElement.h"
+#include "store/LayerRecord.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace tvx {
+
+namespace {
+
+constexpr char Escape = '\x1B';
+constexpr int32_t LargestPen = 65535;  // a pen beyond this is a fault, not a table to grow
+constexpr int32_t OutlineAttributes = 9;
+
+constexpr int32_t code(char a, char b) { return (int32_t(uint8_t(a)) << 8) | uint8_t(b); }
+
+// The command of every pair of characters: its index in the command table, -1 when the pair
+// is not in it. Built once, so that a letter costs one look-up.
+const std::array<int8_t, 65536>& commandOfPair() {
+  static const std::array<int8_t, 65536> table = [] {
+    std::array<int8_t, 65536> t{};
+    t.fill(-1);
+    for (int a = 0; a < 256; ++a)
+      for (int b = 0; b < 256; ++b) {
+        const char pair[2] = {char(a), char(b)};
+        const size_t at = HpglCommandTable.find(std::string_view(pair, 2));
+        if (at != std::string_view::npos)
+          t[size_t(code(char(a), char(b)))] = int8_t(at / 3);
+      }
+    return t;
+  }();
+  return table;
+}
+
+// The nearest whole number, ties to even; nothing when the value does not fit 32 bits.
+std::optional<int32_t> whole(double value) {
+  if (!std::isfinite(value))
+    return std::nullopt;
+  const double r = std::nearbyint(value);
+  if (r < double(std::numeric_limits<int32_t>::min()) ||
+      r > double(std::numeric_limits<int32_t>::max()))
+    return std::nullopt;
+  return int32_t(r);
+}
+
+bool inSeparatorSet(char c) { return PlotterSeparatorSet.find(c) != std::string_view::npos; }
+
+}  // namespace
+
+HpglInterpreter::HpglInterpreter(Store& store, SymbolId symbol, uint8_t colour)
+    : store_(store), symbol_(symbol), colour_(colour) {}
+
+std::string_view HpglInterpreter::arg(size_t index) const {
+  return index < state.ArgCount ? std::string_view(state.Args[index]) : std::string_view();
+}
+
+void HpglInterpreter::run(std::string_view text) {
+  walk(text, 0);
+  walk(text, 1);
+}
+
+size_t HpglInterpreter::skipEscape(std::string_view text, size_t at) const {
+  // ESC "." and a letter, then the parameters of the instruction up to its ":".
+  size_t next = at + 1;
+  if (next >= text.size() || text[next] != '.')
+    return next;
+  next = std::min(text.size(), next + 2);
+  size_t end = next;
+  while (end < text.size() && (std::isdigit(uint8_t(text[end])) || text[end] == ';' ||
+                               text[end] == ',' || text[end] == ' '))
+    ++end;
+  return end < text.size() && text[end] == ':' ? end + 1 : next;
+}
+
+size_t HpglInterpreter::skipLabel(std::string_view text, size_t at) const {
+  const size_t end = text.find(state.LabelEnd, at);
+  return end == std::string_view::npos ? text.size() : end + 1;
+}
+
+void HpglInterpreter::walk(std::string_view text, int walkNumber) {
+  state.PenTable.assign(1, 1);
+  state.Args.resize(std::max<size_t>(state.Args.size(), 8));
+  const auto emptyArgs = [this] {
+    state.ArgCount = 1;
+    state.Args[0].clear();
+  };
+  emptyArgs();
+  bool open = false;
+  bool newArgument = false;
+  const auto& pairs = commandOfPair();
+  const size_t n = text.size();
+  size_t at = 0;
+  while (at < n) {
+    const char c = text[at];
+    if (c == ',' || c == ' ') {
+      newArgument = true;
+      ++at;
+    } else if (c == ';') {
+      execute(walkNumber);
+      open = false;
+      emptyArgs();
+      ++at;
+    } else if (inSeparatorSet(c)) {
+      if (newArgument) {
+        if (state.ArgCount == state.Args.size())
+          state.Args.emplace_back();
+        state.Args[state.ArgCount++].clear();
+        newArgument = false;
+      }
+      state.Args[state.ArgCount - 1] += c;
+      ++at;
+    } else if (c == Escape) {
+      at = skipEscape(text, at);
+    } else if (at + 1 >= n) {
+      break;
+    } else {
+      const int8_t found = pairs[size_t(code(c, text[at + 1]))];
+      if (found < 0) {
+        ++at;
+        continue;
+      }
+      if (open)
+        execute(walkNumber);
+      emptyArgs();
+      state.CommandIndex = found;
+      state.Command.assign(text.substr(at, 2));
+      open = true;
+      newArgument = true;
+      at += 2;
+      const std::string_view name = HpglCommandTable.substr(size_t(found) * 3, 2);
+      if (name == "LB") {
+        // A label's text is no command: it runs to its terminator.
+        at = skipLabel(text, at);
+      } else if (name == "DT") {
+        state.LabelEnd = at < n && text[at] != ';' ? text[at] : '\x03';
+        if (at < n && text[at] != ';')
+          ++at;
+      }
+    }
+  }
+  if (open)
+    execute(walkNumber);
+}
+
+void HpglInterpreter::toPoint(std::string_view argX, std::string_view argY) {
+  double x = ToNumber(argX) * state.ScaleX * HpglUnitsPerMm;
+  double y = ToNumber(argY) * state.ScaleY * HpglUnitsPerMm;
+  if (state.Rotation != 0) {
+    const double a = state.Rotation * RadiansPerDegree;
+    const double turnedX = x * std::cos(a) - y * std::sin(a);
+    y = x * std::sin(a) + y * std::cos(a);
+    x = turnedX;
+  }
+  state.NextX = state.Relative == 0 ? x : state.CurX + x;
+  state.NextY = state.Relative == 0 ? y : state.CurY + y;
+}
+
+double HpglInterpreter::toLength(std::string_view argument) const {
+  return ToNumber(argument) * state.ScaleX * HpglUnitsPerMm;
+}
+
+ItemRecord HpglInterpreter::element(int32_t type) const {
+  ItemRecord r{};
+  r.Type = type;
+  r.Attributes = attr::Shown;
+  r.Colour = colour_;
+  r.LineWidth = state.PenWidth;
+  r.Style = uint8_t(state.LineType);
+  return r;
+}
+
+void HpglInterpreter::write(ItemRecord record) {
+  int32_t refused = 0, index = 0;
+  AddElement(store_, refused, PlaceSymbolItems, symbol_, record, std::string(), index,
+             std::string());
+  status = std::max(status, refused);
+}
+
+void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
+  const auto x = whole(x0), y = whole(y0), w = whole(x1 - x0), h = whole(y1 - y0);
+  if (!x || !y || !w || !h)
+    return;
+  ItemRecord r = element(ItemLine);
+  r.X = *x;
+  r.Y = *y;
+  r.Width = *w;
+  r.Height = *h;
+  write(r);
+  ++counts.lines;
+}
+
+void HpglInterpreter::writeOutline(const std::vector<std::array<double, 3>>& points) {
+  OutlinePoints outline(1);
+  for (const auto& [kind, x, y] : points) {
+    if (!whole(x) || !whole(y))
+      return;
+    OutlinePoint p;
+    p.Kind = int32_t(kind);
+    p.X = x;
+    p.Y = y;
+    if (p.Kind == outlinepoint::ArcMiddle) {
+      const auto cx = whole(state.CentreX), cy = whole(state.CentreY), r = whole(state.Radius);
+      if (!cx || !cy || !r)
+        return;
+      p.CentreX = *cx;
+      p.CentreY = *cy;
+      p.Radius = *r;
+    }
+    outline.push_back(p);
+  }
+  ItemRecord templ = element(ItemLine);
+  templ.Attributes = OutlineAttributes;
+  int32_t refused = 0, first = 0, last = 0;
+  WriteOutline(refused, store_, symbol_, templ, outline, first, last);
+  status = std::max(status, refused);
+  ++counts.outlines;
+}
+
+void HpglInterpreter::pairs(int walkNumber, bool draw) {
+  for (size_t i = 1; i < argumentCount(); i += 2) {
+    toPoint(arg(i), arg(i + 1));
+    if (!whole(state.NextX) || !whole(state.NextY))
+      return;  // a point beyond the store's reach ends the statement; the pen stays
+    if (walkNumber == 1 && (draw || state.PenDown == 1))
+      line(state.CurX, state.CurY, state.NextX, state.NextY);
+    state.CurX = state.NextX;
+    state.CurY = state.NextY;
+  }
+}
+
+void HpglInterpreter::arc(int walkNumber, int32_t relative) {
+  if (argumentCount() < 3)
+    return;
+  const int32_t kept = state.Relative;
+  state.Relative = relative;
+  toPoint(arg(1), arg(2));
+  state.Relative = kept;
+  state.CentreX = state.NextX;
+  state.CentreY = state.NextY;
+  const double dx = state.CurX - state.CentreX, dy = state.CurY - state.CentreY;
+  state.Radius = std::hypot(dx, dy);
+  state.StartAngle = AngleOf(dx, dy);
+  state.SweepAngle = ToNumber(arg(3));
+  if (!whole(state.CentreX) || !whole(state.CentreY) || !whole(state.Radius))
+    return;
+  const double s = state.SweepAngle * RadiansPerDegree;
+  state.NextX = dx * std::cos(s) + state.CentreX - dy * std::sin(s);
+  state.NextY = dx * std::sin(s) + state.CentreY + dy * std::cos(s);
+  if (walkNumber == 1 && state.PenDown == 1) {
+    const auto x = whole(state.CentreX), y = whole(state.CentreY), r = whole(state.Radius),
+               start = whole(state.StartAngle * 1000), sweep = whole(state.SweepAngle * 1000);
+    if (x && y && r && start && sweep) {
+      ItemRecord e = element(ItemArc);
+      e.X = *x;
+      e.Y = *y;
+      e.Width = *r;
+      e.Height = *start;
+      e.Sweep = *sweep;
+      e.Style = 0;  // arcs are solid whatever the line type
+      write(e);
+      ++counts.arcs;
+    }
+  }
+  state.CurX = state.NextX;
+  state.CurY = state.NextY;
+}
+
+void HpglInterpreter::rectangle(int walkNumber, int32_t relative) {
+  if (argumentCount() < 2)
+    return;
+  const int32_t kept = state.Relative;
+  state.Relative = relative;
+  toPoint(arg(1), arg(2));
+  state.Relative = kept;
+  if (walkNumber != 1)
+    return;
+  const double x0 = state.CurX, y0 = state.CurY, x1 = state.NextX, y1 = state.NextY;
+  writeOutline({{1, x0, y0}, {1, x0, y1}, {1, x1, y1}, {1, x1, y0}, {1, x0, y0}});
+}
+
+void HpglInterpreter::wedge(int walkNumber) {
+  if (argumentCount() < 3)
+    return;
+  state.Radius = toLength(arg(1));
+  state.StartAngle = ToNumber(arg(2));
+  state.SweepAngle = ToNumber(arg(3));
+  state.CentreX = state.CurX;
+  state.CentreY = state.CurY;
+  const auto at = [this](double degrees, double& x, double& y) {
+    x = state.CentreX + state.Radius * std::cos(degrees * RadiansPerDegree);
+    y = state.CentreY + state.Radius * std::sin(degrees * RadiansPerDegree);
+  };
+  double startX = 0, startY = 0;
+  at(state.StartAngle, startX, startY);
+  at(state.StartAngle + state.SweepAngle / 2, state.MidX, state.MidY);
+  at(state.StartAngle + state.SweepAngle, state.NextX, state.NextY);
+  if (walkNumber != 1)
+    return;
+  const double cx = state.CentreX, cy = state.CentreY;
+  writeOutline({{1, cx, cy},
+                {0, startX, startY},
+                {5, state.MidX, state.MidY},
+                {1, state.NextX, state.NextY},
+                {1, cx, cy}});
+}
+
+void HpglInterpreter::execute(int walkNumber) {
+  if (state.Command.size() != 2)
+    return;
+  const std::string_view name = HpglCommandTable.substr(size_t(state.CommandIndex) * 3, 2);
+  const size_t count = argumentCount();
+  switch (code(name[0], name[1])) {
+  case code('I', 'N'):
+    state.Relative = state.PenDown = state.LineType = state.PenNumber = 0;
+    state.Rotation = 0;
+    state.ScaleX = state.ScaleY = HpglPlotterUnit;
+    state.PenWidth = 1;
+    state.WidthUnit = 25.4 / 300;
+    state.CurX = state.CurY = 0;
+    break;
+  case code('D', 'F'):
+    state.Relative = state.PenDown = 0;
+    state.Rotation = 0;
+    break;
+  case code('I', 'P'):
+    if (count >= 4) {
+      double* p[] = {&state.P1X, &state.P1Y, &state.P2X, &state.P2Y};
+      for (size_t i = 0; i < 4; ++i)
+        *p[i] = ToNumber(arg(i + 1)) * HpglPlotterUnit * HpglUnitsPerMm;
+    }
+    break;
+  case code('S', 'C'):
+    if (count < 4) {
+      state.ScaleX = state.ScaleY = HpglPlotterUnit;
+    } else {
+      // A factor, not an origin: the minimum is not subtracted.
+      const double rangeX = std::abs(ToNumber(arg(2)) - ToNumber(arg(1)));
+      const double rangeY = std::abs(ToNumber(arg(4)) - ToNumber(arg(3)));
+      const double sizeX = std::abs(state.P2X - state.P1X) / HpglUnitsPerMm;
+      const double sizeY = std::abs(state.P2Y - state.P1Y) / HpglUnitsPerMm;
+      if (rangeX != 0 && rangeY != 0 && sizeX != 0 && sizeY != 0) {
+        state.ScaleX = sizeX / rangeX;
+        state.ScaleY = sizeY / rangeY;
+      }
+    }
+    break;
+  case code('W', 'U'):
+    if (count >= 1 && ToNumber(arg(1)) == 0)
+      state.WidthUnit = 1.0;
+    break;
+  case code('P', 'W'): {
+    if (count < 2)
+      break;
+    const auto pen = whole(ToNumber(arg(2)));
+    const auto width = whole(ToNumber(arg(1)) * state.WidthUnit * HpglUnitsPerMm);
+    if (!pen || !width || *pen < 0 || *pen > LargestPen)
+      break;
+    if (size_t(*pen) >= state.PenTable.size())
+      state.PenTable.resize(size_t(*pen) + 1, 0);
+    state.PenTable[size_t(*pen)] = *width;
+    break;
+  }
+  case code('S', 'P'): {
+    if (count < 1)
+      break;
+    const auto pen = whole(ToNumber(arg(1)));
+    if (!pen || *pen < 0)
+      break;
+    state.PenNumber = *pen;
+    state.PenWidth = size_t(*pen) < state.PenTable.size() ? state.PenTable[size_t(*pen)] : 1;
+    break;
+  }
+  case code('R', 'O'):
+    state.Rotation = count >= 1 ? ToNumber(arg(1)) : 0;
+    break;
+  case code('L', 'T'): {
+    if (count < 1) {
+      state.LineType = 0;
+      break;
+    }
+    const double value = ToNumber(arg(1));
+    if (value == 1)
+      state.LineType = 2;
+    else if (value == 2 || value == 3)
+      state.LineType = 1;
+    else if (value == 4 || value == 5)
+      state.LineType = 3;
+    else if (value == 6)
+      state.LineType = 4;
+    break;
+  }
+  case code('P', 'A'):
+    state.Relative = 0;
+    pairs(walkNumber, false);
+    break;
+  case code('P', 'R'):
+    state.Relative = 1;
+    pairs(walkNumber, false);
+    break;
+  case code('P', 'D'):
+    state.PenDown = 1;
+    pairs(walkNumber, true);
+    break;
+  case code('P', 'U'):
+    state.PenDown = 0;
+    pairs(walkNumber, false);
+    break;
+  case code('A', 'A'):
+    arc(walkNumber, 0);
+    break;
+  case code('A', 'R'):
+    arc(walkNumber, 1);
+    break;
+  case code('C', 'I'):
+    if (count >= 1) {
+      state.Radius = toLength(arg(1));
+      const auto x = whole(state.CurX), y = whole(state.CurY), r = whole(state.Radius);
+      if (walkNumber == 1 && x && y && r) {
+        ItemRecord e = element(ItemCircle);
+        e.X = *x;
+        e.Y = *y;
+        e.Width = *r;
+        write(e);
+        ++counts.circles;
+      }
+    }
+    break;
+  case code('E', 'A'):
+  case code('R', 'A'):
+    rectangle(walkNumber, 0);
+    break;
+  case code('E', 'R'):
+  case code('R', 'R'):
+    rectangle(walkNumber, 1);
+    break;
+  case code('E', 'W'):
+  case code('W', 'G'):
+    wedge(walkNumber);
+    break;
+  default:
+    break;  // recognised, so that it ends the command before it; nothing to do
+  }
+}
+
+void ImportHpgl(int32_t& /*status*/, std::string_view text, Store& store, const LayerRecord& layer,
+                const LayerFileRecord& file, HpglCounts* counts) {
+  HpglInterpreter interpreter(store, layer.SymbolHandle, uint8_t(file.Colour));
+  interpreter.run(text);
+  if (counts)
+    *counts = interpreter.counts;
+}
+
+}  // namespace tvx

@@ -1,0 +1,106 @@
+// Plotter files in HPGL drawn into a layer: a tokeniser that cuts the text into two-letter
+// commands with numeric arguments, and the plotter's state (scale, pen, position, mode) that the
+// commands change and from which lines, arcs, circles and closed outlines are written.
+//
+// The text is walked twice: walk 0 only carries the state to its end (a file that does not open
+// with "IN" starts walk 1 where walk 0 ended), walk 1 writes. Pen widths start afresh with each
+// walk. Device-control escapes (ESC "." ... ":") and the text of labels are passed over.
+#pragma once
+
+#include "kernel/KernelTypes.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+class Store;
+struct LayerRecord;
+struct LayerFileRecord;
+
+// Store units per millimetre.
+inline constexpr double HpglUnitsPerMm = 100000.0;
+// Millimetres per plotter unit.
+inline constexpr double HpglPlotterUnit = 0.025;
+
+struct HpglState {
+  int32_t Relative = 0;  // 0 absolute, 1 relative coordinates
+  int32_t CommandIndex = 0;
+  std::string Command;
+  int32_t PenDown = 0;
+  double Rotation = 0;  // degrees
+  double P1X = 0, P1Y = 0, P2X = 0, P2Y = 0;
+  double ScaleX = HpglPlotterUnit;  // millimetres per file unit
+  double ScaleY = HpglPlotterUnit;
+  int32_t LineType = 0;
+  int32_t PenNumber = 0;
+  int32_t PenWidth = 1;  // store units
+  double CurX = 0, CurY = 0;
+  double NextX = 0, NextY = 0;
+  double MidX = 0, MidY = 0;
+  double CentreX = 0, CentreY = 0;
+  double Radius = 0;
+  double StartAngle = 0, SweepAngle = 0;  // degrees
+  double WidthUnit = 25.4 / 300;          // millimetres per unit of "PW"
+  std::vector<int32_t> PenTable{1};       // width per pen number, store units
+  // The arguments of the command in hand, from index 1; index 0 takes what comes before any
+  // separator.
+  std::vector<std::string> Args;
+  size_t ArgCount = 0;     // Args in use, index 0 included
+  char LabelEnd = '\x03';  // what ends the text of a label
+};
+
+// The elements an import wrote, by kind.
+struct HpglCounts {
+  int32_t lines = 0, arcs = 0, circles = 0, outlines = 0;
+  bool operator==(const HpglCounts&) const = default;
+};
+
+class HpglInterpreter {
+public:
+  // Elements go into symbol in colour.
+  HpglInterpreter(Store& store, SymbolId symbol, uint8_t colour);
+
+  // Both walks over text (upper case, lines joined).
+  void run(std::string_view text);
+
+  HpglState state;
+  HpglCounts counts;
+  // 1 when the store refused an element; the import went on without it.
+  int32_t status = 0;
+
+  // The command in hand, carried out (ExecuteHpglCommand).
+  void execute(int walk);
+  // NextX, NextY from two arguments: scaled, turned by Rotation, relative to the pen or not.
+  void toPoint(std::string_view argX, std::string_view argY);
+  double toLength(std::string_view arg) const;
+
+private:
+  void walk(std::string_view text, int walkNumber);
+  size_t skipEscape(std::string_view text, size_t at) const;
+  size_t skipLabel(std::string_view text, size_t at) const;
+  std::string_view arg(size_t index) const;
+  size_t argumentCount() const { return state.ArgCount == 0 ? 0 : state.ArgCount - 1; }
+  void pairs(int walkNumber, bool draw);
+  void arc(int walkNumber, int32_t relative);
+  void rectangle(int walkNumber, int32_t relative);
+  void wedge(int walkNumber);
+  void line(double x0, double y0, double x1, double y1);
+  void write(ItemRecord record);
+  void writeOutline(const std::vector<std::array<double, 3>>& points);
+  ItemRecord element(int32_t type) const;
+
+  Store& store_;
+  SymbolId symbol_;
+  uint8_t colour_;
+};
+
+// The plotter text of a file record into its layer, in the file's colour. status is left as it
+// is: a fault skips its statement, a refused element is dropped, and the import goes on.
+void ImportHpgl(int32_t& status, std::string_view text, Store& store, const LayerRecord& layer,
+                const LayerFileRecord& file, HpglCounts* counts = nullptr);
+
+}  // namespace tvx

@@ -1,0 +1,226 @@
+// Plotter files run into a layer: the tokeniser's rules, the state the commands leave, the
+// elements they write, the faults that skip one statement, and the corpus's plots.
+#include "import/readers/hpgl/HpglInterpreter.h"
+
+#include "common/FileLayer.h"
+#include "import/gerber/ImportTestSupport.h"
+#include "import/readers/hpgl/HpglFileReader.h"
+#include "kernel/Kernel.h"
+#include "platform/SystemServices.h"
+#include "support/CorpusPath.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tvx {
+namespace {
+
+struct Plot {
+  Kernel kernel;
+  LayerRecord layer;
+  HpglCounts counts;
+  HpglState state;
+
+  explicit Plot(std::string_view text) {
+    layer.SymbolHandle = -76531;
+    kernel.store.S_CreateSymbol(layer.SymbolHandle, "OUTLINE");
+    HpglInterpreter interpreter(kernel.store, layer.SymbolHandle, 7);
+    interpreter.run(text);
+    counts = interpreter.counts;
+    state = interpreter.state;
+  }
+  std::vector<ItemRecord> items() const { return test::itemsOf(kernel.store, layer); }
+};
+
+constexpr int32_t Unit = 2500;  // store units of one plotter unit (0.025 mm)
+
+TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
+  struct Case {
+    const char* name;
+    const char* text;
+    HpglCounts counts;
+    std::function<void(const Plot&)> check;
+  };
+  const Case cases[] = {
+      {"commands follow each other without a semicolon",
+       "IN;PA100,100PD200,200;",
+       {1, 0, 0, 0},
+       [](const Plot& r) {
+         const ItemRecord l = r.items().at(0);
+         EXPECT_EQ(std::tuple(l.X, l.Y, l.Width, l.Height),
+                   std::tuple(100 * Unit, 100 * Unit, 100 * Unit, 100 * Unit));
+         EXPECT_EQ(std::tuple(l.Type, l.Attributes, l.Colour, l.LineWidth),
+                   std::tuple(int32_t(ItemLine), 1, uint8_t(7), 1));
+       }},
+      {"PU without a pair only lifts the pen",
+       "PD;PU;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenDown, 0); }},
+      {"a second semicolon runs SC again without arguments",
+       "IP0,0,4000,4000;SC0,1000,0,1000;;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.ScaleX, HpglPlotterUnit); }},
+      {"blanks part arguments; an odd last one is ignored",
+       "PD;PA 100 100;PA200,200,300;",
+       {2, 0, 0, 0},
+       [](const Plot& r) { EXPECT_EQ(r.state.CurX, 200.0 * Unit); }},
+      {"SC before IP leaves the scale",
+       "SC0,10,0,10;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.ScaleX, HpglPlotterUnit); }},
+      {"SC after IP is a factor, without an origin",
+       "IP0,0,4000,2000;SC50,100,0,100;PA10,10;",
+       {},
+       [](const Plot& r) {
+         EXPECT_DOUBLE_EQ(r.state.ScaleX, 2.0);
+         EXPECT_DOUBLE_EQ(r.state.ScaleY, 0.5);
+         EXPECT_DOUBLE_EQ(r.state.CurX, 10 * 2.0 * 100000);
+       }},
+      {"PW with WU0 is in millimetres",
+       "WU0;PW0.5,3;SP3;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 50000); }},
+      {"PW without WU is in dots of 300 an inch",
+       "PW0.5,3;SP3;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 4233); }},
+      {"a pen beyond the table has width 1",
+       "PW0.5,3;SP7;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 1); }},
+      {"a pen the table grew over has width 0",
+       "PW0.5,3;SP2;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 0); }},
+      {"PW behind the drawing has no effect",
+       "SP3;PD10,0;PW0.5,3;",
+       {1, 0, 0, 0},
+       [](const Plot& r) { EXPECT_EQ(r.items().at(0).LineWidth, 1); }},
+      {"CI writes with the pen up; AA with the pen up only moves",
+       "PU100,0;CI50;AA0,0,90;",
+       {0, 0, 1, 0},
+       [](const Plot& r) {
+         EXPECT_EQ(r.items().at(0).Width, 50 * Unit);
+         EXPECT_NEAR(r.state.CurX, 0, 1e-6);
+         EXPECT_NEAR(r.state.CurY, 100.0 * Unit, 1e-6);
+       }},
+      {"LT0 keeps the line type, LT resets it",
+       "LT1;LT0;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.LineType, 2); }},
+      {"LT without an argument",
+       "LT6;LT;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.LineType, 0); }},
+      {"RA leaves the pen, PA starts from it",
+       "IN;PA10,10;RA20,20;PD30,10;",
+       {1, 0, 0, 1},
+       [](const Plot& r) { EXPECT_EQ(r.items().back().X, 10 * Unit); }},
+      {"without IN walk 1 goes on from where walk 0 ended",
+       "PR;PD10,0;",
+       {1, 0, 0, 0},
+       [](const Plot& r) {
+         EXPECT_EQ(r.items().at(0).X, 10 * Unit);
+         EXPECT_EQ(r.items().at(0).Width, 10 * Unit);
+       }},
+      {"an unknown pair skips a letter and the numbers fill the open argument",
+       "PD10,1X0;",
+       {1, 0, 0, 0},
+       [](const Plot& r) { EXPECT_EQ(r.state.CurY, 10.0 * Unit); }},
+      {"no commands", "12,34;;", {}, [](const Plot& r) { EXPECT_TRUE(r.items().empty()); }},
+      {"device-control escapes are passed over",
+       "\x1B.(;\x1B.I81;;17:IN;PD10,0;PU;",
+       {1, 0, 0, 0},
+       nullptr},
+      {"a label's text is no command", "IN;PD10,0;LBPD99,99\x03PU;", {1, 0, 0, 0}, nullptr},
+      {"DT sets the label's terminator",
+       "IN;DT@;LBPA5,5PD1,1@PD10,0;",
+       {1, 0, 0, 0},
+       [](const Plot& r) { EXPECT_EQ(r.items().at(0).X, 0); }},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Plot run(c.text);
+    EXPECT_EQ(run.counts, c.counts);
+    if (c.check)
+      c.check(run);
+  }
+}
+
+TEST(HpglInterpreter, ArcsWedgesAndRotation) {
+  {
+    Plot run("PU100,0;PD;AA0,0,-90;");
+    const ItemRecord a = run.items().at(0);
+    EXPECT_EQ(std::tuple(a.Type, a.X, a.Y, a.Width, a.Height, a.Sweep, a.Style),
+              std::tuple(int32_t(ItemArc), 0, 0, 100 * Unit, 0, -90000, uint8_t(0)));
+    EXPECT_NEAR(run.state.CurY, -100.0 * Unit, 1e-6);
+  }
+  {
+    Plot run("PU100,0;PD;AR-100,0,90;");  // the centre relative to the pen
+    EXPECT_EQ(run.items().at(0).X, 0);
+    EXPECT_NEAR(run.state.CurY, 100.0 * Unit, 1e-6);
+  }
+  {
+    Plot run("PU0,0;WG100,0,90;");  // a wedge: centre, start, arc through its middle, back
+    EXPECT_EQ(run.counts.outlines, 1);
+    const std::vector<ItemRecord> items = run.items();
+    ASSERT_EQ(items.size(), 3u);
+    EXPECT_EQ(std::tuple(items[0].Type, items[1].Type, items[2].Type),
+              std::tuple(int32_t(ItemLine), int32_t(ItemArc), int32_t(ItemLine)));
+    EXPECT_EQ(items[0].Attributes & 8, 8) << "outline pieces are polygon sides";
+    EXPECT_EQ(run.state.CurX, 0.0) << "the pen stays at the centre";
+  }
+  {
+    Plot run("RO90;PD100,0;");
+    EXPECT_NEAR(run.state.CurX, 0, 1e-6);
+    EXPECT_NEAR(run.state.CurY, 100.0 * Unit, 1e-6);
+  }
+}
+
+TEST(HpglInterpreter, FaultsSkipOneStatement) {
+  // Letters are no part of a number ("1E3" reads as 13); a point or a radius beyond 32 bits is.
+  const std::string huge(300, '9');
+  Plot run("IN;SP-1;PW1,70000;SP70000;PW1,-2;PD" + huge + ",0;CI" + huge + ";PD10,0;");
+  EXPECT_EQ(run.state.PenNumber, 70000) << "a pen number only gives a width";
+  EXPECT_EQ(run.state.PenTable.size(), 1u) << "the table did not grow to a huge pen";
+  EXPECT_EQ(run.counts.lines, 1);
+  EXPECT_EQ(run.counts.circles, 0);
+}
+
+TEST(HpglInterpreter, CorpusPlots) {
+  const std::string corpus = test::corpusDir();
+  if (corpus.empty())
+    GTEST_SKIP() << "no corpus";
+  SystemServices services;
+  FileLayer files(services, nullptr);
+  const auto read = [&](const char* name) {
+    std::string text;
+    EXPECT_TRUE(ReadHpglText(files, services, corpus + "/hp2xx/hp-tests/" + name, text, {}));
+    return text;
+  };
+  Plot arcs(read("arcs.hp"));
+  EXPECT_EQ(arcs.counts, (HpglCounts{3, 3, 3, 0}));
+  std::vector<int32_t> radii, sweeps;
+  for (const ItemRecord& item : arcs.items()) {
+    if (item.Type == ItemCircle)
+      radii.push_back(item.Width);
+    if (item.Type == ItemArc)
+      sweeps.push_back(item.Sweep);
+  }
+  EXPECT_EQ(radii, (std::vector<int32_t>{125000, 250000, 375000}));
+  EXPECT_NE(std::find(sweeps.begin(), sweeps.end(), -90000), sweeps.end());
+  for (const char* name : {"acad.hp", "inter.hp", "win_1.hp", "spectrum.plt"}) {
+    Plot run(read(name));
+    EXPECT_GT(run.counts.lines, 20) << name;
+  }
+  std::string none;
+  EXPECT_FALSE(ReadHpglText(files, services, corpus + "/no such plot", none, {}));
+}
+
+}  // namespace
+}  // namespace tvx
