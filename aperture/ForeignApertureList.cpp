@@ -78,10 +78,11 @@ public:
 private:
   void readLine(std::string_view line) {
     std::vector<std::string> fields;
-    for (std::string_view rest = TrimBlanks(line); !rest.empty(); rest = TrimBlanks(rest)) {
-      const size_t end = std::min(rest.find_first_of(" \t"), rest.size());
-      fields.push_back(UpperCase(std::string(rest.substr(0, end))));
-      rest.remove_prefix(end);
+    constexpr std::string_view Blanks = " \t";
+    for (size_t from = line.find_first_not_of(Blanks); from != std::string_view::npos;) {
+      const size_t end = std::min(line.find_first_of(Blanks, from), line.size());
+      fields.push_back(UpperCase(line.substr(from, end - from)));
+      from = line.find_first_not_of(Blanks, end);
     }
     if (fields.empty())
       return;

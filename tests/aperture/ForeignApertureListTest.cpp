@@ -68,10 +68,11 @@ TEST(ForeignApertureList, LinesOfEachKind) {
 TEST(ForeignApertureList, HostileTextReadsWithoutHarm) {
   std::string text = "D10 ROUND 1e308 1e308\nD11 ROUND nan\nD12 SQUARE 99999999999999\n";
   text += std::string(100000, 'D') + " ROUND 4\n";
+  text += "\t D14 \t ROUND\t4\t\n";  // tabs part fields as blanks do
   text += std::string("D13 ROUND 4 \0\xff\x01", 15) + "\n";
   const ForeignApertureList list = readForeignApertureList(text);
   EXPECT_EQ(list.leftOut, (Codes{10, 12}));
-  EXPECT_EQ(list.codes, Codes{13});
+  EXPECT_EQ(list.codes, (Codes{14, 13}));
 }
 
 // The sizes of the corpus's three lists, code by code: the two lists of one board agree where
