@@ -301,7 +301,6 @@ TEST(WindowPlaceTest, CorrectionsOfTheStoredPlace) {
        {"11701", "100", "4000", "5000", false, {0, 100, 5000, 4000}},     // bottom fortieth
        {"100", "18720", "4000", "5000", true, {100, 18720, 5000, 4000}},
        {"100", "18721", "4000", "5000", false, {100, 0, 5000, 4000}},  // right fortieth
-       {"13000", "25000", "4000", "5000", false, {0, 0, 5000, 4000}},  // beyond the work area
        {"-1", "300", "4000", "5000", false, {0, 300, 5000, 4000}},
        {"300", "-150", "4000", "5000", false, {300, 0, 5000, 4000}},
        // Sizes below 1 take the present ones and leave the place usable.
