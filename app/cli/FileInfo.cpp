@@ -69,6 +69,45 @@ void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prom
     info.holes += tool.HoleCount;
 }
 
+// A plotter file: imported into the outline layer where it stands (no centring), then its
+// elements counted by kind and framed.
+void gatherPlotter(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
+  ImportSession& session = *run.session;
+  ImportOptions options;
+  options.kind = info.recognisedKind;
+  options.noCenter = true;
+  const size_t before = prompts.shown.size();
+  const ImportResult result = session.importFile(run.layers(), info.path, options);
+  takeMessages(prompts, before, false, info.messages);
+  info.plotter = true;
+  info.kind = result.kind;
+  info.importStatus = result.status;
+  if (result.layer == 0)
+    return;
+  Store& store = run.kernel->store;
+  const LayerRecord& layer = run.tables->layer(result.layer);
+  info.layer = result.layer;
+  info.layerName = layer.DisplayName;
+  const ArrayHandle items = store.S_SymbolItemArray(layer.SymbolHandle);
+  for (int32_t i = 1; i <= store.OA_GetCount(items); ++i) {
+    ItemRecord item;
+    store.I_ReadItem(store.OA_Object(items, i), item);
+    if (item.Attributes & attr::PolygonSide)
+      ++info.outlinePieces;
+    else if (item.Type == ItemLine)
+      ++info.lines;
+    else if (item.Type == ItemArc)
+      ++info.arcs;
+    else if (item.Type == ItemCircle)
+      ++info.circles;
+  }
+  FrameRect frame;
+  if (store.S_FrameSymbolItems(layer.SymbolHandle, -1, frame)) {
+    info.hasExtents = true;
+    info.extents = {double(frame.MinX), double(frame.MinY), double(frame.MaxX), double(frame.MaxY)};
+  }
+}
+
 // A Gerber file: stage one alone. Its aperture lists tell what the file defines and uses, one walk
 // over the intermediate file counts the operations.
 void gatherGerber(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
@@ -168,7 +207,8 @@ FileInfo gatherFileInfo(const std::string& path,
     info.bytes = static_cast<int64_t>(std::filesystem::file_size(path, error));
   }
   info.kind = info.recognisedKind;
-  if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind)) {
+  if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind) ||
+      info.recognisedKind == ImportKind::Hpgl) {
     WindowlessLayers run(services, prompts);
     run.session->titles.programTitle = "gbrview";
     run.session->gerberPass.apertureTable = apertureTable;
@@ -178,6 +218,8 @@ FileInfo gatherFileInfo(const std::string& path,
       run.session->state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
     if (isExcellonKind(info.recognisedKind))
       gatherExcellon(info, run, prompts);
+    else if (info.recognisedKind == ImportKind::Hpgl)
+      gatherPlotter(info, run, prompts);
     else
       gatherGerber(info, run, prompts);
   }

@@ -80,13 +80,19 @@ struct FileInfo {
   GerberStreamCounts stream;
   std::vector<FileAttribute> fileAttributes;
 
+  // Plotter files: the elements written into the outline layer, by kind, and their frame
+  // (extents). Outline pieces are the sides of rectangles and wedges.
+  bool plotter = false;
+  int32_t lines = 0, arcs = 0, circles = 0, outlinePieces = 0;
+
   // The messages shown while reading (file errors, status messages), in order.
   std::vector<std::string> messages;
 
   // True when the file could not be read or its import failed.
   // A file that gbrview does not read (unreadable, empty or of no kind) fails, as in render.
   bool failed() const {
-    return !readable || kind == ImportKind::Unknown || ((excellon || gerber) && importStatus != 0);
+    return !readable || kind == ImportKind::Unknown ||
+           ((excellon || gerber || plotter) && importStatus != 0);
   }
 };
 

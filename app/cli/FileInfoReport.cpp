@@ -237,6 +237,25 @@ QJsonObject gerberJson(const FileInfo& info) {
           {"fileAttributes", attributes}};
 }
 
+std::string plotterText(const FileInfo& info) {
+  return "elements: " + std::to_string(info.lines) + " lines, " + std::to_string(info.arcs) +
+         " arcs, " + std::to_string(info.circles) + " circles, " +
+         std::to_string(info.outlinePieces) + " outline pieces\n" + extentsLine(info) +
+         "import: status " + std::to_string(info.importStatus) +
+         (info.layer != 0 ? ", layer " + std::to_string(info.layer) + " " + info.layerName : "") +
+         "\n";
+}
+
+QJsonObject plotterJson(const FileInfo& info) {
+  return QJsonObject{{"lines", info.lines},
+                     {"arcs", info.arcs},
+                     {"circles", info.circles},
+                     {"outlinePieces", info.outlinePieces},
+                     {"extentsMm", extentsJson(info)},
+                     {"importStatus", info.importStatus},
+                     {"layer", info.layer}};
+}
+
 }  // namespace
 
 std::string fileInfoText(const FileInfo& info) {
@@ -253,6 +272,8 @@ std::string fileInfoText(const FileInfo& info) {
     out += excellonText(info);
   if (info.gerber && info.scanned)
     out += gerberText(info);
+  if (info.plotter)
+    out += plotterText(info);
   for (const std::string& message : info.messages)
     out += "message: " + message + "\n";
   return out;
@@ -266,6 +287,8 @@ std::string fileInfoJson(const FileInfo& info) {
     report["excellon"] = excellonJson(info);
   if (info.gerber && info.scanned)
     report["gerber"] = gerberJson(info);
+  if (info.plotter)
+    report["plotter"] = plotterJson(info);
   QJsonArray messages;
   for (const std::string& message : info.messages)
     messages.append(q(message));

@@ -123,7 +123,7 @@ TEST(CliTest, HelpPrintsTheUsage) {
   EXPECT_NE(run.out.find("gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] "
                          "[--apt TABLE]"),
             std::string::npos);
-  EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D) and Excellon drill files render"),
+  EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D), Excellon drill files and HPGL"),
             std::string::npos)
       << run.out;
 }
