@@ -145,14 +145,6 @@ TEST(AccuracyComparison, EdgesWithinTwoPixelsAgreeAndWiderShiftsOrMissingFeature
   }
 }
 
-TEST(AccuracyComparison, PicturesAreCutAtHalfIntensity) {
-  QImage image(3, 1, QImage::Format_RGB32);
-  image.setPixel(0, 0, qRgb(127, 127, 127));
-  image.setPixel(1, 0, qRgb(128, 128, 128));
-  image.setPixel(2, 0, qRgb(255, 255, 255));
-  EXPECT_EQ(maskOf(image).lit, (std::vector<uint8_t>{0, 1, 1}));
-}
-
 // --- The corpus -------------------------------------------------------------------------------
 
 struct ReferenceRow {
