@@ -114,6 +114,7 @@ void GBRVIEWER_MAIN::Form_Load() {
   // While a file is read the windows keep painting and the message line shows the progress; what
   // the user does waits until the reading is over, as do the host's commands, so nothing starts
   // inside an import.
+  import_->hpglReader.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   import_->setYield([] {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);
