@@ -90,7 +90,6 @@ TEST(CommandLineTest, BadLinesAreRefusedWithTheReason) {
       {{"render", "--colour", "-o", "a.png", "f"}, "colour"},
       {{"render", "--window=0,0,10", "-o", "a.png", "f"}, "--window must be"},
       {{"render", "--window", "10,0,0,10", "-o", "a.png", "f"}, "--window must be"},
-      {{"render", "--window=-5,-5,10", "-o", "a.png", "f"}, "--window must be"},
       {{"render", "--dpi", "1", "--dpi=2", "-o", "a.png", "f"}, "more than once"},
       {{"render", "-o", "a.png", "-o", "b.png", "f"}, "more than once"},
       {{"render", "--dpi=many", "-o", "a.png", "f"}, "--dpi"},
