@@ -17,8 +17,8 @@ if [ $# -gt 0 ] && [[ "$1" =~ ^[0-9]+$ ]]; then
   shift
 fi
 build=${TVX_FUZZ_BUILD:-$top/build-fuzz}
-all=(fuzz_recognition fuzz_excellon fuzz_parameter_blocks fuzz_macro_expansion fuzz_ini fuzz_menu
-  fuzz_aperture_table fuzz_gerber_pass fuzz_import)
+all=(fuzz_recognition fuzz_excellon fuzz_hpgl fuzz_parameter_blocks fuzz_macro_expansion fuzz_ini
+  fuzz_menu fuzz_aperture_table fuzz_gerber_pass fuzz_import)
 targets=()
 for arg in "$@"; do
   if [[ "$arg" == */* ]]; then
@@ -121,6 +121,13 @@ printf '\001%%FSLAX24Y24*MOIN*%%%%AMBOX*21,1,$1,$2,0,0,0*%%%%ADD10BOX,0.1X0.2*%%
   >"$seeds/fuzz_parameter_blocks/minimal"
 printf '\000M48\nINCH,LZ\nT01C0.035\n%%\nT01\nX001Y001\nG85X002Y002\nM30\n' \
   >"$seeds/fuzz_excellon/minimal"
+printf 'IN;IP0,0,4000,4000;SC0,100,0,100;WU0;PW0.2,1;SP1;PU10,10;PD20,10,20,20;AA15,15,90;CI5;RA30,30;WG5,0,90;LT2;PR5,5;DT@;LBTEXT@;' \
+  >"$seeds/fuzz_hpgl/minimal"
+# The corpus's plotter files, the first 4 KB of each.
+for file in "$corpus"/hp2xx/hp-tests/*; do
+  [ -f "$file" ] || continue
+  head -c 4096 "$file" >"$seeds/fuzz_hpgl/$(basename "$file")"
+done
 
 # The dictionary of each target: recognition and the whole import see every format.
 dicts="$build/dicts"
@@ -130,6 +137,7 @@ dictOf() {
   case "$1" in
     fuzz_recognition | fuzz_import) echo "$dicts/all.dict" ;;
     fuzz_excellon) echo "$top/fuzz/dict/excellon.dict" ;;
+    fuzz_hpgl) echo "$top/fuzz/dict/hpgl.dict" ;;
     fuzz_parameter_blocks | fuzz_gerber_pass) echo "$top/fuzz/dict/gerber.dict" ;;
     fuzz_macro_expansion) echo "$top/fuzz/dict/macro.dict" ;;
     fuzz_ini) echo "$top/fuzz/dict/ini.dict" ;;

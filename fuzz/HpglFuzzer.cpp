@@ -1,0 +1,31 @@
+// Any text as a plotter file, upper-cased as the reader reads it, through both walks into a layer
+// over a fresh store. No input may crash, hang, read out of bounds or grow without end: the pen
+// table stays within the largest pen, and every item written is one that a command counted.
+#include "import/readers/hpgl/HpglInterpreter.h"
+#include "kernel/Store.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  using namespace tvx;
+  std::string text(reinterpret_cast<const char*>(data), size);
+  for (char& c : text)
+    if (c >= 'a' && c <= 'z')
+      c = char(c - 'a' + 'A');
+  Store store;
+  const SymbolId symbol = -76531;
+  store.S_CreateSymbol(symbol, "OUTLINE");
+  HpglInterpreter interpreter(store, symbol, 7);
+  interpreter.run(text);
+  if (interpreter.state.PenTable.size() > 65536)
+    std::abort();
+  const HpglCounts& c = interpreter.counts;
+  const int32_t items = store.OA_GetCount(store.S_SymbolItemArray(symbol));
+  // An outline writes at most four pieces (a rectangle), or three (a wedge).
+  if (items < c.lines + c.arcs + c.circles || items > c.lines + c.arcs + c.circles + 4 * c.outlines)
+    std::abort();
+  return 0;
+}
