@@ -76,21 +76,19 @@ TEST_F(ViewerWorkFolderTest, AWorkDirectoryThatCannotTakeAFolderGivesWayToTheTem
 }
 
 TEST(ViewerWorkFolderName, TheProcessOfAFolderName) {
-  struct Case {
-    const char* name;
-    long pid;
-  } cases[] = {{"viewer-1234-1", 1234},
-               {"viewer-7-12", 7},
-               {"viewer-1234-", 0},
-               {"viewer--1", 0},
-               {"viewer-12a-1", 0},
-               {"viewer-1234-x", 0},
-               {"viewer-1234", 0},
-               {"viewers-1234-1", 0},
-               {"", 0},
-               {"viewer-99999999999999999999-1", 0}};
-  for (const Case& c : cases)
-    EXPECT_EQ(ViewerWorkFolder::processOf(c.name), c.pid) << c.name;
+  // A folder name and the process it names; 0 for names that are no viewer's folder.
+  const std::pair<const char*, long> cases[] = {{"viewer-1234-1", 1234},
+                                                {"viewer-7-12", 7},
+                                                {"viewer-1234-", 0},
+                                                {"viewer--1", 0},
+                                                {"viewer-12a-1", 0},
+                                                {"viewer-1234-x", 0},
+                                                {"viewer-1234", 0},
+                                                {"viewers-1234-1", 0},
+                                                {"", 0},
+                                                {"viewer-99999999999999999999-1", 0}};
+  for (const auto& [name, pid] : cases)
+    EXPECT_EQ(ViewerWorkFolder::processOf(name), pid) << name;
 }
 
 }  // namespace

@@ -128,16 +128,11 @@ TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
 }
 
 TEST_F(FileInfoTest, OtherFilesReportTheirKindOnlyAndFailAsInRender) {
-  struct Case {
-    const char* text;
-    const char* error;
-  } cases[] = {
-      {"just some words\n", "not a file that gbrview reads"},
-      {"", "the file is empty"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    const FileInfo info = gatherFileInfo(folder.write("other.txt", c.text));
+  const std::pair<const char*, const char*> cases[] = {
+      {"just some words\n", "not a file that gbrview reads"}, {"", "the file is empty"}};
+  for (const auto& [content, error] : cases) {
+    SCOPED_TRACE(content);
+    const FileInfo info = gatherFileInfo(folder.write("other.txt", content));
     EXPECT_FALSE(info.excellon);
     EXPECT_TRUE(info.failed());
     const std::string text = fileInfoText(info);
@@ -150,7 +145,7 @@ TEST_F(FileInfoTest, OtherFilesReportTheirKindOnlyAndFailAsInRender) {
     std::string out, err;
     EXPECT_EQ(runInfoCommand(info.path, false, out, err), 1);
     EXPECT_EQ(out, text);
-    EXPECT_EQ(err, "gbrview: " + info.path + ": " + c.error + "\n");
+    EXPECT_EQ(err, "gbrview: " + info.path + ": " + error + "\n");
   }
 }
 
