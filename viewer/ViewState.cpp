@@ -65,43 +65,6 @@ void ViewState::setPictureSize(int32_t width, int32_t height) {
   height_ = std::max(0, height);
 }
 
-// --- Settings ----------------------------------------------------------------------------------
-
-void ViewState::applyUnitSetting(std::string_view text) { DisplayUnit = whole(ToNumber(text)); }
-
-void ViewState::applyViewSetting(std::string_view text) {
-  const ParsedList fields = ParseList(text);
-  const auto on = [&](int i) { return fields.value(i) != 0; };
-  RulerOn = on(1);
-  ViewFlags = viewflag::ScreenView;
-  if (!on(2))
-    ViewFlags |= viewflag::Outline;
-  if (on(3))
-    ViewFlags |= viewflag::PadFrames;
-  if (on(4))
-    ViewFlags |= viewflag::Mirror;
-  // Field 5, monochrome, is kept in the file only: the view starts in colour.
-  ScrollBarsOn = on(6);
-  PadPositions = on(7) ? 1 : 0;
-}
-
-void ViewState::applyZoomSetting(std::string_view text) {
-  const double value = ToNumber(text);
-  ZoomFactor = value < 1.1 ? 2.0 : value;
-}
-
-std::string ViewState::unitSettingText() const { return std::to_string(DisplayUnit); }
-
-std::string ViewState::viewSettingText() const {
-  const auto bit = [](bool on) { return on ? std::string("1") : std::string("0"); };
-  return bit(RulerOn) + "," + bit((ViewFlags & viewflag::Outline) == 0) + "," +
-         bit((ViewFlags & viewflag::PadFrames) != 0) + "," +
-         bit((ViewFlags & viewflag::Mirror) != 0) + "," + bit((MonoFlags & MonoFlag) != 0) + "," +
-         bit(ScrollBarsOn) + "," + bit(PadPositions != 0);
-}
-
-std::string ViewState::zoomSettingText() const { return FormatNumber(ZoomFactor, ""); }
-
 void ViewState::readKernelTables(KernelStrings& strings) { tables_ = ReadViewTables(strings); }
 
 ViewChange ViewState::takeDefaultPrecision() {

@@ -150,15 +150,6 @@ public:
   void setCoverSource(std::function<FrameRect()> source) { coverSource_ = std::move(source); }
   void setFitSource(std::function<FrameRect()> source) { fitSource_ = std::move(source); }
 
-  // Settings of section "GBRVIEWER" that the view holds: UNIT, VIEW (seven fields; missing
-  // ones read as 0; monochrome is not applied) and ZOOM (below 1.1 reads as 2.0).
-  void applyUnitSetting(std::string_view text);
-  void applyViewSetting(std::string_view text);
-  void applyZoomSetting(std::string_view text);
-  std::string unitSettingText() const;
-  std::string viewSettingText() const;
-  std::string zoomSettingText() const;
-
   // Copies the raster, angle, pick and precision tables back from the kernel.
   void readKernelTables(KernelStrings& strings);
   const ViewTables& tables() const { return tables_; }

@@ -360,28 +360,5 @@ TEST(ViewTablesTest, WheelStepsAlongTheRowsOfTheUnit) {
   EXPECT_EQ(ReadViewTables(empty.strings).wheelPrecision(in, 5000, -120), 5000);
 }
 
-using ViewSettingsTest = test::ViewFixture;
-
-TEST_F(ViewSettingsTest, ViewZoomAndUnitSettings) {
-  view.applyViewSetting("1,1,1,0,0,0,1");  // true size clears 32
-  EXPECT_EQ(std::tuple(view.RulerOn, view.ViewFlags, view.PadPositions),
-            std::tuple(true, viewflag::ScreenView | viewflag::PadFrames, 1));
-  EXPECT_EQ(view.viewSettingText(), "1,1,1,0,0,0,1");
-  view.applyViewSetting("0,0,0,1");  // the missing fields read as 0
-  EXPECT_EQ(view.ViewFlags, viewflag::ScreenView | viewflag::Outline | viewflag::Mirror);
-  EXPECT_EQ(view.viewSettingText(), "0,0,0,1,0,0,0");
-  view.applyViewSetting("-1,1,0,0,1,-1,-1");  // monochrome is not applied; booleans go out as 1
-  EXPECT_EQ(std::tuple(view.MonoFlags, view.ScrollBarsOn), std::tuple(0, true));
-  view.MonoFlags = MonoFlag;
-  EXPECT_EQ(view.viewSettingText(), "1,1,0,0,1,1,1");
-
-  for (auto [text, factor] : {std::pair{"1.05", 2.0}, {"1,5", 1.5}, {"none", 2.0}}) {
-    view.applyZoomSetting(text);
-    EXPECT_EQ(view.ZoomFactor, factor) << text;
-  }
-  view.applyUnitSetting("1");
-  EXPECT_EQ(view.DisplayUnit, displayunit::Millimetre);
-}
-
 }  // namespace
 }  // namespace tvx
