@@ -2,8 +2,6 @@
 // text, the unit and the settings that the view keeps.
 #include "viewer/ViewState.h"
 
-#include "common/FormatNumber.h"
-#include "common/ParseList.h"
 #include "common/ToNumber.h"
 #include "kernel/Graphics.h"
 #include "platform/SystemServices.h"
