@@ -233,6 +233,24 @@ def outline():
     return g.text()
 
 
+def outline_plt():
+    """The board outline as a plotter (HPGL) file: plotter units of 0.025 mm, a 0.15 mm pen
+    (WU0 makes PW's unit a millimetre), straight sides drawn with PD and the corners as AA arcs
+    of 90 degrees about their centres."""
+    def u(mm):
+        return int(round(mm / 0.025))
+
+    w, h, r = BOARD_W, BOARD_H, CORNER_R
+    lines = ["IN;", "WU0;PW0.15,1;SP1;", "PU%d,%d;" % (u(r), 0)]
+    sides = [((w - r, 0), (w - r, r)), ((w, h - r), (w - r, h - r)),
+             ((r, h), (r, h - r)), ((0, r), (r, r))]
+    for (x, y), (cx, cy) in sides:
+        lines.append("PD%d,%d;" % (u(x), u(y)))
+        lines.append("AA%d,%d,90;" % (u(cx), u(cy)))
+    lines.append("PU;SP0;")
+    return "\n".join(lines) + "\n"
+
+
 # Stroke letters on a grid 4 wide and 6 high; each entry is one polyline.
 FONT = {
     "0": [[(0, 0), (4, 0), (4, 6), (0, 6), (0, 0), (4, 6)]],
@@ -315,6 +333,7 @@ FILES = {
     "demo-silk-top.gbr": silk_top,
     "demo-mask-top.gbr": mask_top,
     "demo-outline.gbr": outline,
+    "demo-outline.plt": outline_plt,
     "demo.drl": drill,
 }
 

@@ -92,6 +92,14 @@ const Layer Layers[] = {
          {"corner cut off by the arc", 0.1, 0.1, false},
          {"inside the board", 20.0, 15.0, false},
      }},
+    {"demo-outline.plt", true, {
+         {"lower edge", 20.0, 0.0, true},
+         {"middle of the lower left corner's arc", 0.586, 0.586, true},
+         {"middle of the upper right corner's arc", 39.414, 29.414, true},
+         {"right edge", 40.0, 15.0, true},
+         {"half a millimetre inside", 20.0, 0.5, false},
+         {"half a millimetre outside", 20.0, -0.5, false},
+     }},
 };
 // clang-format on
 
