@@ -88,6 +88,7 @@ size_t HpglInterpreter::skipLabel(std::string_view text, size_t at) const {
 
 void HpglInterpreter::walk(std::string_view text, int walkNumber) {
   state.PenTable.assign(1, 1);
+  state.EveryPenWidth = 1;
   state.Args.resize(std::max<size_t>(state.Args.size(), 8));
   const auto emptyArgs = [this] {
     state.ArgCount = 1;
@@ -154,6 +155,10 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
 void HpglInterpreter::toPoint(std::string_view argX, std::string_view argY) {
   double x = ToNumber(argX) * state.ScaleX * HpglUnitsPerMm;
   double y = ToNumber(argY) * state.ScaleY * HpglUnitsPerMm;
+  if (state.Relative == 0) {
+    x += state.OriginX;
+    y += state.OriginY;
+  }
   if (state.Rotation != 0) {
     const double a = state.Rotation * RadiansPerDegree;
     const double turnedX = x * std::cos(a) - y * std::sin(a);
@@ -162,6 +167,13 @@ void HpglInterpreter::toPoint(std::string_view argX, std::string_view argY) {
   }
   state.NextX = state.Relative == 0 ? x : state.CurX + x;
   state.NextY = state.Relative == 0 ? y : state.CurY + y;
+}
+
+double HpglInterpreter::penWidth(double value) const {
+  const double diagonal = std::hypot(state.P2X - state.P1X, state.P2Y - state.P1Y) / HpglUnitsPerMm;
+  const double mm =
+      state.RelativeWidths && diagonal > 0 ? value / 100 * diagonal : value * state.WidthUnit;
+  return mm * HpglUnitsPerMm;
 }
 
 double HpglInterpreter::toLength(std::string_view argument) const {
@@ -198,7 +210,7 @@ void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
   ++counts.lines;
 }
 
-void HpglInterpreter::writeOutline(const std::vector<std::array<double, 3>>& points) {
+void HpglInterpreter::writeOutline(const std::vector<std::array<double, 3>>& points, bool filled) {
   OutlinePoints outline(1);
   for (const auto& [kind, x, y] : points) {
     if (!whole(x) || !whole(y))
@@ -219,6 +231,8 @@ void HpglInterpreter::writeOutline(const std::vector<std::array<double, 3>>& poi
   }
   ItemRecord templ = element(ItemLine);
   templ.Attributes = OutlineAttributes;
+  if (filled)
+    templ.Style = StyleFilled;
   int32_t refused = 0, first = 0, last = 0;
   WriteOutline(refused, store_, symbol_, templ, outline, first, last);
   status = std::max(status, refused);
@@ -274,7 +288,7 @@ void HpglInterpreter::arc(int walkNumber, int32_t relative) {
   state.CurY = state.NextY;
 }
 
-void HpglInterpreter::rectangle(int walkNumber, int32_t relative) {
+void HpglInterpreter::rectangle(int walkNumber, int32_t relative, bool filled) {
   if (argumentCount() < 2)
     return;
   const int32_t kept = state.Relative;
@@ -284,10 +298,10 @@ void HpglInterpreter::rectangle(int walkNumber, int32_t relative) {
   if (walkNumber != 1)
     return;
   const double x0 = state.CurX, y0 = state.CurY, x1 = state.NextX, y1 = state.NextY;
-  writeOutline({{1, x0, y0}, {1, x0, y1}, {1, x1, y1}, {1, x1, y0}, {1, x0, y0}});
+  writeOutline({{1, x0, y0}, {1, x0, y1}, {1, x1, y1}, {1, x1, y0}, {1, x0, y0}}, filled);
 }
 
-void HpglInterpreter::wedge(int walkNumber) {
+void HpglInterpreter::wedge(int walkNumber, bool filled) {
   if (argumentCount() < 3)
     return;
   state.Radius = toLength(arg(1));
@@ -310,7 +324,8 @@ void HpglInterpreter::wedge(int walkNumber) {
                 {0, startX, startY},
                 {5, state.MidX, state.MidY},
                 {1, state.NextX, state.NextY},
-                {1, cx, cy}});
+                {1, cx, cy}},
+               filled);
 }
 
 void HpglInterpreter::execute(int walkNumber) {
@@ -323,8 +338,10 @@ void HpglInterpreter::execute(int walkNumber) {
     state.Relative = state.PenDown = state.LineType = state.PenNumber = 0;
     state.Rotation = 0;
     state.ScaleX = state.ScaleY = HpglPlotterUnit;
-    state.PenWidth = 1;
-    state.WidthUnit = 25.4 / 300;
+    state.PenWidth = state.EveryPenWidth = 1;
+    state.WidthUnit = 1.0;
+    state.RelativeWidths = false;
+    state.OriginX = state.OriginY = 0;
     state.CurX = state.CurY = 0;
     break;
   case code('D', 'F'):
@@ -341,28 +358,41 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('S', 'C'):
     if (count < 4) {
       state.ScaleX = state.ScaleY = HpglPlotterUnit;
+      state.OriginX = state.OriginY = 0;
     } else {
-      // A factor, not an origin: the minimum is not subtracted.
-      const double rangeX = std::abs(ToNumber(arg(2)) - ToNumber(arg(1)));
-      const double rangeY = std::abs(ToNumber(arg(4)) - ToNumber(arg(3)));
+      const double xMin = ToNumber(arg(1)), yMin = ToNumber(arg(3));
+      const double rangeX = std::abs(ToNumber(arg(2)) - xMin);
+      const double rangeY = std::abs(ToNumber(arg(4)) - yMin);
       const double sizeX = std::abs(state.P2X - state.P1X) / HpglUnitsPerMm;
       const double sizeY = std::abs(state.P2Y - state.P1Y) / HpglUnitsPerMm;
       if (rangeX != 0 && rangeY != 0 && sizeX != 0 && sizeY != 0) {
         state.ScaleX = sizeX / rangeX;
         state.ScaleY = sizeY / rangeY;
+        // The user's minimum lands on P1.
+        state.OriginX = std::min(state.P1X, state.P2X) - xMin * state.ScaleX * HpglUnitsPerMm;
+        state.OriginY = std::min(state.P1Y, state.P2Y) - yMin * state.ScaleY * HpglUnitsPerMm;
       }
     }
     break;
   case code('W', 'U'):
-    if (count >= 1 && ToNumber(arg(1)) == 0)
-      state.WidthUnit = 1.0;
+    // Millimetres (no argument or 0), or hundredths of the P1-P2 diagonal (1).
+    state.WidthUnit = 1.0;
+    state.RelativeWidths = count >= 1 && ToNumber(arg(1)) == 1;
     break;
   case code('P', 'W'): {
-    if (count < 2)
+    if (count < 1)
       break;
+    const auto width = whole(penWidth(ToNumber(arg(1))));
+    if (!width)
+      break;
+    if (count == 1) {
+      // A width alone is every pen's, the one in hand too.
+      std::fill(state.PenTable.begin(), state.PenTable.end(), *width);
+      state.EveryPenWidth = state.PenWidth = *width;
+      break;
+    }
     const auto pen = whole(ToNumber(arg(2)));
-    const auto width = whole(ToNumber(arg(1)) * state.WidthUnit * HpglUnitsPerMm);
-    if (!pen || !width || *pen < 0 || *pen > LargestPen)
+    if (!pen || *pen < 0 || *pen > LargestPen)
       break;
     if (size_t(*pen) >= state.PenTable.size())
       state.PenTable.resize(size_t(*pen) + 1, 0);
@@ -376,7 +406,8 @@ void HpglInterpreter::execute(int walkNumber) {
     if (!pen || *pen < 0)
       break;
     state.PenNumber = *pen;
-    state.PenWidth = size_t(*pen) < state.PenTable.size() ? state.PenTable[size_t(*pen)] : 1;
+    state.PenWidth =
+        size_t(*pen) < state.PenTable.size() ? state.PenTable[size_t(*pen)] : state.EveryPenWidth;
     break;
   }
   case code('R', 'O'):
@@ -435,16 +466,22 @@ void HpglInterpreter::execute(int walkNumber) {
     }
     break;
   case code('E', 'A'):
+    rectangle(walkNumber, 0, false);
+    break;
   case code('R', 'A'):
-    rectangle(walkNumber, 0);
+    rectangle(walkNumber, 0, true);
     break;
   case code('E', 'R'):
+    rectangle(walkNumber, 1, false);
+    break;
   case code('R', 'R'):
-    rectangle(walkNumber, 1);
+    rectangle(walkNumber, 1, true);
     break;
   case code('E', 'W'):
+    wedge(walkNumber, false);
+    break;
   case code('W', 'G'):
-    wedge(walkNumber);
+    wedge(walkNumber, true);
     break;
   default:
     break;  // recognised, so that it ends the command before it; nothing to do

@@ -5,6 +5,10 @@
 // The text is walked twice: walk 0 only carries the state to its end (a file that does not open
 // with "IN" starts walk 1 where walk 0 ended), walk 1 writes. Pen widths start afresh with each
 // walk. Device-control escapes (ESC "." ... ":") and the text of labels are passed over.
+//
+// As current plotter drivers write their files: "PW" widths are millimetres unless "WU1" makes
+// them relative, "PW" with a width alone sets every pen, "SC" maps the user's minimum onto P1,
+// and the filled forms ("RA", "RR", "WG") are written filled.
 #pragma once
 
 #include "kernel/KernelTypes.h"
@@ -44,8 +48,11 @@ struct HpglState {
   double CentreX = 0, CentreY = 0;
   double Radius = 0;
   double StartAngle = 0, SweepAngle = 0;  // degrees
-  double WidthUnit = 25.4 / 300;          // millimetres per unit of "PW"
+  double WidthUnit = 1.0;                 // millimetres per unit of "PW"
+  bool RelativeWidths = false;            // "WU1": widths in hundredths of the P1-P2 diagonal
   std::vector<int32_t> PenTable{1};       // width per pen number, store units
+  int32_t EveryPenWidth = 1;        // what "PW" with a width alone gave the pens beyond the table
+  double OriginX = 0, OriginY = 0;  // where "SC" puts the user's minimum, store units
   // The arguments of the command in hand, from index 1; index 0 takes what comes before any
   // separator.
   std::vector<std::string> Args;
@@ -86,11 +93,13 @@ private:
   size_t argumentCount() const { return state.ArgCount == 0 ? 0 : state.ArgCount - 1; }
   void pairs(int walkNumber, bool draw);
   void arc(int walkNumber, int32_t relative);
-  void rectangle(int walkNumber, int32_t relative);
-  void wedge(int walkNumber);
+  void rectangle(int walkNumber, int32_t relative, bool filled);
+  void wedge(int walkNumber, bool filled);
   void line(double x0, double y0, double x1, double y1);
   void write(ItemRecord record);
-  void writeOutline(const std::vector<std::array<double, 3>>& points);
+  void writeOutline(const std::vector<std::array<double, 3>>& points, bool filled);
+  // Store units of a "PW" width.
+  double penWidth(double value) const;
   ItemRecord element(int32_t type) const;
 
   Store& store_;

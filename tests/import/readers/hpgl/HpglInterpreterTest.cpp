@@ -73,22 +73,42 @@ TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
        "SC0,10,0,10;",
        {},
        [](const Plot& r) { EXPECT_EQ(r.state.ScaleX, HpglPlotterUnit); }},
-      {"SC after IP is a factor, without an origin",
-       "IP0,0,4000,2000;SC50,100,0,100;PA10,10;",
+      {"SC after IP maps the user's minimum onto P1",
+       "IP400,0,4400,2000;SC50,100,0,100;PA60,10;",
        {},
        [](const Plot& r) {
          EXPECT_DOUBLE_EQ(r.state.ScaleX, 2.0);
          EXPECT_DOUBLE_EQ(r.state.ScaleY, 0.5);
-         EXPECT_DOUBLE_EQ(r.state.CurX, 10 * 2.0 * 100000);
+         EXPECT_DOUBLE_EQ(r.state.CurX, (10.0 + 10 * 2.0) * 100000);  // P1 at 10 mm, 10 units on
+         EXPECT_DOUBLE_EQ(r.state.CurY, 10 * 0.5 * 100000);
        }},
+      {"relative moves take no origin",
+       "IP0,0,4000,4000;SC50,150,50,150;PA50,50;PR10,10;",
+       {},
+       [](const Plot& r) { EXPECT_DOUBLE_EQ(r.state.CurX, 10 * 1.0 * 100000); }},
       {"PW with WU0 is in millimetres",
        "WU0;PW0.5,3;SP3;",
        {},
        [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 50000); }},
-      {"PW without WU is in dots of 300 an inch",
+      {"PW without WU is in millimetres too",
        "PW0.5,3;SP3;",
        {},
-       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 4233); }},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 50000); }},
+      {"WU1 makes widths hundredths of the P1-P2 diagonal",
+       "IP0,0,3000,4000;WU1;PW2,1;SP1;",
+       {},
+       [](const Plot& r) { EXPECT_EQ(r.state.PenWidth, 250000); }},  // 2% of 125 mm
+      {"PW with a width alone sets every pen, the one in hand too",
+       "SP2;PW0.3;SP9;PD10,0;",
+       {1, 0, 0, 0},
+       [](const Plot& r) { EXPECT_EQ(r.items().at(0).LineWidth, 30000); }},
+      {"the filled forms are written filled, the edge forms open",
+       "IN;RA10,10;EA10,10;",
+       {0, 0, 0, 2},
+       [](const Plot& r) {
+         EXPECT_EQ(r.items().front().Style, StyleFilled);
+         EXPECT_EQ(r.items().back().Style, 0);
+       }},
       {"a pen beyond the table has width 1",
        "PW0.5,3;SP7;",
        {},
