@@ -1,10 +1,11 @@
-// Rendering accuracy: every file of the corpus's REFERENCE.tsv is rendered by "gbrview render
-// --mono" at the row's dpi and window and compared with the row's reference picture. Both are cut
-// at half intensity; a pixel differs only when no pixel of the other picture within 2 pixels has
-// its value. The share of differing pixels is printed per file; above 2% the file fails, the aim is
-// below 0.5%. Files listed in data/accuracy-exceptions.tsv are measured but do not fail.
-// TVX_ACCURACY_DIFF_DIR, when set, receives a picture of each comparison: red where only gbrview is
-// lit, green where only the reference is.
+// Rendering accuracy: every file of the corpus's REFERENCE.tsv, and its plotter files of
+// REFERENCE-LINES.tsv, is rendered by "gbrview render --mono" at the row's dpi and window and
+// compared with the row's reference picture. Both are cut at half intensity; a pixel differs
+// only when no pixel of the other picture within 2 pixels has its value. The share of differing
+// pixels is printed per file; above 2% the file fails, the aim is below 0.5%. Files listed in
+// data/accuracy-exceptions.tsv are measured but do not fail. TVX_ACCURACY_DIFF_DIR, when set,
+// receives a picture of each comparison: red where only gbrview is lit, green where only the
+// reference is.
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
 #include "support/LitPicture.h"
@@ -23,6 +24,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <ostream>
 #include <string>
@@ -161,11 +163,12 @@ void PrintTo(const ReferenceRow& row, std::ostream* out) { *out << row.relpath; 
 using tvx::test::splitTabs;
 using tvx::test::uniqueTestName;
 
-// The rows of REFERENCE.tsv, or one row without a file when there is no table.
-std::vector<ReferenceRow> referenceRows() {
-  std::vector<ReferenceRow> rows;
+// The rows of one reference table of the corpus whose file passes the filter.
+void readReferenceTable(const std::string& table,
+                        const std::function<bool(const std::string&)>& take,
+                        std::map<std::string, int>& namesUsed, std::vector<ReferenceRow>& rows) {
   const std::string corpus = tvx::test::corpusDir();
-  std::ifstream in(corpus.empty() ? std::string() : corpus + "/REFERENCE.tsv");
+  std::ifstream in(corpus.empty() ? std::string() : corpus + "/" + table);
   std::string line;
   std::map<std::string, int> columns;
   if (in && std::getline(in, line)) {
@@ -178,12 +181,11 @@ std::vector<ReferenceRow> referenceRows() {
     return it != columns.end() && size_t(it->second) < f.size() ? f[size_t(it->second)]
                                                                 : std::string();
   };
-  std::map<std::string, int> namesUsed;
   while (in && std::getline(in, line)) {
     const std::vector<std::string> f = splitTabs(line);
     ReferenceRow row;
     row.relpath = field(f, "relpath");
-    if (row.relpath.empty())
+    if (row.relpath.empty() || !take(row.relpath))
       continue;
     row.png = field(f, "png");
     row.dpi = field(f, "dpi");
@@ -193,6 +195,18 @@ std::vector<ReferenceRow> referenceRows() {
     row.testName = uniqueTestName(row.relpath, namesUsed);
     rows.push_back(row);
   }
+}
+
+// The rows of REFERENCE.tsv and the plotter files of REFERENCE-LINES.tsv (the drawings wait for
+// their reader), or one row without a file when there is no table.
+std::vector<ReferenceRow> referenceRows() {
+  std::vector<ReferenceRow> rows;
+  std::map<std::string, int> namesUsed;
+  readReferenceTable(
+      "REFERENCE.tsv", [](const std::string&) { return true; }, namesUsed, rows);
+  readReferenceTable(
+      "REFERENCE-LINES.tsv", [](const std::string& path) { return path.rfind("hp2xx/", 0) == 0; },
+      namesUsed, rows);
   if (rows.empty())
     rows.push_back(ReferenceRow{"", "", "", "", "no REFERENCE.tsv in the corpus", "NoCorpus"});
   return rows;
