@@ -263,7 +263,10 @@ bool GBRVIEWER_MAIN::ConfirmYESNO(const std::string& text, int32_t X, int32_t Y)
   yes->setObjectName("M_Yes");
   QAction* no = menu.addAction(tr("No"));
   no->setObjectName("M_No");
-  return menu.exec(viewPicture_->mapToGlobal(QPoint(X, Y))) == yes;
+  bool answer = false;
+  connect(yes, &QAction::triggered, &menu, [&answer] { answer = true; });
+  menu.exec(viewPicture_->mapToGlobal(QPoint(X, Y)));
+  return answer;
 }
 
 void GBRVIEWER_MAIN::M_BScopy_Click() { pointer_->armBoxCopy(); }

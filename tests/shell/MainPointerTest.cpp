@@ -8,8 +8,10 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QTimer>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -100,6 +102,28 @@ TEST_F(MainPointerTest, EventsReachTheToolsThroughTheWindow) {
   mouse(view, QEvent::MouseButtonRelease, Qt::MiddleButton, {60, 100});
   EXPECT_EQ(now()[1] - before[1], 40 * before[0]);
   EXPECT_EQ(w.pointerTools().MiddleDrag, 0);
+}
+
+// ConfirmYESNO asks through the pop-up menu M_Conf: its first row is the question, M_Yes answers
+// yes, and closing the menu otherwise answers no.
+TEST_F(MainPointerTest, ConfirmYesNoAnswersByTheMenu) {
+  load();
+  GBRVIEWER_MAIN& w = *window();
+  const auto answer = [&w](const char* choice) {
+    QTimer::singleShot(0, [choice] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      ASSERT_NE(menu, nullptr);
+      EXPECT_EQ(menu->objectName(), "M_Conf");
+      EXPECT_EQ(menu->actions().front()->text(), "Delete?");
+      if (QAction* action = choice ? menu->findChild<QAction*>(choice) : nullptr)
+        action->trigger();
+      menu->close();
+    });
+    return w.ConfirmYESNO("Delete?", 10, 10);
+  };
+  EXPECT_TRUE(answer("M_Yes"));
+  EXPECT_FALSE(answer("M_No"));
+  EXPECT_FALSE(answer(nullptr));
 }
 
 }  // namespace
