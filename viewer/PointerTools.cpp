@@ -496,24 +496,24 @@ void PointerTools::rubberPan(double x, double y) {
 
 // --- Armed states -------------------------------------------------------------------------------
 
-void PointerTools::armBlockZoom() {
-  BlockZoomArmed = true;
+void PointerTools::arm(bool& flag, const ArmedTool* tool, const char* prompt, const char* id) {
+  flag = true;
   ToolCursor = true;
-  callHook(hooks.checkTool, ArmedTool::BlockZoom, true);
-  edit(services_.LocalMessage("Select Box Zoom Area", "6299"));
+  if (tool)
+    callHook(hooks.checkTool, *tool, true);
+  edit(services_.LocalMessage(prompt, id));
 }
 
-void PointerTools::armBoxCopy() {
-  BoxCopyArmed = true;
-  ToolCursor = true;
-  edit(services_.LocalMessage("Select Box Copy Area", "6287"));
+void PointerTools::armBlockZoom() {
+  constexpr ArmedTool tool = ArmedTool::BlockZoom;
+  arm(BlockZoomArmed, &tool, "Select Box Zoom Area", "6299");
 }
+
+void PointerTools::armBoxCopy() { arm(BoxCopyArmed, nullptr, "Select Box Copy Area", "6287"); }
 
 void PointerTools::armSelectObject() {
-  SelectObjectArmed = true;
-  ToolCursor = true;
-  callHook(hooks.checkTool, ArmedTool::SelectObject, true);
-  edit(services_.LocalMessage("Select Object", "62100"));
+  constexpr ArmedTool tool = ArmedTool::SelectObject;
+  arm(SelectObjectArmed, &tool, "Select Object", "62100");
 }
 
 void PointerTools::disarm() {

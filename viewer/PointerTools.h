@@ -172,6 +172,8 @@ private:
   void drawPanStart(int32_t device);
   void rubberPan(double x, double y);
   void setIdleCursor();
+  // Arms a state: the tool cursor, the tool's check (when it has a tool) and the prompt.
+  void arm(bool& flag, const ArmedTool* tool, const char* prompt, const char* id);
   void edit(const std::string& text);
   ViewChange change(ViewChange c);
 

@@ -41,18 +41,23 @@ void takeMessages(const ScriptedPrompts& prompts, size_t from, bool withTitle,
   }
 }
 
-void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
-  ImportSession& session = *run.session;
+// The file imported where it stands (no centring), with the messages it gave.
+ImportResult importWhereItStands(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
   ImportOptions options;
   options.kind = info.recognisedKind;
   options.noCenter = true;
   const size_t before = prompts.shown.size();
-  const ImportResult result = session.importFile(run.layers(), info.path, options);
+  const ImportResult result = run.session->importFile(run.layers(), info.path, options);
   takeMessages(prompts, before, false, info.messages);
-
-  info.excellon = true;
   info.kind = result.kind;
   info.importStatus = result.status;
+  return result;
+}
+
+void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
+  ImportSession& session = *run.session;
+  const ImportResult result = importWhereItStands(info, run, prompts);
+  info.excellon = true;
   info.format = session.excellonFormat;
   setExtents(info, result.scanned);
   info.layer = result.layer;
@@ -72,16 +77,8 @@ void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prom
 // A plotter file: imported into the outline layer where it stands (no centring), then its
 // elements counted by kind and framed.
 void gatherPlotter(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
-  ImportSession& session = *run.session;
-  ImportOptions options;
-  options.kind = info.recognisedKind;
-  options.noCenter = true;
-  const size_t before = prompts.shown.size();
-  const ImportResult result = session.importFile(run.layers(), info.path, options);
-  takeMessages(prompts, before, false, info.messages);
+  const ImportResult result = importWhereItStands(info, run, prompts);
   info.plotter = true;
-  info.kind = result.kind;
-  info.importStatus = result.status;
   if (result.layer == 0)
     return;
   Store& store = run.kernel->store;

@@ -17,6 +17,8 @@
 #include <QImage>
 #include <QWidget>
 
+#include "RedrawWorld.h"
+
 #include <gtest/gtest.h>
 
 namespace tvx::test {
@@ -30,18 +32,11 @@ using mousebutton::Left;
 using mousebutton::Middle;
 using mousebutton::Right;
 
-class PointerToolsTest : public ::testing::Test {
+class PointerToolsTest : public ::testing::Test, public RedrawWorld {
 public:
   void SetUp() override {
-    target.resize(Width, Height);
-    CategoryTable categories;
-    readCategoryGroup(services, kernel.strings, CategoryGroup::Layout, categories);
-    colours.build(kernel.strings);
-    BuildLayerTables(kernel.store, services, colours, false, tables);
-    view.setDevice(kernel.graphics.G_GetDC(&target));
-    view.setPictureSize(Width, Height);
+    build(Width, Height, Precision);
     view.setCoverSource(LayersCover(kernel.store, tables.Layers));
-    view.m_Precision = Precision;
     redraw.HighlightColour = 12;
     // A disc the picture shows, so that overlays have something to be drawn over.
     kernel.store.OA_Add(
@@ -70,15 +65,6 @@ public:
     tools.ViewPicture_MouseMove(button, shift, x, y);
   }
 
-  QApplication& application = widgetTestApplication();
-  Kernel kernel;
-  ScriptedPrompts prompts;
-  SystemServices services{&prompts};
-  QWidget target;
-  ColourSlots colours;
-  LayerTables tables;
-  ViewState view{kernel.graphics, services};
-  ViewRedraw redraw{kernel, services, prompts, view, tables, colours};
   PointerTools tools{kernel.graphics, services, view, redraw};
   KeyboardInput keys{tools, view, redraw, services};
   bool endOption = false;

@@ -15,6 +15,8 @@
 #include <QImage>
 #include <QWidget>
 
+#include "RedrawWorld.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -28,18 +30,10 @@ constexpr int Width = 120;
 constexpr int Height = 90;
 constexpr int32_t Precision = 10000;  // 0.1 mm a pixel: the picture is 12 by 9 mm
 
-class RedrawTest : public ::testing::Test {
+class RedrawTest : public ::testing::Test, public RedrawWorld {
 protected:
   void SetUp() override {
-    target.resize(Width, Height);
-    // The colour slots of the default categories, as start-up reads them.
-    CategoryTable categories;
-    readCategoryGroup(services, kernel.strings, CategoryGroup::Layout, categories);
-    colours.build(kernel.strings);
-    BuildLayerTables(kernel.store, services, colours, false, tables);
-    view.setDevice(kernel.graphics.G_GetDC(&target));
-    view.setPictureSize(Width, Height);
-    view.m_Precision = Precision;
+    build(Width, Height, Precision);
     redraw.applyMono();
     redraw.hooks.showBusy = [this](bool busy) { busyShown.push_back(busy); };
     redraw.hooks.messagePanel = [this](const std::string& text) { panel = text; };
@@ -67,16 +61,6 @@ protected:
     return paletteColour(colours[colourslot::Background].ColourNumber);
   }
 
-  // The application comes before the first widget.
-  QApplication& application = widgetTestApplication();
-  Kernel kernel;
-  ScriptedPrompts prompts;
-  SystemServices services{&prompts};
-  QWidget target;
-  ColourSlots colours;
-  LayerTables tables;
-  ViewState view{kernel.graphics, services};
-  ViewRedraw redraw{kernel, services, prompts, view, tables, colours};
   std::vector<bool> busyShown;
   std::string panel;
 };
