@@ -388,14 +388,21 @@ void PointerTools::xorLongCursor(int32_t device, int32_t x, int32_t y) {
   graphics_.G_Line(device, x, -WorldReach, x, WorldReach);
 }
 
-void PointerTools::drawBox(int32_t x, int32_t y) {
+int32_t PointerTools::openRubber() {
   if (!view_.OpenView(1))
-    return;
+    return 0;
   const int32_t device = view_.device();
   graphics_.G_SetDrawMode(device, XorMode);
   graphics_.G_SetColor(device, redraw_.HighlightColour);
   graphics_.G_SetStyle(device, penstyle::Outline);
   graphics_.G_SetWidth(device, 0);
+  return device;
+}
+
+void PointerTools::drawBox(int32_t x, int32_t y) {
+  const int32_t device = openRubber();
+  if (device == 0)
+    return;
   const bool hadBox = boxShown_;
   const int32_t oldX = boxX_, oldY = boxY_;
   if (hadBox)
@@ -418,13 +425,9 @@ void PointerTools::eraseBox() {
   if (!boxShown_)
     return;
   boxShown_ = false;
-  if (!view_.OpenView(1))
+  const int32_t device = openRubber();
+  if (device == 0)
     return;
-  const int32_t device = view_.device();
-  graphics_.G_SetDrawMode(device, XorMode);
-  graphics_.G_SetColor(device, redraw_.HighlightColour);
-  graphics_.G_SetStyle(device, penstyle::Outline);
-  graphics_.G_SetWidth(device, 0);
   xorBox(device, boxX_, boxY_);
   graphics_.G_CloseDC(device, 0);
   if (LongCursor)

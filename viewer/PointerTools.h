@@ -163,6 +163,9 @@ private:
   void storePointer(double x, double y);
   void leftClick();
   void dispatchToolFigure(int32_t shift);
+  // Opens the view for the rubber box: exclusive-or hairlines in the highlight colour. The
+  // device, 0 when the view does not open.
+  int32_t openRubber();
   void drawBox(int32_t x, int32_t y);
   void eraseBox();
   void xorBox(int32_t device, int32_t x, int32_t y);
