@@ -5,6 +5,8 @@
 #include "shell/GBRVIEWER_MAIN.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QImage>
 #include <QRect>
 #include <QWidget>
 
@@ -80,6 +82,10 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
                                std::to_string(window->pointerTools().ToolCode) + "\t" +
                                window->MessageLine()
                          : std::string("VIEWSTATE,NONE"));
+  } else if (query == "CLIPBOARD") {
+    const QImage image = QGuiApplication::clipboard()->image();
+    answer =
+        line("CLIPBOARD," + std::to_string(image.width()) + "," + std::to_string(image.height()));
   } else if (query == "MSGLINE") {
     answer = line("MSGLINE\t" + (window ? window->MessageLine() : std::string()));
   } else if (query == "IMPORTROWS") {

@@ -2,6 +2,8 @@
 // see what the user sees. Each answers with lines "TARVEX<TAB>...":
 //   SAVEVIEW,<file>  the view's picture as PNG: "SAVEVIEW,OK" or "SAVEVIEW,FAILED".
 //   MSGLINE          the main window's message line: "MSGLINE<TAB><text>".
+//   CLIPBOARD        the size of the picture on the clipboard: "CLIPBOARD,<width>,<height>"
+//                    (0,0 without one).
 //   VIEWSTATE        "VIEWSTATE,<precision>,<centre X>,<centre Y negated>,<tool code><TAB><message
 //                    line>"; "VIEWSTATE,NONE" without the window.
 //   IMPORTROWS       the import window's grid as shown: per row "IMPORTROW<TAB><caption><TAB>

@@ -1,6 +1,7 @@
 // The view worked with the mouse, the wheel and the keyboard, through real X input on the demo
 // board as `make run` shows it: the wheel zooms about the pointer, a middle drag pans, Shift+B
-// and two clicks frame a box, Tab goes back, Escape ends a box without effect.
+// and two clicks frame a box, Tab goes back, Shift+S and two clicks copy a box to the clipboard,
+// Escape ends a box without effect.
 #include "e2e/HostDriver.h"
 
 #include <QDir>
@@ -92,6 +93,22 @@ TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
       << "the box was centred on the view";
   xdo({"key", "Tab"});
   EXPECT_EQ(stateWhen([&](const ViewNow& v) { return v == panned; }), panned);
+
+  // Shift+S and two clicks put that part of the picture on the clipboard.
+  xdo({"key", "shift+s"});
+  moveTo(midX - 50, midY - 30);
+  xdo({"click", "1"});
+  stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  moveTo(midX + 49, midY + 29);
+  xdo({"click", "1"});
+  stateWhen([](const ViewNow& v) { return v.tool == 0; });
+  QStringList copied;
+  test::waitUntil([&] {
+    copied = ask("TARVEX,CLIPBOARD", "CLIPBOARD,").back().section('\t', 1).split(',');
+    return copied.value(1) != "0";
+  });
+  EXPECT_EQ(copied, (QStringList{"CLIPBOARD", "100", "60"}));
+  EXPECT_EQ(state(), panned) << "a box copy leaves the view";
 
   // Escape during a box ends it without effect and with nothing left armed.
   xdo({"key", "shift+b"});
