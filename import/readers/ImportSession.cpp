@@ -233,10 +233,9 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
       // Plotter and drawing files go to the board outline layer, which one of them fills: a
       // second one is refused rather than replacing the first.
       single.layer = BoardOutlineLayer;
-      result.noFreeLayer =
-          taken[size_t(BoardOutlineLayer)] ||
-          (size_t(BoardOutlineLayer) <= layers.size() &&
-           !layerIsEmpty(store, layers[size_t(BoardOutlineLayer - 1)]));
+      result.noFreeLayer = taken[size_t(BoardOutlineLayer)] ||
+                           (size_t(BoardOutlineLayer) <= layers.size() &&
+                            !layerIsEmpty(store, layers[size_t(BoardOutlineLayer - 1)]));
     }
     if (single.kind == ImportKind::Unknown)
       reportRefusal(path);
