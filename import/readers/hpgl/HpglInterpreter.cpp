@@ -418,15 +418,12 @@ void HpglInterpreter::execute(int walkNumber) {
       state.LineType = 0;
       break;
     }
-    const double value = ToNumber(arg(1));
-    if (value == 1)
-      state.LineType = 2;
-    else if (value == 2 || value == 3)
-      state.LineType = 1;
-    else if (value == 4 || value == 5)
-      state.LineType = 3;
-    else if (value == 6)
-      state.LineType = 4;
+    // The pattern's own number is kept: 1 dotted and 2 dashed as the drawing reads a style,
+    // the longer patterns as they are. A negative (adaptive) pattern is its positive one; 0 and
+    // any other value leave the line type.
+    const double value = std::abs(ToNumber(arg(1)));
+    if (value >= 1 && value <= 6 && value == std::floor(value))
+      state.LineType = int32_t(value);
     break;
   }
   case code('P', 'A'):

@@ -132,7 +132,14 @@ TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
       {"LT0 keeps the line type, LT resets it",
        "LT1;LT0;",
        {},
-       [](const Plot& r) { EXPECT_EQ(r.state.LineType, 2); }},
+       [](const Plot& r) { EXPECT_EQ(r.state.LineType, 1); }},
+      {"LT keeps the pattern's number, adaptive ones as their positive",
+       "LT2;PD10,0;LT-4;",
+       {1, 0, 0, 0},
+       [](const Plot& r) {
+         EXPECT_EQ(r.items().at(0).Style, 2);
+         EXPECT_EQ(r.state.LineType, 4);
+       }},
       {"LT without an argument",
        "LT6;LT;",
        {},
