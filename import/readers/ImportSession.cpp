@@ -237,10 +237,14 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
                            (size_t(BoardOutlineLayer) <= layers.size() &&
                             !layerIsEmpty(store, layers[size_t(BoardOutlineLayer - 1)]));
     }
-    if (single.kind == ImportKind::Unknown)
+    if (single.kind == ImportKind::Unknown) {
       reportRefusal(path);
-    else if (!result.noFreeLayer)
+    } else if (result.noFreeLayer) {
+      reporter.ReportStatus(StatusNoLayers, path);
+      result.status = StatusNoLayers;
+    } else {
       result = importFile(layers, path, single);
+    }
     if (result.status == StatusOk && result.layer != 0)
       taken[size_t(result.layer)] = true;
     if (options.afterEach)

@@ -45,8 +45,10 @@ struct ImportResult {
   int32_t status = 1;                     // 0 when the file was imported
   ImportKind kind = ImportKind::Unknown;  // as recognised or given, then as the scan found it
   int32_t layer = 0;                      // the layer bound, 0 for none
-  bool noFreeLayer = false;               // a Gerber file found no empty Gerber layer
-  FileExtents scanned{};                  // the extents that stage one found
+  // A Gerber file found no empty Gerber layer, or a plotter or drawing file the outline layer
+  // taken: refused with status 200.
+  bool noFreeLayer = false;
+  FileExtents scanned{};  // the extents that stage one found
   // What the reader dropped or cut, each "line 12: ..." by the line of the file; said once, after
   // the import, by whoever shows the outcome.
   std::vector<std::string> notes;

@@ -3,7 +3,9 @@
 #include "import/readers/hpgl/HpglInterpreter.h"
 
 #include "common/FileLayer.h"
+#include "import/core/StatusCodes.h"
 #include "import/gerber/ImportTestSupport.h"
+#include "import/readers/excellon/ExcellonTestSupport.h"
 #include "import/readers/hpgl/HpglFileReader.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -247,6 +249,25 @@ TEST(HpglInterpreter, CorpusPlots) {
   }
   std::string none;
   EXPECT_FALSE(ReadHpglText(files, services, corpus + "/no such plot", none, {}));
+}
+
+// A run of files: the plotter file stands in the outline layer, a second one finds it taken and
+// is refused with status 200 instead of replacing it.
+TEST(HpglImport, ASecondPlotOfOneRunFindsTheOutlineLayerTaken) {
+  test::ImportWorld world;
+  const std::string first = world.write("first.plt", "IN;SP1;PU0,0;PD400,0,400,400;");
+  const std::string second = world.write("second.plt", "IN;SP1;PU0,0;PD100,100;");
+  ImportSession::BatchOptions options;
+  options.noCenter = true;
+  const std::vector<ImportResult> results =
+      world.session->importFiles(world.tables->Layers, {first, second}, options);
+  ASSERT_EQ(results.size(), 2u);
+  EXPECT_EQ(std::tuple(results[0].status, results[0].layer), std::tuple(0, BoardOutlineLayer));
+  EXPECT_TRUE(results[1].noFreeLayer);
+  EXPECT_EQ(results[1].status, StatusNoLayers);
+  EXPECT_EQ(world.items(BoardOutlineLayer).size(), 2u) << "the first plot stays";
+  ASSERT_FALSE(world.boxes().empty());
+  EXPECT_NE(world.boxes().back().find("No available layers"), std::string::npos);
 }
 
 }  // namespace
