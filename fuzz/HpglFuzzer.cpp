@@ -1,4 +1,4 @@
-// Any text as a plotter file, upper-cased as the reader reads it, through both walks into a layer
+// Any text as a plotter file, in its case as the reader keeps it, through both walks into a layer
 // over a fresh store. No input may crash, hang, read out of bounds or grow without end: the pen
 // table stays within the largest pen, and every item written is one that a command counted.
 #include "import/readers/hpgl/HpglInterpreter.h"
@@ -11,10 +11,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace tvx;
-  std::string text(reinterpret_cast<const char*>(data), size);
-  for (char& c : text)
-    if (c >= 'a' && c <= 'z')
-      c = char(c - 'a' + 'A');
+  const std::string text(reinterpret_cast<const char*>(data), size);
   Store store;
   const SymbolId symbol = -76531;
   store.S_CreateSymbol(symbol, "OUTLINE");

@@ -13,9 +13,10 @@ class FileLayer;
 class Store;
 class SystemServices;
 
-// Reads a plotter file: each line upper-cased and trimmed, appended with no separator (a number
-// that ends one line and one that starts the next run together). Tells editMsgLine the file's
-// name and "Processing" first. False, with the file layer's message, when it cannot be read.
+// Reads a plotter file: each line trimmed and appended with no separator (a number that ends one
+// line and one that starts the next run together). The case stays: commands are read
+// case-blind, and the digits of encoded polylines are letters of both cases. Tells editMsgLine the
+// file's name and "Processing" first. False, with the file layer's message, when it cannot be read.
 bool ReadHpglText(FileLayer& files, const SystemServices& services, const std::string& fileName,
                   std::string& text, const std::function<void(const std::string&)>& editMsgLine);
 

@@ -54,6 +54,9 @@ std::optional<int32_t> whole(double value) {
 
 bool inSeparatorSet(char c) { return PlotterSeparatorSet.find(c) != std::string_view::npos; }
 
+// Commands are read case-blind: the text keeps its case for the encoded polylines.
+char upper(char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; }
+
 }  // namespace
 
 HpglInterpreter::HpglInterpreter(Store& store, SymbolId symbol, uint8_t colour)
@@ -82,8 +85,85 @@ size_t HpglInterpreter::skipEscape(std::string_view text, size_t at) const {
 }
 
 size_t HpglInterpreter::skipLabel(std::string_view text, size_t at) const {
-  const size_t end = text.find(state.LabelEnd, at);
-  return end == std::string_view::npos ? text.size() : end + 1;
+  while (at < text.size() && upper(text[at]) != state.LabelEnd)
+    ++at;
+  return std::min(text.size(), at + 1);
+}
+
+size_t HpglInterpreter::encodedPolyline(std::string_view text, size_t at, int walkNumber) {
+  bool sevenBit = false, penUpNext = false, absoluteNext = false;
+  int32_t fractionBits = 0;
+  // One number: digits of 6 bits (5 in seven-bit mode), the lowest first, the last one from the
+  // terminating range; the lowest bit of the whole is its sign. False at the ";" or the end.
+  const auto number = [&](int64_t& value) {
+    uint64_t whole = 0;
+    int shift = 0;
+    while (at < text.size() && text[at] != ';') {
+      const int b = uint8_t(text[at++]);
+      const int base = sevenBit ? 32 : 64;
+      const int terminal = sevenBit ? 95 : 191;
+      const bool last = b >= terminal && b < terminal + base;
+      if (!last && !(b >= 63 && b < 63 + base))
+        continue;  // a line end or a blank among the digits
+      const uint64_t digit = uint64_t(last ? b - terminal : b - 63);
+      if (shift < 60)
+        whole |= digit << shift;
+      shift += sevenBit ? 5 : 6;
+      if (last) {
+        const int64_t magnitude = int64_t(whole >> 1);
+        value = whole & 1 ? -magnitude : magnitude;
+        return true;
+      }
+    }
+    return false;
+  };
+  while (at < text.size() && text[at] != ';') {
+    int64_t value = 0;
+    switch (text[at]) {
+    case ':':
+      ++at;
+      if (number(value) && value >= 0 && value <= LargestPen)
+        selectPen(int32_t(value));
+      break;
+    case '<':
+      ++at;
+      penUpNext = true;
+      break;
+    case '>':
+      ++at;
+      if (number(value))
+        fractionBits = int32_t(std::clamp<int64_t>(value, 0, 30));
+      break;
+    case '=':
+      ++at;
+      absoluteNext = true;
+      break;
+    case '7':
+      ++at;
+      sevenBit = true;
+      break;
+    default: {
+      int64_t x = 0, y = 0;
+      if (!number(x) || !number(y))
+        break;
+      const double unit = 1.0 / double(int64_t(1) << fractionBits);
+      const int32_t kept = state.Relative;
+      state.Relative = absoluteNext ? 0 : 1;
+      toPointValues(double(x) * unit, double(y) * unit);
+      state.Relative = kept;
+      if (!whole(state.NextX) || !whole(state.NextY))
+        break;
+      state.PenDown = penUpNext ? 0 : 1;
+      if (walkNumber == 1 && !penUpNext)
+        line(state.CurX, state.CurY, state.NextX, state.NextY);
+      state.CurX = state.NextX;
+      state.CurY = state.NextY;
+      penUpNext = absoluteNext = false;
+      break;
+    }
+    }
+  }
+  return std::min(text.size(), at + 1);
 }
 
 void HpglInterpreter::walk(std::string_view text, int walkNumber) {
@@ -101,7 +181,7 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
   const size_t n = text.size();
   size_t at = 0;
   while (at < n) {
-    const char c = text[at];
+    const char c = upper(text[at]);
     if (c == ',' || c == ' ') {
       newArgument = true;
       ++at;
@@ -123,8 +203,15 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
       at = skipEscape(text, at);
     } else if (at + 1 >= n) {
       break;
+    } else if (c == 'P' && upper(text[at + 1]) == 'E') {
+      // An encoded polyline runs to its ";" and is drawn as it is read.
+      if (open)
+        execute(walkNumber);
+      open = false;
+      emptyArgs();
+      at = encodedPolyline(text, at + 2, walkNumber);
     } else {
-      const int8_t found = pairs[size_t(code(c, text[at + 1]))];
+      const int8_t found = pairs[size_t(code(c, upper(text[at + 1])))];
       if (found < 0) {
         ++at;
         continue;
@@ -133,7 +220,7 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
         execute(walkNumber);
       emptyArgs();
       state.CommandIndex = found;
-      state.Command.assign(text.substr(at, 2));
+      state.Command = {c, upper(text[at + 1])};
       open = true;
       newArgument = true;
       at += 2;
@@ -142,7 +229,7 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
         // A label's text is no command: it runs to its terminator.
         at = skipLabel(text, at);
       } else if (name == "DT") {
-        state.LabelEnd = at < n && text[at] != ';' ? text[at] : '\x03';
+        state.LabelEnd = at < n && text[at] != ';' ? upper(text[at]) : '\x03';
         if (at < n && text[at] != ';')
           ++at;
       }
@@ -153,8 +240,12 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
 }
 
 void HpglInterpreter::toPoint(std::string_view argX, std::string_view argY) {
-  double x = ToNumber(argX) * state.ScaleX * HpglUnitsPerMm;
-  double y = ToNumber(argY) * state.ScaleY * HpglUnitsPerMm;
+  toPointValues(ToNumber(argX), ToNumber(argY));
+}
+
+void HpglInterpreter::toPointValues(double valueX, double valueY) {
+  double x = valueX * state.ScaleX * HpglUnitsPerMm;
+  double y = valueY * state.ScaleY * HpglUnitsPerMm;
   if (state.Relative == 0) {
     x += state.OriginX;
     y += state.OriginY;
@@ -167,6 +258,12 @@ void HpglInterpreter::toPoint(std::string_view argX, std::string_view argY) {
   }
   state.NextX = state.Relative == 0 ? x : state.CurX + x;
   state.NextY = state.Relative == 0 ? y : state.CurY + y;
+}
+
+void HpglInterpreter::selectPen(int32_t pen) {
+  state.PenNumber = pen;
+  state.PenWidth =
+      size_t(pen) < state.PenTable.size() ? state.PenTable[size_t(pen)] : state.EveryPenWidth;
 }
 
 double HpglInterpreter::penWidth(double value) const {
@@ -403,11 +500,8 @@ void HpglInterpreter::execute(int walkNumber) {
     if (count < 1)
       break;
     const auto pen = whole(ToNumber(arg(1)));
-    if (!pen || *pen < 0)
-      break;
-    state.PenNumber = *pen;
-    state.PenWidth =
-        size_t(*pen) < state.PenTable.size() ? state.PenTable[size_t(*pen)] : state.EveryPenWidth;
+    if (pen && *pen >= 0)
+      selectPen(*pen);
     break;
   }
   case code('R', 'O'):

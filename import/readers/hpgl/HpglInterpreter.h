@@ -8,7 +8,8 @@
 //
 // As current plotter drivers write their files: "PW" widths are millimetres unless "WU1" makes
 // them relative, "PW" with a width alone sets every pen, "SC" maps the user's minimum onto P1,
-// and the filled forms ("RA", "RR", "WG") are written filled.
+// the filled forms ("RA", "RR", "WG") are written filled, and encoded polylines ("PE") are
+// drawn. Commands are read case-blind; the text keeps its case for the encoded polylines.
 #pragma once
 
 #include "kernel/KernelTypes.h"
@@ -71,7 +72,7 @@ public:
   // Elements go into symbol in colour.
   HpglInterpreter(Store& store, SymbolId symbol, uint8_t colour);
 
-  // Both walks over text (upper case, lines joined).
+  // Both walks over text (lines trimmed and joined, in their case).
   void run(std::string_view text);
 
   HpglState state;
@@ -83,12 +84,16 @@ public:
   void execute(int walk);
   // NextX, NextY from two arguments: scaled, turned by Rotation, relative to the pen or not.
   void toPoint(std::string_view argX, std::string_view argY);
+  void toPointValues(double valueX, double valueY);
   double toLength(std::string_view arg) const;
 
 private:
   void walk(std::string_view text, int walkNumber);
   size_t skipEscape(std::string_view text, size_t at) const;
   size_t skipLabel(std::string_view text, size_t at) const;
+  // "PE": the encoded pairs from at to the ";", drawn as they are read; the position behind.
+  size_t encodedPolyline(std::string_view text, size_t at, int walkNumber);
+  void selectPen(int32_t pen);
   std::string_view arg(size_t index) const;
   size_t argumentCount() const { return state.ArgCount == 0 ? 0 : state.ArgCount - 1; }
   void pairs(int walkNumber, bool draw);

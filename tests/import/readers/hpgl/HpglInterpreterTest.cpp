@@ -161,6 +161,7 @@ TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
        "PD10,1X0;",
        {1, 0, 0, 0},
        [](const Plot& r) { EXPECT_EQ(r.state.CurY, 10.0 * Unit); }},
+      {"lower case commands", "in;sp1;pd10,0;pu;", {1, 0, 0, 0}, nullptr},
       {"no commands", "12,34;;", {}, [](const Plot& r) { EXPECT_TRUE(r.items().empty()); }},
       {"device-control escapes are passed over",
        "\x1B.(;\x1B.I81;;17:IN;PD10,0;PU;",
@@ -179,6 +180,43 @@ TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
     if (c.check)
       c.check(run);
   }
+}
+
+// A number of an encoded polyline: its sign in the lowest bit, then digits of 5 bits (seven-bit
+// mode) or 6 bits, the lowest first, the last one from the terminating range.
+std::string encoded(int64_t value, bool sevenBit) {
+  uint64_t whole = value < 0 ? (uint64_t(-value) << 1) | 1 : uint64_t(value) << 1;
+  const uint64_t base = sevenBit ? 32 : 64;
+  std::string digits;
+  for (; whole >= base; whole /= base)
+    digits += char(63 + whole % base);
+  return digits + char((sevenBit ? 95 : 191) + whole);
+}
+
+TEST(HpglInterpreter, EncodedPolylines) {
+  struct Case {
+    const char* name;
+    bool sevenBit;
+    std::string flags;  // before the first pair
+    double scale;       // what a pair's numbers are worth
+  };
+  const Case cases[] = {{"eight-bit digits", false, "", 1.0},
+                        {"seven-bit digits", true, "7", 1.0},
+                        {"two fractional bits", true, "7>" + encoded(2, true), 0.25}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const auto e = [&c](int64_t v) { return encoded(v, c.sevenBit); };
+    // A pen-up move to an absolute point, then two relative pen-down pairs, one going back.
+    const std::string text =
+        "IN;pe" + c.flags + "<=" + e(400) + e(400) + e(200) + e(0) + e(0) + e(-120) + ";PU;";
+    Plot plot(text);
+    EXPECT_EQ(plot.counts.lines, 2);
+    EXPECT_NEAR(plot.state.CurX, 600 * c.scale * Unit, 1e-6);
+    EXPECT_NEAR(plot.state.CurY, 280 * c.scale * Unit, 1e-6);
+  }
+  Plot pen("IN;WU0;PW0.3,2;PE:" + encoded(2, false) + encoded(40, false) + encoded(0, false) + ";");
+  EXPECT_EQ(pen.state.PenNumber, 2);
+  EXPECT_EQ(pen.items().at(0).LineWidth, 30000);
 }
 
 TEST(HpglInterpreter, ArcsWedgesAndRotation) {
