@@ -84,10 +84,40 @@ size_t HpglInterpreter::skipEscape(std::string_view text, size_t at) const {
   return end < text.size() && text[end] == ':' ? end + 1 : next;
 }
 
-size_t HpglInterpreter::skipLabel(std::string_view text, size_t at) const {
-  while (at < text.size() && upper(text[at]) != state.LabelEnd)
-    ++at;
-  return std::min(text.size(), at + 1);
+size_t HpglInterpreter::label(std::string_view text, size_t at, int walkNumber) {
+  std::string shown;
+  for (; at < text.size() && upper(text[at]) != state.LabelEnd; ++at)
+    if (uint8_t(text[at]) >= 32 && text[at] != 127)
+      shown += text[at];  // control characters (line feeds, returns) place nothing
+  const size_t behind = std::min(text.size(), at + 1);
+  if (shown.empty())
+    return behind;
+  // A character's cell is one and a half of its width; the pen ends behind the last one.
+  constexpr double UnitsPerCm = 10 * HpglUnitsPerMm;
+  const double height = state.CharHeight * UnitsPerCm;
+  const double cell = 1.5 * state.CharWidth * UnitsPerCm;
+  const double degrees =
+      std::atan2(state.DirectionRise, state.DirectionRun) / RadiansPerDegree + state.Rotation;
+  const auto x = whole(state.CurX), y = whole(state.CurY), h = whole(height), w = whole(cell),
+             angle = whole(degrees * 1000);
+  if (!x || !y || !h || !w || !angle)
+    return behind;
+  if (walkNumber == 1) {
+    ItemRecord r = element(ItemVectorText);
+    r.X = *x;
+    r.Y = *y;
+    r.Width = *h;
+    r.Height = *w;
+    r.Angle = *angle;
+    r.Style = 0;
+    r.Text = shown;
+    write(r);
+    ++counts.labels;
+  }
+  const double advance = cell * double(shown.size());
+  state.CurX += advance * std::cos(degrees * RadiansPerDegree);
+  state.CurY += advance * std::sin(degrees * RadiansPerDegree);
+  return behind;
 }
 
 size_t HpglInterpreter::encodedPolyline(std::string_view text, size_t at, int walkNumber) {
@@ -227,7 +257,8 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
       const std::string_view name = HpglCommandTable.substr(size_t(found) * 3, 2);
       if (name == "LB") {
         // A label's text is no command: it runs to its terminator.
-        at = skipLabel(text, at);
+        open = false;
+        at = label(text, at, walkNumber);
       } else if (name == "DT") {
         state.LabelEnd = at < n && text[at] != ';' ? upper(text[at]) : '\x03';
         if (at < n && text[at] != ';')
@@ -289,8 +320,7 @@ ItemRecord HpglInterpreter::element(int32_t type) const {
 
 void HpglInterpreter::write(ItemRecord record) {
   int32_t refused = 0, index = 0;
-  AddElement(store_, refused, PlaceSymbolItems, symbol_, record, std::string(), index,
-             std::string());
+  AddElement(store_, refused, PlaceSymbolItems, symbol_, record, record.Text, index, std::string());
   status = std::max(status, refused);
 }
 
@@ -439,6 +469,10 @@ void HpglInterpreter::execute(int walkNumber) {
     state.WidthUnit = 1.0;
     state.RelativeWidths = false;
     state.OriginX = state.OriginY = 0;
+    state.CharWidth = 0.187;
+    state.CharHeight = 0.269;
+    state.DirectionRun = 1;
+    state.DirectionRise = 0;
     state.CurX = state.CurY = 0;
     break;
   case code('D', 'F'):
@@ -504,6 +538,25 @@ void HpglInterpreter::execute(int walkNumber) {
       selectPen(*pen);
     break;
   }
+  case code('S', 'I'):
+    // Without arguments the default size; otherwise width and height in centimetres.
+    if (count >= 2) {
+      state.CharWidth = std::abs(ToNumber(arg(1)));
+      state.CharHeight = std::abs(ToNumber(arg(2)));
+    } else {
+      state.CharWidth = 0.187;
+      state.CharHeight = 0.269;
+    }
+    break;
+  case code('D', 'I'):
+    if (count >= 2 && (ToNumber(arg(1)) != 0 || ToNumber(arg(2)) != 0)) {
+      state.DirectionRun = ToNumber(arg(1));
+      state.DirectionRise = ToNumber(arg(2));
+    } else if (count == 0) {
+      state.DirectionRun = 1;
+      state.DirectionRise = 0;
+    }
+    break;
   case code('R', 'O'):
     state.Rotation = count >= 1 ? ToNumber(arg(1)) : 0;
     break;

@@ -9,7 +9,9 @@
 // As current plotter drivers write their files: "PW" widths are millimetres unless "WU1" makes
 // them relative, "PW" with a width alone sets every pen, "SC" maps the user's minimum onto P1,
 // the filled forms ("RA", "RR", "WG") are written filled, and encoded polylines ("PE") are
-// drawn. Commands are read case-blind; the text keeps its case for the encoded polylines.
+// drawn. Commands are read case-blind; the text keeps its case for the encoded polylines. The
+// text of a label is no command: it is written as vector text at the pen, in the size of "SI"
+// and the direction of "DI", and the pen moves to its end.
 #pragma once
 
 #include "kernel/KernelTypes.h"
@@ -59,11 +61,14 @@ struct HpglState {
   std::vector<std::string> Args;
   size_t ArgCount = 0;     // Args in use, index 0 included
   char LabelEnd = '\x03';  // what ends the text of a label
+  // Labels: the characters' width and height in centimetres ("SI"), their direction ("DI").
+  double CharWidth = 0.187, CharHeight = 0.269;
+  double DirectionRun = 1, DirectionRise = 0;
 };
 
 // The elements an import wrote, by kind.
 struct HpglCounts {
-  int32_t lines = 0, arcs = 0, circles = 0, outlines = 0;
+  int32_t lines = 0, arcs = 0, circles = 0, outlines = 0, labels = 0;
   bool operator==(const HpglCounts&) const = default;
 };
 
@@ -90,7 +95,8 @@ public:
 private:
   void walk(std::string_view text, int walkNumber);
   size_t skipEscape(std::string_view text, size_t at) const;
-  size_t skipLabel(std::string_view text, size_t at) const;
+  // "LB": the text from at to its terminator, written in walk 1; the position behind it.
+  size_t label(std::string_view text, size_t at, int walkNumber);
   // "PE": the encoded pairs from at to the ";", drawn as they are read; the position behind.
   size_t encodedPolyline(std::string_view text, size_t at, int walkNumber);
   void selectPen(int32_t pen);

@@ -167,10 +167,10 @@ TEST(HpglInterpreter, TheTokeniserAndTheStateCommandsLeave) {
        "\x1B.(;\x1B.I81;;17:IN;PD10,0;PU;",
        {1, 0, 0, 0},
        nullptr},
-      {"a label's text is no command", "IN;PD10,0;LBPD99,99\x03PU;", {1, 0, 0, 0}, nullptr},
+      {"a label's text is no command", "IN;PD10,0;LBPD99,99\x03PU;", {1, 0, 0, 0, 1}, nullptr},
       {"DT sets the label's terminator",
        "IN;DT@;LBPA5,5PD1,1@PD10,0;",
-       {1, 0, 0, 0},
+       {1, 0, 0, 0, 1},
        [](const Plot& r) { EXPECT_EQ(r.items().at(0).X, 0); }},
   };
   for (const Case& c : cases) {
