@@ -249,6 +249,15 @@ TEST(HpglInterpreter, ArcsWedgesAndRotation) {
   }
 }
 
+TEST(HpglInterpreter, LabelsAreTextInTheSizeAndDirectionSet) {
+  Plot plot("IN;SI0.2,0.4;DI0,1;PU100,100;LBAb\x03;");
+  ASSERT_EQ(plot.counts.labels, 1);
+  const ItemRecord t = plot.items().at(0);
+  EXPECT_EQ(std::tuple(t.Type, t.Text, t.Width, t.Height, t.Angle),
+            std::tuple(int32_t(ItemVectorText), std::string("Ab"), 400000, 300000, 90000));
+  EXPECT_NEAR(plot.state.CurY, 100.0 * Unit + 2 * 300000, 1e-6) << "the pen ends behind it";
+}
+
 TEST(HpglInterpreter, FaultsSkipOneStatement) {
   // Letters are no part of a number ("1E3" reads as 13); a point or a radius beyond 32 bits is.
   const std::string huge(300, '9');
