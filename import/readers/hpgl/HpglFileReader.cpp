@@ -11,7 +11,7 @@ bool ReadHpglText(FileLayer& files, const SystemServices& services, const std::s
   text.clear();
   const bool read =
       readTextFileLines(files, services, fileName, editMsgLine,
-                        [&text](const std::string& line) { text += UpperCase(TrimBlanks(line)); });
+                        [&text](const std::string& line) { text += TrimBlanks(line); });
   if (!read)
     text.clear();
   return read;

@@ -313,6 +313,13 @@ TEST(HpglImport, ASecondPlotOfOneRunFindsTheOutlineLayerTaken) {
   EXPECT_TRUE(results[1].noFreeLayer);
   EXPECT_EQ(results[1].status, StatusNoLayers);
   EXPECT_EQ(world.items(BoardOutlineLayer).size(), 2u) << "the first plot stays";
+  // Read from its file the text keeps its case: a label shows it as written.
+  test::ImportWorld labelled;
+  ImportOptions plotter;
+  plotter.kind = ImportKind::Hpgl;
+  labelled.run(labelled.write("label.plt", "IN;PU0,0;LBHello\x03;"), plotter);
+  ASSERT_EQ(labelled.items(BoardOutlineLayer).size(), 1u);
+  EXPECT_EQ(labelled.items(BoardOutlineLayer).at(0).Text, "Hello");
   ASSERT_FALSE(world.boxes().empty());
   EXPECT_NE(world.boxes().back().find("No available layers"), std::string::npos);
 }
