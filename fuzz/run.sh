@@ -121,7 +121,7 @@ printf '\001%%FSLAX24Y24*MOIN*%%%%AMBOX*21,1,$1,$2,0,0,0*%%%%ADD10BOX,0.1X0.2*%%
   >"$seeds/fuzz_parameter_blocks/minimal"
 printf '\000M48\nINCH,LZ\nT01C0.035\n%%\nT01\nX001Y001\nG85X002Y002\nM30\n' \
   >"$seeds/fuzz_excellon/minimal"
-printf 'IN;IP0,0,4000,4000;SC0,100,0,100;WU0;PW0.2,1;SP1;PU10,10;PD20,10,20,20;AA15,15,90;CI5;RA30,30;WG5,0,90;LT2;PR5,5;DT@;LBTEXT@;' \
+printf 'IN;IP0,0,4000,4000;SC0,100,0,100;WU0;PW0.2,1;SP1;PU10,10;PD20,10,20,20;AA15,15,90;CI5;RA30,30;WG5,0,90;LT2;PR5,5;DT@;LBTEXT@;PM0;PD40,40,50,40;AA45,45,90;CI3;PM1;PU60,60;PD70,60;PM2;FP;EP;' \
   >"$seeds/fuzz_hpgl/minimal"
 # The corpus's plotter files, the first 4 KB of each.
 for file in "$corpus"/hp2xx/hp-tests/*; do

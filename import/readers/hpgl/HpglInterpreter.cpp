@@ -57,6 +57,23 @@ bool inSeparatorSet(char c) { return PlotterSeparatorSet.find(c) != std::string_
 // Commands are read case-blind: the text keeps its case for the encoded polylines.
 char upper(char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; }
 
+// The polygon commands of current drivers, read beside the command table.
+bool isPolygonCommand(char a, char b) {
+  const int32_t c = code(a, b);
+  return c == code('P', 'M') || c == code('F', 'P') || c == code('E', 'P');
+}
+
+// A sub-polygon of two points or more is made to end where it began.
+void close(OutlinePoints& sub) {
+  // Ends that round to one store unit meet already.
+  if (sub.size() > 2 &&
+      (std::abs(sub[1].X - sub.back().X) >= 0.5 || std::abs(sub[1].Y - sub.back().Y) >= 0.5)) {
+    OutlinePoint first = sub[1];
+    first.Kind = outlinepoint::Straight;
+    sub.push_back(first);
+  }
+}
+
 }  // namespace
 
 HpglInterpreter::HpglInterpreter(Store& store, SymbolId symbol, uint8_t colour)
@@ -199,6 +216,8 @@ size_t HpglInterpreter::encodedPolyline(std::string_view text, size_t at, int wa
 void HpglInterpreter::walk(std::string_view text, int walkNumber) {
   state.PenTable.assign(1, 1);
   state.EveryPenWidth = 1;
+  state.PolygonMode = false;
+  state.Polygon.clear();
   state.Args.resize(std::max<size_t>(state.Args.size(), 8));
   const auto emptyArgs = [this] {
     state.ArgCount = 1;
@@ -241,8 +260,10 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
       emptyArgs();
       at = encodedPolyline(text, at + 2, walkNumber);
     } else {
-      const int8_t found = pairs[size_t(code(c, upper(text[at + 1])))];
-      if (found < 0) {
+      const char second = upper(text[at + 1]);
+      const int8_t found =
+          isPolygonCommand(c, second) ? int8_t(-1) : pairs[size_t(code(c, second))];
+      if (found < 0 && !isPolygonCommand(c, second)) {
         ++at;
         continue;
       }
@@ -250,11 +271,11 @@ void HpglInterpreter::walk(std::string_view text, int walkNumber) {
         execute(walkNumber);
       emptyArgs();
       state.CommandIndex = found;
-      state.Command = {c, upper(text[at + 1])};
+      state.Command = {c, second};
       open = true;
       newArgument = true;
       at += 2;
-      const std::string_view name = HpglCommandTable.substr(size_t(found) * 3, 2);
+      const std::string_view name = state.Command;
       if (name == "LB") {
         // A label's text is no command: it runs to its terminator.
         open = false;
@@ -337,25 +358,36 @@ void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
   ++counts.lines;
 }
 
+std::optional<OutlinePoint> HpglInterpreter::outlinePoint(int32_t kind, double x, double y) const {
+  if (!whole(x) || !whole(y))
+    return std::nullopt;
+  OutlinePoint p;
+  p.Kind = kind;
+  p.X = x;
+  p.Y = y;
+  if (kind == outlinepoint::ArcMiddle) {
+    const auto cx = whole(state.CentreX), cy = whole(state.CentreY), r = whole(state.Radius);
+    if (!cx || !cy || !r)
+      return std::nullopt;
+    p.CentreX = *cx;
+    p.CentreY = *cy;
+    p.Radius = *r;
+  }
+  return p;
+}
+
 void HpglInterpreter::writeOutline(const std::vector<std::array<double, 3>>& points, bool filled) {
   OutlinePoints outline(1);
   for (const auto& [kind, x, y] : points) {
-    if (!whole(x) || !whole(y))
+    const auto p = outlinePoint(int32_t(kind), x, y);
+    if (!p)
       return;
-    OutlinePoint p;
-    p.Kind = int32_t(kind);
-    p.X = x;
-    p.Y = y;
-    if (p.Kind == outlinepoint::ArcMiddle) {
-      const auto cx = whole(state.CentreX), cy = whole(state.CentreY), r = whole(state.Radius);
-      if (!cx || !cy || !r)
-        return;
-      p.CentreX = *cx;
-      p.CentreY = *cy;
-      p.Radius = *r;
-    }
-    outline.push_back(p);
+    outline.push_back(*p);
   }
+  writeOutlinePoints(outline, filled);
+}
+
+void HpglInterpreter::writeOutlinePoints(const OutlinePoints& outline, bool filled) {
   ItemRecord templ = element(ItemLine);
   templ.Attributes = OutlineAttributes;
   if (filled)
@@ -371,7 +403,9 @@ void HpglInterpreter::pairs(int walkNumber, bool draw) {
     toPoint(arg(i), arg(i + 1));
     if (!whole(state.NextX) || !whole(state.NextY))
       return;  // a point beyond the store's reach ends the statement; the pen stays
-    if (walkNumber == 1 && (draw || state.PenDown == 1))
+    if (state.PolygonMode)
+      polygonMove(draw || state.PenDown == 1);
+    else if (walkNumber == 1 && (draw || state.PenDown == 1))
       line(state.CurX, state.CurY, state.NextX, state.NextY);
     state.CurX = state.NextX;
     state.CurY = state.NextY;
@@ -396,7 +430,12 @@ void HpglInterpreter::arc(int walkNumber, int32_t relative) {
   const double s = state.SweepAngle * RadiansPerDegree;
   state.NextX = dx * std::cos(s) + state.CentreX - dy * std::sin(s);
   state.NextY = dx * std::sin(s) + state.CentreY + dy * std::cos(s);
-  if (walkNumber == 1 && state.PenDown == 1) {
+  if (state.PolygonMode) {
+    if (state.PenDown == 1)
+      polygonArc(state.StartAngle, state.SweepAngle);
+    else
+      polygonMove(false);
+  } else if (walkNumber == 1 && state.PenDown == 1) {
     const auto x = whole(state.CentreX), y = whole(state.CentreY), r = whole(state.Radius),
                start = whole(state.StartAngle * 1000), sweep = whole(state.SweepAngle * 1000);
     if (x && y && r && start && sweep) {
@@ -458,7 +497,7 @@ void HpglInterpreter::wedge(int walkNumber, bool filled) {
 void HpglInterpreter::execute(int walkNumber) {
   if (state.Command.size() != 2)
     return;
-  const std::string_view name = HpglCommandTable.substr(size_t(state.CommandIndex) * 3, 2);
+  const std::string_view name = state.Command;
   const size_t count = argumentCount();
   switch (code(name[0], name[1])) {
   case code('I', 'N'):
@@ -474,6 +513,8 @@ void HpglInterpreter::execute(int walkNumber) {
     state.DirectionRun = 1;
     state.DirectionRise = 0;
     state.CurX = state.CurY = 0;
+    state.PolygonMode = false;
+    state.Polygon.clear();
     break;
   case code('D', 'F'):
     state.Relative = state.PenDown = 0;
@@ -599,7 +640,18 @@ void HpglInterpreter::execute(int walkNumber) {
     if (count >= 1) {
       state.Radius = toLength(arg(1));
       const auto x = whole(state.CurX), y = whole(state.CurY), r = whole(state.Radius);
-      if (walkNumber == 1 && x && y && r) {
+      if (state.PolygonMode && x && y && r) {
+        // A circle is a sub-polygon of its own; the pen stays at the centre.
+        state.CentreX = state.CurX;
+        state.CentreY = state.CurY;
+        state.NextX = state.CurX + state.Radius;
+        state.NextY = state.CurY;
+        polygonMove(false);
+        polygonArc(0, 360);
+        closeSubPolygon();
+        state.CurX = state.CentreX;
+        state.CurY = state.CentreY;
+      } else if (walkNumber == 1 && x && y && r) {
         ItemRecord e = element(ItemCircle);
         e.X = *x;
         e.Y = *y;
@@ -627,8 +679,110 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('W', 'G'):
     wedge(walkNumber, true);
     break;
+  case code('P', 'M'): {
+    const auto step = count >= 1 ? whole(ToNumber(arg(1))) : std::optional<int32_t>(0);
+    if (step)
+      polygonMode(*step);
+    break;
+  }
+  case code('F', 'P'):
+    writePolygon(walkNumber, true);
+    break;
+  case code('E', 'P'):
+    writePolygon(walkNumber, false);
+    break;
   default:
     break;  // recognised, so that it ends the command before it; nothing to do
+  }
+}
+
+void HpglInterpreter::polygonMode(int32_t step) {
+  if (step == 0) {
+    state.PolygonMode = true;
+    state.PolygonStartX = state.CurX;
+    state.PolygonStartY = state.CurY;
+    state.Polygon.assign(1, OutlinePoints(1));
+    if (const auto p = outlinePoint(outlinepoint::Straight, state.CurX, state.CurY))
+      state.Polygon.back().push_back(*p);
+  } else if (state.PolygonMode && (step == 1 || step == 2)) {
+    closeSubPolygon();
+    if (step == 2) {
+      state.PolygonMode = false;
+      state.CurX = state.PolygonStartX;
+      state.CurY = state.PolygonStartY;
+    }
+  }
+}
+
+void HpglInterpreter::polygonMove(bool down) {
+  const auto next = outlinePoint(outlinepoint::Straight, state.NextX, state.NextY);
+  if (!next)
+    return;
+  if (state.Polygon.empty())
+    state.Polygon.emplace_back(1);
+  OutlinePoints* sub = &state.Polygon.back();
+  if (!down) {
+    // A pen-up move begins the next sub-polygon there.
+    if (sub->size() > 2)
+      state.Polygon.emplace_back(1);
+    sub = &state.Polygon.back();
+    sub->resize(1);
+    sub->push_back(*next);
+    return;
+  }
+  if (sub->size() == 1)
+    if (const auto from = outlinePoint(outlinepoint::Straight, state.CurX, state.CurY))
+      sub->push_back(*from);
+  sub->push_back(*next);
+}
+
+void HpglInterpreter::polygonArc(double startAngle, double sweep) {
+  // Pieces of at most half a turn, each drawn through its middle; the pen's point begins it.
+  if (!std::isfinite(sweep) || sweep == 0)
+    return;
+  sweep = std::clamp(sweep, -360.0, 360.0);  // more than a turn draws the one turn
+  if (state.Polygon.empty())
+    state.Polygon.emplace_back(1);
+  OutlinePoints& sub = state.Polygon.back();
+  if (sub.size() == 1) {
+    const auto from = outlinePoint(outlinepoint::Straight, state.CurX, state.CurY);
+    if (!from)
+      return;
+    sub.push_back(*from);
+  }
+  const int pieces = std::max(1, int(std::ceil(std::abs(sweep) / 180.0 - 1e-9)));
+  const double step = sweep / pieces;
+  for (int i = 0; i < pieces; ++i) {
+    const double from = startAngle + step * i;
+    const auto at = [this](int32_t kind, double degrees) {
+      return outlinePoint(kind, state.CentreX + state.Radius * std::cos(degrees * RadiansPerDegree),
+                          state.CentreY + state.Radius * std::sin(degrees * RadiansPerDegree));
+    };
+    const auto middle = at(outlinepoint::ArcMiddle, from + step / 2);
+    const auto end = at(outlinepoint::Straight, from + step);
+    if (!middle || !end)
+      return;
+    sub.back().Kind = outlinepoint::NoStretch;
+    sub.push_back(*middle);
+    sub.push_back(*end);
+  }
+}
+
+void HpglInterpreter::closeSubPolygon() {
+  if (state.Polygon.empty())
+    return;
+  close(state.Polygon.back());
+  state.Polygon.emplace_back(1);
+}
+
+void HpglInterpreter::writePolygon(int walkNumber, bool filled) {
+  if (walkNumber != 1 || state.PolygonMode)
+    return;
+  for (OutlinePoints sub : state.Polygon) {
+    if (sub.size() < 3)
+      continue;
+    close(sub);
+    writeOutlinePoints(sub, filled);
   }
 }
 

@@ -8,16 +8,19 @@
 //
 // As current plotter drivers write their files: "PW" widths are millimetres unless "WU1" makes
 // them relative, "PW" with a width alone sets every pen, "SC" maps the user's minimum onto P1,
-// the filled forms ("RA", "RR", "WG") are written filled, and encoded polylines ("PE") are
+// the filled forms ("RA", "RR", "WG") are written filled, polygons built in polygon mode
+// ("PM") are written filled by "FP" and as edges by "EP", and encoded polylines ("PE") are
 // drawn. Commands are read case-blind; the text keeps its case for the encoded polylines. The
 // text of a label is no command: it is written as vector text at the pen, in the size of "SI"
 // and the direction of "DI", and the pen moves to its end.
 #pragma once
 
+#include "import/gerber/OutlineArcs.h"
 #include "kernel/KernelTypes.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,6 +67,11 @@ struct HpglState {
   // Labels: the characters' width and height in centimetres ("SI"), their direction ("DI").
   double CharWidth = 0.187, CharHeight = 0.269;
   double DirectionRun = 1, DirectionRise = 0;
+  // Polygon mode ("PM0" to "PM2"): moves build sub-polygons instead of drawing; each holds the
+  // zero offset at index 0. The pen goes back to where the mode began when it ends.
+  bool PolygonMode = false;
+  std::vector<OutlinePoints> Polygon;
+  double PolygonStartX = 0, PolygonStartY = 0;
 };
 
 // The elements an import wrote, by kind.
@@ -109,6 +117,17 @@ private:
   void line(double x0, double y0, double x1, double y1);
   void write(ItemRecord record);
   void writeOutline(const std::vector<std::array<double, 3>>& points, bool filled);
+  void writeOutlinePoints(const OutlinePoints& outline, bool filled);
+  // A point of an outline in store units; nothing when it lies beyond the store's reach. An arc's
+  // middle takes the centre and radius in hand.
+  std::optional<OutlinePoint> outlinePoint(int32_t kind, double x, double y) const;
+  // Polygon mode: "PM" with its argument, a move to Next (drawn or not), an arc from the pen
+  // about the centre in hand, and "FP"/"EP".
+  void polygonMode(int32_t step);
+  void polygonMove(bool down);
+  void polygonArc(double startAngle, double sweep);
+  void closeSubPolygon();
+  void writePolygon(int walkNumber, bool filled);
   // Store units of a "PW" width.
   double penWidth(double value) const;
   ItemRecord element(int32_t type) const;

@@ -249,6 +249,72 @@ TEST(HpglInterpreter, ArcsWedgesAndRotation) {
   }
 }
 
+TEST(HpglInterpreter, PolygonModeBuildsWhatFillAndEdgeWrite) {
+  struct Case {
+    const char* name;
+    const char* text;
+    int32_t outlines;
+    std::vector<int32_t> types;  // of the items written, in order
+    uint8_t style;
+    double penX, penY;  // plotter units
+  };
+  constexpr int32_t L = ItemLine, A = ItemArc;
+  const Case cases[] = {
+      {"a square filled, nothing drawn while it was built",
+       "IN;PU0,0;PM0;PD100,0,100,100,0,100;PM2;FP;",
+       1,
+       {L, L, L, L},
+       StyleFilled,
+       0,
+       0},
+      {"its edges", "IN;PU0,0;PM0;PD100,0,100,100,0,100;PM2;EP;", 1, {L, L, L, L}, 0, 0, 0},
+      {"two sub-polygons, the second begun by a pen-up move",
+       "IN;PU0,0;PM0;PD100,0,100,100;PM1;PU200,0;PD300,0,300,100;PM2;FP;",
+       2,
+       {L, L, L, L, L, L},
+       StyleFilled,
+       0,
+       0},
+      {"a circle is a sub-polygon of two half arcs; the pen stays at the centre",
+       "IN;PU50,50;PM0;CI10;PM2;FP;PA70,70;",
+       1,
+       {A, A},
+       StyleFilled,
+       70,
+       70},
+      {"an arc side between straight ones",
+       "IN;PU0,0;PM0;PD100,0;AA0,0,90;PD0,0;PM2;EP;",
+       1,
+       {L, A, L},
+       0,
+       0,
+       0},
+      {"a sweep of billions of degrees is one turn",
+       "IN;PU10,0;PM0;PD;AA0,0,3000000000000;PM2;EP;",
+       1,
+       {A, A},
+       0,
+       10,
+       0},
+      {"a polygon never filled writes nothing", "IN;PM0;PD10,0,10,10;PM2;", 0, {}, 0, 0, 0},
+      {"IN leaves polygon mode", "IN;PM0;IN;PD10,0;", 0, {L}, 0, 10, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Plot plot(c.text);
+    EXPECT_EQ(plot.counts.outlines, c.outlines);
+    std::vector<int32_t> types;
+    for (const ItemRecord& r : plot.items())
+      types.push_back(r.Type);
+    EXPECT_EQ(types, c.types);
+    if (c.outlines > 0) {
+      EXPECT_EQ(plot.items().front().Style, c.style);
+    }
+    EXPECT_NEAR(plot.state.CurX, c.penX * Unit, 1e-6);
+    EXPECT_NEAR(plot.state.CurY, c.penY * Unit, 1e-6);
+  }
+}
+
 TEST(HpglInterpreter, LabelsAreTextInTheSizeAndDirectionSet) {
   Plot plot("IN;SI0.2,0.4;DI0,1;PU100,100;LBAb\x03;");
   ASSERT_EQ(plot.counts.labels, 1);
