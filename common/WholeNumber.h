@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
+#include <optional>
 
 namespace tvx {
 
@@ -16,6 +18,18 @@ inline int32_t whole(double x) {
   if (x <= -2147483648.0)
     return INT32_MIN;
   return int32_t(std::nearbyint(x));
+}
+
+// The same for a field that must not take a wrong value: nothing for an infinity, NaN or a value
+// beyond 32 bits, so that the reader skips the statement.
+inline std::optional<int32_t> roundToInt32(double x) {
+  if (!std::isfinite(x))
+    return std::nullopt;
+  const double r = std::nearbyint(x);
+  if (r < double(std::numeric_limits<int32_t>::min()) ||
+      r > double(std::numeric_limits<int32_t>::max()))
+    return std::nullopt;
+  return int32_t(r);
 }
 
 }  // namespace tvx

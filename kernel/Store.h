@@ -47,6 +47,9 @@ public:
   int32_t OA_Add(ArrayHandle array, ObjectHandle object);
   int32_t OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index);
   int32_t OA_Delete(ArrayHandle array, int32_t index);
+  // Deletes every object whose Attributes hold all bits of mask, in one pass; the others keep
+  // their order. The number deleted.
+  int32_t OA_DeleteMarked(ArrayHandle array, int32_t mask);
   int32_t OA_MaskAll(ArrayHandle array, int32_t value, int32_t mask);
   int32_t OA_SearchMask(ArrayHandle array, int32_t firstIndex, int32_t mask) const;
   // First index from firstIndex on whose object covers (x, y) within tolerance; 0 when none.

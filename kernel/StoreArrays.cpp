@@ -258,6 +258,39 @@ int32_t Store::OA_Delete(ArrayHandle array, int32_t index) {
   return 1;
 }
 
+int32_t Store::OA_DeleteMarked(ArrayHandle array, int32_t mask) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || mask == 0)
+    return 0;
+  const auto marked = [&s, mask](int32_t object) {
+    int32_t attributes = 0;
+    if (ItemData* d = s.item(object))
+      attributes = d->f.Attributes;
+    else if (EntryData* e = s.entry(object))
+      attributes = e->attributes;
+    else if (NamedData* n = s.namedObject(object))
+      attributes = n->attributes;
+    return (attributes & mask) == mask;
+  };
+  std::vector<int32_t> gone;
+  std::vector<int32_t> kept;
+  kept.reserve(a->objects.size());
+  for (int32_t object : a->objects)
+    (marked(object) ? gone : kept).push_back(object);
+  if (gone.empty())
+    return 0;
+  for (int32_t object : gone)
+    s.unindexMember(*a, object);
+  a->objects = std::move(kept);
+  for (size_t i = 0; i < a->objects.size(); ++i)
+    setPosition(s, a->objects[i], int32_t(i + 1));
+  s.touchArray(tableEntry(array));
+  for (int32_t object : gone)
+    s.destroy(object);
+  return int32_t(gone.size());
+}
+
 int32_t Store::OA_MaskAll(ArrayHandle array, int32_t value, int32_t mask) {
   Impl& s = *impl_;
   ArrayData* a = s.array(array);

@@ -1,4 +1,5 @@
 // Start-up of the main window (Form_Load), its positioning, and ApplySystemSettings.
+#include "viewer/DisplayUnits.h"
 #include "shell/GBRVIEWER_MAIN.h"
 
 #include "common/TextHelpers.h"
@@ -115,6 +116,14 @@ void GBRVIEWER_MAIN::Form_Load() {
   // the user does waits until the reading is over, as do the host's commands, so nothing starts
   // inside an import.
   import_->hpglReader.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+  import_->dxfReader.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
+  // The size of a drawing that is out of range is told in the display unit.
+  import_->dxfReader.formatLength = [this](double storeLength) {
+    return FormatLengthValue(storeLength, view_->DisplayUnit, int32_t(DxfUnitsPerMm));
+  };
+  import_->dxfReader.unitWord = [this] {
+    return " " + std::string(displayUnitInfo(view_->DisplayUnit).Word);
+  };
   import_->setYield([] {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);

@@ -2,6 +2,7 @@
 // lives beside it for as long as the component does.
 #pragma once
 
+#include "import/core/DxfRecord.h"
 #include "kernel/KernelTypes.h"
 
 #include <cstdint>
@@ -62,7 +63,10 @@ struct ImportJob {
   // the same file leave the user's corrections alone.
   bool ExcellonFormatStarted = false;
   std::string HpglText;
-  std::vector<std::string> DxfText;  // the DXF lines
+  std::vector<DxfRecord> DxfText;  // the drawing's groups, in file order
+  // The drawing's own unit ($INSUNITS) has given the unit's start value; later scans of the same
+  // file leave the user's choice alone.
+  bool DxfUnitStarted = false;
 };
 
 // One layer that the user may choose in the import dialog.

@@ -46,7 +46,7 @@ template <typename... P> constexpr StatusEntry entry(int32_t status, int icon, P
 
 constexpr Piece outsideLimits = cat("62385", "Coordinates outside limits");
 
-constexpr std::array<StatusEntry, 22> StatusTable = {{
+constexpr std::array<StatusEntry, 24> StatusTable = {{
     entry(StatusReported, critical, cat("62379", "Range Error - format:"), digits),
     entry(StatusIncorrectFormat, exclamation, cat("62380", "Artwork File - Incorrect format")),
     entry(StatusNoVectorFont, exclamation,
@@ -75,6 +75,12 @@ constexpr std::array<StatusEntry, 22> StatusTable = {{
           cat("4953", "No aperture defined for selected item")),
     entry(StatusExtentsTruncated, exclamation, cat("loc", "Drawing extents are out of range."),
           crlf, name, crlf, cat("loc", "Import may be truncated into supported range.")),
+    entry(StatusBinaryDxf, exclamation, name, lit(" - "),
+          cat("loc", "binary DXF files can't be read."), crlf,
+          cat("loc", "Save the drawing as an ASCII DXF file and import it again.")),
+    entry(StatusFarElementsLeftOut, exclamation, name,
+          cat("loc", " elements lay 1000 mm or more outside the drawing's extents and were left "
+                     "out.")),
     entry(StatusBadStepping, exclamation, cat("62400", "Incorrect stepping parameters"), name),
     entry(StatusNoRotationPoints, exclamation, cat("62401", "Set Point(s) to define rotation.")),
     entry(StatusOutOfRange, exclamation, cat("62402", "Out of Range"), name),

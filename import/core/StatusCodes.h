@@ -25,6 +25,8 @@ enum StatusCode : int32_t {
   StatusCompleted = 300,         // name + " Completed"
   StatusNoAperture = 400,        // name + " No aperture defined for selected item"
   StatusExtentsTruncated = 414,  // "Drawing extents are out of range."
+  StatusBinaryDxf = 415,         // name + " - binary DXF can't be read", save it as ASCII DXF
+  StatusFarElementsLeftOut = 416,  // count + " elements ... were left out"
   StatusBadStepping = 2000,
   StatusNoRotationPoints = 2001,
   StatusOutOfRange = 2002,

@@ -36,7 +36,7 @@ ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserP
                                             {},           {},         {}},
       excellon(store, services, reporter, excellonFormat, state.Extents),
       gerberReader(store, reporter, gerberPass, state.Extents), excellonReader(excellon, files),
-      hpglReader(files, services, store) {
+      hpglReader(files, services, store), dxfReader(files, services, store, reporter, dxfFormat) {
   LoadExcellonSettings(services, excellonFormat);
   LoadGerberSettings(services, gerberFormat);
   LoadDxfSettings(services, dxfFormat);
@@ -44,6 +44,7 @@ ImportSession::ImportSession(Store& theStore, SystemServices& theServices, UserP
   readers.add(ReaderGerberDrilling, gerberReader);
   readers.add(ReaderExcellon, excellonReader);
   readers.add(ReaderHpgl, hpglReader);
+  readers.add(ReaderDxf, dxfReader);
   excellonReader.restoreStoredFormat = [this] {
     LoadExcellonSettings(this->services, excellonFormat);
   };
@@ -216,26 +217,29 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
     single.kind = recognise(path, options.editMsgLine);
     ImportResult result;
     result.kind = single.kind;
+    const auto isFree = [&](int32_t number) {
+      return number <= static_cast<int32_t>(layers.size()) && !taken[size_t(number)] &&
+             layerIsEmpty(store, layers[size_t(number - 1)]);
+    };
+    const auto freeGerberLayer = [&] {
+      for (const int32_t number : gerberLayerOrder())
+        if (isFree(number))
+          return number;
+      return 0;
+    };
     if (isGerberKind(single.kind)) {
-      if (firstGerber && options.firstGerberLayer != 0) {
-        single.layer = options.firstGerberLayer;
-      } else {
-        for (const int32_t number : gerberLayerOrder())
-          if (number <= static_cast<int32_t>(layers.size()) && !taken[size_t(number)] &&
-              layerIsEmpty(store, layers[size_t(number - 1)])) {
-            single.layer = number;
-            break;
-          }
-      }
+      single.layer = firstGerber && options.firstGerberLayer != 0 ? options.firstGerberLayer
+                                                                   : freeGerberLayer();
       firstGerber = false;
       result.noFreeLayer = single.layer == 0;
     } else if (isPlotterOrCadKind(single.kind)) {
       // Plotter and drawing files go to the board outline layer, which one of them fills: a
-      // second one is refused rather than replacing the first.
-      single.layer = BoardOutlineLayer;
-      result.noFreeLayer = taken[size_t(BoardOutlineLayer)] ||
-                           (size_t(BoardOutlineLayer) <= layers.size() &&
-                            !layerIsEmpty(store, layers[size_t(BoardOutlineLayer - 1)]));
+      // second plot is refused rather than replacing the first, a second drawing takes the next
+      // free artwork layer.
+      single.layer = isFree(BoardOutlineLayer)           ? BoardOutlineLayer
+                     : single.kind == ImportKind::Dxf ? freeGerberLayer()
+                                                       : 0;
+      result.noFreeLayer = single.layer == 0;
     }
     if (single.kind == ImportKind::Unknown) {
       reportRefusal(path);

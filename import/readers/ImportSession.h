@@ -15,6 +15,7 @@
 #include "import/readers/ImportSettings.h"
 #include "import/readers/excellon/ExcellonFileReader.h"
 #include "import/readers/excellon/ExcellonReader.h"
+#include "import/readers/dxf/DxfFileReader.h"
 #include "import/readers/hpgl/HpglFileReader.h"
 #include "store/LayerRecord.h"
 
@@ -136,6 +137,7 @@ public:
   GerberFileReader gerberReader;
   ExcellonFileReader excellonReader;
   HpglFileReader hpglReader;
+  DxfFileReader dxfReader;
   ReaderTable readers;
   // The import window's hole mapping, kept from one window to the next.
   int32_t HoleMapping = 0;

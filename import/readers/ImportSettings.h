@@ -5,6 +5,8 @@
 
 #include "import/gerber/GerberFormat.h"
 
+#include "import/readers/dxf/DxfFormat.h"
+
 #include <cstdint>
 #include <string>
 
@@ -23,14 +25,6 @@ struct ExcellonFormat {
   int32_t OMZeros = 0;
 
   bool operator==(const ExcellonFormat&) const = default;
-};
-
-// The DXF reader's unit and scale.
-struct DxfFormat {
-  int32_t DxfUnit = 1;    // 0 inches, 1 millimetres
-  double DxfScale = 1.0;  // factor on all coordinates
-
-  bool operator==(const DxfFormat&) const = default;
 };
 
 // Loading reads each key with its default text and takes the number in it (the first comma is a

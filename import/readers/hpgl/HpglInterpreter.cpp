@@ -3,6 +3,7 @@
 #include "common/ToNumber.h"
 #include "import/core/FileRecognition.h"
 #include "import/gerber/OutlineArcs.h"
+#include "common/WholeNumber.h"
 #include "kernel/PlaneGeometry.h"
 #include "store/AddElement.h"
 #include "store/LayerRecord.h"
@@ -41,16 +42,6 @@ const std::array<int8_t, 65536>& commandOfPair() {
   return table;
 }
 
-// The nearest whole number, ties to even; nothing when the value does not fit 32 bits.
-std::optional<int32_t> whole(double value) {
-  if (!std::isfinite(value))
-    return std::nullopt;
-  const double r = std::nearbyint(value);
-  if (r < double(std::numeric_limits<int32_t>::min()) ||
-      r > double(std::numeric_limits<int32_t>::max()))
-    return std::nullopt;
-  return int32_t(r);
-}
 
 bool inSeparatorSet(char c) { return PlotterSeparatorSet.find(c) != std::string_view::npos; }
 
@@ -115,8 +106,8 @@ size_t HpglInterpreter::label(std::string_view text, size_t at, int walkNumber) 
   const double cell = 1.5 * state.CharWidth * UnitsPerCm;
   const double degrees =
       std::atan2(state.DirectionRise, state.DirectionRun) / RadiansPerDegree + state.Rotation;
-  const auto x = whole(state.CurX), y = whole(state.CurY), h = whole(height), w = whole(cell),
-             angle = whole(degrees * 1000);
+  const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY), h = roundToInt32(height), w = roundToInt32(cell),
+             angle = roundToInt32(degrees * 1000);
   if (!x || !y || !h || !w || !angle)
     return behind;
   if (walkNumber == 1) {
@@ -198,7 +189,7 @@ size_t HpglInterpreter::encodedPolyline(std::string_view text, size_t at, int wa
       state.Relative = absoluteNext ? 0 : 1;
       toPointValues(double(x) * unit, double(y) * unit);
       state.Relative = kept;
-      if (!whole(state.NextX) || !whole(state.NextY))
+      if (!roundToInt32(state.NextX) || !roundToInt32(state.NextY))
         break;
       state.PenDown = penUpNext ? 0 : 1;
       if (walkNumber == 1 && !penUpNext)
@@ -346,7 +337,7 @@ void HpglInterpreter::write(ItemRecord record) {
 }
 
 void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
-  const auto x = whole(x0), y = whole(y0), w = whole(x1 - x0), h = whole(y1 - y0);
+  const auto x = roundToInt32(x0), y = roundToInt32(y0), w = roundToInt32(x1 - x0), h = roundToInt32(y1 - y0);
   if (!x || !y || !w || !h)
     return;
   ItemRecord r = element(ItemLine);
@@ -359,14 +350,14 @@ void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
 }
 
 std::optional<OutlinePoint> HpglInterpreter::outlinePoint(int32_t kind, double x, double y) const {
-  if (!whole(x) || !whole(y))
+  if (!roundToInt32(x) || !roundToInt32(y))
     return std::nullopt;
   OutlinePoint p;
   p.Kind = kind;
   p.X = x;
   p.Y = y;
   if (kind == outlinepoint::ArcMiddle) {
-    const auto cx = whole(state.CentreX), cy = whole(state.CentreY), r = whole(state.Radius);
+    const auto cx = roundToInt32(state.CentreX), cy = roundToInt32(state.CentreY), r = roundToInt32(state.Radius);
     if (!cx || !cy || !r)
       return std::nullopt;
     p.CentreX = *cx;
@@ -393,7 +384,10 @@ void HpglInterpreter::writeOutlinePoints(const OutlinePoints& outline, bool fill
   if (filled)
     templ.Style = StyleFilled;
   int32_t refused = 0, first = 0, last = 0;
+  const ArrayHandle items = store_.S_SymbolItemArray(symbol_);
+  const int32_t before = store_.OA_GetCount(items);
   WriteOutline(refused, store_, symbol_, templ, outline, first, last);
+  outlinePieces += store_.OA_GetCount(items) - before;
   status = std::max(status, refused);
   ++counts.outlines;
 }
@@ -401,7 +395,7 @@ void HpglInterpreter::writeOutlinePoints(const OutlinePoints& outline, bool fill
 void HpglInterpreter::pairs(int walkNumber, bool draw) {
   for (size_t i = 1; i < argumentCount(); i += 2) {
     toPoint(arg(i), arg(i + 1));
-    if (!whole(state.NextX) || !whole(state.NextY))
+    if (!roundToInt32(state.NextX) || !roundToInt32(state.NextY))
       return;  // a point beyond the store's reach ends the statement; the pen stays
     if (state.PolygonMode)
       polygonMove(draw || state.PenDown == 1);
@@ -425,7 +419,7 @@ void HpglInterpreter::arc(int walkNumber, int32_t relative) {
   state.Radius = std::hypot(dx, dy);
   state.StartAngle = AngleOf(dx, dy);
   state.SweepAngle = ToNumber(arg(3));
-  if (!whole(state.CentreX) || !whole(state.CentreY) || !whole(state.Radius))
+  if (!roundToInt32(state.CentreX) || !roundToInt32(state.CentreY) || !roundToInt32(state.Radius))
     return;
   const double s = state.SweepAngle * RadiansPerDegree;
   state.NextX = dx * std::cos(s) + state.CentreX - dy * std::sin(s);
@@ -436,8 +430,8 @@ void HpglInterpreter::arc(int walkNumber, int32_t relative) {
     else
       polygonMove(false);
   } else if (walkNumber == 1 && state.PenDown == 1) {
-    const auto x = whole(state.CentreX), y = whole(state.CentreY), r = whole(state.Radius),
-               start = whole(state.StartAngle * 1000), sweep = whole(state.SweepAngle * 1000);
+    const auto x = roundToInt32(state.CentreX), y = roundToInt32(state.CentreY), r = roundToInt32(state.Radius),
+               start = roundToInt32(state.StartAngle * 1000), sweep = roundToInt32(state.SweepAngle * 1000);
     if (x && y && r && start && sweep) {
       ItemRecord e = element(ItemArc);
       e.X = *x;
@@ -554,7 +548,7 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('P', 'W'): {
     if (count < 1)
       break;
-    const auto width = whole(penWidth(ToNumber(arg(1))));
+    const auto width = roundToInt32(penWidth(ToNumber(arg(1))));
     if (!width)
       break;
     if (count == 1) {
@@ -563,7 +557,7 @@ void HpglInterpreter::execute(int walkNumber) {
       state.EveryPenWidth = state.PenWidth = *width;
       break;
     }
-    const auto pen = whole(ToNumber(arg(2)));
+    const auto pen = roundToInt32(ToNumber(arg(2)));
     if (!pen || *pen < 0 || *pen > LargestPen)
       break;
     if (size_t(*pen) >= state.PenTable.size())
@@ -574,7 +568,7 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('S', 'P'): {
     if (count < 1)
       break;
-    const auto pen = whole(ToNumber(arg(1)));
+    const auto pen = roundToInt32(ToNumber(arg(1)));
     if (pen && *pen >= 0)
       selectPen(*pen);
     break;
@@ -639,7 +633,7 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('C', 'I'):
     if (count >= 1) {
       state.Radius = toLength(arg(1));
-      const auto x = whole(state.CurX), y = whole(state.CurY), r = whole(state.Radius);
+      const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY), r = roundToInt32(state.Radius);
       if (state.PolygonMode && x && y && r) {
         // A circle is a sub-polygon of its own; the pen stays at the centre.
         state.CentreX = state.CurX;
@@ -680,7 +674,7 @@ void HpglInterpreter::execute(int walkNumber) {
     wedge(walkNumber, true);
     break;
   case code('P', 'M'): {
-    const auto step = count >= 1 ? whole(ToNumber(arg(1))) : std::optional<int32_t>(0);
+    const auto step = count >= 1 ? roundToInt32(ToNumber(arg(1))) : std::optional<int32_t>(0);
     if (step)
       polygonMode(*step);
     break;

@@ -92,6 +92,8 @@ public:
   HpglCounts counts;
   // 1 when the store refused an element; the import went on without it.
   int32_t status = 0;
+  // Items that the outlines came to.
+  int64_t outlinePieces = 0;
 
   // The command in hand, carried out (ExecuteHpglCommand).
   void execute(int walk);
