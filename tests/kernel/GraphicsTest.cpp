@@ -288,6 +288,10 @@ TEST_F(GraphicsServicesTest, GeometryHelpers) {
   EXPECT_EQ(Graphics::G_LinePointDeterminant(-2000000000, 0, 2000000000, 1, 0, 2000000000),
             int64_t(4000000000) * 2000000000 - int64_t(1) * 2000000000)
       << "no overflow";
+  EXPECT_LT(Graphics::G_LinePointDeterminant(INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, INT32_MAX,
+                                             INT32_MIN),
+            0)
+      << "the sign of an area beyond 64 bits";
   EXPECT_TRUE(Graphics::DB_CoverRectangle(10, 5, 1, 10, 0, 0, 5)) << "corners in any order";
   EXPECT_FALSE(Graphics::DB_CoverRectangle(10, 5, 0, 10, 0, 0, 5)) << "edges only when inclusive";
   EXPECT_TRUE(Graphics::DB_CoverRectangle(5, 2, 0, 10, 0, 0, 5));
