@@ -204,6 +204,7 @@ void DxfInterpreter::header(size_t& at) {
   const bool min = name == "$EXTMIN", max = name == "$EXTMAX";
   if (!min && !max)
     return;
+  (min ? haveMin_ : haveMax_) = true;  // a coordinate that is missing stays 0
   // Group 10 and then group 20 at once; the point is in store units without the base point.
   if (at < r.size() && r[at].Code == 10) {
     (min ? minX_ : maxX_) = length(r[at].RealValue);
@@ -211,7 +212,6 @@ void DxfInterpreter::header(size_t& at) {
     if (at < r.size() && r[at].Code == 20) {
       (min ? minY_ : maxY_) = length(r[at].RealValue);
       ++at;
-      (min ? haveMin_ : haveMax_) = true;
     }
   }
 }
