@@ -74,11 +74,21 @@ void gatherExcellon(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prom
     info.holes += tool.HoleCount;
 }
 
-// A plotter file: imported into the outline layer where it stands (no centring), then its
+// A plotter file or a drawing: imported into its layer where it stands (no centring), then its
 // elements counted by kind and framed.
 void gatherPlotter(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompts) {
   const ImportResult result = importWhereItStands(info, run, prompts);
-  info.plotter = true;
+  info.plotter = info.kind == ImportKind::Hpgl;
+  info.drawing = info.kind == ImportKind::Dxf;
+  if (info.drawing) {
+    const DxfFileReader& reader = run.session->dxfReader;
+    const DxfHeader header = dxfHeaderOf(run.session->state.Job.DxfText);
+    info.acadVer = header.AcadVer;
+    info.insUnits = header.InsUnits;
+    info.entitiesRead = reader.lastReport.read;
+    info.entitiesPassedOver = reader.lastReport.passedOver;
+    info.leftOut = reader.lastReport.removed;
+  }
   if (result.layer == 0)
     return;
   Store& store = run.kernel->store;
@@ -89,7 +99,9 @@ void gatherPlotter(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& promp
   for (int32_t i = 1; i <= store.OA_GetCount(items); ++i) {
     ItemRecord item;
     store.I_ReadItem(store.OA_Object(items, i), item);
-    if (item.Attributes & attr::PolygonSide)
+    if (item.Type == ItemVectorText || item.Type == ItemTrueTypeText)
+      ++info.texts;
+    else if (item.Attributes & attr::PolygonSide)
       ++info.outlinePieces;
     else if (item.Type == ItemLine)
       ++info.lines;
@@ -205,7 +217,7 @@ FileInfo gatherFileInfo(const std::string& path,
   }
   info.kind = info.recognisedKind;
   if (isExcellonKind(info.recognisedKind) || isGerberKind(info.recognisedKind) ||
-      info.recognisedKind == ImportKind::Hpgl) {
+      isPlotterOrCadKind(info.recognisedKind)) {
     WindowlessLayers run(services, prompts);
     run.session->titles.programTitle = "gbrview";
     run.session->gerberPass.apertureTable = apertureTable;
@@ -215,7 +227,7 @@ FileInfo gatherFileInfo(const std::string& path,
       run.session->state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
     if (isExcellonKind(info.recognisedKind))
       gatherExcellon(info, run, prompts);
-    else if (info.recognisedKind == ImportKind::Hpgl)
+    else if (isPlotterOrCadKind(info.recognisedKind))
       gatherPlotter(info, run, prompts);
     else
       gatherGerber(info, run, prompts);

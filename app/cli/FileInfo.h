@@ -14,6 +14,7 @@
 #include "store/LayerRecord.h"
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -80,10 +81,18 @@ struct FileInfo {
   GerberStreamCounts stream;
   std::vector<FileAttribute> fileAttributes;
 
-  // Plotter files: the elements written into the outline layer, by kind, and their frame
-  // (extents). Outline pieces are the sides of rectangles and wedges.
+  // Plotter files and drawings: the elements written into their layer, by kind, and their frame
+  // (extents). Outline pieces are the sides of closed outlines (rectangles, wedges, polygons).
   bool plotter = false;
-  int32_t lines = 0, arcs = 0, circles = 0, outlinePieces = 0;
+  int32_t lines = 0, arcs = 0, circles = 0, outlinePieces = 0, texts = 0;
+
+  // Drawings (DXF), beside the elements above: the header's version and unit, the entities
+  // drawn and passed over by name, and the elements the range check left out.
+  bool drawing = false;
+  std::string acadVer;
+  int32_t insUnits = -1;
+  std::map<std::string, int32_t> entitiesRead, entitiesPassedOver;
+  int32_t leftOut = 0;
 
   // The messages shown while reading (file errors, status messages), in order.
   std::vector<std::string> messages;
@@ -92,7 +101,7 @@ struct FileInfo {
   // A file that gbrview does not read (unreadable, empty or of no kind) fails, as in render.
   bool failed() const {
     return !readable || kind == ImportKind::Unknown ||
-           ((excellon || gerber || plotter) && importStatus != 0);
+           ((excellon || gerber || plotter || drawing) && importStatus != 0);
   }
 };
 

@@ -237,11 +237,42 @@ QJsonObject gerberJson(const FileInfo& info) {
           {"fileAttributes", attributes}};
 }
 
+// "NAME count, NAME count" in name order; "none" for no names.
+std::string countsText(const std::map<std::string, int32_t>& counts) {
+  std::string out;
+  for (const auto& [name, n] : counts)
+    out += (out.empty() ? "" : ", ") + name + " " + std::to_string(n);
+  return out.empty() ? "none" : out;
+}
+
+QJsonObject countsJson(const std::map<std::string, int32_t>& counts) {
+  QJsonObject out;
+  for (const auto& [name, n] : counts)
+    out[q(name)] = n;
+  return out;
+}
+
+std::string drawingText(const FileInfo& info) {
+  return "drawing: version " + (info.acadVer.empty() ? std::string("none") : info.acadVer) +
+         ", units " + (info.insUnits < 0 ? std::string("none") : std::to_string(info.insUnits)) +
+         "\nentities drawn: " + countsText(info.entitiesRead) +
+         "\nentities passed over: " + countsText(info.entitiesPassedOver) +
+         "\nleft out beyond the extents: " + std::to_string(info.leftOut) + "\n";
+}
+
+QJsonObject drawingJson(const FileInfo& info) {
+  return QJsonObject{{"acadVer", q(info.acadVer)},
+                     {"insUnits", info.insUnits},
+                     {"entitiesDrawn", countsJson(info.entitiesRead)},
+                     {"entitiesPassedOver", countsJson(info.entitiesPassedOver)},
+                     {"leftOut", info.leftOut}};
+}
+
 std::string plotterText(const FileInfo& info) {
   return "elements: " + std::to_string(info.lines) + " lines, " + std::to_string(info.arcs) +
          " arcs, " + std::to_string(info.circles) + " circles, " +
-         std::to_string(info.outlinePieces) + " outline pieces\n" + extentsLine(info) +
-         "import: status " + std::to_string(info.importStatus) +
+         std::to_string(info.outlinePieces) + " outline pieces, " + std::to_string(info.texts) +
+         " texts\n" + extentsLine(info) + "import: status " + std::to_string(info.importStatus) +
          (info.layer != 0 ? ", layer " + std::to_string(info.layer) + " " + info.layerName : "") +
          "\n";
 }
@@ -251,6 +282,7 @@ QJsonObject plotterJson(const FileInfo& info) {
                      {"arcs", info.arcs},
                      {"circles", info.circles},
                      {"outlinePieces", info.outlinePieces},
+                     {"texts", info.texts},
                      {"extentsMm", extentsJson(info)},
                      {"importStatus", info.importStatus},
                      {"layer", info.layer}};
@@ -272,7 +304,9 @@ std::string fileInfoText(const FileInfo& info) {
     out += excellonText(info);
   if (info.gerber && info.scanned)
     out += gerberText(info);
-  if (info.plotter)
+  if (info.drawing)
+    out += drawingText(info);
+  if (info.plotter || info.drawing)
     out += plotterText(info);
   for (const std::string& message : info.messages)
     out += "message: " + message + "\n";
@@ -289,6 +323,13 @@ std::string fileInfoJson(const FileInfo& info) {
     report["gerber"] = gerberJson(info);
   if (info.plotter)
     report["plotter"] = plotterJson(info);
+  if (info.drawing) {
+    QJsonObject drawing = plotterJson(info);
+    const QJsonObject header = drawingJson(info);
+    for (auto it = header.begin(); it != header.end(); ++it)
+      drawing[it.key()] = it.value();
+    report["drawing"] = drawing;
+  }
   QJsonArray messages;
   for (const std::string& message : info.messages)
     messages.append(q(message));

@@ -127,6 +127,32 @@ TEST_F(FileInfoTest, AGerberFileReportsTheOperationsOfItsStreamAsTextAndJson) {
       "stepRepeat": [{"copiesX": 2, "copiesY": 3, "stepXMm": 5, "stepYMm": 4}]})"));
 }
 
+TEST_F(FileInfoTest, ADrawingReportsItsHeaderEntitiesAndElements) {
+  const std::string path =
+      folder.write("outline.dxf",
+                   "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$INSUNITS\n70\n4\n0\nENDSEC\n"
+                   "0\nSECTION\n2\nTABLES\n0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nMARK\n0\n"
+                   "CIRCLE\n10\n0\n20\n0\n40\n1\n"
+                   "0\nENDBLK\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n0\n20\n0\n11\n10\n"
+                   "21\n0\n0\nINSERT\n2\nMARK\n10\n5\n20\n5\n0\nTEXT\n10\n0\n20\n2\n40\n1\n1\n"
+                   "J1\n0\nLINE\n67\n1\n10\n0\n20\n0\n11\n1\n21\n0\n0\nPOINT\n10\n1\n20\n1\n0\n"
+                   "ENDSEC\n0\nEOF\n");
+  const FileInfo info = gatherFileInfo(path);
+  EXPECT_FALSE(info.failed());
+  const std::string text = fileInfoText(info);
+  EXPECT_NE(text.find("kind: 8 AutoCAD DXF file\ndrawing: version AC1015, units 4\n"
+                      "entities drawn: CIRCLE 1, INSERT 1, LINE 1, TEXT 1\n"
+                      "entities passed over: LINE 1, POINT 1\nleft out beyond the extents: 0\n"
+                      "elements: 1 lines, 0 arcs, 0 circles, 2 outline pieces, 1 texts\n"
+                      "extents mm: x -0.00001 .. 10.00001, y -0.00001 .. 6.00001\n"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("import: status 0, layer 30 Board Outline/Cut-outs\n"), std::string::npos);
+  const QJsonObject drawing = parse(fileInfoJson(info))["drawing"].toObject();
+  EXPECT_EQ(drawing["entitiesPassedOver"].toObject()["POINT"].toInt(), 1);
+  EXPECT_EQ(drawing["outlinePieces"].toInt(), 2);
+}
+
 TEST_F(FileInfoTest, OtherFilesReportTheirKindOnlyAndFailAsInRender) {
   const std::pair<const char*, const char*> cases[] = {
       {"just some words\n", "not a file that gbrview reads"}, {"", "the file is empty"}};
