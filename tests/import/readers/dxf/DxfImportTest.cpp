@@ -6,6 +6,7 @@
 
 #include "common/FileLayer.h"
 #include "import/gerber/ImportTestSupport.h"
+#include "import/readers/excellon/ExcellonTestSupport.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
 #include "support/CorpusPath.h"
@@ -439,6 +440,31 @@ TEST(DxfImport, CorpusDrawings) {
     c.check(d);
     EXPECT_FALSE(blockSymbolsLeft(d.kernel.store));
   }
+}
+
+TEST(DxfImport, TheImportRoad) {
+  // A second drawing of one run takes the first free artwork layer; a binary one is refused
+  // with a message naming it; a drawing's own unit is where the unit starts.
+  test::ImportWorld world;
+  const std::string line = "0|SECTION|2|HEADER|9|$INSUNITS|70|1|0|ENDSEC|0|SECTION|2|TABLES|0|"
+                           "ENDSEC|0|SECTION|2|ENTITIES|0|LINE|10|0|20|0|11|1|21|0|0|ENDSEC|0|EOF";
+  const std::string first = world.write("first.dxf", dxf(line));
+  const std::string second = world.write("second.dxf", dxf(line));
+  const std::string binary =
+      world.write("binary.dxf", std::string("AutoCAD Binary DXF\r\n\x1a\0ENTITIES", 30));
+  ImportSession::BatchOptions options;
+  options.noCenter = true;
+  const std::vector<ImportResult> results =
+      world.session->importFiles(world.tables->Layers, {first, second, binary}, options);
+  ASSERT_EQ(results.size(), 3u);
+  EXPECT_EQ(std::tuple(results[0].status, results[0].layer), std::tuple(0, BoardOutlineLayer));
+  EXPECT_EQ(std::tuple(results[1].status, results[1].layer), std::tuple(0, 3));
+  EXPECT_EQ(world.items(3).at(0).Width, 2540000) << "$INSUNITS 1: inches";
+  EXPECT_EQ(results[2].layer, 0);
+  ASSERT_FALSE(world.boxes().empty());
+  EXPECT_NE(world.boxes().back().find(binary + " - binary DXF files can't be read."),
+            std::string::npos)
+      << world.boxes().back();
 }
 
 }  // namespace
