@@ -2,13 +2,19 @@
 
 #include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
+#include "kernel/Kernel.h"
 #include "shell/GBRVIEWER_MAIN.h"
+#include "store/LayerCatalogue.h"
+#include "store/Layers.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QImage>
 #include <QRect>
 #include <QWidget>
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace tvx {
 
@@ -64,6 +70,28 @@ std::string widgetPlace(const std::string& name) {
   return line("PLACE," + name + ",NONE");
 }
 
+// What a layer holds: its items, their frame and the widest line among them.
+std::string layerContents(GBRVIEWER_MAIN* window, const std::string& number) {
+  const int n = std::atoi(number.c_str());
+  if (!window || n < 1 || n > LayerCount)
+    return line("LAYER," + number + ",NONE");
+  Store& store = window->context().kernel.store;
+  const SymbolId symbol = window->layerTables().layer(n).SymbolHandle;
+  const ArrayHandle items = store.S_SymbolItemArray(symbol);
+  int32_t widest = 0;
+  for (int32_t i = 1; i <= store.OA_GetCount(items); ++i) {
+    ItemRecord item;
+    if (store.I_ReadItem(store.OA_Object(items, i), item) != 0)
+      widest = std::max(widest, item.LineWidth);
+  }
+  FrameRect frame;
+  store.S_FrameSymbolItems(symbol, -1, frame);
+  return line("LAYER," + number + "," + std::to_string(store.OA_GetCount(items)) + "," +
+              std::to_string(frame.MinX) + "," + std::to_string(frame.MinY) + "," +
+              std::to_string(frame.MaxX) + "," + std::to_string(frame.MaxY) + "," +
+              std::to_string(widest));
+}
+
 }  // namespace
 
 bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::string& answer) {
@@ -92,6 +120,8 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = importRows(window);
   } else if (query.rfind("CELL,", 0) == 0) {
     answer = cellPlace(window, argumentOf("CELL,"));
+  } else if (query.rfind("LAYER,", 0) == 0) {
+    answer = layerContents(window, argumentOf("LAYER,"));
   } else if (query.rfind("PLACE,", 0) == 0) {
     answer = widgetPlace(argumentOf("PLACE,"));
   } else {

@@ -13,6 +13,8 @@
 //                    "CELL,<x>,<y>,<width>,<height>" or "CELL,NONE".
 //   PLACE,<name>     where the visible widget of that object name is on the screen:
 //                    "PLACE,<name>,<x>,<y>,<width>,<height>" or "PLACE,<name>,NONE".
+//   LAYER,<number>   what the layer holds: "LAYER,<number>,<items>,<min X>,<min Y>,<max X>,
+//                    <max Y>,<widest line>" in store units, or "LAYER,<number>,NONE".
 #pragma once
 
 #include <string>
