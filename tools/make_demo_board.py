@@ -5,7 +5,8 @@ two capacitors, a four-pin header, vias and four mounting holes.
     python3 tools/make_demo_board.py [OUTPUT_DIR]      (default: samples/ beside this folder)
 
 All artwork files are RS-274-X in millimetres, format 4.6 with leading zeros omitted; the drill
-file is Excellon with a METRIC header. The output is the same on every run.
+file is Excellon with a METRIC header; the outline is written again as an HPGL plot and as an
+ASCII DXF drawing. The output is the same on every run.
 """
 
 import math
@@ -251,6 +252,125 @@ def outline_plt():
     return "\n".join(lines) + "\n"
 
 
+MOUNTING_HOLES = [p for p in PADS if p.name == "MH"]
+
+# The mark of the DXF outline: an L whose arms are 1.5 mm along X and 1 mm along Y from its base
+# point, with a quarter arc of 0.8 mm between them. It is placed twice: (x, y, rotation).
+MARK_PLACES = [(8.0, 3.0, 0.0), (33.0, 26.0, 90.0)]
+
+
+class Dxf:
+    """An ASCII DXF drawing: (code, value) pairs, codes right-aligned in three columns."""
+
+    def __init__(self):
+        self.pairs = []
+        self.handle = 0x20
+
+    def put(self, *pairs):
+        self.pairs += pairs
+
+    @staticmethod
+    def real(value):
+        """A number with up to 12 decimals and at least one: 38.0, 0.414213562373."""
+        text = ("%.12f" % value).rstrip("0")
+        return text + "0" if text.endswith(".") else text
+
+    def point(self, code, x, y):
+        self.put((code, x), (code + 10, y), (code + 20, 0.0))
+
+    def next_handle(self):
+        self.handle += 1
+        return "%X" % self.handle
+
+    def entity(self, kind, layer, subclass, paper=False):
+        """The groups every entity starts with; paper marks one of paper space."""
+        self.put((0, kind), (5, self.next_handle()), (100, "AcDbEntity"))
+        if paper:
+            self.put((67, 1))
+        self.put((8, layer), (100, subclass))
+
+    def text(self):
+        out = []
+        for code, value in self.pairs:
+            out.append("%3d" % code)
+            out.append(self.real(value) if isinstance(value, float) else str(value))
+        return "\n".join(out) + "\n"
+
+
+def outline_dxf():
+    """The board outline as an ASCII DXF drawing in millimetres, as R2000 writes it: one closed
+    LWPOLYLINE with a bulge of tan(90 / 4 degrees) for each corner (positive: the path runs
+    counter-clockwise), the rims of the mounting holes as CIRCLEs, and the block MARK (two LINEs
+    and an ARC) inserted twice, the second time turned by 90 degrees."""
+    w, h, r = BOARD_W, BOARD_H, CORNER_R
+    bulge = math.tan(math.radians(90.0) / 4)
+    d = Dxf()
+    d.put((0, "SECTION"), (2, "TABLES"))
+    tables = [("LTYPE", ["CONTINUOUS"]), ("LAYER", ["0", "BOARD", "HOLES", "MARKS"]),
+              ("BLOCK_RECORD", ["*Model_Space", "*Paper_Space", "MARK"])]
+    record_class = {"LTYPE": "AcDbLinetypeTableRecord", "LAYER": "AcDbLayerTableRecord",
+                    "BLOCK_RECORD": "AcDbBlockTableRecord"}
+    for table, names in tables:
+        d.put((0, "TABLE"), (2, table), (5, d.next_handle()), (100, "AcDbSymbolTable"),
+              (70, len(names)))
+        for name in names:
+            d.put((0, table), (5, d.next_handle()), (100, "AcDbSymbolTableRecord"),
+                  (100, record_class[table]), (2, name))
+            if table == "LTYPE":
+                d.put((70, 0), (3, "Solid line"), (72, 65), (73, 0), (40, 0.0))
+            elif table == "LAYER":
+                d.put((70, 0), (62, 7), (6, "CONTINUOUS"))
+        d.put((0, "ENDTAB"))
+    d.put((0, "ENDSEC"), (0, "SECTION"), (2, "BLOCKS"))
+    for name, paper in (("*Model_Space", False), ("*Paper_Space", True), ("MARK", False)):
+        d.entity("BLOCK", "0", "AcDbBlockBegin", paper)
+        d.put((2, name), (70, 0))
+        d.point(10, 0.0, 0.0)
+        d.put((3, name), (1, ""))
+        if name == "MARK":
+            for x, y in ((1.5, 0.0), (0.0, 1.0)):
+                d.entity("LINE", "0", "AcDbLine")
+                d.point(10, 0.0, 0.0)
+                d.point(11, x, y)
+            d.entity("ARC", "0", "AcDbCircle")
+            d.point(10, 0.0, 0.0)
+            d.put((40, 0.8), (100, "AcDbArc"), (50, 0.0), (51, 90.0))
+        d.entity("ENDBLK", "0", "AcDbBlockEnd")
+    d.put((0, "ENDSEC"), (0, "SECTION"), (2, "ENTITIES"))
+    # The vertices counter-clockwise from the lower edge's left end; each corner's arc starts at
+    # the vertex that carries its bulge.
+    corners = [((r, 0), 0), ((w - r, 0), bulge), ((w, r), 0), ((w, h - r), bulge),
+               ((w - r, h), 0), ((r, h), bulge), ((0, h - r), 0), ((0, r), bulge)]
+    d.entity("LWPOLYLINE", "BOARD", "AcDbPolyline")
+    d.put((90, len(corners)), (70, 1), (43, 0.15))
+    for (x, y), b in corners:
+        d.put((10, float(x)), (20, float(y)))
+        if b:
+            d.put((42, b))
+    for hole in MOUNTING_HOLES:
+        d.entity("CIRCLE", "HOLES", "AcDbCircle")
+        d.point(10, hole.x, hole.y)
+        d.put((40, hole.drill / 2))
+    for x, y, turn in MARK_PLACES:
+        d.entity("INSERT", "MARKS", "AcDbBlockReference")
+        d.put((2, "MARK"))
+        d.point(10, x, y)
+        if turn:
+            d.put((50, turn))
+    d.put((0, "ENDSEC"), (0, "EOF"))
+    # The header goes first but is made last: $HANDSEED is the handle after all others.
+    body = d.pairs
+    d.pairs = [(999, "Demo board - board outline"), (0, "SECTION"), (2, "HEADER"),
+               (9, "$ACADVER"), (1, "AC1015"), (9, "$HANDSEED"), (5, d.next_handle()),
+               (9, "$INSUNITS"), (70, 4), (9, "$MEASUREMENT"), (70, 1), (9, "$EXTMIN")]
+    d.point(10, 0.0, 0.0)
+    d.put((9, "$EXTMAX"))
+    d.point(10, w, h)
+    d.put((0, "ENDSEC"))
+    d.pairs += body
+    return d.text()
+
+
 # Stroke letters on a grid 4 wide and 6 high; each entry is one polyline.
 FONT = {
     "0": [[(0, 0), (4, 0), (4, 6), (0, 6), (0, 0), (4, 6)]],
@@ -334,6 +454,7 @@ FILES = {
     "demo-mask-top.gbr": mask_top,
     "demo-outline.gbr": outline,
     "demo-outline.plt": outline_plt,
+    "demo-outline.dxf": outline_dxf,
     "demo.drl": drill,
 }
 

@@ -100,6 +100,27 @@ const Layer Layers[] = {
          {"half a millimetre inside", 20.0, 0.5, false},
          {"half a millimetre outside", 20.0, -0.5, false},
      }},
+    {"demo-outline.dxf", true, {
+         {"lower edge", 20.0, 0.0, true},
+         {"left edge", 0.0, 15.0, true},
+         {"half a millimetre inside the upper edge", 20.0, 29.5, false},
+         {"half a millimetre outside the right edge", 40.5, 15.0, false},
+         {"middle of the lower left corner's bulge", 0.586, 0.586, true},
+         {"middle of the lower right corner's bulge", 39.414, 0.586, true},
+         {"middle of the upper right corner's bulge", 39.414, 29.414, true},
+         {"middle of the upper left corner's bulge", 0.586, 29.414, true},
+         {"corner cut off by the bulge", 0.1, 29.9, false},
+         {"rim of the lower left mounting hole", 5.0, 3.5, true},
+         {"centre of that hole", 3.5, 3.5, false},
+         {"rim of the upper right mounting hole", 36.5, 25.0, true},
+         {"centre of that hole", 36.5, 26.5, false},
+         {"long arm of the mark at 8,3", 9.3, 3.0, true},
+         {"middle of that mark's arc", 8.566, 3.566, true},
+         {"long arm of the mark turned by 90 degrees", 33.0, 27.3, true},
+         {"middle of that mark's arc", 32.434, 26.566, true},
+         {"where the turned mark's long arm would lie unturned", 34.3, 26.0, false},
+         {"where it would lie turned the other way", 33.0, 24.7, false},
+     }},
 };
 // clang-format on
 
