@@ -1,6 +1,6 @@
 // Drawing Gerber into a layer, over a layer with its symbol in a kernel of its own.
-// The element writers: filters and Force, the exclusion list, clear polarity, the pens of draws,
-// arcs, holes, and outlines with arcs.
+// The element writers: filters and Force, the exclusion list, the pens of draws, and the arcs of
+// outlines.
 // One flash into the layer: exclusion, pad positions, the pad filters and Force, the special
 // shapes with their painted holes, and the macro primitives with exposure, rotation and mirror.
 // Flashes as the drawing engine paints them: the pieces of a thermal and a turned outline
@@ -34,6 +34,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace tvx::test {
@@ -169,27 +170,6 @@ TEST_F(ElementWriters, DiscsPassTheArcFilterOnlyWithTheBitOrForce) {
   EXPECT_EQ(items().size(), 1u) << "an excluded aperture writes nothing";
 }
 
-TEST_F(ElementWriters, ClearPolarityAndHolesTakeTheClearColour) {
-  LayerFileRecord& f = file;
-  f.ClearPolarity = true;
-  writer().AddBox(0, 0, 10, 10, 0, StyleFilled, 9, flashword::Single, 11);
-  f.ClearPolarity = false;
-  writer().AddHole(0, 0, 40, 0, 11);
-  writer().AddHole(0, 0, 40, 20, 11);
-  writer().AddHole(0, 0, 0, 20, 11);
-  writer().AddHole(0, 0, -1, -1, 11);
-  const auto all = items();
-  ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(std::pair(int(all[0].Colour), all[0].LineWidth), std::pair(ClearCode, 0))
-      << "a filled box has no line width";
-  EXPECT_EQ((std::array{all[1].Type, all[1].Width, int(all[1].Colour)}),
-            (std::array<int32_t, 3>{ItemCircle, 20, ClearCode}));
-  EXPECT_EQ(std::pair(all[2].Type, int(all[2].Style)),
-            std::pair(int32_t(ItemRectangle), int(StyleFilled)));
-  EXPECT_EQ(test::box(all[2]), (test::Box{-20, -10, 40, 20}));
-  EXPECT_EQ(all[2].Attributes & flashword::Piece, flashword::Piece);
-}
-
 TEST_F(ElementWriters, StrokesTakeTheirPenFromTheAperture) {
   // Round pen: a line from the start with the vector to the end.
   writer().AddStroke(1000, 2000, 4000, 6000, 250, RoundAperture, 10, force::None, 0);
@@ -246,27 +226,6 @@ TEST_F(ElementWriters, SpecialAperturesDrawWithPensOfTheirShape) {
   clearLayer();
   writer().AddStroke(0, 0, 10, 0, 999, SpecialAperture, 20, force::None, 0);
   EXPECT_TRUE(items().empty()) << "a first row behind the list writes nothing";
-}
-
-TEST_F(ElementWriters, OutlinesNeedThePolygonFilterAndMarkTheirEnds) {
-  test::DrawFixture::file.FilterMask = filter::AF_IPD;
-  OutlinePoints square{{}, {1, 0, 0}, {1, 1000, 0}, {1, 1000, 1000}, {1, 0, 1000}, {1, 0, 0}};
-  writer().AddOutlinePolygon(square, 10001, 0);
-  EXPECT_TRUE(items().empty());
-  file.FilterMask = test::AllFilters;
-  square[0] = {0, 5000, -5000};  // the offset of a repeat moves every point
-  writer().AddOutlinePolygon(square, 10001, 0);
-  const auto all = items();
-  ASSERT_EQ(all.size(), 4u);
-  EXPECT_EQ(test::box(all[0]), (test::Box{5000, -5000, 1000, 0}));
-  for (size_t i = 0; i < all.size(); ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ((std::array{all[i].Link, int(all[i].Style), all[i].LineWidth}),
-              (std::array{10001, int(StyleFilled), 1}));
-    EXPECT_NE(all[i].Attributes & attr::PolygonSide, 0);
-    EXPECT_EQ((all[i].Attributes & attr::PolygonFirst) != 0, i == 0);
-    EXPECT_EQ((all[i].Attributes & attr::PolygonLast) != 0, i == 3);
-  }
 }
 
 TEST(OutlineArcs, AngleOfCoversEveryQuadrant) {
@@ -366,8 +325,10 @@ TEST_F(ApertureExpansion, SpecialShapesWithTheirHoles) {
   ASSERT_EQ(all.size(), 2u) << "a disc, then its painted hole";
   EXPECT_EQ((std::array{all[0].Width, int(all[0].Colour), all[0].Attributes}),
             (std::array{500, LayerColour, attr::Flashed + attr::FlashPiece + attr::Shown}));
-  EXPECT_EQ((std::array{all[1].Type, all[1].Width, int(all[1].Colour), int(all[1].Style)}),
-            (std::array<int32_t, 4>{ItemCircle, 200, ClearCode, StyleFilled}));
+  EXPECT_EQ((std::array{all[1].Type, all[1].Width, int(all[1].Colour), int(all[1].Style),
+                        all[1].Attributes}),
+            (std::array<int32_t, 5>{ItemCircle, 200, ClearCode, StyleFilled,
+                                    flashword::Piece | attr::Shown}));
 
   clearLayer();
   flash(0, 0, rect, SpecialAperture, 13);
@@ -680,12 +641,19 @@ TEST_F(GerberDrawing, ClearPolarityIsDroppedOrPaintedClear) {
 
 TEST_F(GerberDrawing, PolygonsAreNumberedFrom10001AndNeedTheirFilter) {
   const std::string square = "G36*X0Y0D02*G01X1000Y0D01*X1000Y1000D01*X0Y1000D01*G37*";
-  ASSERT_EQ(drawText(square + "%SRX2Y1I2.0J0*%" + square), 0);
+  ASSERT_EQ(drawText(square + "%SRX2Y2I2.0J3.0*%" + square), 0);
   const auto all = items();
-  // The list is closed back to its first point: four sides each, three polygons.
-  ASSERT_EQ(all.size(), 12u);
-  EXPECT_EQ((std::array{all[0].Link, all[4].Link, all[8].Link}), (std::array{10001, 10002, 10003}));
-  EXPECT_EQ(all[8].X - all[4].X, 200000);
+  // The list is closed back to its first point: four sides each, five polygons, each repeat moved
+  // by its step in X and in Y.
+  ASSERT_EQ(all.size(), 20u);
+  std::set<std::array<int32_t, 2>> repeats;
+  for (size_t i = 4; i < all.size(); i += 4) {
+    EXPECT_EQ(all[i].Link, int32_t(10001 + i / 4));
+    repeats.insert({all[i].X, all[i].Y});
+  }
+  EXPECT_EQ(all[0].Link, 10001);
+  EXPECT_EQ(repeats,
+            (std::set<std::array<int32_t, 2>>{{0, 0}, {200000, 0}, {0, 300000}, {200000, 300000}}));
   EXPECT_EQ(std::pair(all[3].X + all[3].Width, all[3].Y + all[3].Height), std::pair(0, 0));
   for (const ItemRecord& r : all) {
     EXPECT_EQ(r.Style, StyleFilled);

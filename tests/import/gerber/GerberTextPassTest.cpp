@@ -509,25 +509,6 @@ ApertureLists sampleLists() {
   return lists;
 }
 
-TEST(ArtSections, OnlyUsedAperturesAreWrittenWithTheirPrimitivesAndMacroName) {
-  const ApertureLists lists = sampleLists();
-  using namespace artrecord;
-  constexpr uint8_t Macro = primitive::Macro, Polygon = primitive::RegularPolygon;
-  EXPECT_THAT(sectionRecords(lists, 0),
-              ElementsAre(ArtRecord{DrawSection, 10, 2540, 3},
-                          ArtRecord{DrawSection, 12, LinkToSquarePad, 1.5},
-                          ArtRecord{DrawSectionEnd, 0, 0, 0}));
-  EXPECT_THAT(sectionRecords(lists, 2), ElementsAre(ArtRecord{SquarePadSection, 12, 5080, 1},
-                                                    ArtRecord{SquarePadSectionEnd, 0, 0, 0}));
-  EXPECT_THAT(sectionRecords(lists, 3),
-              ElementsAre(ArtRecord{SpecialSection, 20, 1, 2},
-                          ArtRecord{MacroNameCharacter, 20, 1, 'A'},
-                          ArtRecord{MacroNameCharacter, 20, 2, 'B'}, ArtRecord{Macro, 20, 1, 1},
-                          ArtRecord{Macro, 20, 0, 900}, ArtRecord{Macro, 20, -3, 0},
-                          ArtRecord{SpecialSection, 22, 6, 5}, ArtRecord{Polygon, 22, 0, 3000},
-                          ArtRecord{Polygon, 22, 0, 6}, ArtRecord{SpecialSectionEnd, 0, 0, 0}));
-}
-
 // Writes the four sections behind a minimal header and stream, the way the pass does.
 std::string writeArt(const test::TempDir& dir, const ApertureLists& lists, ArtHeader& header) {
   const std::string path = dir.file("TMP.ART");
