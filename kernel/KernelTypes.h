@@ -51,7 +51,11 @@ inline constexpr int32_t PolygonLast = 0x20;
 inline constexpr int32_t Selected = 0x100;
 inline constexpr int32_t ElementFrameMark = 0x200;
 inline constexpr int32_t PolygonFrameMark = 0x800;
+// Set on texts, and on the pieces of an open chain (a drawing's polyline): never read as "a
+// text" (the item's Type says that).
 inline constexpr int32_t Text = 0x10000;
+inline constexpr int32_t OpenChain = 0x10000;
+inline constexpr int32_t CircleOutline = 0x800000;  // a closed outline that is a circle
 inline constexpr int32_t FlashPiece = 0x400000;
 inline constexpr int32_t Flashed = 0x8000000;
 }  // namespace attr

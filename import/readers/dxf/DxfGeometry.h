@@ -5,6 +5,7 @@
 #pragma once
 
 #include "import/gerber/OutlineArcs.h"
+#include "kernel/KernelTypes.h"
 
 #include <array>
 #include <cstdint>
@@ -16,8 +17,8 @@ namespace tvx {
 namespace dxfattr {
 inline constexpr int32_t Single = 1;
 inline constexpr int32_t ClosedOutline = 9;
-inline constexpr int32_t OpenChain = 0x10000 | 1;
-inline constexpr int32_t CircleOutline = 0x800000 | 9;
+inline constexpr int32_t OpenChain = attr::OpenChain | attr::Shown;
+inline constexpr int32_t CircleOutline = attr::CircleOutline | ClosedOutline;
 }  // namespace dxfattr
 
 // Between reading a bulge and ResolveBulges, the Radius of a Kind 5 point holds the bulge's
