@@ -69,26 +69,38 @@ std::vector<std::string> mtextLines(const std::string& raw) {
 
 double degrees(double radians) { return radians / RadiansPerDegree; }
 
-
-
-// The extrusion direction of an entity, read from its groups 210, 220 and 230.
-struct Normal {
-  double x = 0, y = 0, z = 1;
-  bool take(const DxfRecord& g) {
-    if (g.Code == 210)
-      x = g.RealValue;
-    else if (g.Code == 220)
-      y = g.RealValue;
-    else if (g.Code == 230)
-      z = g.RealValue;
-    else
-      return false;
-    return true;
-  }
-  DxfPlane plane() const { return DxfPlane::ofNormal(x, y, z); }
-};
-
 }  // namespace
+
+bool DxfInterpreter::roundGroup(const DxfRecord& g, RoundShape& shape) const {
+  switch (g.Code) {
+  case 39:
+    shape.width = lineSize(g.RealValue);
+    return true;
+  case 10:
+    shape.cx = length(g.RealValue);
+    return true;
+  case 20:
+    shape.cy = length(g.RealValue);
+    return true;
+  case 30:
+    shape.cz = length(g.RealValue);
+    return true;
+  case 40:
+    shape.radius = length(g.RealValue);
+    return true;
+  case 67:
+    shape.paper = g.IntValue == 1;
+    return true;
+  default:
+    return shape.normal.take(g.Code, g.RealValue);
+  }
+}
+
+bool DxfInterpreter::drawn(bool ended, bool paper, const std::string& name) {
+  if (ended && paper)
+    ++report.passedOver[name];
+  return ended && !paper;
+}
 
 void DxfInterpreter::finishChain(OutlinePoints& points, bool closed, const DxfPlane& plane,
                                  double elevation, const ItemRecord& templ, int32_t tolerance,
@@ -169,48 +181,18 @@ void DxfInterpreter::line(size_t& at) {
 }
 
 void DxfInterpreter::arc(size_t& at) {
-  double cx = 0, cy = 0, cz = 0, radius = 0;
-  int32_t width = 1;
-  Normal normal;
-  bool paper = false;
+  RoundShape shape;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (roundGroup(g, shape))
       return;
-    switch (g.Code) {
-    case 39:
-      width = lineSize(g.RealValue);
-      break;
-    case 10:
-      cx = length(g.RealValue);
-      break;
-    case 20:
-      cy = length(g.RealValue);
-      break;
-    case 30:
-      cz = length(g.RealValue);
-      break;
-    case 40:
-      radius = length(g.RealValue);
-      break;
-    case 50:
+    if (g.Code == 50)
       arcStart_ = g.RealValue;
-      break;
-    case 51:
+    else if (g.Code == 51)
       arcEnd_ = g.RealValue;
-      break;
-    case 67:
-      paper = g.IntValue == 1;
-      break;
-    default:
-      break;
-    }
   });
-  if (!ended)
+  if (!drawn(ended, shape.paper, "ARC"))
     return;
-  if (paper) {
-    ++report.passedOver["ARC"];
-    return;
-  }
+  const auto& [cx, cy, cz, radius, width, paper, normal] = shape;
   // Counter-clockwise in its plane from the start to the end, more than nothing and one turn at
   // most.
   double a = arcStart_;
@@ -271,42 +253,11 @@ void DxfInterpreter::arc(size_t& at) {
 }
 
 void DxfInterpreter::circle(size_t& at) {
-  double cx = 0, cy = 0, cz = 0, radius = 0;
-  int32_t width = 1;
-  Normal normal;
-  bool paper = false;
-  const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
-      return;
-    switch (g.Code) {
-    case 39:
-      width = lineSize(g.RealValue);
-      break;
-    case 10:
-      cx = length(g.RealValue);
-      break;
-    case 20:
-      cy = length(g.RealValue);
-      break;
-    case 30:
-      cz = length(g.RealValue);
-      break;
-    case 40:
-      radius = length(g.RealValue);
-      break;
-    case 67:
-      paper = g.IntValue == 1;
-      break;
-    default:
-      break;
-    }
-  });
-  if (!ended)
+  RoundShape shape;
+  const bool ended = groups(at, [&](const DxfRecord& g) { roundGroup(g, shape); });
+  if (!drawn(ended, shape.paper, "CIRCLE"))
     return;
-  if (paper) {
-    ++report.passedOver["CIRCLE"];
-    return;
-  }
+  const auto& [cx, cy, cz, radius, width, paper, normal] = shape;
   const DxfPlane plane = normal.plane();
   if (!plane.flat()) {
     writeSlantedArc(plane, cx, cy, cz, radius, 0, 360, width, "CIRCLE");
@@ -323,10 +274,10 @@ void DxfInterpreter::circle(size_t& at) {
 
 void DxfInterpreter::ellipse(size_t& at) {
   double cx = 0, cy = 0, mx = 0, my = 0, mz = 0, ratio = 1, start = 0, end = 2 * M_PI;
-  Normal normal;
+  DxfNormal normal;
   bool paper = false;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (normal.take(g.Code, g.RealValue))
       return;
     switch (g.Code) {
     case 10:
@@ -360,12 +311,8 @@ void DxfInterpreter::ellipse(size_t& at) {
       break;
     }
   });
-  if (!ended)
+  if (!drawn(ended, paper, "ELLIPSE"))
     return;
-  if (paper) {
-    ++report.passedOver["ELLIPSE"];
-    return;
-  }
   // The minor axis is the normal crossed with the major one, seen from above.
   const DxfPlane plane = normal.plane();
   const std::array<double, 3>& n = plane.n;
@@ -392,9 +339,9 @@ void DxfInterpreter::solid(size_t& at, bool trace) {
   double corners[4][2] = {};
   double elevation = 0;
   bool complete = false, paper = false;
-  Normal normal;
+  DxfNormal normal;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (normal.take(g.Code, g.RealValue))
       return;
     if (g.Code >= 10 && g.Code <= 13)
       corners[g.Code - 10][0] = length(g.RealValue);
@@ -412,11 +359,8 @@ void DxfInterpreter::solid(size_t& at, bool trace) {
       paper = g.IntValue == 1;
   });
   const std::string name = trace ? "TRACE" : "SOLID";
-  if (!ended || !complete || paper) {
-    if (paper)
-      ++report.passedOver[name];
+  if (!drawn(ended, paper, name) || !complete)
     return;
-  }
   // The third corner lies diagonally to the second: the sides run 1, 2, 4, 3.
   OutlinePoints points(1);
   for (int corner : {0, 1, 3, 2, 0})
@@ -430,9 +374,9 @@ void DxfInterpreter::lwpolyline(size_t& at) {
   bool closed = false, paper = false;
   int32_t width = 1;
   double px = 0, elevation = 0;
-  Normal normal;
+  DxfNormal normal;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (normal.take(g.Code, g.RealValue))
       return;
     switch (g.Code) {
     case 70:
@@ -462,12 +406,8 @@ void DxfInterpreter::lwpolyline(size_t& at) {
       break;
     }
   });
-  if (!ended)
+  if (!drawn(ended, paper, "LWPOLYLINE"))
     return;
-  if (paper) {
-    ++report.passedOver["LWPOLYLINE"];
-    return;
-  }
   ItemRecord templ = element(ItemLine, dxfattr::OpenChain);
   templ.LineWidth = width;
   finishChain(points, closed, normal.plane(), elevation, templ, 2000, "LWPOLYLINE");
@@ -510,18 +450,13 @@ void DxfInterpreter::spline(size_t& at) {
       break;
     }
   });
-  if (!ended)
+  if (!drawn(ended, paper, "SPLINE"))
     return;
-  if (paper) {
-    ++report.passedOver["SPLINE"];
-    return;
-  }
   // The points of a spline are the drawing's own: seen from above whatever its plane.
   OutlinePoints points(1);
   for (const auto& [sx, sy] : SplineToPoints(s))
     points.push_back(vertexPoint(sx, sy));
-  finishChain(points, closed, DxfPlane{}, 0, element(ItemLine, dxfattr::OpenChain), 200,
-              "SPLINE");
+  finishChain(points, closed, DxfPlane{}, 0, element(ItemLine, dxfattr::OpenChain), 200, "SPLINE");
 }
 
 void DxfInterpreter::polyline(size_t& at) {
@@ -529,9 +464,9 @@ void DxfInterpreter::polyline(size_t& at) {
   polylineClosed_ = polylinePaper_ = false;
   polylineElevation_ = 0;
   int32_t flags = 0;
-  Normal normal;
+  DxfNormal normal;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (normal.take(g.Code, g.RealValue))
       return;
     if (g.Code == 40)
       polylineWidth_ = lineSize(g.RealValue);
@@ -603,9 +538,9 @@ void DxfInterpreter::text(size_t& at, bool mtext) {
   double dirX = 0, dirY = 0;
   int32_t hJust = 0, vJust = 0, attach = 1;
   bool aligned = false, paper = false;
-  Normal normal;
+  DxfNormal normal;
   const bool ended = groups(at, [&](const DxfRecord& g) {
-    if (normal.take(g))
+    if (normal.take(g.Code, g.RealValue))
       return;
     switch (g.Code) {
     case 1:
@@ -655,11 +590,8 @@ void DxfInterpreter::text(size_t& at, bool mtext) {
     }
   });
   const std::string name = mtext ? "MTEXT" : "TEXT";
-  if (!ended || paper || content.empty()) {
-    if (paper)
-      ++report.passedOver[name];
+  if (!drawn(ended, paper, name) || content.empty())
     return;
-  }
   // MTEXT stands in the drawing's own coordinates, TEXT in its plane.
   const DxfPlane plane = mtext ? DxfPlane{} : normal.plane();
   if (mtext && (dirX != 0 || dirY != 0))
@@ -722,11 +654,8 @@ void DxfInterpreter::face(size_t& at) {
     else if (g.Code == 67)
       paper = g.IntValue == 1;
   });
-  if (!ended || paper) {
-    if (paper)
-      ++report.passedOver["3DFACE"];
+  if (!drawn(ended, paper, "3DFACE"))
     return;
-  }
   // A triangle repeats its third corner as the fourth.
   OutlinePoints points(1);
   for (int corner : {0, 1, 2, 3})
@@ -748,11 +677,8 @@ void DxfInterpreter::leader(size_t& at) {
     else if (g.Code == 67)
       paper = g.IntValue == 1;
   });
-  if (!ended || paper) {
-    if (paper)
-      ++report.passedOver["LEADER"];
+  if (!drawn(ended, paper, "LEADER"))
     return;
-  }
   writeOutline(element(ItemLine, dxfattr::OpenChain), points, "LEADER");
 }
 

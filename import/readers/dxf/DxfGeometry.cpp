@@ -12,7 +12,6 @@ namespace tvx {
 
 namespace {
 
-
 OutlinePoint point(int32_t kind, double x, double y) {
   OutlinePoint p;
   p.Kind = kind;
@@ -58,8 +57,8 @@ void ResolveBulges(OutlinePoints& points) {
     mid.X = a < 0 ? mx - ox : mx + ox;
     mid.Y = a < 0 ? my + oy : my - oy;
     mid.Radius = 0;
-    const auto px = roundToInt32(p.X), py = roundToInt32(p.Y), ix = roundToInt32(mid.X), iy = roundToInt32(mid.Y),
-               qx = roundToInt32(q.X), qy = roundToInt32(q.Y);
+    const auto px = roundToInt32(p.X), py = roundToInt32(p.Y), ix = roundToInt32(mid.X),
+               iy = roundToInt32(mid.Y), qx = roundToInt32(q.X), qy = roundToInt32(q.Y);
     if (!px || !py || !ix || !iy || !qx || !qy) {
       straight();
       continue;
@@ -199,9 +198,8 @@ DxfPlane DxfPlane::ofNormal(double nx, double ny, double nz) {
   // The arbitrary axis rule: X is the world's Y (or, for a normal close to Z, its Z) crossed
   // with the normal; Y is the normal crossed with X.
   const bool nearZ = std::abs(p.n[0]) < 1.0 / 64 && std::abs(p.n[1]) < 1.0 / 64;
-  std::array<double, 3> x = cross(nearZ ? std::array<double, 3>{0, 1, 0}
-                                        : std::array<double, 3>{0, 0, 1},
-                                  p.n);
+  std::array<double, 3> x =
+      cross(nearZ ? std::array<double, 3>{0, 1, 0} : std::array<double, 3>{0, 0, 1}, p.n);
   const double lx = std::sqrt(x[0] * x[0] + x[1] * x[1] + x[2] * x[2]);
   p.ax = {x[0] / lx, x[1] / lx, x[2] / lx};
   p.ay = cross(p.n, p.ax);
@@ -235,7 +233,8 @@ void FramePoints(const OutlinePoints& points, int32_t& x1, int32_t& y1, int32_t&
       if ((sideOf(a.X, a.Y, b.X, b.Y, x, y) > 0) == (side > 0))
         widen(x, y);
   }
-  const auto fx1 = roundToInt32(minX), fy1 = roundToInt32(minY), fx2 = roundToInt32(maxX), fy2 = roundToInt32(maxY);
+  const auto fx1 = roundToInt32(minX), fy1 = roundToInt32(minY), fx2 = roundToInt32(maxX),
+             fy2 = roundToInt32(maxY);
   if (fx1 && fy1 && fx2 && fy2) {
     x1 = *fx1;
     y1 = *fy1;
@@ -267,16 +266,15 @@ bool PointsToCircle(OutlinePoints& points, int32_t tolerance) {
 std::vector<std::array<double, 2>> SplineToPoints(const DxfSpline& s) {
   const size_t n = s.Control.size();
   const size_t p = size_t(std::max(0, s.Degree));
-  const bool knotsAgree = p >= 1 && n > p && s.Knots.size() == n + p + 1 &&
-                          std::is_sorted(s.Knots.begin(), s.Knots.end()) &&
-                          s.Knots[n] > s.Knots[p] &&
-                          std::all_of(s.Knots.begin(), s.Knots.end(),
-                                      [](double k) { return std::isfinite(k); });
+  const bool knotsAgree =
+      p >= 1 && n > p && s.Knots.size() == n + p + 1 &&
+      std::is_sorted(s.Knots.begin(), s.Knots.end()) && s.Knots[n] > s.Knots[p] &&
+      std::all_of(s.Knots.begin(), s.Knots.end(), [](double k) { return std::isfinite(k); });
   if (!knotsAgree)
     return !s.Fit.empty() ? s.Fit : s.Control;
-  const bool rational = s.Weights.size() == n &&
-                        std::all_of(s.Weights.begin(), s.Weights.end(),
-                                    [](double w) { return std::isfinite(w) && w > 0; });
+  const bool rational =
+      s.Weights.size() == n && std::all_of(s.Weights.begin(), s.Weights.end(),
+                                           [](double w) { return std::isfinite(w) && w > 0; });
   const std::vector<double>& u = s.Knots;
   // De Boor's algorithm on homogeneous points.
   const auto at = [&](double t) -> std::array<double, 2> {

@@ -92,4 +92,22 @@ struct DxfSpline {
 // otherwise its fit points, otherwise its control points.
 std::vector<std::array<double, 2>> SplineToPoints(const DxfSpline& spline);
 
+// The extrusion direction of an entity, read from its groups 210, 220 and 230.
+struct DxfNormal {
+  double x = 0, y = 0, z = 1;
+  // True when the group was one of the three.
+  bool take(int32_t code, double value) {
+    if (code == 210)
+      x = value;
+    else if (code == 220)
+      y = value;
+    else if (code == 230)
+      z = value;
+    else
+      return false;
+    return true;
+  }
+  DxfPlane plane() const { return DxfPlane::ofNormal(x, y, z); }
+};
+
 }  // namespace tvx

@@ -71,8 +71,8 @@ void DxfInterpreter::hatch(size_t& at) {
       path.back().Kind = outlinepoint::Straight;
   };
   // An arc edge in drawing values, counter-clockwise for a positive sweep.
-  const auto arcEdge = [&](OutlinePoints& path, double cx, double cy, double radius,
-                           double start, double sweep) {
+  const auto arcEdge = [&](OutlinePoints& path, double cx, double cy, double radius, double start,
+                           double sweep) {
     if (!std::isfinite(start) || !std::isfinite(sweep) || sweep == 0)
       return;
     // In pieces of half a turn at most, each through its middle.
@@ -166,8 +166,8 @@ void DxfInterpreter::hatch(size_t& at) {
             }
             break;
           case 2: {
-            good = in.real(10, x0) && in.real(20, y0) && in.real(40, value) &&
-                   in.real(50, start) && in.real(51, end);
+            good = in.real(10, x0) && in.real(20, y0) && in.real(40, value) && in.real(50, start) &&
+                   in.real(51, end);
             in.integer(73, ccw);
             if (!good)
               break;
@@ -258,12 +258,8 @@ void DxfInterpreter::hatch(size_t& at) {
   // The rest of the hatch (its pattern and seeds) is passed over.
   while (!in.ended())
     in.skip();
-  if (at >= r.size())
+  if (!drawn(at < r.size(), paper, "HATCH"))
     return;
-  if (paper) {
-    ++report.passedOver["HATCH"];
-    return;
-  }
   for (OutlinePoints& path : paths) {
     closeChain(path);
     ResolveBulges(path);

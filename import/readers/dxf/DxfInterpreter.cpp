@@ -1,8 +1,8 @@
 #include "import/readers/dxf/DxfInterpreter.h"
 
-#include "import/readers/dxf/DxfGeometry.h"
 #include "common/WholeNumber.h"
 #include "import/gerber/OutlineArcs.h"
+#include "import/readers/dxf/DxfGeometry.h"
 #include "kernel/PlaneGeometry.h"
 #include "kernel/Store.h"
 #include "store/AddElement.h"
@@ -22,7 +22,6 @@ constexpr double FarMargin = 100000000;       // 1000 mm
 constexpr int MaxNesting = 64;                // blocks inside blocks, deeper ones are not copied
 constexpr int64_t MaxCopiedItems = 20000000;  // block copies stop here
 constexpr int32_t RemovalMark = attr::Selected;
-
 
 bool fits(const OutlinePoints& points) {
   return std::all_of(points.begin(), points.end(), [](const OutlinePoint& p) {
@@ -109,8 +108,7 @@ ItemRecord DxfInterpreter::element(int32_t type, int32_t attributes) const {
 
 void DxfInterpreter::write(const ItemRecord& record, const std::string& name) {
   int32_t refused = 0, index = 0;
-  AddElement(store_, refused, PlaceSymbolItems, target_, record, record.Text, index,
-             std::string());
+  AddElement(store_, refused, PlaceSymbolItems, target_, record, record.Text, index, std::string());
   status = refused;
   ++report.read[name];
 }
@@ -124,7 +122,6 @@ void DxfInterpreter::writeOutline(const ItemRecord& templ, const OutlinePoints& 
   status = refused;
   ++report.read[name];
 }
-
 
 void DxfInterpreter::run(const std::vector<DxfRecord>& records) {
   records_ = &records;
@@ -385,7 +382,8 @@ void DxfInterpreter::copyBlock(const Insert& ins, const Block& block) {
       width = r.Width * radiusScale;
       // The start's direction goes through the scale's signs and the turn.
       const double start = r.Height / 1000.0 * RadiansPerDegree;
-      const double dx = std::cos(start) * (sx < 0 ? -1 : 1), dy = std::sin(start) * (sy < 0 ? -1 : 1);
+      const double dx = std::cos(start) * (sx < 0 ? -1 : 1),
+                   dy = std::sin(start) * (sy < 0 ? -1 : 1);
       height = AngleOf(dx * c - dy * s, dx * s + dy * c) * 1000;
       sweep = flipped ? -sweep : sweep;
       break;
@@ -399,8 +397,8 @@ void DxfInterpreter::copyBlock(const Insert& ins, const Block& block) {
     default:
       break;
     }
-    const auto wx = roundToInt32(x0), wy = roundToInt32(y0), ww = roundToInt32(width), wh = roundToInt32(height),
-               wa = roundToInt32(angle), ws = roundToInt32(sweep);
+    const auto wx = roundToInt32(x0), wy = roundToInt32(y0), ww = roundToInt32(width),
+               wh = roundToInt32(height), wa = roundToInt32(angle), ws = roundToInt32(sweep);
     if (!wx || !wy || !ww || !wh || !wa || !ws)
       continue;
     r.X = *wx;

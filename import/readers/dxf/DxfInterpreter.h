@@ -12,8 +12,8 @@
 #pragma once
 
 #include "import/core/DxfRecord.h"
-#include "import/readers/dxf/DxfFormat.h"
 #include "import/gerber/OutlineArcs.h"
+#include "import/readers/dxf/DxfFormat.h"
 #include "import/readers/dxf/DxfGeometry.h"
 #include "kernel/KernelTypes.h"
 
@@ -43,16 +43,16 @@ struct DxfSettings {
 struct DxfReport {
   std::map<std::string, int32_t> read;        // entities drawn, by name
   std::map<std::string, int32_t> passedOver;  // entities of the drawing not drawn, by name
-  int32_t removed = 0;             // items 1000 mm or more outside the extents, taken out
-  bool headerExtents = false;      // the header gave both extents
-  bool outOfRange = false;         // the extents span more than 4400 mm on an axis
-  double sizeX = 0, sizeY = 0;     // the extents' size, store units
+  int32_t removed = 0;          // items 1000 mm or more outside the extents, taken out
+  bool headerExtents = false;   // the header gave both extents
+  bool outOfRange = false;      // the extents span more than 4400 mm on an axis
+  double sizeX = 0, sizeY = 0;  // the extents' size, store units
 };
 
 // The header's facts that the import window and the info command show.
 struct DxfHeader {
-  std::string AcadVer;     // $ACADVER, empty when the header has none
-  int32_t InsUnits = -1;   // $INSUNITS, -1 when the header has none
+  std::string AcadVer;    // $ACADVER, empty when the header has none
+  int32_t InsUnits = -1;  // $INSUNITS, -1 when the header has none
 };
 DxfHeader dxfHeaderOf(const std::vector<DxfRecord>& records);
 
@@ -110,6 +110,17 @@ private:
   void hatch(size_t& at);
   void face(size_t& at);
   void leader(size_t& at);
+
+  // The groups that arcs and circles share: centre, radius, width, paper space, plane.
+  struct RoundShape {
+    double cx = 0, cy = 0, cz = 0, radius = 0;
+    int32_t width = 1;
+    bool paper = false;
+    DxfNormal normal;
+  };
+  bool roundGroup(const DxfRecord& g, RoundShape& shape) const;
+  // An entity read to its end and not in paper space is drawn; paper space is counted.
+  bool drawn(bool ended, bool paper, const std::string& name);
 
   void expandInserts();
   void expandBlock(Block& block, int depth);

@@ -32,8 +32,8 @@ int32_t codeOf(std::string_view line) {
 DxfField dxfFieldOf(int32_t code) {
   if (code >= 0 && code <= 9)
     return DxfField::Text;
-  if ((code >= 10 && code <= 59) || (code >= 140 && code <= 147) ||
-      (code >= 210 && code <= 239) || (code >= 1010 && code <= 1059))
+  if ((code >= 10 && code <= 59) || (code >= 140 && code <= 147) || (code >= 210 && code <= 239) ||
+      (code >= 1010 && code <= 1059))
     return DxfField::Real;
   // 90 to 99 hold the counts of a hatch's boundary paths.
   if ((code >= 60 && code <= 79) || (code >= 90 && code <= 99) || (code >= 170 && code <= 175) ||
@@ -111,14 +111,14 @@ DxfLoad ReadDxfFile(FileLayer& files, const SystemServices& services, const std:
   records.clear();
   DxfRecordBuilder builder(records);
   bool first = true, binary = false, more = true;
-  const bool read = readTextFileLines(files, services, fileName, editMsgLine,
-                                      [&](const std::string& line) {
-                                        if (first && line.rfind(BinaryDxfSentinel, 0) == 0)
-                                          binary = true;
-                                        first = false;
-                                        if (more && !binary)
-                                          more = builder.addLine(line);
-                                      });
+  const bool read =
+      readTextFileLines(files, services, fileName, editMsgLine, [&](const std::string& line) {
+        if (first && line.rfind(BinaryDxfSentinel, 0) == 0)
+          binary = true;
+        first = false;
+        if (more && !binary)
+          more = builder.addLine(line);
+      });
   if (!read || binary) {
     records.clear();
     records.shrink_to_fit();

@@ -21,7 +21,8 @@ DxfField dxfFieldOf(int32_t code);
 
 // Takes a drawing's lines one at a time. A code line comes first, then (when the code line is
 // not empty) its value line; code and value are trimmed, the value upper-cased (but the strings
-// of texts, groups 1 and 3) and read into the code's field. A code that is no whole number drops its pair.
+// of texts, groups 1 and 3) and read into the code's field. A code that is no whole number drops
+// its pair.
 class DxfRecordBuilder {
 public:
   explicit DxfRecordBuilder(std::vector<DxfRecord>& records) : records_(records) {}
