@@ -123,9 +123,7 @@ TEST(CliTest, HelpPrintsTheUsage) {
   EXPECT_NE(run.out.find("gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] "
                          "[--apt TABLE]"),
             std::string::npos);
-  EXPECT_NE(run.out.find("Gerber files (RS-274-X and RS-274-D), Excellon drill files and HPGL"),
-            std::string::npos)
-      << run.out;
+  EXPECT_NE(run.out.find("plotter files and DXF drawings render"), std::string::npos) << run.out;
 }
 
 // Without XDG_RUNTIME_DIR Qt would warn on stderr; gbrview makes a private folder of mode 0700
