@@ -1,9 +1,9 @@
 #include "import/readers/hpgl/HpglInterpreter.h"
 
 #include "common/ToNumber.h"
+#include "common/WholeNumber.h"
 #include "import/core/FileRecognition.h"
 #include "import/gerber/OutlineArcs.h"
-#include "common/WholeNumber.h"
 #include "kernel/PlaneGeometry.h"
 #include "store/AddElement.h"
 #include "store/LayerRecord.h"
@@ -41,7 +41,6 @@ const std::array<int8_t, 65536>& commandOfPair() {
   }();
   return table;
 }
-
 
 bool inSeparatorSet(char c) { return PlotterSeparatorSet.find(c) != std::string_view::npos; }
 
@@ -106,8 +105,8 @@ size_t HpglInterpreter::label(std::string_view text, size_t at, int walkNumber) 
   const double cell = 1.5 * state.CharWidth * UnitsPerCm;
   const double degrees =
       std::atan2(state.DirectionRise, state.DirectionRun) / RadiansPerDegree + state.Rotation;
-  const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY), h = roundToInt32(height), w = roundToInt32(cell),
-             angle = roundToInt32(degrees * 1000);
+  const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY), h = roundToInt32(height),
+             w = roundToInt32(cell), angle = roundToInt32(degrees * 1000);
   if (!x || !y || !h || !w || !angle)
     return behind;
   if (walkNumber == 1) {
@@ -337,7 +336,8 @@ void HpglInterpreter::write(ItemRecord record) {
 }
 
 void HpglInterpreter::line(double x0, double y0, double x1, double y1) {
-  const auto x = roundToInt32(x0), y = roundToInt32(y0), w = roundToInt32(x1 - x0), h = roundToInt32(y1 - y0);
+  const auto x = roundToInt32(x0), y = roundToInt32(y0), w = roundToInt32(x1 - x0),
+             h = roundToInt32(y1 - y0);
   if (!x || !y || !w || !h)
     return;
   ItemRecord r = element(ItemLine);
@@ -357,7 +357,8 @@ std::optional<OutlinePoint> HpglInterpreter::outlinePoint(int32_t kind, double x
   p.X = x;
   p.Y = y;
   if (kind == outlinepoint::ArcMiddle) {
-    const auto cx = roundToInt32(state.CentreX), cy = roundToInt32(state.CentreY), r = roundToInt32(state.Radius);
+    const auto cx = roundToInt32(state.CentreX), cy = roundToInt32(state.CentreY),
+               r = roundToInt32(state.Radius);
     if (!cx || !cy || !r)
       return std::nullopt;
     p.CentreX = *cx;
@@ -430,8 +431,9 @@ void HpglInterpreter::arc(int walkNumber, int32_t relative) {
     else
       polygonMove(false);
   } else if (walkNumber == 1 && state.PenDown == 1) {
-    const auto x = roundToInt32(state.CentreX), y = roundToInt32(state.CentreY), r = roundToInt32(state.Radius),
-               start = roundToInt32(state.StartAngle * 1000), sweep = roundToInt32(state.SweepAngle * 1000);
+    const auto x = roundToInt32(state.CentreX), y = roundToInt32(state.CentreY),
+               r = roundToInt32(state.Radius), start = roundToInt32(state.StartAngle * 1000),
+               sweep = roundToInt32(state.SweepAngle * 1000);
     if (x && y && r && start && sweep) {
       ItemRecord e = element(ItemArc);
       e.X = *x;
@@ -592,6 +594,24 @@ void HpglInterpreter::execute(int walkNumber) {
       state.DirectionRise = 0;
     }
     break;
+  case code('S', 'R'): {
+    // Sizes in hundredths of the P1-P2 width and height; without arguments 0.75 and 1.5.
+    const double w = count >= 2 ? ToNumber(arg(1)) : 0.75, h = count >= 2 ? ToNumber(arg(2)) : 1.5;
+    const double mmToCm = 0.1 / HpglUnitsPerMm;
+    state.CharWidth = std::abs(w / 100 * (state.P2X - state.P1X) * mmToCm);
+    state.CharHeight = std::abs(h / 100 * (state.P2Y - state.P1Y) * mmToCm);
+    break;
+  }
+  case code('D', 'R'):
+    // A direction relative to the P1-P2 frame: its run across the width, its rise up the height.
+    if (count >= 2 && (ToNumber(arg(1)) != 0 || ToNumber(arg(2)) != 0)) {
+      state.DirectionRun = ToNumber(arg(1)) * (state.P2X - state.P1X);
+      state.DirectionRise = ToNumber(arg(2)) * (state.P2Y - state.P1Y);
+    } else if (count == 0) {
+      state.DirectionRun = 1;
+      state.DirectionRise = 0;
+    }
+    break;
   case code('R', 'O'):
     state.Rotation = count >= 1 ? ToNumber(arg(1)) : 0;
     break;
@@ -633,7 +653,8 @@ void HpglInterpreter::execute(int walkNumber) {
   case code('C', 'I'):
     if (count >= 1) {
       state.Radius = toLength(arg(1));
-      const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY), r = roundToInt32(state.Radius);
+      const auto x = roundToInt32(state.CurX), y = roundToInt32(state.CurY),
+                 r = roundToInt32(state.Radius);
       if (state.PolygonMode && x && y && r) {
         // A circle is a sub-polygon of its own; the pen stays at the centre.
         state.CentreX = state.CurX;
