@@ -17,8 +17,8 @@ if [ $# -gt 0 ] && [[ "$1" =~ ^[0-9]+$ ]]; then
   shift
 fi
 build=${TVX_FUZZ_BUILD:-$top/build-fuzz}
-all=(fuzz_recognition fuzz_excellon fuzz_hpgl fuzz_parameter_blocks fuzz_macro_expansion fuzz_ini
-  fuzz_menu fuzz_aperture_table fuzz_gerber_pass fuzz_import)
+all=(fuzz_recognition fuzz_excellon fuzz_hpgl fuzz_dxf fuzz_parameter_blocks fuzz_macro_expansion
+  fuzz_ini fuzz_menu fuzz_aperture_table fuzz_gerber_pass fuzz_import)
 targets=()
 for arg in "$@"; do
   if [[ "$arg" == */* ]]; then
@@ -43,8 +43,9 @@ cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DTVX_BUILD_FUZZERS=ON -DTVX_BUILD_TESTS=OFF -DTVX_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build "$build" -j "$jobs" --target "${targets[@]}"
 
-# Seeds, each cut to what its target reads. The first byte of an Excellon, parameter block or
-# whole import seed is not part of the text: it picks the format or the kind (see the targets).
+# Seeds, each cut to what its target reads. The first byte of an Excellon, drawing, parameter
+# block or whole import seed is not part of the text: it picks the format or the kind (see the
+# targets).
 seeds="$build/seeds"
 rm -rf "$seeds"
 for target in "${all[@]}"; do mkdir -p "$seeds/$target"; done
@@ -107,6 +108,13 @@ if [ -f "$corpus/MANIFEST.tsv" ]; then
             >"$seeds/fuzz_excellon/$name.$(printf "$choice" | od -An -tu1 | tr -d ' ')"
         done
         ;;
+      dxf)
+        # The drawing's first 4 KB, in millimetres, and in inches with true line sizes.
+        for choice in '\000' '\003'; do
+          { printf "$choice"; head -c 4096 "$corpus/$file"; } \
+            >"$seeds/fuzz_dxf/$name.$(printf "$choice" | od -An -tu1 | tr -d ' ')"
+        done
+        ;;
     esac
   done
 else
@@ -123,6 +131,37 @@ printf '\000M48\nINCH,LZ\nT01C0.035\n%%\nT01\nX001Y001\nG85X002Y002\nM30\n' \
   >"$seeds/fuzz_excellon/minimal"
 printf 'IN;IP0,0,4000,4000;SC0,100,0,100;WU0;PW0.2,1;SP1;PU10,10;PD20,10,20,20;AA15,15,90;CI5;RA30,30;WG5,0,90;LT2;PR5,5;DT@;LBTEXT@;PM0;PD40,40,50,40;AA45,45,90;CI3;PM1;PU60,60;PD70,60;PM2;FP;EP;' \
   >"$seeds/fuzz_hpgl/minimal"
+# A drawing with a header, nested blocks and their inserts (one seen from below), and each entity
+# the reader draws: bulges in a light polyline and an old-style one, every kind of hatch edge, a
+# spline by its knots, an ellipse, a slanted circle, text and formatted multi-line text.
+{
+  printf '\000'
+  printf '%s\n' 0 SECTION 2 HEADER 9 '$ACADVER' 1 AC1015 9 '$INSUNITS' 70 4 \
+    9 '$EXTMIN' 10 0 20 0 30 0 9 '$EXTMAX' 10 100 20 100 30 0 0 ENDSEC \
+    0 SECTION 2 BLOCKS 0 BLOCK 8 0 2 PAD 70 0 10 1 20 1 30 0 0 CIRCLE 8 0 10 1 20 1 40 0.5 \
+    0 LINE 8 0 10 0 20 0 11 2 21 2 0 INSERT 8 0 2 INNER 10 0 20 0 0 ENDBLK \
+    0 BLOCK 2 INNER 10 0 20 0 0 ARC 10 0 20 0 40 1 50 0 51 90 0 ENDBLK 0 ENDSEC \
+    0 SECTION 2 ENTITIES 0 INSERT 8 0 2 PAD 10 10 20 10 41 2 42 1 50 30 \
+    0 INSERT 2 PAD 10 20 20 10 210 0 220 0 230 -1 \
+    0 LWPOLYLINE 90 4 70 1 43 0.2 10 0 20 0 42 0.5 10 10 20 0 10 10 20 10 42 -1 10 0 20 10 \
+    0 HATCH 10 0 20 0 30 0 210 0 220 0 230 1 2 SOLID 70 1 71 0 91 2 \
+    92 2 72 1 73 1 93 3 10 30 20 30 42 0.3 10 40 20 30 10 40 20 40 97 0 \
+    92 1 93 4 72 1 10 50 20 50 11 60 21 50 72 2 10 60 20 55 40 5 50 270 51 90 73 1 \
+    72 3 10 55 20 60 11 5 21 0 40 0.5 50 0 51 180 73 0 \
+    72 4 94 3 73 0 74 0 95 8 96 4 40 0 40 0 40 0 40 0 40 1 40 1 40 1 40 1 \
+    10 50 20 60 10 45 20 58 10 45 20 52 10 50 20 50 97 0 75 0 76 1 98 0 \
+    0 SPLINE 70 8 71 3 72 8 73 4 40 0 40 0 40 0 40 0 40 1 40 1 40 1 40 1 \
+    10 0 20 20 30 0 10 5 20 30 30 0 10 10 20 10 30 0 10 15 20 20 30 0 \
+    0 ELLIPSE 10 70 20 70 30 0 11 10 21 0 31 0 40 0.5 41 0 42 6.283185307 \
+    0 TEXT 10 5 20 80 40 2.5 1 Board 50 15 72 1 11 10 21 80 \
+    0 MTEXT 10 5 20 90 40 2.5 71 5 1 '{\fArial|b0;First}\PSecond \S1^2;' 11 1 21 1 \
+    0 LINE 10 0 20 0 11 100 21 100 0 ARC 10 50 20 50 40 10 50 45 51 135 \
+    0 CIRCLE 10 50 20 50 40 3 210 0 220 0.6 230 0.8 \
+    0 POLYLINE 66 1 70 1 0 VERTEX 10 0 20 0 42 1 0 VERTEX 10 5 20 0 0 VERTEX 10 5 20 5 \
+    0 SEQEND 0 SOLID 10 0 20 0 11 1 21 0 12 0 22 1 13 1 23 1 \
+    0 3DFACE 10 0 20 0 11 1 21 0 12 1 22 1 13 1 23 1 0 LEADER 10 0 20 0 10 5 20 5 \
+    0 ENDSEC 0 EOF
+} >"$seeds/fuzz_dxf/minimal"
 # The corpus's plotter files, the first 4 KB of each.
 for file in "$corpus"/hp2xx/hp-tests/*; do
   [ -f "$file" ] || continue
@@ -138,6 +177,7 @@ dictOf() {
     fuzz_recognition | fuzz_import) echo "$dicts/all.dict" ;;
     fuzz_excellon) echo "$top/fuzz/dict/excellon.dict" ;;
     fuzz_hpgl) echo "$top/fuzz/dict/hpgl.dict" ;;
+    fuzz_dxf) echo "$top/fuzz/dict/dxf.dict" ;;
     fuzz_parameter_blocks | fuzz_gerber_pass) echo "$top/fuzz/dict/gerber.dict" ;;
     fuzz_macro_expansion) echo "$top/fuzz/dict/macro.dict" ;;
     fuzz_ini) echo "$top/fuzz/dict/ini.dict" ;;
@@ -161,6 +201,7 @@ for target in "${targets[@]}"; do
   case "$target" in
     fuzz_gerber_pass) maxlen=65536 ;;
     fuzz_excellon) maxlen=2048 ;;
+    fuzz_dxf) maxlen=4097 ;;
     fuzz_import) timeout=30 ;;
   esac
   start=$(date +%s.%N)
