@@ -107,20 +107,6 @@ TEST_F(ComponentTest, ASecondInstanceSharesTheWindow) {
   EXPECT_NE(window(), nullptr);
 }
 
-TEST_F(ComponentTest, WindowCanBeLoadedAgainAfterShutdown) {
-  load();
-  component->NotifyMe("TARVEX", "TVNGBRVIEWER,EX");
-  ASSERT_FALSE(window()->isLoaded() || window()->isVisible());
-  component->NotifyMe("TARVEX", "All,EX");
-  EXPECT_EQ(sent, shutdownOnly()) << "an unloaded window has nothing more to report";
-  window()->pointerTools().StartTool(toolcode::Box);
-  load(windowstate::Maximised);
-  EXPECT_EQ(std::tuple(window()->pointerToolActive(), kernelString(ComponentName),
-                       window()->windowStateCode()),
-            std::tuple(false, RunningMarker, windowstate::Maximised))
-      << "start-up sets every member to its zero state";
-}
-
 TEST_F(ComponentTest, CommandsNotAddressedToTheViewerChangeNothing) {
   load(windowstate::Normal);
   // No or an empty verb or addressee, both compared with case and blanks, another module, an

@@ -128,6 +128,9 @@ TEST_F(MainWindowTest, PositionComesFromThePlaceAndStaysOnTheScreen) {
     load();
     EXPECT_LT(window()->x(), area.width());
     EXPECT_EQ(std::tuple(window()->y(), window()->size()), std::tuple(10, QSize(700, 600)));
+    component->NotifyMe("TARVEX", "All,EX");
+    EXPECT_EQ(std::tuple(window()->isLoaded(), sent.size()), std::tuple(false, 2u))
+        << "a window loaded again closes again";
   }
 }
 
