@@ -1,6 +1,6 @@
 // Start-up of the main window (Form_Load), its positioning, and ApplySystemSettings.
-#include "viewer/DisplayUnits.h"
 #include "shell/GBRVIEWER_MAIN.h"
+#include "viewer/DisplayUnits.h"
 
 #include "common/TextHelpers.h"
 #include "import/readers/ImportSession.h"

@@ -229,16 +229,16 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
     };
     if (isGerberKind(single.kind)) {
       single.layer = firstGerber && options.firstGerberLayer != 0 ? options.firstGerberLayer
-                                                                   : freeGerberLayer();
+                                                                  : freeGerberLayer();
       firstGerber = false;
       result.noFreeLayer = single.layer == 0;
     } else if (isPlotterOrCadKind(single.kind)) {
       // Plotter and drawing files go to the board outline layer, which one of them fills: a
       // second plot is refused rather than replacing the first, a second drawing takes the next
       // free artwork layer.
-      single.layer = isFree(BoardOutlineLayer)           ? BoardOutlineLayer
+      single.layer = isFree(BoardOutlineLayer)        ? BoardOutlineLayer
                      : single.kind == ImportKind::Dxf ? freeGerberLayer()
-                                                       : 0;
+                                                      : 0;
       result.noFreeLayer = single.layer == 0;
     }
     if (single.kind == ImportKind::Unknown) {

@@ -13,9 +13,9 @@
 #include "import/gerber/GerberScan.h"
 #include "import/gerber/GerberTextPass.h"
 #include "import/readers/ImportSettings.h"
+#include "import/readers/dxf/DxfFileReader.h"
 #include "import/readers/excellon/ExcellonFileReader.h"
 #include "import/readers/excellon/ExcellonReader.h"
-#include "import/readers/dxf/DxfFileReader.h"
 #include "import/readers/hpgl/HpglFileReader.h"
 #include "store/LayerRecord.h"
 

@@ -1,10 +1,10 @@
-// Rendering accuracy: every file of the corpus's REFERENCE.tsv and REFERENCE-LINES.tsv is rendered by "gbrview render --mono" at the row's dpi and window and
-// compared with the row's reference picture. Both are cut at half intensity; a pixel differs
-// only when no pixel of the other picture within 2 pixels has its value. The share of differing
-// pixels is printed per file; above 2% the file fails, the aim is below 0.5%. Files listed in
-// data/accuracy-exceptions.tsv are measured but do not fail. TVX_ACCURACY_DIFF_DIR, when set,
-// receives a picture of each comparison: red where only gbrview is lit, green where only the
-// reference is.
+// Rendering accuracy: every file of the corpus's REFERENCE.tsv and REFERENCE-LINES.tsv is rendered
+// by "gbrview render --mono" at the row's dpi and window and compared with the row's reference
+// picture. Both are cut at half intensity; a pixel differs only when no pixel of the other picture
+// within 2 pixels has its value. The share of differing pixels is printed per file; above 2% the
+// file fails, the aim is below 0.5%. Files listed in data/accuracy-exceptions.tsv are measured but
+// do not fail. TVX_ACCURACY_DIFF_DIR, when set, receives a picture of each comparison: red where
+// only gbrview is lit, green where only the reference is.
 #include "support/CliProcess.h"
 #include "support/CorpusPath.h"
 #include "support/LitPicture.h"

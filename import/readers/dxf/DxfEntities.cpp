@@ -161,12 +161,13 @@ void DxfInterpreter::line(size_t& at) {
       if ((v = roundToInt32(y(g.RealValue))))
         e.Y = *v;
       break;
+    // The far end must be a point of the store too.
     case 11:
-      if ((v = roundToInt32(x(g.RealValue) - e.X)))
+      if ((v = roundToInt32(x(g.RealValue) - e.X)) && roundToInt32(x(g.RealValue)))
         e.Width = *v;
       break;
     case 21:
-      if ((v = roundToInt32(y(g.RealValue) - e.Y)))
+      if ((v = roundToInt32(y(g.RealValue) - e.Y)) && roundToInt32(y(g.RealValue)))
         e.Height = *v;
       if (paper)
         ++report.passedOver["LINE"];
@@ -214,8 +215,9 @@ void DxfInterpreter::arc(size_t& at) {
   }
   const std::array<double, 2> c = world(plane, cx, cy, cz);
   const auto wx = roundToInt32(c[0]), wy = roundToInt32(c[1]), wr = roundToInt32(radius);
-  if (!wx || !wy || !wr)
-    return;
+  if (!wx || !wy || !wr || !roundToInt32(c[0] + radius) || !roundToInt32(c[0] - radius) ||
+      !roundToInt32(c[1] + radius) || !roundToInt32(c[1] - radius))
+    return;  // the whole circle must lie within the store's reach
   if (std::abs(s) > 1) {
     const auto start = roundToInt32(a * 1000), sweep = roundToInt32(s * 1000);
     if (!start || !sweep)

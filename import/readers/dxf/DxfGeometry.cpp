@@ -122,6 +122,12 @@ void EllipseToPoints(const DxfEllipse& e, OutlinePoints& points, int32_t& attrib
   for (double v : {start, end, e.CentreX, e.CentreY, e.UX, e.UY, e.VX, e.VY})
     if (!std::isfinite(v))
       return;
+  if (std::abs(start) > 360) {
+    // Whole turns taken off, so that a step of one degree still moves the parameter.
+    const double turns = std::floor(start / 360) * 360;
+    start -= turns;
+    end -= turns;
+  }
   if (start == 0 && std::abs(360 - end) <= 1)
     end = 360;
   if (end < start)

@@ -20,7 +20,7 @@ namespace {
 constexpr double OutOfRangeSize = 440000000;  // 4400 mm
 constexpr double FarMargin = 100000000;       // 1000 mm
 constexpr int MaxNesting = 64;                // blocks inside blocks, deeper ones are not copied
-constexpr int64_t MaxCopiedItems = 20000000;  // block copies stop here
+constexpr int64_t MaxCopiedItems = 4000000;   // block copies stop here
 constexpr int32_t RemovalMark = attr::Selected;
 
 bool fits(const OutlinePoints& points) {
@@ -317,27 +317,47 @@ void DxfInterpreter::insert(size_t& at, bool dimension) {
     inserts_.push_back(ins);
 }
 
-void DxfInterpreter::expandInserts() {
-  for (const Insert& ins : inserts_) {
-    const auto found = blocks_.find(ins.name);
-    if (found == blocks_.end())
-      continue;  // a name no block has: nothing
-    expandBlock(found->second, 0);
-    copyBlock(ins, found->second);
+int64_t DxfInterpreter::expandedSize(Block& block, int depth) {
+  if (block.size >= 0)
+    return block.size;
+  const int64_t own = store_.OA_GetCount(store_.S_SymbolItemArray(block.symbol));
+  if (block.sizing || depth > MaxNesting)
+    return own;  // a block inside itself adds what it holds so far
+  block.sizing = true;
+  int64_t total = own;
+  for (const Insert& ins : block.inserts)
+    if (const auto found = blocks_.find(ins.name); found != blocks_.end())
+      total = std::min(total + expandedSize(found->second, depth + 1), MaxCopiedItems * 4);
+  block.sizing = false;
+  return block.size = total;
+}
+
+void DxfInterpreter::insertBlock(const Insert& ins, int depth) {
+  const auto found = blocks_.find(ins.name);
+  if (found == blocks_.end())
+    return;  // a name no block has: nothing
+  Block& block = found->second;
+  // Blocks that nest into more elements than the budget left are not copied: said, not drawn.
+  const int64_t size = expandedSize(block, depth);
+  if (copied_ + 2 * size > MaxCopiedItems) {
+    ++report.passedOver["INSERT (too many elements)"];
+    return;
   }
+  expandBlock(block, depth);
+  copyBlock(ins, block);
+}
+
+void DxfInterpreter::expandInserts() {
+  for (const Insert& ins : inserts_)
+    insertBlock(ins, 0);
 }
 
 void DxfInterpreter::expandBlock(Block& block, int depth) {
   if (block.state != 0 || depth > MaxNesting)
     return;  // done, or in hand: an insert of a block into itself copies what it has so far
   block.state = 1;
-  for (const Insert& ins : block.inserts) {
-    const auto found = blocks_.find(ins.name);
-    if (found == blocks_.end())
-      continue;
-    expandBlock(found->second, depth + 1);
-    copyBlock(ins, found->second);
-  }
+  for (const Insert& ins : block.inserts)
+    insertBlock(ins, depth + 1);
   block.state = 2;
 }
 
@@ -400,6 +420,12 @@ void DxfInterpreter::copyBlock(const Insert& ins, const Block& block) {
     const auto wx = roundToInt32(x0), wy = roundToInt32(y0), ww = roundToInt32(width),
                wh = roundToInt32(height), wa = roundToInt32(angle), ws = roundToInt32(sweep);
     if (!wx || !wy || !ww || !wh || !wa || !ws)
+      continue;
+    // Its far end, or its whole circle, must lie within the store's reach too.
+    const bool round = r.Type == ItemCircle || r.Type == ItemArc;
+    const double farX = round ? std::abs(x0) + std::abs(width) : x0 + width;
+    const double farY = round ? std::abs(y0) + std::abs(width) : y0 + height;
+    if (!roundToInt32(farX) || !roundToInt32(farY))
       continue;
     r.X = *wx;
     r.Y = *wy;

@@ -80,6 +80,8 @@ private:
     SymbolId symbol = 0;
     std::vector<Insert> inserts;  // inserts inside the block, expanded before it is used
     int state = 0;                // 0 not expanded, 1 expanding, 2 expanded
+    int64_t size = -1;            // its elements with every insert expanded, once known
+    bool sizing = false;
   };
 
   // Each entity reads the records from at up to the next code 0 and leaves at there. True when a
@@ -123,6 +125,10 @@ private:
   bool drawn(bool ended, bool paper, const std::string& name);
 
   void expandInserts();
+  // The elements a block comes to with its inserts expanded.
+  int64_t expandedSize(Block& block, int depth);
+  // One insert: its block expanded first, then copied into the insert's target.
+  void insertBlock(const Insert& insert, int depth);
   void expandBlock(Block& block, int depth);
   void copyBlock(const Insert& insert, const Block& block);
   void removeFarItems();

@@ -337,6 +337,14 @@ TEST(DxfImport, EntitiesAndTheirElements) {
        [](const Drawing& d) {
          EXPECT_EQ(std::tuple(d.items().at(0).X, d.items().at(0).Width), std::tuple(0, 2 * Mm));
        }},
+      {"a far end beyond the store's reach skips its statement",
+       dxf("0|LINE|10|20000|20|0|11|40000|21|0|0|EOF"),
+       [](const Drawing& d) { EXPECT_EQ(d.items().at(0).Width, 0); }},
+      {"an ellipse from 2e14 radians is one turn at most", dxf("0|ELLIPSE|11|1|21|0|41|2e14|0|EOF"),
+       [](const Drawing& d) {
+         EXPECT_GT(d.items().size(), 0u);
+         EXPECT_LE(d.items().size(), 361u);
+       }},
       {"without EOF what was read is drawn", dxf("0|LINE|10|0|20|0|11|1|21|0"),
        [](const Drawing& d) { EXPECT_EQ(d.items().size(), 1u); }},
       {"$EXTMAX whose group 20 comes late keeps maximum Y at 0",
@@ -376,6 +384,20 @@ TEST(DxfImport, EntitiesAndTheirElements) {
     EXPECT_EQ(d.status, 0);
     c.check(d);
   }
+}
+
+TEST(DxfImport, BlocksThatNestIntoMillionsAreLeftOutAndSaid) {
+  // 25 blocks, each inserting the next twice: 2^24 lines. The insert is refused before any
+  // copying; a small nest beside it is drawn.
+  std::string text = "0|SECTION|2|BLOCKS|";
+  for (int i = 0; i < 24; ++i)
+    text += "0|BLOCK|2|B" + std::to_string(i) + "|0|INSERT|2|B" + std::to_string(i + 1) +
+            "|0|INSERT|2|B" + std::to_string(i + 1) + "|10|1|0|ENDBLK|";
+  text += "0|BLOCK|2|B24|0|LINE|10|0|20|0|11|1|21|1|0|ENDBLK|0|ENDSEC|0|SECTION|2|ENTITIES|0|"
+          "INSERT|2|B0|0|INSERT|2|B21|0|ENDSEC|0|EOF";
+  Drawing d(dxf(text));
+  EXPECT_EQ(d.report.passedOver.at("INSERT (too many elements)"), 1);
+  EXPECT_EQ(d.items().size(), 8u) << "B21 nests three levels: 8 lines";
 }
 
 TEST(DxfImport, CorpusDrawings) {
