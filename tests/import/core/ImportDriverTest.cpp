@@ -475,22 +475,6 @@ TEST_F(PlaceHoleTest, APadStackKeepsTheHoleSizeOfTheFirstFile) {
   EXPECT_EQ(markers(drill, 3).size(), 1u);
 }
 
-TEST_F(PlaceHoleTest, ClearPolarityAndToolZero) {
-  const LayerRecord artwork = makeLayer(store, 2, 5);
-  LayerFileRecord file = drillFile({{4, 500, 1, 0}});
-  file.ClearPolarity = true;
-  EXPECT_EQ(PlaceHole(store, 0, 0, 4, artwork, file), HolePlacement::ClearPolarity);
-  EXPECT_TRUE(padsOf(store, artwork).empty());
-
-  // No pad stack map holds key 0: the pad is a bare position.
-  file.ClearPolarity = false;
-  EXPECT_EQ(PlaceHole(store, 10, 20, 0, artwork, file), HolePlacement::Placed);
-  EXPECT_EQ(padsOf(store, artwork), (std::vector<Pad>{{10, 20, 0}}));
-  const MapHandle padStacks = store.S_SymbolPadStackMap(artwork.SymbolHandle);
-  int32_t cursor = store.OM_GetFirst(padStacks);
-  EXPECT_EQ(store.OM_SearchMask(padStacks, &cursor, 0, 0), 0);  // no pad stack was made
-}
-
 TEST_F(PlaceHoleTest, ALayerWithoutASymbolTakesNothing) {
   LayerRecord layer = makeLayer(store, 31, 6);
   store.OM_Delete(store.DB_SymbMap(), layer.SymbolHandle);
