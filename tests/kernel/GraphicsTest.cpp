@@ -76,15 +76,6 @@ TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
             std::tuple(colourOf(10), colourOf(10), colourOf(0), colourOf(0)));
 }
 
-TEST_F(GraphicsTest, ColourValuesNameSlotsAndBackground) {
-  k.strings.E_SysTable(1)[60] = 14;
-  add(Item(ItemCircle).colour(64 + 28 /* slot 60 */).filled().size(2000));
-  add(Item(ItemCircle).at(6000, 0).colour(10 | ColourMarkBit).filled().size(2000));  // background
-  QImage img = render(200, 100, 100, 3000, 0);
-  EXPECT_EQ(std::tuple(img.pixel(70, 50), img.pixel(130, 50)),
-            std::tuple(colourOf(14), colourOf(0)));
-}
-
 TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
   add(Item(ItemLine).at(-4000, 0).colour(12).pen(500).size(8000, 3000));
   QImage image(120, 80, QImage::Format_RGB32);
