@@ -69,6 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   settings.TrueLineSize = (choice & 2) != 0;
   constexpr double scales[4] = {1.0, 0.001, 25.4, 1000.0};
   settings.Scale = scales[(choice >> 2) & 3];
+  // Small inputs nest blocks into millions of copies within the budget of a real drawing; a
+  // smaller budget keeps each run short without leaving the copying untested.
+  settings.CopyBudget = 50000;
 
   Store store;
   const SymbolId layer = -76530;

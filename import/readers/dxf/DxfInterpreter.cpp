@@ -20,7 +20,6 @@ namespace {
 constexpr double OutOfRangeSize = 440000000;  // 4400 mm
 constexpr double FarMargin = 100000000;       // 1000 mm
 constexpr int MaxNesting = 64;                // blocks inside blocks, deeper ones are not copied
-constexpr int64_t MaxCopiedItems = 4000000;   // block copies stop here
 constexpr int32_t RemovalMark = attr::Selected;
 
 bool fits(const OutlinePoints& points) {
@@ -63,7 +62,8 @@ DxfInterpreter::DxfInterpreter(Store& store, SymbolId layerSymbol, uint8_t colou
     : store_(store), layer_(layerSymbol), colour_(colour),
       unit_(settings.Unit == 0 ? DxfUnitsPerInch : DxfUnitsPerMm),
       scale_(settings.Scale > 0 ? settings.Scale : 1.0), widthFlag_(settings.TrueLineSize ? 1 : 0),
-      solidStyle_(settings.TrueLineSize ? StyleFilled : StyleOpen), target_(layerSymbol) {}
+      solidStyle_(settings.TrueLineSize ? StyleFilled : StyleOpen), target_(layerSymbol),
+      copyBudget_(std::max<int64_t>(0, settings.CopyBudget)) {}
 
 std::array<double, 2> DxfInterpreter::world(const DxfPlane& plane, double px, double py,
                                             double pz) const {
@@ -327,7 +327,7 @@ int64_t DxfInterpreter::expandedSize(Block& block, int depth) {
   int64_t total = own;
   for (const Insert& ins : block.inserts)
     if (const auto found = blocks_.find(ins.name); found != blocks_.end())
-      total = std::min(total + expandedSize(found->second, depth + 1), MaxCopiedItems * 4);
+      total = std::min(total + expandedSize(found->second, depth + 1), copyBudget_ * 4);
   block.sizing = false;
   return block.size = total;
 }
@@ -339,7 +339,7 @@ void DxfInterpreter::insertBlock(const Insert& ins, int depth) {
   Block& block = found->second;
   // Blocks that nest into more elements than the budget left are not copied: said, not drawn.
   const int64_t size = expandedSize(block, depth);
-  if (copied_ + 2 * size > MaxCopiedItems) {
+  if (copied_ + 2 * size > copyBudget_) {
     ++report.passedOver["INSERT (too many elements)"];
     return;
   }
@@ -380,7 +380,7 @@ void DxfInterpreter::copyBlock(const Insert& ins, const Block& block) {
   const int32_t count = store_.OA_GetCount(store_.S_SymbolItemArray(block.symbol));
   const SymbolId kept = target_;
   target_ = ins.target;
-  for (int32_t i = 1; i <= count && copied_ < MaxCopiedItems; ++i) {
+  for (int32_t i = 1; i <= count && copied_ < copyBudget_; ++i) {
     ItemRecord r{};
     if (store_.I_ReadItem(store_.S_SymbolItem(block.symbol, i), r) == 0)
       continue;

@@ -37,6 +37,8 @@ struct DxfSettings {
   int32_t Unit = 1;  // 0 inches, anything else millimetres
   double Scale = 1.0;
   bool TrueLineSize = false;
+  // Elements that block copies may make; an insert that would pass it is left out and said.
+  int64_t CopyBudget = 4000000;
 };
 
 // What an import did.
@@ -167,7 +169,8 @@ private:
   std::map<SymbolId, std::string> blockOfSymbol_;
   std::vector<Insert> inserts_;  // inserts into the layer, in file order
   int64_t copied_ = 0;           // items that block copies have made
-  std::string section_;          // the section in hand, for the report only
+  int64_t copyBudget_;
+  std::string section_;  // the section in hand, for the report only
   const std::vector<DxfRecord>* records_ = nullptr;
   // The polyline that VERTEX and SEQEND build.
   OutlinePoints polyline_;
