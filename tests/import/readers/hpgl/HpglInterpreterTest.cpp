@@ -322,14 +322,10 @@ TEST(HpglInterpreter, LabelsAreTextInTheSizeAndDirectionSet) {
   EXPECT_EQ(std::tuple(t.Type, t.Text, t.Width, t.Height, t.Angle),
             std::tuple(int32_t(ItemVectorText), std::string("Ab"), 400000, 300000, 90000));
   EXPECT_NEAR(plot.state.CurY, 100.0 * Unit + 2 * 300000, 1e-6) << "the pen ends behind it";
-}
-
-TEST(HpglInterpreter, RelativeLabelSizeAndDirectionFollowP1P2) {
-  // P1-P2 is 4000 by 2000 units (100 by 50 mm): 2% wide is 2 mm, 4% high is 2 mm; a run of 0
-  // and a rise of 1 point straight up.
-  Plot plot("IN;IP0,0,4000,2000;SR2,4;DR0,1;PU0,0;LBA\x03;");
-  const ItemRecord t = plot.items().at(0);
-  EXPECT_EQ(std::tuple(t.Width, t.Height, t.Angle), std::tuple(200000, 300000, 90000));
+  // Relative to P1-P2 (100 by 50 mm): 2% wide and 4% high are 2 mm each; DR0,1 points up.
+  Plot relative("IN;IP0,0,4000,2000;SR2,4;DR0,1;PU0,0;LBA\x03;");
+  const ItemRecord r = relative.items().at(0);
+  EXPECT_EQ(std::tuple(r.Width, r.Height, r.Angle), std::tuple(200000, 300000, 90000));
 }
 
 TEST(HpglInterpreter, FaultsSkipOneStatement) {
