@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QImage>
+#include <QMenu>
 #include <QRect>
 #include <QWidget>
 
@@ -92,6 +93,32 @@ std::string layerContents(GBRVIEWER_MAIN* window, const std::string& number) {
               std::to_string(widest));
 }
 
+// The entries of a menu as the user sees them when it opens.
+std::string menuEntries(GBRVIEWER_MAIN* window, const std::string& name) {
+  QMenu* menu = window ? window->findChild<QMenu*>(QString::fromStdString(name)) : nullptr;
+  if (!menu)
+    return line("MENU," + name + ",NONE");
+  emit menu->aboutToShow();  // the menus bring their entries up to date as they open
+  std::string out;
+  int count = 0;
+  for (const QAction* action : menu->actions()) {
+    if (action->isSeparator())
+      continue;
+    out += line(
+        "MENUITEM\t" + action->objectName().toStdString() + "\t" + action->text().toStdString() +
+        "\t" + (action->isVisible() ? "shown" : "hidden") + "\t" +
+        (action->isChecked() ? "checked" : "-") + "\t" +
+        (action->isEnabled() ? "enabled" : "disabled") + "\t" +
+        (menu->isVisible()
+             ? rectText(QRect(
+                   menu->mapToGlobal(menu->actionGeometry(const_cast<QAction*>(action)).topLeft()),
+                   menu->actionGeometry(const_cast<QAction*>(action)).size()))
+             : std::string("NONE")));
+    ++count;
+  }
+  return out + line("MENU," + name + "," + std::to_string(count));
+}
+
 }  // namespace
 
 bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::string& answer) {
@@ -120,6 +147,8 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = importRows(window);
   } else if (query.rfind("CELL,", 0) == 0) {
     answer = cellPlace(window, argumentOf("CELL,"));
+  } else if (query.rfind("MENU,", 0) == 0) {
+    answer = menuEntries(window, argumentOf("MENU,"));
   } else if (query.rfind("LAYER,", 0) == 0) {
     answer = layerContents(window, argumentOf("LAYER,"));
   } else if (query.rfind("PLACE,", 0) == 0) {

@@ -13,6 +13,11 @@
 //                    "CELL,<x>,<y>,<width>,<height>" or "CELL,NONE".
 //   PLACE,<name>     where the visible widget of that object name is on the screen:
 //                    "PLACE,<name>,<x>,<y>,<width>,<height>" or "PLACE,<name>,NONE".
+//   MENU,<name>      the entries of the menu of that object name, brought up to date as when it
+//                    opens: per entry "MENUITEM<TAB><name><TAB><caption><TAB>shown|hidden<TAB>
+//                    checked|-<TAB>enabled|disabled<TAB><x>,<y>,<width>,<height>" (the place
+//                    "NONE" while the menu is closed), then "MENU,<name>,<entries>";
+//                    "MENU,<name>,NONE" without it.
 //   LAYER,<number>   what the layer holds: "LAYER,<number>,<items>,<min X>,<min Y>,<max X>,
 //                    <max Y>,<widest line>" in store units, or "LAYER,<number>,NONE".
 #pragma once

@@ -10,6 +10,7 @@
 #include "platform/widgets/HelpWindow.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
+#include "viewer/LayerCommands.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -173,6 +174,7 @@ void GBRVIEWER_MAIN::buildMenus() {
   };
   QMenu* file = menuBar()->addMenu("&File");
   file->setObjectName("M_File");
+  entry(file, "M_New", "&New", &GBRVIEWER_MAIN::M_New_Click);
   entry(file, "M_FSIimport", "&Import Artworks&&Drilling", &GBRVIEWER_MAIN::M_FSIimport_Click);
   entry(file, "M_Scopy", "Copy Screen to Clipboard", &GBRVIEWER_MAIN::M_Scopy_Click);
   entry(file, "M_BScopy", "Copy Block to Clipboard", &GBRVIEWER_MAIN::M_BScopy_Click);
@@ -197,6 +199,8 @@ void GBRVIEWER_MAIN::buildMenus() {
   viewMenu->addSeparator();
   entry(viewMenu, "M_Sbars", "Scroll Bars", &GBRVIEWER_MAIN::M_Sbars_Click, true);
   entry(viewMenu, "M_LCursor", "Long &Cursor", &GBRVIEWER_MAIN::M_LCursor_Click, true);
+
+  buildLayerCommands();
 
   QMenu* help = menuBar()->addMenu("&Help");
   help->setObjectName("M_Help");
@@ -419,6 +423,9 @@ void GBRVIEWER_MAIN::M_FSI_Click(int16_t function) {
     std::string title = functions_[size_t(function)].Name;
     std::erase(title, '&');
     keys_->FunctionTitle = title;
+    // Function 1 works on the current layer: what hangs on it is derived again.
+    if (function == 1 && layerCommands_)
+      layerCommands_->InitGIE();
   }
   // The function's prompt shows at the next move over the view: the outcome of an import that
   // ends here stays readable until then.

@@ -47,6 +47,7 @@ class GBRVIEWER_GIESVC;
 class GBRVIEWER_IMPORT;
 class HelpWindow;
 class ImportSession;
+class LayerCommands;
 class UserStore;
 class ViewPicture;
 
@@ -151,6 +152,8 @@ public:
   void M_Sbars_Click();
   void M_GIESelCatView_Click();
   void M_Help_Click();
+  // File > New: every layer cleared after a question, then a new import (MainLayers.cpp).
+  void M_New_Click();
 
   // The file-open command after the file request: recognition, import, the unknown-file question.
   void importChosenFile(const std::string& path);
@@ -244,8 +247,9 @@ private:
   void toggleDisplay(DisplayOption option);
   // The file-open command's window state: disabled while the import runs.
   void setImportControlsEnabled(bool enabled);
-  // Makes layer number the current one: active, visible and on top.
-  void makeLayerCurrent(int32_t number);
+  // The "PCB Layer" menu and the layer commands behind it; the menu follows their state.
+  void buildLayerCommands();
+  void syncLayerMenu();
   // Offers to show a file that is not imported as plain text; status 93 first unless shown.
   void askToDisplayFile(const std::string& path, bool reported);
   // Loads the import window for the job's file, wired to this window; the one that is loaded
@@ -285,6 +289,7 @@ private:
   int32_t pendingWheelSteps_ = 0;
   QPointF pendingWheelAt_;
   std::unique_ptr<ImportSession> import_;
+  std::unique_ptr<LayerCommands> layerCommands_;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;
   FunctionTable functions_{};

@@ -12,6 +12,7 @@
 #include "platform/UserPrompts.h"
 #include "store/LayerCatalogue.h"
 #include "store/widgets/GBRVIEWER_GIESVC.h"
+#include "viewer/LayerCommands.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -79,20 +80,6 @@ void GBRVIEWER_MAIN::setImportControlsEnabled(bool enabled) {
   menuBar()->setEnabled(enabled);
   centralWidget()->setEnabled(enabled);
   setEnabled(enabled);
-}
-
-void GBRVIEWER_MAIN::makeLayerCurrent(int32_t number) {
-  LayerTables& tables = *tables_;
-  for (LayerRecord& layer : tables.Layers)
-    layer.Active = false;
-  tables.CurrentLayer = number;
-  tables.layer(number).Active = true;
-  for (LayerOrderRow& row : tables.LayerOrder)
-    if (row.LayerNumber == number) {
-      row.Visible = true;
-      std::swap(row, tables.orderRow(1));
-      break;
-    }
 }
 
 void GBRVIEWER_MAIN::askToDisplayFile(const std::string& path, bool reported) {
@@ -181,7 +168,7 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
     failed = failed || !ok;
     if (!ok)
       return;
-    makeLayerCurrent(result.layer);
+    layerCommands_->M_ActiveCategories_Click(result.layer);
     ++imported;
   };
   import_->importFiles(tables_->Layers, files, options);
@@ -222,9 +209,8 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   link.currentLayer = [this] { return tables_->CurrentLayer; };
   link.activateLayer = [this](int32_t layer) {
     if (layer >= 1 && layer <= LayerCount) {
-      makeLayerCurrent(layer);
+      layerCommands_->M_ActiveCategories_Click(layer);
       syncMenuChecks();
-      RedrawScreen();
     }
   };
   link.openApertureTable = [this] {
