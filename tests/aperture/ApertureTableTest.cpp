@@ -1,13 +1,15 @@
 // Aperture table files: reading every kind of line, writing whole, and finding a size's row.
 #include "aperture/ApertureTable.h"
 
+#include "import/gerber/ImportTestSupport.h"
+
 #include <QFile>
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <random>
-#include <sstream>
 
 namespace tvx {
 namespace {
@@ -15,12 +17,7 @@ namespace {
 using Rows = std::vector<ApertureTableRow>;
 const Rows OneRow{{1, 0, 0, 0}};
 
-std::string readBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
+using test::readBytes;
 
 TEST(ApertureTable, LinesAreReadByTheirFields) {
   struct Case {

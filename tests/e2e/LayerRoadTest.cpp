@@ -10,51 +10,39 @@ namespace {
 using test::ScreenRect;
 using test::waitUntil;
 
-struct MenuEntry {
-  QString name, caption;
-  bool shown = false, checked = false, enabled = false;
-  ScreenRect place;
-};
-
 class LayerRoad : public test::HostDriver {
 protected:
-  std::map<QString, MenuEntry> menu() {
-    std::map<QString, MenuEntry> entries;
+  struct Menu {
+    QStringList shown;                                         // the layer rows shown
+    QString checked;                                           // the current layer's row
+    std::map<QString, std::pair<QString, ScreenRect>> places;  // caption or name: text, place
+  };
+  Menu menu() {
+    Menu m;
     for (const QString& line : ask("TARVEX,MENU,M_ActiveCategory", "MENU,")) {
       const QStringList f = line.split('\t');
       if (f.size() != 8 || f[1] != "MENUITEM")
         continue;
-      MenuEntry e{f[2], f[3], f[4] == "shown", f[5] == "checked", f[6] == "enabled", {}};
       const QStringList r = f[7].split(',');
-      if (r.size() == 4)
-        e.place = {r[0].toInt(), r[1].toInt(), r[2].toInt(), r[3].toInt()};
-      entries[e.name] = e;
+      const ScreenRect place =
+          r.size() == 4 ? ScreenRect{r[0].toInt(), r[1].toInt(), r[2].toInt(), r[3].toInt()}
+                        : ScreenRect{};
+      m.places[f[2].startsWith("M_ActiveCategories_") ? f[3] : f[2]] = {f[3], place};
+      if (f[2].startsWith("M_ActiveCategories_") && f[4] == "shown")
+        m.shown << f[3];
+      if (f[5] == "checked")
+        m.checked = f[3];
     }
-    return entries;
+    return m;
   }
-  QStringList shownCaptions() {
-    QStringList shown;
-    for (const auto& [key, e] : menu())
-      if (e.shown && e.name.startsWith("M_ActiveCategories_"))
-        shown << e.caption;
-    return shown;
-  }
-  MenuEntry row(const QString& caption) {
-    for (const auto& [name, e] : menu())
-      if (e.caption == caption)
-        return e;
-    return {};
-  }
-  QString checkedCaption() {
-    for (const auto& [key, e] : menu())
-      if (e.checked)
-        return e.caption;
-    return {};
-  }
-  void openMenu() {
+  // Opens the menu with the keyboard and clicks the entry.
+  void choose(const QString& entry) {
     xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
     xdo({"key", "alt+l"});
-    waitUntil([&] { return menu()["M_AddLayer"].place.valid(); });
+    ScreenRect place;
+    waitUntil([&] { return (place = menu().places[entry].second).valid(); });
+    ASSERT_TRUE(place.valid()) << entry.toStdString();
+    click(place, place.width / 2);
   }
   void answerYes(const QString& title) {
     const QString box = visibleWindow(title);
@@ -71,38 +59,25 @@ TEST_F(LayerRoad, AnInnerLayerIsAddedChosenAndRemoved) {
   host.start(test::binary("tarvex-gbrviewer"), files);
   ASSERT_TRUE(host.waitForStarted(10000));
   waitUntil([&] { return messageLine().endsWith("Import successful"); });
+  const Menu board = menu();
+  EXPECT_TRUE(board.shown.contains("Artwork Top Layer") && board.shown.contains("Drill Template"));
+  EXPECT_FALSE(board.shown.contains("Artwork Inner Layer (A)"));
+  EXPECT_EQ(board.checked, "Drill Template") << "the last file's layer is current";
 
-  const QStringList board = shownCaptions();
-  EXPECT_TRUE(board.contains("Artwork Top Layer") && board.contains("Drill Template"));
-  EXPECT_FALSE(board.contains("Artwork Inner Layer (A)"));
-  EXPECT_EQ(checkedCaption(), "Drill Template") << "the last file's layer is current";
-  EXPECT_FALSE(menu()["M_RemoveLayer"].shown) << "an outer layer cannot be removed";
-
-  openMenu();
-  ScreenRect add = menu()["M_AddLayer"].place;
-  click(add, add.width / 2);
+  choose("M_AddLayer");
   answerYes("New Artwork Layer");
-  waitUntil([&] { return shownCaptions().contains("Artwork Inner Layer (A)"); });
-  ASSERT_TRUE(shownCaptions().contains("Artwork Inner Layer (A)"));
-  EXPECT_EQ(checkedCaption(), "Drill Template") << "an added layer does not become current";
+  waitUntil([&] { return menu().shown.contains("Artwork Inner Layer (A)"); });
+  ASSERT_TRUE(menu().shown.contains("Artwork Inner Layer (A)"));
+  EXPECT_EQ(menu().checked, "Drill Template") << "an added layer does not become current";
 
-  openMenu();
-  const ScreenRect inner = row("Artwork Inner Layer (A)").place;
-  ASSERT_TRUE(inner.valid());
-  click(inner, inner.width / 2);
-  waitUntil([&] { return checkedCaption() == "Artwork Inner Layer (A)"; });
-  EXPECT_EQ(checkedCaption(), "Artwork Inner Layer (A)");
-  const MenuEntry remove = menu()["M_RemoveLayer"];
-  EXPECT_TRUE(remove.shown);
-  EXPECT_EQ(remove.caption, "Remove Artwork Inner Layer (A)");
-
-  openMenu();
-  const ScreenRect removePlace = menu()["M_RemoveLayer"].place;
-  click(removePlace, removePlace.width / 2);
+  choose("Artwork Inner Layer (A)");
+  waitUntil([&] { return menu().checked == "Artwork Inner Layer (A)"; });
+  EXPECT_EQ(menu().places["M_RemoveLayer"].first, "Remove Artwork Inner Layer (A)");
+  choose("M_RemoveLayer");
   answerYes("Removing Artwork Layer");
-  waitUntil([&] { return !shownCaptions().contains("Artwork Inner Layer (A)"); });
-  EXPECT_FALSE(shownCaptions().contains("Artwork Inner Layer (A)"));
-  EXPECT_EQ(checkedCaption(), "Silkscreen Bottom") << "the first listed layer below it";
+  waitUntil([&] { return !menu().shown.contains("Artwork Inner Layer (A)"); });
+  EXPECT_FALSE(menu().shown.contains("Artwork Inner Layer (A)"));
+  EXPECT_EQ(menu().checked, "Silkscreen Bottom") << "the first listed layer below it";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // and the default tables that go into the kernel and come back out of it.
 #include "shell/ViewerSettings.h"
 
+#include "import/gerber/ImportTestSupport.h"
 #include "kernel/Kernel.h"
 #include "platform/IniFile.h"
 #include "platform/SystemServices.h"
@@ -10,6 +11,7 @@
 #include "viewer/ViewTables.h"
 
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -32,12 +34,7 @@ protected:
     services_->SetIniFile(iniPath());
   }
   void useFile(const std::string& text) { useFile(&text); }
-  IniDocument fileDoc() const {
-    std::ifstream in(iniPath(), std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return IniDocument(s.str());
-  }
+  IniDocument fileDoc() const { return IniDocument(test::readBytes(iniPath())); }
   // Everything start-up and ApplySystemSettings read, in their order.
   ViewerSettings readAll(const std::string& product = "TVX") {
     ViewerSettings s;

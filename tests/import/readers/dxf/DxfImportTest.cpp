@@ -14,22 +14,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace tvx {
 namespace {
-
-std::string fileText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 struct Drawing {
   mutable Kernel kernel;  // framing asks the store to work
@@ -411,7 +402,7 @@ TEST(DxfImport, CorpusDrawings) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.path);
-    Drawing d(fileText(corpus + "/" + c.path), DxfFormat{c.unit, 1.0});
+    Drawing d(test::readBytes(corpus + "/" + c.path), DxfFormat{c.unit, 1.0});
     EXPECT_EQ(d.status, 0);
     c.check(d);
     EXPECT_FALSE(blockSymbolsLeft(d.kernel.store));
