@@ -3,6 +3,7 @@
 // light polylines with bulges and 2000 inserts of the block): its loading into records, and the
 // whole road from its path to the layer, centring included. Then the range check of a drawing with
 // 100,000 lines 2000 mm outside its header's extents, at three sizes to show how the removal grows.
+#include "bench/ImportRoad.h"
 #include "common/FileLayer.h"
 #include "import/readers/WindowlessLayers.h"
 #include "import/readers/dxf/DxfInterpreter.h"
@@ -198,35 +199,20 @@ BENCHMARK(BM_DxfLoad)->Unit(benchmark::kMillisecond)->Iterations(3);
 void BM_DxfFromPathToLayer(benchmark::State& state) {
   QTemporaryDir folder;
   const std::string path = writeDrawing(folder);
-  for (auto _ : state) {
-    state.PauseTiming();
-    ScriptedPrompts prompts;
-    SystemServices services(&prompts);
-    WindowlessLayers run(services, prompts);
-    state.ResumeTiming();
-    ImportOptions options;
-    const ImportResult result = run.session->importFile(run.layers(), path, options);
-    benchmark::DoNotOptimize(result.status);
-    state.PauseTiming();
-    if (result.status != 0 || result.layer == 0) {
-      const std::string why = "not imported: status " + std::to_string(result.status) + ", kind " +
-                              std::to_string(int(result.kind)) + ", layer " +
-                              std::to_string(result.layer);
-      state.SkipWithError(why.c_str());
-      break;
-    }
-    const Store& store = run.kernel->store;
-    const int32_t items =
-        store.OA_GetCount(store.S_SymbolItemArray(run.tables->layer(result.layer).SymbolHandle));
-    // The block copies alone are this many.
-    if (items < Inserts * BlockItems) {
-      state.SkipWithError("the layer lacks the block copies");
-      break;
-    }
-    state.counters["items"] = items;
-    run = WindowlessLayers(services, prompts);  // the store goes outside the timing
-    state.ResumeTiming();
-  }
+  timeImportRoad(
+      state, path,
+      [&state](const ImportResult& result, const Store& store, const LayerTables& tables) {
+        if (result.status != 0 || result.layer == 0)
+          return "not imported: status " + std::to_string(result.status) + ", kind " +
+                 std::to_string(int(result.kind)) + ", layer " + std::to_string(result.layer);
+        const int32_t items =
+            store.OA_GetCount(store.S_SymbolItemArray(tables.layer(result.layer).SymbolHandle));
+        // The block copies alone are this many.
+        if (items < Inserts * BlockItems)
+          return std::string("the layer lacks the block copies");
+        state.counters["items"] = items;
+        return std::string();
+      });
 }
 BENCHMARK(BM_DxfFromPathToLayer)->Unit(benchmark::kMillisecond)->Iterations(3);
 

@@ -1,6 +1,7 @@
 // A generated plotter file of about 20 MB (1.5 million pen-down pairs, with arcs, circles and
 // rectangles among them): the two walks over its text, and the whole road from its path to the
 // board outline layer, centring included.
+#include "bench/ImportRoad.h"
 #include "import/readers/WindowlessLayers.h"
 #include "import/readers/hpgl/HpglInterpreter.h"
 #include "kernel/Store.h"
@@ -58,23 +59,14 @@ void BM_HpglFromPathToLayer(benchmark::State& state) {
   QTemporaryDir folder;
   const std::string path = folder.filePath("board.plt").toStdString();
   std::ofstream(path, std::ios::binary) << plotText();
-  for (auto _ : state) {
-    state.PauseTiming();
-    ScriptedPrompts prompts;
-    SystemServices services(&prompts);
-    WindowlessLayers run(services, prompts);
-    state.ResumeTiming();
-    ImportOptions options;
-    const ImportResult result = run.session->importFile(run.layers(), path, options);
-    benchmark::DoNotOptimize(result.status);
-    state.PauseTiming();
-    const Store& store = run.kernel->store;
-    state.counters["items"] = store.OA_GetCount(
-        store.S_SymbolItemArray(run.tables->layer(BoardOutlineLayer).SymbolHandle));
-    state.counters["status"] = result.status;
-    run = WindowlessLayers(services, prompts);  // the store goes outside the timing
-    state.ResumeTiming();
-  }
+  timeImportRoad(
+      state, path,
+      [&state](const ImportResult& result, const Store& store, const LayerTables& tables) {
+        state.counters["items"] = store.OA_GetCount(
+            store.S_SymbolItemArray(tables.layer(BoardOutlineLayer).SymbolHandle));
+        state.counters["status"] = result.status;
+        return std::string();
+      });
 }
 BENCHMARK(BM_HpglFromPathToLayer)->Unit(benchmark::kMillisecond)->Iterations(3);
 

@@ -21,8 +21,8 @@ namespace {
 
 // The range check keeps what lies less than 1000 mm outside the extents; extents beyond 4400 mm
 // are cut to 4400 mm from the drawing's lower left.
-constexpr double FarMargin = 1000 * tvx::DxfUnitsPerMm;
-constexpr double OutOfRangeSize = 4400 * tvx::DxfUnitsPerMm;
+constexpr double FarMargin = 1000.0 * tvx::StoreUnitsPerMm;
+constexpr double OutOfRangeSize = 4400.0 * tvx::StoreUnitsPerMm;
 
 bool inStoreRange(double x, double y) {
   constexpr double lo = std::numeric_limits<int32_t>::min(),

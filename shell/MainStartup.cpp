@@ -119,7 +119,7 @@ void GBRVIEWER_MAIN::Form_Load() {
   import_->dxfReader.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   // The size of a drawing that is out of range is told in the display unit.
   import_->dxfReader.formatLength = [this](double storeLength) {
-    return FormatLengthValue(storeLength, view_->DisplayUnit, int32_t(DxfUnitsPerMm));
+    return FormatLengthValue(storeLength, view_->DisplayUnit, StoreUnitsPerMm);
   };
   import_->dxfReader.unitWord = [this] {
     return " " + std::string(displayUnitInfo(view_->DisplayUnit).Word);

@@ -13,14 +13,6 @@ namespace tvx {
 
 namespace {
 
-OutlinePoint vertexPoint(double x, double y) {
-  OutlinePoint p;
-  p.Kind = outlinepoint::Straight;
-  p.X = std::nearbyint(x);
-  p.Y = std::nearbyint(y);
-  return p;
-}
-
 // A bulge after the vertex in hand: that vertex starts the arc, a placeholder holds its angle.
 void addBulge(OutlinePoints& points, double bulge) {
   if (points.size() < 2 || bulge == 0 || !std::isfinite(bulge))
@@ -366,7 +358,8 @@ void DxfInterpreter::solid(size_t& at, bool trace) {
   // The third corner lies diagonally to the second: the sides run 1, 2, 4, 3.
   OutlinePoints points(1);
   for (int corner : {0, 1, 3, 2, 0})
-    points.push_back(vertexPoint(corners[corner][0], corners[corner][1]));
+    points.push_back(
+        outlinePointAt(outlinepoint::Straight, corners[corner][0], corners[corner][1]));
   place(points, normal.plane(), elevation);
   writeOutline(templ, points, name);
 }
@@ -396,7 +389,7 @@ void DxfInterpreter::lwpolyline(size_t& at) {
       px = length(g.RealValue);
       break;
     case 20:
-      points.push_back(vertexPoint(px, length(g.RealValue)));
+      points.push_back(outlinePointAt(outlinepoint::Straight, px, length(g.RealValue)));
       break;
     case 42:
       addBulge(points, g.RealValue);
@@ -457,7 +450,7 @@ void DxfInterpreter::spline(size_t& at) {
   // The points of a spline are the drawing's own: seen from above whatever its plane.
   OutlinePoints points(1);
   for (const auto& [sx, sy] : SplineToPoints(s))
-    points.push_back(vertexPoint(sx, sy));
+    points.push_back(outlinePointAt(outlinepoint::Straight, sx, sy));
   finishChain(points, closed, DxfPlane{}, 0, element(ItemLine, dxfattr::OpenChain), 200, "SPLINE");
 }
 
@@ -511,7 +504,7 @@ void DxfInterpreter::vertex(size_t& at) {
     return;
   if (polyline_.empty())
     polyline_.assign(1, OutlinePoint{});
-  polyline_.push_back(vertexPoint(px, py));
+  polyline_.push_back(outlinePointAt(outlinepoint::Straight, px, py));
   addBulge(polyline_, bulge);
 }
 
@@ -662,7 +655,8 @@ void DxfInterpreter::face(size_t& at) {
   OutlinePoints points(1);
   for (int corner : {0, 1, 2, 3})
     if (corner < 3 || corners[3][0] != corners[2][0] || corners[3][1] != corners[2][1])
-      points.push_back(vertexPoint(corners[corner][0], corners[corner][1]));
+      points.push_back(
+          outlinePointAt(outlinepoint::Straight, corners[corner][0], corners[corner][1]));
   closeChain(points);
   writeOutline(element(ItemLine, dxfattr::ClosedOutline), points, "3DFACE");
 }
@@ -675,7 +669,7 @@ void DxfInterpreter::leader(size_t& at) {
     if (g.Code == 10)
       px = x(g.RealValue);
     else if (g.Code == 20)
-      points.push_back(vertexPoint(px, y(g.RealValue)));
+      points.push_back(outlinePointAt(outlinepoint::Straight, px, y(g.RealValue)));
     else if (g.Code == 67)
       paper = g.IntValue == 1;
   });

@@ -39,7 +39,7 @@ void DxfFileReader::importFile(int32_t& status, const ImportJob& job, LayerRecor
       if (formatLength)
         return formatLength(storeLength);
       char text[32];
-      std::snprintf(text, sizeof text, "%.3f", storeLength / DxfUnitsPerMm);
+      std::snprintf(text, sizeof text, "%.3f", storeLength / StoreUnitsPerMm);
       return std::string(text);
     };
     std::string size = "(" + length(lastReport.sizeX);

@@ -12,20 +12,20 @@ namespace tvx {
 
 namespace {
 
-OutlinePoint point(int32_t kind, double x, double y) {
-  OutlinePoint p;
-  p.Kind = kind;
-  p.X = x;
-  p.Y = y;
-  return p;
-}
-
 // The side of (x, y) seen along the chord from (ax, ay) to (bx, by): positive to the left.
 double sideOf(double ax, double ay, double bx, double by, double x, double y) {
   return (bx - ax) * (y - ay) - (by - ay) * (x - ax);
 }
 
 }  // namespace
+
+OutlinePoint outlinePointAt(int32_t kind, double x, double y) {
+  OutlinePoint p;
+  p.Kind = kind;
+  p.X = std::nearbyint(x);
+  p.Y = std::nearbyint(y);
+  return p;
+}
 
 int32_t bulgeAngle(double bulge) {
   return roundToInt32(4 * std::atan(bulge) / RadiansPerDegree * 1000).value_or(0);
@@ -44,7 +44,7 @@ void ResolveBulges(OutlinePoints& points) {
     const double my = std::nearbyint((q.Y - p.Y) / 2 + p.Y);
     const double h = std::hypot(mx - p.X, my - p.Y);
     const auto straight = [&] {
-      mid = point(outlinepoint::Straight, mx, my);
+      mid = outlinePointAt(outlinepoint::Straight, mx, my);
       points[i - 1].Kind = outlinepoint::Straight;
     };
     if (beta == 90 || h == 0) {
@@ -102,11 +102,11 @@ void dropTrailingBulge(OutlinePoints& points) {
 OutlinePoints circleOutline(int32_t cx, int32_t cy, int32_t r) {
   const double x = cx, y = cy, d = r;
   OutlinePoints points(1);
-  points.push_back(point(outlinepoint::NoStretch, x, y - d));
-  points.push_back(point(outlinepoint::ArcMiddle, x - d, y));
-  points.push_back(point(outlinepoint::NoStretch, x, y + d));
-  points.push_back(point(outlinepoint::ArcMiddle, x + d, y));
-  points.push_back(point(outlinepoint::NoStretch, x, y - d));
+  points.push_back(outlinePointAt(outlinepoint::NoStretch, x, y - d));
+  points.push_back(outlinePointAt(outlinepoint::ArcMiddle, x - d, y));
+  points.push_back(outlinePointAt(outlinepoint::NoStretch, x, y + d));
+  points.push_back(outlinePointAt(outlinepoint::ArcMiddle, x + d, y));
+  points.push_back(outlinePointAt(outlinepoint::NoStretch, x, y - d));
   for (OutlinePoint& p : points)
     if (p.Kind == outlinepoint::ArcMiddle) {
       p.CentreX = cx;
@@ -135,8 +135,9 @@ void EllipseToPoints(const DxfEllipse& e, OutlinePoints& points, int32_t& attrib
   end = std::min(end, start + 360);
   const auto add = [&](double t) {
     const double c = std::cos(t * RadiansPerDegree), s = std::sin(t * RadiansPerDegree);
-    points.push_back(point(outlinepoint::Straight, std::nearbyint(e.CentreX + e.UX * c + e.VX * s),
-                           std::nearbyint(e.CentreY + e.UY * c + e.VY * s)));
+    points.push_back(outlinePointAt(outlinepoint::Straight,
+                                    std::nearbyint(e.CentreX + e.UX * c + e.VX * s),
+                                    std::nearbyint(e.CentreY + e.UY * c + e.VY * s)));
   };
   add(start);
   for (double t = start + 1; t < end; t += 1)
@@ -178,8 +179,8 @@ void ChordArcs(OutlinePoints& points) {
     const int steps = std::max(2, int(std::ceil(std::abs(sweep) / 2)));
     for (int k = 1; k < steps; ++k) {
       const double t = (a0 + sweep * k / steps) * RadiansPerDegree;
-      out.push_back(point(outlinepoint::Straight, std::nearbyint(cx + r * std::cos(t)),
-                          std::nearbyint(cy + r * std::sin(t))));
+      out.push_back(outlinePointAt(outlinepoint::Straight, std::nearbyint(cx + r * std::cos(t)),
+                                   std::nearbyint(cy + r * std::sin(t))));
     }
   }
   points.swap(out);

@@ -21,6 +21,9 @@ inline constexpr int32_t OpenChain = attr::OpenChain | attr::Shown;
 inline constexpr int32_t CircleOutline = attr::CircleOutline | ClosedOutline;
 }  // namespace dxfattr
 
+// A point of a list at (x, y), rounded to whole store units.
+OutlinePoint outlinePointAt(int32_t kind, double x, double y);
+
 // Between reading a bulge and ResolveBulges, the Radius of a Kind 5 point holds the bulge's
 // included angle in thousandths of a degree, with its sign (positive: counter-clockwise).
 int32_t bulgeAngle(double bulge);

@@ -55,16 +55,9 @@ void DxfInterpreter::hatch(size_t& at) {
   // The paths are built in the hatch's plane, in store units.
   const auto toX = [&](double v) { return length(v); };
   const auto toY = [&](double v) { return length(v); };
-  const auto point = [](int32_t kind, double px, double py) {
-    OutlinePoint p;
-    p.Kind = kind;
-    p.X = std::nearbyint(px);
-    p.Y = std::nearbyint(py);
-    return p;
-  };
   // Joins the next piece of a path at (px, py): a gap is bridged by a straight side.
   const auto join = [&](OutlinePoints& path, double px, double py) {
-    const OutlinePoint p = point(outlinepoint::Straight, px, py);
+    const OutlinePoint p = outlinePointAt(outlinepoint::Straight, px, py);
     if (path.size() == 1 || path.back().X != p.X || path.back().Y != p.Y)
       path.push_back(p);
     else
@@ -88,7 +81,7 @@ void DxfInterpreter::hatch(size_t& at) {
     for (int i = 0; i < pieces; ++i) {
       path.back().Kind = outlinepoint::NoStretch;
       onArc(start + step * (i + 0.5), px, py);
-      OutlinePoint middle = point(outlinepoint::ArcMiddle, toX(px), toY(py));
+      OutlinePoint middle = outlinePointAt(outlinepoint::ArcMiddle, toX(px), toY(py));
       const auto wx = roundToInt32(toX(cx)), wy = roundToInt32(toY(cy)),
                  wr = roundToInt32(length(radius));
       if (!wx || !wy || !wr)
@@ -98,7 +91,7 @@ void DxfInterpreter::hatch(size_t& at) {
       middle.Radius = *wr;
       path.push_back(middle);
       onArc(start + step * (i + 1), px, py);
-      path.push_back(point(outlinepoint::Straight, toX(px), toY(py)));
+      path.push_back(outlinePointAt(outlinepoint::Straight, toX(px), toY(py)));
     }
   };
 
@@ -137,7 +130,7 @@ void DxfInterpreter::hatch(size_t& at) {
           good = in.real(10, vx) && in.real(20, vy);
           if (!good)
             break;
-          path.push_back(point(outlinepoint::Straight, toX(vx), toY(vy)));
+          path.push_back(outlinePointAt(outlinepoint::Straight, toX(vx), toY(vy)));
           if (in.real(42, bulge) && bulge != 0 && std::isfinite(bulge)) {
             path.back().Kind = outlinepoint::NoStretch;
             OutlinePoint middle = path.back();
@@ -162,7 +155,7 @@ void DxfInterpreter::hatch(size_t& at) {
             good = in.real(10, x0) && in.real(20, y0) && in.real(11, x1) && in.real(21, y1);
             if (good) {
               join(path, toX(x0), toY(y0));
-              path.push_back(point(outlinepoint::Straight, toX(x1), toY(y1)));
+              path.push_back(outlinePointAt(outlinepoint::Straight, toX(x1), toY(y1)));
             }
             break;
           case 2: {

@@ -60,7 +60,7 @@ int32_t dxfUnitOfInsUnits(int32_t insUnits) {
 DxfInterpreter::DxfInterpreter(Store& store, SymbolId layerSymbol, uint8_t colour,
                                const DxfSettings& settings)
     : store_(store), layer_(layerSymbol), colour_(colour),
-      unit_(settings.Unit == 0 ? DxfUnitsPerInch : DxfUnitsPerMm),
+      unit_(double(StoreUnitsPerMm) * (settings.Unit == 0 ? 25.4 : 1.0)),
       scale_(settings.Scale > 0 ? settings.Scale : 1.0), widthFlag_(settings.TrueLineSize ? 1 : 0),
       solidStyle_(settings.TrueLineSize ? StyleFilled : StyleOpen), target_(layerSymbol),
       copyBudget_(std::max<int64_t>(0, settings.CopyBudget)) {}

@@ -29,10 +29,6 @@ class Store;
 struct LayerRecord;
 struct LayerFileRecord;
 
-// Store units per millimetre, and per inch.
-inline constexpr double DxfUnitsPerMm = 100000.0;
-inline constexpr double DxfUnitsPerInch = 2540000.0;
-
 struct DxfSettings {
   int32_t Unit = 1;  // 0 inches, anything else millimetres
   double Scale = 1.0;

@@ -32,7 +32,7 @@ struct LayerRecord;
 struct LayerFileRecord;
 
 // Store units per millimetre.
-inline constexpr double HpglUnitsPerMm = 100000.0;
+inline constexpr double HpglUnitsPerMm = StoreUnitsPerMm;
 // Millimetres per plotter unit.
 inline constexpr double HpglPlotterUnit = 0.025;
 
