@@ -55,14 +55,16 @@ public:
     }
   }
   // The server chooses a free display itself (-displayfd) and writes its number when it is ready
-  // for clients; a stale lock of a dead server does not stop it.
+  // for clients; a stale lock of a dead server does not stop it. It does not reset when its last
+  // client leaves, so a host started again right after one ended can always connect.
   bool start(std::string& why) {
     const QString program = QStandardPaths::findExecutable("Xvfb");
     if (program.isEmpty()) {
       why = "Xvfb is missing (tools/bootstrap.sh installs it)";
       return false;
     }
-    server_.start(program, {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
+    server_.start(program, {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
+                            "-noreset"});
     QByteArray number;
     waitUntil([&] {
       server_.waitForReadyRead(100);
