@@ -65,17 +65,23 @@ void FunctionKeys::rebuildOptions() {
     optionChecked_[size_t(row)] = key && key->Options[size_t(row)].Checked != 0;
 }
 
-void FunctionKeys::SelectKey(int32_t key, bool /*redraw*/) {
+bool FunctionKeys::reselectKey(int32_t key) {
   const int16_t function = currentFunction();
   if (function < 0 || function >= FunctionCount || key < 0 || key >= KeyCount)
-    return;
+    return false;
   FunctionRecord& record = table_[size_t(function)];
   if (record.CurrentKey >= 0 && record.CurrentKey < KeyCount)
     record.Keys[size_t(record.CurrentKey)].Checked = 0;
   record.CurrentKey = key;
-  KeyRecord& chosen = record.Keys[size_t(key)];
-  chosen.Checked = 1;
+  record.Keys[size_t(key)].Checked = 1;
   rebuildOptions();
+  return true;
+}
+
+void FunctionKeys::SelectKey(int32_t key, bool /*redraw*/) {
+  if (!reselectKey(key))
+    return;
+  const KeyRecord& chosen = table_[size_t(currentFunction())].Keys[size_t(key)];
   callHook(hooks.editMsgLine, chosen.Description + " (" +
                                   services_.LocalMessage("Shortcut:", "62103") + " *" +
                                   chosen.Shortcut + ")");

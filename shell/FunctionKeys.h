@@ -54,6 +54,9 @@ public:
   // The option tools from the current key's Checked fields, as the band is rebuilt.
   void rebuildOptions();
   void SelectKey(int32_t key, bool redraw);
+  // The key becomes current and its options are rebuilt, without a word on the message line: as
+  // the band is set again when the layer changes. False for a key that does not exist.
+  bool reselectKey(int32_t key);
   // A key's tool pressed: its command when it has one, else the key selected.
   void keyToolClicked(int32_t key);
   void SetOptionCheck(int32_t option);

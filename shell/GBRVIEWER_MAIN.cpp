@@ -10,6 +10,7 @@
 #include "platform/widgets/HelpWindow.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
+#include "viewer/ElementEditor.h"
 #include "viewer/LayerCommands.h"
 #include "viewer/widgets/ViewPicture.h"
 
@@ -105,6 +106,7 @@ GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
   buildStatusBar();
   buildMenus();
   buildPointerInput();
+  wireElementEditor();
 }
 
 GBRVIEWER_MAIN::~GBRVIEWER_MAIN() = default;
@@ -175,11 +177,15 @@ void GBRVIEWER_MAIN::buildMenus() {
   QMenu* file = menuBar()->addMenu("&File");
   file->setObjectName("M_File");
   entry(file, "M_New", "&New", &GBRVIEWER_MAIN::M_New_Click);
-  entry(file, "M_FSIimport", "&Import Artworks&&Drilling", &GBRVIEWER_MAIN::M_FSIimport_Click);
+  // The print preview comes with printing; until then it shows disabled.
+  file->addAction("&Print...")->setObjectName("M_Print");
+  menuEntry("M_Print")->setEnabled(false);
   entry(file, "M_Scopy", "Copy Screen to Clipboard", &GBRVIEWER_MAIN::M_Scopy_Click);
   entry(file, "M_BScopy", "Copy Block to Clipboard", &GBRVIEWER_MAIN::M_BScopy_Click);
   file->addSeparator();
   entry(file, "M_Exit", "E&xit", &GBRVIEWER_MAIN::M_Exit_Click);
+
+  buildEditMenu();
 
   QMenu* viewMenu = menuBar()->addMenu("&View");
   viewMenu->setObjectName("M_View");
@@ -200,6 +206,7 @@ void GBRVIEWER_MAIN::buildMenus() {
   entry(viewMenu, "M_Sbars", "Scroll Bars", &GBRVIEWER_MAIN::M_Sbars_Click, true);
   entry(viewMenu, "M_LCursor", "Long &Cursor", &GBRVIEWER_MAIN::M_LCursor_Click, true);
 
+  buildToolsMenu();
   buildLayerCommands();
 
   QMenu* help = menuBar()->addMenu("&Help");

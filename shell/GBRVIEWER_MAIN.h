@@ -46,6 +46,7 @@ namespace tvx {
 class GBRVIEWER_GIESVC;
 class GBRVIEWER_IMPORT;
 class HelpWindow;
+class ElementEditor;
 class ImportSession;
 class LayerCommands;
 class UserStore;
@@ -250,6 +251,11 @@ private:
   // The "PCB Layer" menu and the layer commands behind it; the menu follows their state.
   void buildLayerCommands();
   void syncLayerMenu();
+  // The Edit and Tools menus and the element editor behind function 1 (MainEditor.cpp); its
+  // wiring to the pointer, the keys and the layer commands once they exist.
+  void buildEditMenu();
+  void buildToolsMenu();
+  void wireElementEditor();
   // Offers to show a file that is not imported as plain text; status 93 first unless shown.
   void askToDisplayFile(const std::string& path, bool reported);
   // Loads the import window for the job's file, wired to this window; the one that is loaded
@@ -290,6 +296,7 @@ private:
   QPointF pendingWheelAt_;
   std::unique_ptr<ImportSession> import_;
   std::unique_ptr<LayerCommands> layerCommands_;
+  std::unique_ptr<ElementEditor> editor_;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;
   FunctionTable functions_{};

@@ -10,6 +10,7 @@
 #include "platform/widgets/HelpWindow.h"
 #include "platform/widgets/WindowPlace.h"
 #include "shell/HostCommands.h"
+#include "viewer/ElementEditor.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QApplication>
@@ -63,6 +64,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
     if (const QCursor* first = kernel.graphics.cursor(cursors_[0]))
       viewPicture_->setCursor(*first);
     kernel.graphics.G_FreeThickPen(cpDcId_, 0, 0);
+    editor_->DoUndo(editor_->WorkingSymbol(), undomode::Free);
     redraw_->RedrawPending = false;
     if (help_)
       help_->closeHelp();

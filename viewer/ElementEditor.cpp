@@ -2,6 +2,7 @@
 
 #include "common/CallHook.h"
 #include "kernel/Graphics.h"
+#include "kernel/ItemGeometry.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
 #include "store/ElementRuns.h"
@@ -132,7 +133,19 @@ int32_t ElementEditor::PickInSymbol(SymbolId symbol, int32_t x, int32_t y, int32
     return 0;
   }
   const ArrayHandle items = store_.S_SymbolItemArray(symbol);
-  index = store_.OA_Cover(items, 1, x, y, view_.PickDistance, 0);
+  // Inside a filled polygon (a pour) the element drawn on it is meant, when there is one: a hit
+  // by area alone gives way to a later element whose own shape is under the pointer.
+  const auto areaHit = [&](int32_t i) {
+    const ItemFields* f = store_.itemFields(store_.OA_Object(items, i));
+    return f && (f->Attributes & attr::PolygonSide) && f->Style == StyleFilled &&
+           !itemCovers(*f, 0, x, y, view_.PickDistance);
+  };
+  const int32_t first = store_.OA_Cover(items, 1, x, y, view_.PickDistance, 0);
+  index = first;
+  while (index > 0 && areaHit(index))
+    index = store_.OA_Cover(items, index + 1, x, y, view_.PickDistance, 0);
+  if (index == 0)
+    index = first;
   const ItemFields* fields =
       index > 0 ? store_.itemFields(store_.OA_Object(items, index)) : nullptr;
   if (!fields) {

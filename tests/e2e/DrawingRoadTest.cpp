@@ -9,28 +9,11 @@
 namespace {
 
 using test::inkOf;
+using test::LayerFacts;
 using test::ScreenRect;
-
-struct LayerFacts {
-  long items = 0, minX = 0, minY = 0, maxX = 0, maxY = 0, widest = 0;
-  double width() const { return double(maxX - minX); }
-};
 
 class DrawingRoad : public test::HostDriver {
 protected:
-  LayerFacts layer(int number) {
-    LayerFacts facts;
-    for (const QString& line : ask("TARVEX,LAYER," + QString::number(number), "LAYER,")) {
-      const QStringList parts = line.section('\t', 1).split(',');
-      if (parts.size() == 8) {
-        long* fields[] = {&facts.items, &facts.minX, &facts.minY,
-                          &facts.maxX,  &facts.maxY, &facts.widest};
-        for (int i = 0; i < 6; ++i)
-          *fields[i] = parts[i + 2].toLong();
-      }
-    }
-    return facts;
-  }
   void choose(const QString& caption, const QString& typed) {
     const ScreenRect cell = place("CELL," + caption, "CELL,");
     ASSERT_TRUE(cell.valid()) << caption.toStdString();

@@ -140,6 +140,20 @@ inline long pixelsInNewColours(const QImage& before, const QImage& after) {
   return added;
 }
 
+// What a layer holds, as the host's LAYER query tells it, in store units.
+struct LayerFacts {
+  long items = 0, minX = 0, minY = 0, maxX = 0, maxY = 0, widest = 0;
+  double width() const { return double(maxX - minX); }
+};
+
+// A menu's entries as the host tells them: the rows shown, the checked one, and each entry's
+// text and place by its caption (rows of a row array) or name.
+struct MenuFacts {
+  QStringList shown;
+  QString checked;
+  std::map<QString, std::pair<QString, ScreenRect>> places;
+};
+
 class HostDriver : public ::testing::Test {
 protected:
   void SetUp() override {
@@ -260,6 +274,54 @@ protected:
     const QString file = home.filePath(name);
     ask("TARVEX,SAVEVIEW," + file, "SAVEVIEW,");
     return QImage(file);
+  }
+
+  LayerFacts layer(int number) {
+    LayerFacts facts;
+    for (const QString& line : ask("TARVEX,LAYER," + QString::number(number), "LAYER,")) {
+      const QStringList parts = line.section('\t', 1).split(',');
+      if (parts.size() == 8) {
+        long* fields[] = {&facts.items, &facts.minX, &facts.minY,
+                          &facts.maxX,  &facts.maxY, &facts.widest};
+        for (int i = 0; i < 6; ++i)
+          *fields[i] = parts[i + 2].toLong();
+      }
+    }
+    return facts;
+  }
+  // rowPrefix names the rows of a row array, which are keyed by their captions.
+  MenuFacts menu(const QString& name, const QString& rowPrefix = "M_ActiveCategories_") {
+    MenuFacts m;
+    for (const QString& line : ask("TARVEX,MENU," + name, "MENU,")) {
+      const QStringList f = line.split('\t');
+      if (f.size() != 8 || f[1] != "MENUITEM")
+        continue;
+      const bool row = f[2].startsWith(rowPrefix);
+      m.places[row ? f[3] : f[2]] = {f[3], rectFrom("," + f[7])};
+      if (row && f[4] == "shown")
+        m.shown << f[3];
+      if (f[5] == "checked")
+        m.checked = f[3];
+    }
+    return m;
+  }
+  // Opens a menu of the main window with its Alt key and clicks the entry.
+  void choose(const QString& menuName, const QString& altKey, const QString& entry) {
+    xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
+    xdo({"key", "alt+" + altKey});
+    ScreenRect place;
+    waitUntil([&] { return (place = menu(menuName).places[entry].second).valid(); });
+    ASSERT_TRUE(place.valid()) << entry.toStdString();
+    click(place, place.width / 2);
+  }
+  // The screen point of a world point in the view as it stands.
+  QPoint screenPoint(long worldX, long worldY) {
+    const QStringList state = ask("TARVEX,VIEWSTATE", "VIEWSTATE").value(0).split('\t');
+    const QStringList v = state.value(1).split(',');  // VIEWSTATE,precision,cx,-cy,tool
+    const ScreenRect view = place("PLACE,ViewPicture", "PLACE,");
+    const double precision = std::max(1.0, v.value(1).toDouble());
+    return {int(view.x + view.width / 2 + (worldX - v.value(2).toDouble()) / precision),
+            int(view.y + view.height / 2 + (-v.value(3).toDouble() - worldY) / precision)};
   }
 
   QTemporaryDir home;

@@ -7,43 +7,14 @@
 
 namespace {
 
+using test::MenuFacts;
 using test::ScreenRect;
 using test::waitUntil;
 
 class LayerRoad : public test::HostDriver {
 protected:
-  struct Menu {
-    QStringList shown;                                         // the layer rows shown
-    QString checked;                                           // the current layer's row
-    std::map<QString, std::pair<QString, ScreenRect>> places;  // caption or name: text, place
-  };
-  Menu menu() {
-    Menu m;
-    for (const QString& line : ask("TARVEX,MENU,M_ActiveCategory", "MENU,")) {
-      const QStringList f = line.split('\t');
-      if (f.size() != 8 || f[1] != "MENUITEM")
-        continue;
-      const QStringList r = f[7].split(',');
-      const ScreenRect place =
-          r.size() == 4 ? ScreenRect{r[0].toInt(), r[1].toInt(), r[2].toInt(), r[3].toInt()}
-                        : ScreenRect{};
-      m.places[f[2].startsWith("M_ActiveCategories_") ? f[3] : f[2]] = {f[3], place};
-      if (f[2].startsWith("M_ActiveCategories_") && f[4] == "shown")
-        m.shown << f[3];
-      if (f[5] == "checked")
-        m.checked = f[3];
-    }
-    return m;
-  }
-  // Opens the menu with the keyboard and clicks the entry.
-  void choose(const QString& entry) {
-    xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
-    xdo({"key", "alt+l"});
-    ScreenRect place;
-    waitUntil([&] { return (place = menu().places[entry].second).valid(); });
-    ASSERT_TRUE(place.valid()) << entry.toStdString();
-    click(place, place.width / 2);
-  }
+  MenuFacts menu() { return HostDriver::menu("M_ActiveCategory"); }
+  void choose(const QString& entry) { HostDriver::choose("M_ActiveCategory", "l", entry); }
   void answerYes(const QString& title) {
     const QString box = visibleWindow(title);
     ASSERT_FALSE(box.isEmpty()) << title.toStdString();
@@ -59,7 +30,7 @@ TEST_F(LayerRoad, AnInnerLayerIsAddedChosenAndRemoved) {
   host.start(test::binary("tarvex-gbrviewer"), files);
   ASSERT_TRUE(host.waitForStarted(10000));
   waitUntil([&] { return messageLine().endsWith("Import successful"); });
-  const Menu board = menu();
+  const MenuFacts board = menu();
   EXPECT_TRUE(board.shown.contains("Artwork Top Layer") && board.shown.contains("Drill Template"));
   EXPECT_FALSE(board.shown.contains("Artwork Inner Layer (A)"));
   EXPECT_EQ(board.checked, "Drill Template") << "the last file's layer is current";

@@ -167,9 +167,11 @@ TEST(ShippedMenuFiles, HoldTheKeysTheViewerNeedsInEveryLanguage) {
   EXPECT_EQ(
       std::tuple(f1.Name, f1.Prompt.empty(), f1.Keys[0].Command, f1.Keys[7].Options[0].Command),
       std::tuple("Fabrication Editor", false, 1, 1));
-  for (int k : {0, 1, 7, 8})
+  // Inspect is key 2: choosing a layer selects it again.
+  for (int k : {0, 2, 7, 8})
     EXPECT_TRUE(f1.Keys[size_t(k)].Shown && !f1.Keys[size_t(k)].Caption.empty()) << "key " << k;
-  EXPECT_NE(f1.Keys[size_t(f1.CurrentKey)].Checked, 0);
+  EXPECT_EQ(f1.CurrentKey, 2);
+  EXPECT_NE(f1.Keys[2].Checked, 0);
   for (int r = 0; r <= 3; ++r)
     EXPECT_NE(f1.Keys[8].Options[size_t(r)].Shown, 0) << "align option " << r;
   for (int k : {0, 7, 8})

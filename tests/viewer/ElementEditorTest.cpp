@@ -93,6 +93,20 @@ TEST_F(ElementEditorTest, InspectNamesTheApertureOrToolThatMadeTheElement) {
   editor.Inspect(-10 * Mm, Mm);
   EXPECT_EQ(world.redraw.HLDCode, 0);
   EXPECT_EQ(world.redraw.MessageLine, "Circle Completed");
+  // On a pour the element drawn on it is meant; off it, the pour.
+  const int32_t sides[][4] = {{10, -10, 4, 0}, {14, -10, 0, 4}, {14, -6, -4, 0}, {10, -6, 0, -4}};
+  for (const auto& [sx, sy, dx, dy] : sides)
+    add(Item(ItemLine, attr::Shown | attr::PolygonSide | (sx == 10 && sy == -10 ? 16 : 0) |
+                           (sy == -6 && sx == 10 ? 32 : 0))
+            .at(sx * Mm, sy * Mm)
+            .size(dx * Mm, dy * Mm)
+            .filled()
+            .link(-5));
+  add(Item(ItemCircle).at(12 * Mm, -8 * Mm).size(Mm / 2).filled().link(7));
+  editor.Inspect(12 * Mm, -8 * Mm);
+  EXPECT_EQ(world.redraw.HLDCode, 7);
+  editor.Inspect(11 * Mm, -9 * Mm);
+  EXPECT_EQ(world.redraw.HLDCode, -5);
   editor.Inspect(12 * Mm, 12 * Mm);  // nothing there: the highlight goes, nothing is said
   EXPECT_EQ(world.redraw.HLDCode, 0);
   EXPECT_EQ(world.redraw.HLDCodeText, "");

@@ -1,0 +1,84 @@
+// The editor of function 1 worked as the user does on the demo board: a click on a hole of the
+// drill layer names its size and tool; on the top copper "*DE", a click on a trace and Yes in the
+// pop-up at the pointer take the trace away; Ctrl+Z (Edit > UnDo) brings back the same picture;
+// Tools > Mirror along X twice leaves the layer as it was.
+#include "e2e/HostDriver.h"
+
+#include <QDir>
+
+namespace {
+
+using test::LayerFacts;
+using test::ScreenRect;
+using test::waitUntil;
+
+class EditRoad : public test::HostDriver {
+protected:
+  // The demo board's top copper is centred on (20, 15) mm in file coordinates: a file point in
+  // millimetres is found in the view through the middle of the layer's frame.
+  QPoint onTopCopper(double fileX, double fileY) {
+    return screenPoint((top.minX + top.maxX) / 2 + long((fileX - 20.0) * 100000),
+                       (top.minY + top.maxY) / 2 + long((fileY - 15.0) * 100000));
+  }
+  void clickAt(QPoint at) {
+    xdo({"mousemove", QString::number(at.x()), QString::number(at.y())});
+    xdo({"click", "1"});
+  }
+
+  LayerFacts top;
+};
+
+TEST_F(EditRoad, AHoleIsNamedATraceDeletedAndUndone) {
+  QStringList files;
+  for (const char* name : {"demo-top.gbr", "demo.drl"})
+    files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
+  host.start(test::binary("tarvex-gbrviewer"), files);
+  ASSERT_TRUE(host.waitForStarted(10000));
+  waitUntil([&] { return messageLine().endsWith("Import successful"); });
+  int topNumber = 0;
+  for (int n = 1; n < 31 && topNumber == 0; ++n)
+    if ((top = layer(n)).items > 0)
+      topNumber = n;
+  ASSERT_GT(topNumber, 0);
+
+  // The drill layer is current: the hole under J1's second pin, drilled with tool 4 (1.0 mm).
+  clickAt(onTopCopper(5.0, 13.73));
+  waitUntil([&] { return messageLine().startsWith("Holes with diameter"); });
+  EXPECT_EQ(messageLine(), "Holes with diameter 0.03937\"Tool: T4");
+
+  HostDriver::choose("M_ActiveCategory", "l", "Artwork Top Layer");
+  waitUntil([&] { return menu("M_ActiveCategory").checked == "Artwork Top Layer"; });
+  const QImage board = view("board.png");
+  xdo({"mousemove", "10", "10"});
+  xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
+  const QPoint trace = onTopCopper(21.27, 9.3);  // the vertical trace left of the pour's edge
+  xdo({"mousemove", QString::number(trace.x()), QString::number(trace.y())});
+  xdo({"type", "--delay", "20", "*DE"});
+  clickAt(trace);
+  ScreenRect yes;
+  waitUntil([&] { return (yes = menu("M_Conf").places["M_Yes"].second).valid(); });
+  ASSERT_TRUE(yes.valid()) << "no question at the pointer";
+  EXPECT_EQ(menu("M_Conf").places["M_Query"].first, "Delete element?");
+  click(yes, yes.width / 2);
+  waitUntil([&] { return layer(topNumber).items == top.items - 1; });
+  EXPECT_EQ(layer(topNumber).items, top.items - 1);
+  const QImage deleted = view("deleted.png");
+  EXPECT_NE(deleted, board);
+  EXPECT_EQ(menu("M_OrdEdit").places["M_Undo"].first, "UnDo");
+
+  xdo({"key", "ctrl+z"});
+  waitUntil([&] { return layer(topNumber).items == top.items; });
+  EXPECT_EQ(layer(topNumber).items, top.items);
+  EXPECT_EQ(view("undone.png"), board) << "undo gives the first picture back";
+
+  // Tools > Mirror along X twice leaves the layer as it was.
+  HostDriver::choose("M_Edit", "t", "M_FlipLayer_0");
+  waitUntil([&] { return view("mirrored.png") != board; });
+  EXPECT_NE(view("mirrored.png"), board);
+  EXPECT_EQ(layer(topNumber).items, top.items);
+  HostDriver::choose("M_Edit", "t", "M_FlipLayer_0");
+  waitUntil([&] { return view("back.png") == board; });
+  EXPECT_EQ(view("back.png"), board) << "a second mirror gives the layer back";
+}
+
+}  // namespace
