@@ -84,11 +84,11 @@ TEST_F(UserRoad, AGerberFileIntoALayerThenADrillFile) {
   rows = rowsWhen([](auto& r) { return r["#rows"] == "NONE"; });
   EXPECT_EQ(rows["#rows"], "NONE") << "the import window is still up";
 
-  // A drill file from the main window's file menu lands on the drill layer at once.
+  // A drill file from the main window's Tools menu lands on the drill layer at once.
   const QString main = visibleWindow("Viewer & Import");
   ASSERT_FALSE(main.isEmpty());
   xdo({"windowfocus", "--sync", main});
-  xdo({"key", "alt+f"});
+  xdo({"key", "alt+t"});
   xdo({"key", "i"});
   typeIntoFileRequest(drill);
   rows = rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
