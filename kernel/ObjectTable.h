@@ -7,6 +7,7 @@
 // for a long time. A handle is only ever accepted for the kind it was made for.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -27,6 +28,14 @@ enum class ObjectKind : uint8_t {
   Map,
 };
 
+// Room for more elements than v holds now. Capacity grows by half at least, so that calls that
+// add a little at a time do not copy the vector each time.
+template <typename T> void reserveMore(std::vector<T>& v, size_t more) {
+  const size_t wanted = v.size() + more;
+  if (wanted > v.capacity())
+    v.reserve(std::max(wanted, v.capacity() + v.capacity() / 2));
+}
+
 class ObjectTable {
 public:
   static constexpr uint32_t NotFound = UINT32_MAX;
@@ -35,9 +44,11 @@ public:
 
   // Registers an object of kind stored at poolIndex; returns its handle, 0 when the table is full.
   int32_t add(ObjectKind kind, uint32_t poolIndex);
-  // Makes room for count more slots at once, so that a large import does not copy the table
-  // again and again as it grows.
-  void reserve(size_t count) { slots_.reserve(slots_.size() + count); }
+  // Makes room for count more objects at once, so that a large import does not copy the table
+  // again and again as it grows; free slots count.
+  void reserve(size_t count) {
+    reserveMore(slots_, count > freeSlots_.size() ? count - freeSlots_.size() : 0);
+  }
   // Frees the handle's slot. Returns false for a handle that is not live.
   bool remove(int32_t handle);
 

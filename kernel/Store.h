@@ -87,6 +87,9 @@ public:
   ObjectHandle S_Symbol(SymbolId id) const;
   SymbolId S_CreateSymbol(SymbolId id, const std::string& name);
   SymbolId S_CopySymbol(SymbolId source, SymbolId target);
+  // Gives the symbol source the id target, in place of the symbol that had it, without a copy:
+  // source is free afterwards. Returns target, or 0 when there is no symbol source.
+  SymbolId S_MoveSymbol(SymbolId source, SymbolId target);
   ArrayHandle S_SymbolItemArray(SymbolId id) const;
   ArrayHandle S_SymbolEntryArray(SymbolId id) const;
   MapHandle S_SymbolPadStackMap(SymbolId id) const;

@@ -69,7 +69,8 @@ int32_t Store::I_ReadItem(ObjectHandle item, ItemRecord& record) const {
 }
 
 void Store::reserveItems(size_t count) {
-  impl_->items.data.reserve(impl_->items.data.size() + count);
+  auto& pool = impl_->items;
+  reserveMore(pool.data, count > pool.freeIndices.size() ? count - pool.freeIndices.size() : 0);
   impl_->table.reserve(count);
 }
 

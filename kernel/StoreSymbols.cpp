@@ -163,6 +163,24 @@ SymbolId Store::S_CreateSymbol(SymbolId id, const std::string& name) {
   return impl_->makeSymbol(id, name);
 }
 
+SymbolId Store::S_MoveSymbol(SymbolId source, SymbolId target) {
+  Impl& s = *impl_;
+  MapData* m = s.map(s.symbolMap);
+  if (!m || target == 0)
+    return 0;
+  auto it = m->objects.find(source);
+  if (it == m->objects.end())
+    return 0;
+  if (source == target)
+    return target;
+  const int32_t object = it->second;
+  m->objects.erase(it);
+  if (s.symbolById(target))
+    OM_Delete(mapHandle(s.symbolMap), target);
+  m->objects[target] = object;
+  return target;
+}
+
 SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
   Impl& s = *impl_;
   if (!s.symbolById(source))
@@ -177,14 +195,25 @@ SymbolId Store::S_CopySymbol(SymbolId source, SymbolId target) {
   // Fetch both records anew after each allocation: pools may move.
   s.symbolById(target)->attributes = s.symbolById(source)->attributes;
 
+  // Fields are read in place; only texts are copied as strings. The copy's array is sized once.
   auto copyItems = [&](ArrayHandle from, ArrayHandle to) {
-    for (int32_t i = 1, n = OA_GetCount(from); i <= n; ++i) {
-      ItemRecord r;
-      ObjectHandle original = OA_Object(from, i);
-      I_ReadItem(original, r);
-      bool text = r.Type == ItemVectorText || r.Type == ItemTrueTypeText;
-      ObjectHandle copy =
-          objectHandle(s.makeItem(r, text ? &r.Text : nullptr, text ? &r.Face : nullptr));
+    const int32_t n = OA_GetCount(from);
+    reserveItems(size_t(n));
+    s.array(to)->objects.reserve(size_t(n));
+    for (int32_t i = 1; i <= n; ++i) {
+      const std::string* text = nullptr;
+      const std::string* face = nullptr;
+      const ItemFields* original = itemFields(OA_Object(from, i), &text, &face);
+      if (!original)
+        continue;
+      const ItemFields fields = *original;  // the pool may move as the copy is made
+      ObjectHandle copy = ObjectHandle::None;
+      if (text || face) {
+        const std::string t = text ? *text : std::string(), f = face ? *face : std::string();
+        copy = objectHandle(s.makeItem(fields, &t, &f));
+      } else {
+        copy = objectHandle(s.makeItem(fields, nullptr, nullptr));
+      }
       OA_Add(to, copy);
     }
   };

@@ -403,9 +403,9 @@ void ElementEditor::DoUndo(SymbolId symbol, int32_t mode) {
     break;
   case undomode::Push:
     if (UndoDepth == UndoSlots) {
-      // The oldest copy is lost: each slot takes the one above it.
+      // The oldest copy is lost: each slot takes the one above it, handed down without a copy.
       for (int32_t n = 1; n < UndoSlots; ++n)
-        store_.S_CopySymbol(slot(n + 1), slot(n));
+        store_.S_MoveSymbol(slot(n + 1), slot(n));
     } else {
       ++UndoDepth;
     }
@@ -413,7 +413,8 @@ void ElementEditor::DoUndo(SymbolId symbol, int32_t mode) {
     break;
   case undomode::Pop:
     if (UndoDepth > 0) {
-      store_.S_CopySymbol(slot(UndoDepth), symbol);
+      // The slot is not needed again: its symbol becomes the layer's, without a copy.
+      store_.S_MoveSymbol(slot(UndoDepth), symbol);
       redraw_.RedrawScreen();
       --UndoDepth;
     }
