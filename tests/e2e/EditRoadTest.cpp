@@ -1,7 +1,8 @@
 // The editor of function 1 worked as the user does on the demo board: a click on a hole of the
 // drill layer names its size and tool; on the top copper "*DE", a click on a trace and Yes in the
 // pop-up at the pointer take the trace away; Ctrl+Z (Edit > UnDo) brings back the same picture;
-// Tools > Mirror along X twice leaves the layer as it was.
+// a box round a connector asks and deletes its pads; Tools > Mirror along X twice leaves the
+// layer as it was.
 #include "e2e/HostDriver.h"
 
 #include <QDir>
@@ -70,6 +71,26 @@ TEST_F(EditRoad, AHoleIsNamedATraceDeletedAndUndone) {
   waitUntil([&] { return layer(topNumber).items == top.items; });
   EXPECT_EQ(layer(topNumber).items, top.items);
   EXPECT_EQ(view("undone.png"), board) << "undo gives the first picture back";
+
+  // A box from beside the board round the connector J1: its pads go, the traces that leave it
+  // and the pour stay; undo brings them back.
+  clickAt(onTopCopper(-1.0, 9.0));
+  xdo({"mousemove", QString::number(onTopCopper(7.5, 19.5).x()),
+       QString::number(onTopCopper(7.5, 19.5).y())});
+  clickAt(onTopCopper(7.5, 19.5));
+  const QString question = visibleWindow("Fabrication Editor");
+  ASSERT_FALSE(question.isEmpty()) << "no question for the box";
+  xdo({"windowfocus", "--sync", question});
+  xdo({"key", "Return"});
+  waitUntil([&] { return layer(topNumber).items < top.items; });
+  const LayerFacts afterBox = layer(topNumber);
+  EXPECT_GE(top.items - afterBox.items, 4) << "J1's four pads";
+  EXPECT_EQ(std::tuple(afterBox.minX, afterBox.maxY), std::tuple(top.minX, top.maxY))
+      << "the pour, half inside, stays";
+  xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
+  xdo({"key", "ctrl+z"});
+  waitUntil([&] { return layer(topNumber).items == top.items; });
+  EXPECT_EQ(view("boxundone.png"), board);
 
   // Tools > Mirror along X twice leaves the layer as it was.
   HostDriver::choose("M_Edit", "t", "M_FlipLayer_0");
