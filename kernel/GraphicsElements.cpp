@@ -300,9 +300,10 @@ void Graphics::Impl::drawEntry(Device& d, SymbolId id, const EntryRecord& e) {
       FrameRect one;
       if (!store.I_FrameItem(store.OA_Object(items, i), one))
         continue;
-      f = any ? FrameRect{std::min(f.MinX, one.MinX), std::min(f.MinY, one.MinY),
-                          std::max(f.MaxX, one.MaxX), std::max(f.MaxY, one.MaxY)}
-              : one;
+      if (any)
+        f.unite(one);
+      else
+        f = one;
       any = true;
     }
     Box placed = placeBox({f.MinX, f.MinY, f.MaxX, f.MaxY}, place);

@@ -124,6 +124,13 @@ struct FrameRect {
 
   bool operator==(const FrameRect&) const = default;
   bool isEmpty() const { return MinX == 0 && MinY == 0 && MaxX == 0 && MaxY == 0; }
+  // Grows the frame to hold other as well.
+  void unite(const FrameRect& other) {
+    MinX = MinX < other.MinX ? MinX : other.MinX;
+    MinY = MinY < other.MinY ? MinY : other.MinY;
+    MaxX = MaxX > other.MaxX ? MaxX : other.MaxX;
+    MaxY = MaxY > other.MaxY ? MaxY : other.MaxY;
+  }
 };
 
 // Symbol ids that the system chooses.

@@ -106,15 +106,11 @@ void FrameLayers(Store& store, std::span<const LayerRecord> layers, FrameRect& f
   const auto unite = [&](const FrameRect& f) {
     if (f.isEmpty())
       return;
-    if (!any) {
+    if (any)
+      frame.unite(f);
+    else
       frame = f;
-      any = true;
-      return;
-    }
-    frame.MinX = std::min(frame.MinX, f.MinX);
-    frame.MinY = std::min(frame.MinY, f.MinY);
-    frame.MaxX = std::max(frame.MaxX, f.MaxX);
-    frame.MaxY = std::max(frame.MaxY, f.MaxY);
+    any = true;
   };
   for (const LayerRecord& layer : layers) {
     FrameRect f;

@@ -50,17 +50,6 @@ bool frameInBox(const FrameRect& frame, const FrameRect& box) {
                                      box.MaxY);
 }
 
-void grow(FrameRect& frame, const FrameRect& more, bool first) {
-  if (first) {
-    frame = more;
-    return;
-  }
-  frame.MinX = std::min(frame.MinX, more.MinX);
-  frame.MinY = std::min(frame.MinY, more.MinY);
-  frame.MaxX = std::max(frame.MaxX, more.MaxX);
-  frame.MaxY = std::max(frame.MaxY, more.MaxY);
-}
-
 // Every position of an array, for the walks when the box holds all of it.
 std::vector<int32_t> allPositions(const Store& store, ArrayHandle array) {
   std::vector<int32_t> positions(size_t(std::max(0, store.OA_GetCount(array))));
@@ -352,7 +341,10 @@ bool ElementEditor::DeleteInBox(SymbolId symbol, const FrameRect& box) {
     FrameRect frame, side;
     for (int32_t s = first; s <= last; ++s) {
       store_.I_FrameItem(store_.OA_Object(items, s), side);
-      grow(frame, side, s == first);
+      if (s == first)
+        frame = side;
+      else
+        frame.unite(side);
     }
     passed = last;
     if (!frameInBox(frame, box))
