@@ -54,6 +54,10 @@ void GBRVIEWER_MAIN::buildLayerCommands() {
   QMenu* menu = new QMenu("PCB &Layer", this);
   menu->setObjectName("M_ActiveCategory");
   menuBar()->addMenu(menu);
+  // The title over the layer rows.
+  QAction* title = menu->addAction("Select to view ..");
+  title->setObjectName("M_ActiveCategorySel");
+  title->setEnabled(false);
   for (int32_t n = 1; n <= LayerCount; ++n) {
     QAction* row = menu->addAction(QString());
     row->setObjectName(QString("M_ActiveCategories_%1").arg(n));
