@@ -161,7 +161,6 @@ TEST_F(ElementWriters, DiscsPassTheArcFilterOnlyWithTheBitOrForce) {
   EXPECT_EQ((std::array{disc.Type, disc.X, disc.Y, disc.Width, disc.LineWidth, disc.Link,
                         int(disc.Colour)}),
             (std::array<int32_t, 7>{ItemCircle, 100, 201, 50, 7, 10, LayerColour}));
-  EXPECT_EQ(disc.Attributes & (attr::Flashed | attr::Shown), attr::Flashed | attr::Shown);
 
   file.Tag = "|D10*|";
   writer().AddDisc(0, 0, 10, 0, StyleFilled, force::Disc, flashword::Single, 10);

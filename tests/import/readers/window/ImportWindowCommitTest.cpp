@@ -49,7 +49,6 @@ TEST(ImportWindowRows, AGerberFileWaitsForALayerThenShowsItsLayerAndFilterRows) 
   EXPECT_EQ(world.entries(1) + world.items(1).size(), 0u) << "nothing is imported yet";
 
   world.choose(world.layer(1).DisplayName);
-  EXPECT_EQ(world.session->state.DialogLayer, 1);
   EXPECT_EQ(world.items(1).size(), 3u);
   EXPECT_EQ(world.row("AF_ICL").Swatch, world.layer(1).ColourRgb);
   EXPECT_EQ(world.row("AFS_XO").Value, "0.0000\"");
@@ -85,7 +84,6 @@ TEST(ImportWindowRows, ADrillFileIsImportedAtOnceWithItsToolsEditable) {
   test::ImportWindowWorld world;
   world.open("holes.drl", test::ThreeHoles);
   ASSERT_EQ(world.session->state.Job.Kind, ImportKind::ExcellonFormatTwo);
-  EXPECT_EQ(world.session->state.DialogLayer, 31);
   EXPECT_GT(world.entries(31), 0) << "imported at once";
   EXPECT_EQ(world.keys(), (Keys{"IMP_FLEN", "IMP_FLET", "(group)", "(info)", "(info)", "(info)",
                                 "(group)", "IMP_LAYER", "AF_ICL", "AFS_XO", "AFS_YO",
