@@ -218,9 +218,18 @@ protected:
   void typeIntoFileRequest(const QString& path) {
     const QString request = visibleWindow("Select File for Import");
     ASSERT_FALSE(request.isEmpty()) << "no file request";
-    xdo({"windowfocus", "--sync", request});
-    xdo({"type", "--delay", "5", path});
-    xdo({"key", "Return"});
+    // On a loaded machine (a sanitizer build) the first keys can reach the request before its
+    // name field has the focus: the name is typed again while the request stays.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+      xdo({"windowfocus", "--sync", request});
+      xdo({"key", "ctrl+a"});
+      xdo({"type", "--delay", "5", path});
+      xdo({"key", "Return"});
+      if (waitUntil([&] {
+            return xdo({"search", "--onlyvisible", "--name", "Select File for Import"}).isEmpty();
+          }))
+        return;
+    }
   }
 
   // Sends a host query and gathers the answer lines up to the one that holds last.
@@ -257,9 +266,10 @@ protected:
     }
     return rows;
   }
+  // The import window's rows once ok holds; a sanitizer build may take long to scan and show.
   std::map<QString, QString> rowsWhen(const std::function<bool(std::map<QString, QString>&)>& ok) {
     std::map<QString, QString> rows;
-    waitUntil([&] { return ok(rows = importRows()); });
+    waitUntil([&] { return ok(rows = importRows()); }, 30000);
     return rows;
   }
   QString messageLine() {
