@@ -1,6 +1,9 @@
 // Devices, passes, pens and colours of the drawing engine.
 #include "kernel/GraphicsImpl.h"
 
+#include <QFont>
+#include <QFontMetricsF>
+#include <QImage>
 #include <QPaintDevice>
 
 #include <algorithm>
@@ -46,6 +49,7 @@ int32_t Graphics::G_DeleteDC(int32_t dev) {
   if (d->painter && d->painter->isActive())
     d->painter->end();
   impl_->devices[size_t(dev) - 1].reset();
+  textModes_.erase(dev);
   return 1;
 }
 
@@ -265,6 +269,72 @@ void Graphics::Impl::applyPen(Device& d, int32_t colour, int32_t style, int32_t 
   d.painter->setPen(pen);
   bool filled = (style & penstyle::Filled) && !skeleton;
   d.painter->setBrush(filled ? QBrush(c) : Qt::NoBrush);
+}
+
+int32_t Graphics::G_SetTextMode(int32_t dev, int32_t horizontal, int32_t vertical,
+                                int32_t transparent) {
+  if (!impl_->device(dev))
+    return 0;
+  TextMode& mode = textModes_[dev];
+  mode.horizontal = std::clamp(horizontal, 0, 2);
+  mode.vertical = std::clamp(vertical, 0, 2);
+  mode.transparent = transparent != 0;
+  return 1;
+}
+
+int32_t Graphics::G_SetTextMirror(int32_t dev, int32_t mirror) {
+  if (!impl_->device(dev))
+    return 0;
+  textModes_[dev].mirror = mirror != 0;
+  return 1;
+}
+
+int32_t Graphics::G_PixelText(int32_t dev, int32_t x, int32_t y, int32_t pixelSize,
+                              const std::string& text) {
+  Device* d = impl_->paintingDevice(dev);
+  if (!d || pixelSize <= 0 || text.empty() || !impl_->canPaint(*d))
+    return 0;
+  const auto found = textModes_.find(dev);
+  const TextMode mode = found == textModes_.end() ? TextMode{} : found->second;
+  QPainter& painter = *d->painter;
+  painter.save();
+  QFont font = painter.font();
+  font.setPixelSize(pixelSize);
+  // Pixel text is small: its glyphs are set on whole pixels, unsmoothed, so that exclusive-or
+  // text sets the same pixels twice and a mirrored text is its plain one turned over.
+  font.setStyleStrategy(QFont::NoAntialias);
+  font.setHintingPreference(QFont::PreferFullHinting);
+  painter.setFont(font);
+  painter.setRenderHint(QPainter::TextAntialiasing, false);
+  const QString label = QString::fromStdString(text);
+  const QFontMetricsF metrics(font, d->target);
+  const QSize size(int(std::ceil(metrics.horizontalAdvance(label))),
+                   int(std::ceil(metrics.height())));
+  if (size.isEmpty()) {
+    painter.restore();
+    return 0;
+  }
+  const QPointF at = d->toDevice(x, y);
+  const QPointF corner(std::round(at.x() - size.width() * mode.horizontal / 2.0),
+                       std::round(at.y() - size.height() * mode.vertical / 2.0));
+  if (!mode.transparent)
+    painter.fillRect(QRectF(corner, QSizeF(size)), QColor::fromRgb(impl_->qrgbOf(*d, 128)));
+  // The glyphs are set apart and turned over as a picture, so that a mirrored text is exactly
+  // its plain one read backwards.
+  QImage glyphs(size, QImage::Format_ARGB32_Premultiplied);
+  glyphs.fill(Qt::transparent);
+  {
+    QPainter setter(&glyphs);
+    setter.setRenderHint(QPainter::TextAntialiasing, false);
+    setter.setFont(font);
+    setter.setPen(QColor::fromRgb(impl_->qrgbOf(*d, d->colour)));
+    setter.drawText(QPointF(0, metrics.ascent()), label);
+  }
+  if (mode.mirror)
+    glyphs = glyphs.mirrored(true, false);
+  painter.drawImage(corner, glyphs);
+  painter.restore();
+  return 1;
 }
 
 int32_t Graphics::G_DPtoLP(int32_t dev, int32_t& x, int32_t& y) const {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 class QCursor;
 class QPaintDevice;
@@ -86,6 +87,18 @@ public:
   virtual int32_t G_SetWidth(int32_t dev, int32_t width);
   virtual int32_t G_SetDrawMode(int32_t dev, int32_t mode);
 
+  // Text of a pixel size. G_SetTextMode sets how later texts stand at their point: horizontal
+  // 0 left, 1 centre, 2 right; vertical 0 top, 1 middle, 2 bottom; transparent 1 draws the
+  // glyphs alone, 0 on a box of the background colour. G_SetTextMirror(dev, 1) writes the glyphs
+  // turned over left to right within their box, as a mirrored view shows them. Both stay until
+  // set again.
+  virtual int32_t G_SetTextMode(int32_t dev, int32_t horizontal, int32_t vertical,
+                                int32_t transparent);
+  virtual int32_t G_SetTextMirror(int32_t dev, int32_t mirror);
+  // Writes text at a store point, pixelSize pixels high, in the pen's colour and draw mode.
+  virtual int32_t G_PixelText(int32_t dev, int32_t x, int32_t y, int32_t pixelSize,
+                              const std::string& text);
+
   // Shapes in store units.
   virtual int32_t G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2);
   virtual int32_t G_Rectangle(int32_t dev, int32_t x, int32_t y, int32_t width, int32_t height);
@@ -149,8 +162,16 @@ public:
   class Impl;
 
 private:
+  struct TextMode {
+    int32_t horizontal = 0;
+    int32_t vertical = 0;
+    bool transparent = true;
+    bool mirror = false;
+  };
+
   std::unique_ptr<Impl> impl_;
   int32_t nodeView_ = 1;
+  std::unordered_map<int32_t, TextMode> textModes_;
 };
 
 }  // namespace tvx
