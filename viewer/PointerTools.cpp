@@ -319,6 +319,7 @@ void PointerTools::FinishMove(int32_t x, int32_t y) {
     break;
   case toolcode::Distance:
   case toolcode::Alignment:
+    callHook(hooks.endMeasuringTool, code);
     if (!noChange)
       callHook(hooks.finishMeasuringTool, code, x, y);
     break;

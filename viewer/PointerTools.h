@@ -76,6 +76,8 @@ struct PointerHooks {
   // The rubber figure of tools 700 and 800, and their ends (measuring).
   std::function<void(int32_t tool, int32_t shift, int32_t x, int32_t y)> drawToolFigure;
   std::function<void(int32_t tool, int32_t x, int32_t y)> finishMeasuringTool;
+  // Every end of tools 700 and 800, before their effect: the figure goes.
+  std::function<void(int32_t tool)> endMeasuringTool;
   // Tool 302: deletes within the box; true when something was deleted.
   std::function<bool(int32_t sx, int32_t sy, int32_t ex, int32_t ey)> boxDelete;
   // Tool 1 ends: the working layer's rows become visible.
