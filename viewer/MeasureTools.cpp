@@ -119,8 +119,8 @@ int32_t MeasureTools::SelectBlock(int32_t mode, int32_t x, int32_t y) {
       record = editor_.Current.Record;
     const KeyPoints keys = ElementKeyPoints(record, x, y, editor_.Current.Vertices);
     FrameRect frame, entries;
-    const bool hasItems = store_.S_FrameSymbolItems(symbol, 0, frame) > 0;
-    if (store_.S_FrameSymbolEntries(symbol, 0, entries) > 0) {
+    const bool hasItems = store_.S_FrameSymbolItems(symbol, -1, frame) > 0;
+    if (store_.S_FrameSymbolEntries(symbol, -1, entries) > 0) {
       if (hasItems)
         frame.unite(entries);
       else

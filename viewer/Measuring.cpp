@@ -214,6 +214,14 @@ void Measuring::DrawReferencePoint(int32_t dc, int32_t /*drawMode*/) {
 void Measuring::SetReferencePoint(int32_t mode) {
   if (redraw_.RedrawBusy || pointer_.toolRunning())
     return;
+  const ReferencePointState before = ReferencePoint;
+  placeReferencePoint(mode);
+  // A ruler that counts from the point counts from the new one, or from 0, 0 without one.
+  if (MeasureMode == measuremode::ReferencePoint && !(ReferencePoint == before))
+    renewRuler();
+}
+
+void Measuring::placeReferencePoint(int32_t mode) {
   if (ReferencePoint.Set && view_.OpenView(1)) {
     DrawReferencePoint(view_.device(), drawmode::Normal | drawmode::ExclusiveOr);
     graphics_.G_CloseDC(view_.device(), 0);

@@ -58,6 +58,8 @@ struct ReferencePointState {
   bool Set = false;
   int32_t X = 0;
   int32_t Y = 0;
+
+  bool operator==(const ReferencePointState&) const = default;
 };
 
 // What measuring asks of the window. Every hook may be left empty.
@@ -141,6 +143,8 @@ private:
   // The ruler again after a change of its calibration or origin: the picture is rebuilt, which
   // draws it anew.
   void renewRuler();
+  // SetReferencePoint without the ruler's renewal.
+  void placeReferencePoint(int32_t mode);
   // Asks for a number through the combo prompt; false when the answer was empty.
   bool askNumber(const measuremsg::Text& prompt, double current, const char* rows, double& value);
 

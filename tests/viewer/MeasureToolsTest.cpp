@@ -207,6 +207,11 @@ TEST_F(MeasureToolsTest, AlignmentByEachOptionAndUndo) {
     EXPECT_EQ((std::array<int32_t, 2>{tools.ToolStartX, tools.ToolStartY}),
               (std::array<int32_t, 2>{Mm, Mm}))
         << c.name;
+    // The block is the whole working layer: the circle's left and lower edges to the line's end.
+    EXPECT_EQ((std::array<int32_t, 4>{measure.Block.BlockCornerX, measure.Block.BlockCornerY,
+                                      measure.Block.BlockWidth, measure.Block.BlockHeight}),
+              (std::array<int32_t, 4>{Mm / 2, Mm / 2, 7 * Mm - Mm / 2, 5 * Mm - Mm / 2}))
+        << c.name;
     moveTo(2 * Mm, 2 * Mm);
     moveTo(c.end[0], c.end[1]);
     EXPECT_EQ(redraw.MessageLine.rfind("Alignment vector Dx=", 0), 0u) << c.name;
