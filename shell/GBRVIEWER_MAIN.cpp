@@ -12,6 +12,8 @@
 #include "shell/Language.h"
 #include "viewer/ElementEditor.h"
 #include "viewer/LayerCommands.h"
+#include "viewer/MeasureTools.h"
+#include "viewer/Measuring.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -107,6 +109,7 @@ GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
   buildMenus();
   buildPointerInput();
   wireElementEditor();
+  buildMeasuring();
 }
 
 GBRVIEWER_MAIN::~GBRVIEWER_MAIN() = default;
@@ -208,6 +211,7 @@ void GBRVIEWER_MAIN::buildMenus() {
 
   buildToolsMenu();
   buildLayerCommands();
+  buildPreferencesMenu();
 
   QMenu* help = menuBar()->addMenu("&Help");
   help->setObjectName("M_Help");
@@ -231,6 +235,7 @@ void GBRVIEWER_MAIN::syncMenuChecks() {
   check("M_Mirror", redraw_->isChecked(DisplayOption::Mirror));
   check("M_Mono", redraw_->isChecked(DisplayOption::Mono));
   check("M_Sbars", view_->ScrollBarsOn);
+  syncMeasureChecks();
 }
 
 void GBRVIEWER_MAIN::toggleDisplay(DisplayOption option) {
@@ -327,7 +332,8 @@ void GBRVIEWER_MAIN::applyViewChange(const ViewChange& change) {
     syncScrollBars();
   if (change.UnitTool)
     syncMenuChecks();
-  if (change.Redraw)
+  // The ruler in another unit: the rebuild draws it anew over the artwork it covered.
+  if (change.Redraw || (view_->RulerOn && (change.EraseRulerUnit >= 0 || change.DrawRuler)))
     RedrawScreen();
   if (change.FocusView)
     viewPicture_->setFocus();

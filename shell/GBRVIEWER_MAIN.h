@@ -37,6 +37,8 @@ class QCloseEvent;
 class QFileDialog;
 class QKeyEvent;
 class QLabel;
+class QLineEdit;
+class QToolBar;
 class QScrollBar;
 class QToolButton;
 class QWheelEvent;
@@ -49,6 +51,8 @@ class HelpWindow;
 class ElementEditor;
 class ImportSession;
 class LayerCommands;
+class MeasureTools;
+class Measuring;
 class UserStore;
 class ViewPicture;
 
@@ -176,6 +180,11 @@ public:
   bool pointerToolActive() const { return pointer_->ToolCode > toolcode::LayerProperties; }
   // Asks yes or no through the pop-up menu M_Conf at a view pixel; closing it answers no.
   bool ConfirmYESNO(const std::string& text, int32_t X, int32_t Y);
+  // Measuring: the panels, the reference point, the ruler and the two tools (MainMeasure.cpp).
+  Measuring& measuring() { return *measuring_; }
+  MeasureTools& measureTools() { return *measureTools_; }
+  // The texts of the position band's two panels.
+  std::string positionText(bool y) const;
   void M_BScopy_Click();
   void M_LCursor_Click();
   // Set by the import dialog while it is loaded and visible.
@@ -263,6 +272,15 @@ private:
   GBRVIEWER_IMPORT& loadImportWindow();
   // Pointer, keys and wheel (MainPointer.cpp).
   void buildPointerInput();
+  // Measuring and what hangs on it: the Preferences menu, the ruler's entry in View, the
+  // position band, the pointer's and the keys' hooks (MainMeasure.cpp).
+  void buildMeasuring();
+  void buildPreferencesMenu();
+  void buildPositionBand();
+  void syncMeasureChecks();
+  // Reads RULER_TYPE, RULER_TYPE_CUSTOM and MEASURE into measuring; gives the first two back.
+  void applyMeasureSettings();
+  void takeMeasureSettings();
   void viewPointer(int action, int button, int shift, double x, double y);
   bool routeKey(QKeyEvent* event);
   bool routeWheel(QObject* watched, QWheelEvent* event);
@@ -297,6 +315,11 @@ private:
   std::unique_ptr<ImportSession> import_;
   std::unique_ptr<LayerCommands> layerCommands_;
   std::unique_ptr<ElementEditor> editor_;
+  std::unique_ptr<Measuring> measuring_;
+  std::unique_ptr<MeasureTools> measureTools_;
+  QToolBar* positionBand_ = nullptr;
+  QLineEdit* xPosPanel_ = nullptr;
+  QLineEdit* yPosPanel_ = nullptr;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer
   ViewerSettings settings_;
   FunctionTable functions_{};
@@ -319,7 +342,6 @@ private:
   std::array<int32_t, 2> cursors_{};
   double minWidth_ = 0;
   double minHeight_ = 0;
-  int32_t measureMode_ = 0;
   std::string busyPicture_;
   std::string appPath_;
   std::string sysDir_;

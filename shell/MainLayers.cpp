@@ -7,6 +7,7 @@
 #include "store/widgets/GBRVIEWER_GIESVC.h"
 #include "viewer/KeyboardInput.h"
 #include "viewer/LayerCommands.h"
+#include "viewer/Measuring.h"
 #include "viewer/Redraw.h"
 
 #include <QAction>
@@ -40,8 +41,10 @@ void GBRVIEWER_MAIN::buildLayerCommands() {
   h.endTool = [this] { Form_KeyDown(keycode::Escape, 0); };
   h.redraw = [this] { RedrawScreen(); };
   h.applySystemSettings = [this] {
-    // Every layer afresh and empty.
+    // Every layer afresh and empty, and no reference point on them.
     layersBuilt_ = false;
+    if (measuring_)
+      measuring_->clearReferencePoint();
     ApplySystemSettings();
   };
   h.selectFunctionOne = [this] {

@@ -53,6 +53,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
       if (userStore_)
         SaveWindowPlace(*userStore_, *this);
       takeFromView(*view_, settings_);
+      takeMeasureSettings();
       settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;
       settings_.GRID = kernel.graphics.G_GetGridMode(cpDcId_);
       settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;

@@ -51,7 +51,6 @@ void GBRVIEWER_MAIN::resetMembers() {
   currentFunction_ = 0;
   cpDcId_ = 0;
   cursors_ = {};
-  measureMode_ = 0;
   languagePath_.clear();
   sysName_.clear();
   helpFile_.clear();
@@ -139,6 +138,7 @@ void GBRVIEWER_MAIN::Form_Load() {
   // The unit words of the display are those of viewer/DisplayUnits.h.
   readViewerSettings(services, settings_);
   applyToView(settings_, *view_);
+  applyMeasureSettings();
   redraw_->RememberedViewFlags = view_->ViewFlags;
   redraw_->RememberedMonoFlags = view_->MonoFlags;
   currentFunction_ = 0;
@@ -250,7 +250,6 @@ void GBRVIEWER_MAIN::ApplySystemSettings() {
   syncMenuChecks();
   if (view_->m_Precision == 0)
     applyViewChange(view_->takeDefaultPrecision());
-  measureMode_ = settings_.MEASURE;
 
   M_FSI_Click(1);
   kernel.graphics.G_ChangeBackgroundColor(cpDcId_, colours_->backgroundColour());

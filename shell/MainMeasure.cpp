@@ -1,0 +1,256 @@
+// Measuring in the main window: the Preferences menu (zoom factor, ruler calibration, the origin
+// of the coordinates), the ruler's entry in View, the position band with its two panels, and the
+// hooks that bind the pointer, the keys and the element editor to the widget-free Measuring and
+// MeasureTools.
+#include "shell/GBRVIEWER_MAIN.h"
+
+#include "import/readers/ImportSession.h"
+#include "kernel/Kernel.h"
+#include "platform/SystemServices.h"
+#include "viewer/ElementEditor.h"
+#include "viewer/MeasureTools.h"
+#include "viewer/Measuring.h"
+#include "viewer/widgets/ViewPicture.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace tvx {
+
+namespace {
+
+constexpr const char* RulerRows[] = {"Auto", "Fixed", "Grid", "Custom..."};
+constexpr const char* OriginRows[] = {"&Centre", "&Board Datum", "&Reference Point"};
+// The position panels are wide enough for "X= -1234.5678"".
+constexpr int PositionPanelChars = 15;
+
+QString localText(const SystemServices& services, const measuremsg::Text& message) {
+  return QString::fromStdString(services.LocalMessage(message.text, message.id));
+}
+
+}  // namespace
+
+void GBRVIEWER_MAIN::buildPreferencesMenu() {
+  // The ruler's entry belongs to View.
+  if (QMenu* viewMenu = menuBar()->findChild<QMenu*>("M_View")) {
+    QAction* ruler = viewMenu->addAction("&Ruler");
+    ruler->setObjectName("M_Ruler");
+    ruler->setCheckable(true);
+    connect(ruler, &QAction::triggered, this, [this] { measuring_->M_Ruler_Click(); });
+  }
+
+  QMenu* prefs = menuBar()->addMenu("P&references");
+  prefs->setObjectName("M_Prefs");
+  QAction* zoom = prefs->addAction("Zoom In/Out Factor...");
+  zoom->setObjectName("M_ZoomFactor");
+  connect(zoom, &QAction::triggered, this, [this] { measuring_->M_ZoomFactor_Click(); });
+
+  QMenu* calibrate = prefs->addMenu("Calibrate Ruler");
+  calibrate->setObjectName("mnuCalibrateRuler");
+  for (int32_t index = 0; index < 4; ++index) {
+    QAction* row = calibrate->addAction(RulerRows[index]);
+    row->setObjectName(QString("mnuCalRulerType_%1").arg(index));
+    row->setCheckable(true);
+    connect(row, &QAction::triggered, this,
+            [this, index] { measuring_->mnuCalRulerType_Click(index); });
+  }
+
+  // The coordinates' entry names the kind the panels show; its rows choose their origin.
+  QMenu* coords = prefs->addMenu("X/Y Coords:");
+  coords->menuAction()->setObjectName("M_Coords");
+  coords->setObjectName("M_CoordsMenu");
+  for (int32_t index = 0; index < 3; ++index) {
+    QAction* row = coords->addAction(OriginRows[index]);
+    row->setObjectName(QString("M_XYmeasure_%1").arg(index));
+    row->setCheckable(true);
+    connect(row, &QAction::triggered, this,
+            [this, index] { measuring_->M_XYmeasure_Click(index); });
+  }
+}
+
+void GBRVIEWER_MAIN::buildPositionBand() {
+  const SystemServices& services = context_.services;
+  positionBand_ = addToolBar(QString::fromStdString(services.LocalMessage("Position", "6255")));
+  positionBand_->setObjectName("B_Position");
+  const auto panel = [this](const char* name) {
+    auto* field = new QLineEdit(positionBand_);
+    field->setObjectName(name);
+    field->setReadOnly(true);
+    field->setFocusPolicy(Qt::NoFocus);
+    field->setFixedWidth(field->fontMetrics().averageCharWidth() * PositionPanelChars);
+    positionBand_->addWidget(field);
+    return field;
+  };
+  xPosPanel_ = panel("ATB_XPos");
+  yPosPanel_ = panel("ATB_YPos");
+
+  QAction* distanceTool = positionBand_->addAction(
+      QString::fromStdString(services.LocalMessage("Measure distance", "62129") + " (SHIFT+M)"));
+  distanceTool->setObjectName("ATB_DistanceTool");
+  distanceTool->setCheckable(true);
+  distanceTool->setToolTip(QString::fromStdString(
+      services.LocalMessage("Measure distance from selected object", "62130") + " (SHIFT+M)"));
+  connect(distanceTool, &QAction::triggered, this, [this](bool checked) {
+    if (checked)
+      pointer_->armSelectObject();
+    else
+      pointer_->disarm();
+  });
+
+  // A drop-down tool: its rows are tools of their own, and it shows the chosen row's caption.
+  const auto dropDown = [this](const char* name, const QString& caption, const QString& tip) {
+    auto* button = new QToolButton(positionBand_);
+    button->setObjectName(name);
+    button->setText(caption);
+    button->setToolTip(tip);
+    button->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(button);
+    button->setMenu(menu);
+    positionBand_->addWidget(button);
+    return menu;
+  };
+  const auto row = [this](QMenu* menu, const char* name, const QString& caption, const QString& tip,
+                          auto handler) {
+    QAction* action = menu->addAction(caption);
+    action->setObjectName(name);
+    action->setToolTip(tip);
+    action->setCheckable(true);
+    connect(action, &QAction::triggered, this, handler);
+  };
+  const auto text = [&services](const char* id, const char* fallback) {
+    return QString::fromStdString(services.LocalMessage(fallback, id));
+  };
+  QMenu* units =
+      dropDown("ATB_Units", text("62127", "Units"), text("62128", "Set current working unit"));
+  row(units, "ATB_Inches", text("62174", "Inches"), text("62133", "View units in inches"),
+      [this] { M_Inches_Click(); });
+  row(units, "ATB_Millimeters", text("62175", "Millimeters"),
+      text("62134", "View units in millimeters"), [this] { M_Mm_Click(); });
+  QMenu* kinds = dropDown("ATB_Coordinates", text("62131", "Coordinates"),
+                          text("62132", "Set current coordinates (XY/Distance)"));
+  row(kinds, "ATB_XY", text("62176", "XY"), text("62135", "Set current coordinates in XY"),
+      [this] { measuring_->ATB_XY(); });
+  row(kinds, "ATB_Distance", text("62177", "Distance"),
+      text("62136", "Set current coordinates in Distance"), [this] { measuring_->ATB_Distance(); });
+}
+
+void GBRVIEWER_MAIN::buildMeasuring() {
+  Kernel& kernel = context_.kernel;
+  measuring_ = std::make_unique<Measuring>(kernel.graphics, context_.services, context_.prompts,
+                                           *view_, *redraw_, *pointer_);
+  measureTools_ =
+      std::make_unique<MeasureTools>(kernel.store, kernel.graphics, context_.services, *view_,
+                                     *redraw_, *tables_, *pointer_, *measuring_, *editor_);
+  buildPositionBand();
+
+  MeasureHooks& m = measuring_->hooks;
+  m.showPanels = [this](const std::string& x, const std::string& y) {
+    xPosPanel_->setText(QString::fromStdString(x));
+    yPosPanel_->setText(QString::fromStdString(y));
+  };
+  m.reportStatus = [this](int32_t status, const std::string& text) {
+    if (import_)
+      import_->reporter.ReportStatus(status, text);
+  };
+  m.repaint = [this] { viewPicture_->update(); };
+  m.heightPoints = [this] {
+    const QScreen* screen = viewPicture_->screen();
+    const double dpi = screen ? screen->logicalDotsPerInchY() : 96.0;
+    return viewPicture_->height() * 72.0 / (dpi > 0 ? dpi : 96.0);
+  };
+  m.syncChecks = [this] { syncMeasureChecks(); };
+
+  MeasureToolHooks& t = measureTools_->hooks;
+  t.optionChecked = [this](int32_t row) { return keys_->optionChecked(row); };
+
+  PointerHooks& p = pointer_->hooks;
+  p.showCoordinates = [this](int32_t x, int32_t y) { measuring_->pointerMoved(x, y); };
+  p.pickElement = [this](int32_t x, int32_t y) { return measureTools_->pickTarget(x, y); };
+  p.drawToolFigure = [this](int32_t tool, int32_t shift, int32_t x, int32_t y) {
+    measureTools_->drawFigure(tool, shift, x, y);
+  };
+  p.endMeasuringTool = [this](int32_t tool) { measureTools_->end(tool); };
+  p.finishMeasuringTool = [this](int32_t tool, int32_t x, int32_t y) {
+    measureTools_->finish(tool, x, y);
+  };
+  const auto previousCheck = p.checkTool;
+  p.checkTool = [this, previousCheck](ArmedTool tool, bool checked) {
+    if (previousCheck)
+      previousCheck(tool, checked);
+    if (tool == ArmedTool::SelectObject)
+      if (QAction* action = findChild<QAction*>("ATB_DistanceTool"))
+        action->setChecked(checked);
+  };
+
+  KeyboardHooks& k = keyboard_->hooks;
+  k.positionInput = [this](int32_t mode) { measuring_->SetReferencePoint(mode); };
+  k.referencePoint = [this](int32_t& x, int32_t& y) {
+    if (!measuring_->ReferencePoint.Set)
+      return false;
+    x = measuring_->ReferencePoint.X;
+    y = measuring_->ReferencePoint.Y;
+    return true;
+  };
+
+  editor_->hooks.startAlignment = [this](int32_t x, int32_t y) {
+    measureTools_->startAlignment(x, y);
+  };
+  syncMeasureChecks();
+}
+
+void GBRVIEWER_MAIN::syncMeasureChecks() {
+  if (!measuring_)
+    return;
+  const auto check = [this](const QString& name, bool on) {
+    if (QAction* action = findChild<QAction*>(name))
+      action->setChecked(on);
+  };
+  check("M_Ruler", view_->RulerOn);
+  for (int32_t index = 0; index < 4; ++index)
+    check(QString("mnuCalRulerType_%1").arg(index), measuring_->RulerType == index);
+  for (int32_t index = 0; index < 3; ++index)
+    check(QString("M_XYmeasure_%1").arg(index), measuring_->MeasureMode == index);
+  const bool distance = measuring_->DistanceDisplay;
+  check("ATB_XY", !distance);
+  check("ATB_Distance", distance);
+  check("ATB_Inches", view_->DisplayUnit != displayunit::Millimetre);
+  check("ATB_Millimeters", view_->DisplayUnit == displayunit::Millimetre);
+  const SystemServices& services = context_.services;
+  if (QAction* coords = findChild<QAction*>("M_Coords"))
+    coords->setText(localText(services, distance ? measuremsg::Distance : measuremsg::Coords));
+  if (auto* kinds = findChild<QToolButton*>("ATB_Coordinates"))
+    kinds->setText(distance ? QString::fromStdString(services.LocalMessage("Distance", "62177"))
+                            : QString::fromStdString(services.LocalMessage("XY", "62176")));
+  if (auto* units = findChild<QToolButton*>("ATB_Units"))
+    units->setText(view_->DisplayUnit == displayunit::Millimetre
+                       ? QString::fromStdString(services.LocalMessage("Millimeters", "62175"))
+                       : QString::fromStdString(services.LocalMessage("Inches", "62174")));
+}
+
+void GBRVIEWER_MAIN::applyMeasureSettings() {
+  measuring_->RulerType = std::clamp(settings_.RULER_TYPE, 0, 3);
+  measuring_->RulerCustomStep = settings_.RULER_TYPE_CUSTOM;
+  measuring_->MeasureMode = std::clamp(settings_.MEASURE, 0, 2);
+  if (QAction* zoom = menuEntry("M_ZoomFactor"))
+    zoom->setText(QString::fromStdString(
+        context_.services.LocalMessage("Zoom In/Out Factor", "62444") + "..."));
+  syncMeasureChecks();
+}
+
+void GBRVIEWER_MAIN::takeMeasureSettings() {
+  settings_.RULER_TYPE = measuring_->RulerType;
+  settings_.RULER_TYPE_CUSTOM = measuring_->RulerCustomStep;
+}
+
+std::string GBRVIEWER_MAIN::positionText(bool y) const {
+  const QLineEdit* panel = y ? yPosPanel_ : xPosPanel_;
+  return panel ? panel->text().toStdString() : std::string();
+}
+
+}  // namespace tvx
