@@ -135,7 +135,8 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
                                std::to_string(window->view().ViewCenterX) + "," +
                                std::to_string(window->view().ViewCenterY) + "," +
                                std::to_string(window->pointerTools().ToolCode) + "\t" +
-                               window->MessageLine()
+                               window->MessageLine() + "\t" + window->positionText(false) + "\t" +
+                               window->positionText(true)
                          : std::string("VIEWSTATE,NONE"));
   } else if (query == "CLIPBOARD") {
     const QImage image = QGuiApplication::clipboard()->image();

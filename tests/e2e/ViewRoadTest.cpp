@@ -35,7 +35,7 @@ protected:
       now.centreY = fields[3].toLongLong();
       now.tool = fields[4].toInt();
     }
-    now.message = answer.section('\t', 1);
+    now.message = answer.section('\t', 1, 1);
     return now;
   }
   ViewNow stateWhen(const std::function<bool(const ViewNow&)>& ok) {
