@@ -6,6 +6,7 @@
 #include "support/CliProcess.h"
 
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -171,6 +172,12 @@ protected:
     environment.insert("XDG_RUNTIME_DIR", home.path());
     host.setProcessEnvironment(environment);
     host.setProcessChannelMode(QProcess::SeparateChannels);
+    // The roads measure the artwork's ink in the view's pictures: the ruler, on by default,
+    // starts off (the other view options as by default). The measuring road turns it on.
+    QDir().mkpath(home.filePath("config/tarvex"));
+    QFile settings(home.filePath("config/tarvex/tarvex.ini"));
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write("[GBRVIEWER]\r\nVIEW=0,1,1,0,0,0,1\r\n");
   }
   void TearDown() override { stop(); }
 
