@@ -21,6 +21,8 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include <span>
+
 namespace tvx {
 
 namespace {
@@ -51,27 +53,25 @@ void GBRVIEWER_MAIN::buildPreferencesMenu() {
   zoom->setObjectName("M_ZoomFactor");
   connect(zoom, &QAction::triggered, this, [this] { measuring_->M_ZoomFactor_Click(); });
 
+  // A row array: checkable rows named prefix_index, each calling handler with its index.
+  const auto rowArray = [this](QMenu* menu, const char* prefix, std::span<const char* const> rows,
+                               void (Measuring::*handler)(int32_t)) {
+    for (int32_t index = 0; index < int32_t(rows.size()); ++index) {
+      QAction* row = menu->addAction(rows[size_t(index)]);
+      row->setObjectName(QString("%1_%2").arg(prefix).arg(index));
+      row->setCheckable(true);
+      connect(row, &QAction::triggered, this,
+              [this, handler, index] { (measuring_.get()->*handler)(index); });
+    }
+  };
   QMenu* calibrate = prefs->addMenu("Calibrate Ruler");
   calibrate->setObjectName("mnuCalibrateRuler");
-  for (int32_t index = 0; index < 4; ++index) {
-    QAction* row = calibrate->addAction(RulerRows[index]);
-    row->setObjectName(QString("mnuCalRulerType_%1").arg(index));
-    row->setCheckable(true);
-    connect(row, &QAction::triggered, this,
-            [this, index] { measuring_->mnuCalRulerType_Click(index); });
-  }
-
+  rowArray(calibrate, "mnuCalRulerType", RulerRows, &Measuring::mnuCalRulerType_Click);
   // The coordinates' entry names the kind the panels show; its rows choose their origin.
   QMenu* coords = prefs->addMenu("X/Y Coords:");
   coords->menuAction()->setObjectName("M_Coords");
   coords->setObjectName("M_CoordsMenu");
-  for (int32_t index = 0; index < 3; ++index) {
-    QAction* row = coords->addAction(OriginRows[index]);
-    row->setObjectName(QString("M_XYmeasure_%1").arg(index));
-    row->setCheckable(true);
-    connect(row, &QAction::triggered, this,
-            [this, index] { measuring_->M_XYmeasure_Click(index); });
-  }
+  rowArray(coords, "M_XYmeasure", OriginRows, &Measuring::M_XYmeasure_Click);
 }
 
 void GBRVIEWER_MAIN::buildPositionBand() {

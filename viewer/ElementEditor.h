@@ -9,6 +9,7 @@
 #pragma once
 
 #include "kernel/KernelTypes.h"
+#include "viewer/MessageText.h"
 
 #include <cstdint>
 #include <functional>
@@ -25,10 +26,7 @@ struct LayerTables;
 
 // Message ids and default texts of the editor.
 namespace editmsg {
-struct Text {
-  const char* id;
-  const char* text;
-};
+using Text = MessageText;
 inline constexpr Text Polygon{"14578", "Polygon"};
 inline constexpr Text PolygonMacro{"2941", "Polygon (macro or special aperture)"};
 inline constexpr Text Line{"62321", "Line"};

@@ -8,6 +8,7 @@
 // goes with a rebuild.
 #pragma once
 
+#include "viewer/MessageText.h"
 #include "viewer/Ruler.h"
 
 #include <cstdint>
@@ -32,10 +33,7 @@ inline constexpr int32_t ReferencePoint = 2;
 
 // Message ids and default texts of measuring.
 namespace measuremsg {
-struct Text {
-  const char* id;
-  const char* text;
-};
+using Text = MessageText;
 inline constexpr Text Distance{"62102", "Distance:"};
 inline constexpr Text Coords{"6243", "X/Y Coords:"};
 inline constexpr Text SelectObject{"62100", "Select Object"};
