@@ -15,12 +15,7 @@ using test::waitUntil;
 
 class EditRoad : public test::HostDriver {
 protected:
-  // The demo board's top copper is centred on (20, 15) mm in file coordinates: a file point in
-  // millimetres is found in the view through the middle of the layer's frame.
-  QPoint onTopCopper(double fileX, double fileY) {
-    return screenPoint((top.minX + top.maxX) / 2 + long((fileX - 20.0) * 100000),
-                       (top.minY + top.maxY) / 2 + long((fileY - 15.0) * 100000));
-  }
+  QPoint onTopCopper(double fileX, double fileY) { return screenOnDemoBoard(top, fileX, fileY); }
   void clickAt(QPoint at) {
     xdo({"mousemove", QString::number(at.x()), QString::number(at.y())});
     xdo({"click", "1"});

@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <ostream>
@@ -153,6 +154,17 @@ struct MenuFacts {
   QStringList shown;
   QString checked;
   std::map<QString, std::pair<QString, ScreenRect>> places;
+};
+
+// What the host's VIEWSTATE tells: the view (centre's Y negated, as the view keeps it), the
+// running tool, the message line and the two position panels. Views are equal by place alone.
+struct ViewNow {
+  int64_t precision = 0, centreX = 0, centreY = 0;
+  int tool = -1;
+  QString message, xPanel, yPanel;
+  bool operator==(const ViewNow& o) const {
+    return precision == o.precision && centreX == o.centreX && centreY == o.centreY;
+  }
 };
 
 class HostDriver : public ::testing::Test {
@@ -330,6 +342,39 @@ protected:
     waitUntil([&] { return (place = menu(menuName).places[entry].second).valid(); });
     ASSERT_TRUE(place.valid()) << entry.toStdString();
     click(place, place.width / 2);
+  }
+  ViewNow viewNow() {
+    const QStringList lines = ask("TARVEX,VIEWSTATE", "VIEWSTATE");
+    ViewNow now;
+    if (lines.isEmpty())
+      return now;
+    const QString answer = lines.back().section('\t', 1);
+    const QStringList fields = answer.section('\t', 0, 0).split(',');
+    if (fields.size() == 5) {
+      now.precision = fields[1].toLongLong();
+      now.centreX = fields[2].toLongLong();
+      now.centreY = fields[3].toLongLong();
+      now.tool = fields[4].toInt();
+    }
+    now.message = answer.section('\t', 1, 1);
+    now.xPanel = answer.section('\t', 2, 2);
+    now.yPanel = answer.section('\t', 3, 3);
+    return now;
+  }
+  ViewNow viewNowWhen(const std::function<bool(const ViewNow&)>& ok) {
+    ViewNow now;
+    waitUntil([&] { return ok(now = viewNow()); });
+    return now;
+  }
+  // The demo board's top copper is centred on (20, 15) mm in file coordinates: a file point in
+  // millimetres is found in the world through the middle of the layer's frame.
+  static std::pair<long, long> onDemoBoard(const LayerFacts& top, double fileX, double fileY) {
+    return {(top.minX + top.maxX) / 2 + std::lround((fileX - 20.0) * 100000),
+            (top.minY + top.maxY) / 2 + std::lround((fileY - 15.0) * 100000)};
+  }
+  QPoint screenOnDemoBoard(const LayerFacts& top, double fileX, double fileY) {
+    const auto [worldX, worldY] = onDemoBoard(top, fileX, fileY);
+    return screenPoint(worldX, worldY);
   }
   // The screen point of a world point in the view as it stands.
   QPoint screenPoint(long worldX, long worldY) {

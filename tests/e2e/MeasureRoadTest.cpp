@@ -11,16 +11,10 @@ namespace {
 
 using test::LayerFacts;
 using test::ScreenRect;
+using test::ViewNow;
 using test::waitUntil;
 
 constexpr double StorePerInch = 2540000.0;
-
-// What the host's VIEWSTATE tells: precision, tool, the message line and the two panels.
-struct ViewNow {
-  double precision = 0;
-  int tool = -1;
-  QString message, xPanel, yPanel;
-};
 
 // The number of a panel's or message's length in inches: "X= 0.12345"" gives 0.12345.
 double inchesOf(const QString& text) {
@@ -31,37 +25,10 @@ double inchesOf(const QString& text) {
 
 class MeasureRoad : public test::HostDriver {
 protected:
-  ViewNow state() {
-    const QStringList lines = ask("TARVEX,VIEWSTATE", "VIEWSTATE");
-    ViewNow now;
-    if (lines.isEmpty())
-      return now;
-    const QString answer = lines.back().section('\t', 1);
-    const QStringList fields = answer.section('\t', 0, 0).split(',');
-    if (fields.size() == 5) {
-      now.precision = fields[1].toDouble();
-      now.tool = fields[4].toInt();
-    }
-    now.message = answer.section('\t', 1, 1);
-    now.xPanel = answer.section('\t', 2, 2);
-    now.yPanel = answer.section('\t', 3, 3);
-    return now;
-  }
-  ViewNow stateWhen(const std::function<bool(const ViewNow&)>& ok) {
-    ViewNow now;
-    waitUntil([&] { return ok(now = state()); });
-    return now;
-  }
-  // A file point of the top copper in millimetres, in world units: the layer's frame is centred
-  // on (20, 15) mm of the file.
   std::pair<long, long> world(double fileX, double fileY) const {
-    return {(top.minX + top.maxX) / 2 + long(std::lround((fileX - 20.0) * 100000)),
-            (top.minY + top.maxY) / 2 + long(std::lround((fileY - 15.0) * 100000))};
+    return onDemoBoard(top, fileX, fileY);
   }
-  QPoint at(double fileX, double fileY) {
-    const auto [worldX, worldY] = world(fileX, fileY);
-    return screenPoint(worldX, worldY);
-  }
+  QPoint at(double fileX, double fileY) { return screenOnDemoBoard(top, fileX, fileY); }
   void moveTo(QPoint p) { xdo({"mousemove", QString::number(p.x()), QString::number(p.y())}); }
 
   LayerFacts top;
@@ -95,7 +62,7 @@ TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
     moveTo(at(fx, fy) + QPoint(1, 0));
     moveTo(at(fx, fy));
     const auto [wx, wy] = world(fx, fy);
-    const ViewNow now = stateWhen([&](const ViewNow& v) {
+    const ViewNow now = viewNowWhen([&](const ViewNow& v) {
       return v.xPanel.startsWith("X= ") &&
              std::abs(inchesOf(v.xPanel) - wx / StorePerInch) < 2 * v.precision / StorePerInch;
     });
@@ -127,14 +94,14 @@ TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
   const QPoint trace = at(21.27, 9.3);
   moveTo(trace);
   xdo({"key", "shift+m"});
-  waitUntil([&] { return state().message == "Select Object"; });
+  waitUntil([&] { return viewNow().message == "Select Object"; });
   xdo({"click", "1"});
-  waitUntil([&] { return state().tool == 700; });
+  waitUntil([&] { return viewNow().tool == 700; });
   const QPoint off = at(24.27, 9.3);
   moveTo(off + QPoint(0, 1));
   moveTo(off);
   const ViewNow measured =
-      stateWhen([](const ViewNow& v) { return v.message.startsWith("Distance = "); });
+      viewNowWhen([](const ViewNow& v) { return v.message.startsWith("Distance = "); });
   ASSERT_TRUE(measured.message.startsWith("Distance = ")) << measured.message.toStdString();
   // The pointer's world X is what the panel shows; the trace's edge lies 0.7 mm right of its axis.
   const double edge = (world(21.27, 9.3).first + 70000) / StorePerInch;
@@ -147,7 +114,7 @@ TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
 
   xdo({"key", "Escape"});
   moveTo(off + QPoint(1, 1));
-  EXPECT_EQ(stateWhen([](const ViewNow& v) { return v.tool == 0; }).tool, 0);
+  EXPECT_EQ(viewNowWhen([](const ViewNow& v) { return v.tool == 0; }).tool, 0);
 }
 
 }  // namespace

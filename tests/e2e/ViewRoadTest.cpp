@@ -9,40 +9,11 @@
 namespace {
 
 using test::ScreenRect;
+using test::ViewNow;
 using test::waitUntil;
-
-struct ViewNow {
-  int64_t precision = 0, centreX = 0, centreY = 0;  // centreY negated, as the view keeps it
-  int tool = -1;
-  QString message;
-  bool operator==(const ViewNow& o) const {
-    return precision == o.precision && centreX == o.centreX && centreY == o.centreY;
-  }
-};
 
 class ViewRoad : public test::HostDriver {
 protected:
-  ViewNow state() {
-    const QStringList lines = ask("TARVEX,VIEWSTATE", "VIEWSTATE");
-    ViewNow now;
-    if (lines.isEmpty())
-      return now;
-    const QString answer = lines.back().section('\t', 1);
-    const QStringList fields = answer.section('\t', 0, 0).split(',');
-    if (fields.size() == 5) {
-      now.precision = fields[1].toLongLong();
-      now.centreX = fields[2].toLongLong();
-      now.centreY = fields[3].toLongLong();
-      now.tool = fields[4].toInt();
-    }
-    now.message = answer.section('\t', 1, 1);
-    return now;
-  }
-  ViewNow stateWhen(const std::function<bool(const ViewNow&)>& ok) {
-    ViewNow now;
-    waitUntil([&] { return ok(now = state()); });
-    return now;
-  }
   void moveTo(int toX, int toY) { xdo({"mousemove", QString::number(toX), QString::number(toY)}); }
 };
 
@@ -52,7 +23,7 @@ TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
     files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
   host.start(test::binary("tarvex-gbrviewer"), files);
   ASSERT_TRUE(host.waitForStarted(10000));
-  const ViewNow fit = stateWhen([](const ViewNow& v) { return v.precision > 0; });
+  const ViewNow fit = viewNowWhen([](const ViewNow& v) { return v.precision > 0; });
   const ScreenRect view = place("PLACE,ViewPicture", "PLACE,");
   ASSERT_TRUE(view.valid());
   const int midX = view.x + view.width / 2, midY = view.y + view.height / 2;
@@ -62,7 +33,7 @@ TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
   moveTo(px, py);
   xdo({"click", "5"});
   xdo({"click", "5"});
-  const ViewNow zoomed = stateWhen([&](const ViewNow& v) { return v.precision < fit.precision; });
+  const ViewNow zoomed = viewNowWhen([&](const ViewNow& v) { return v.precision < fit.precision; });
   const auto worldX = [&](const ViewNow& v) { return v.centreX + (px - midX) * v.precision; };
   EXPECT_NEAR(double(worldX(zoomed)), double(worldX(fit)), 2.0 * zoomed.precision);
 
@@ -72,7 +43,7 @@ TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
   for (int step = 1; step <= 5; ++step)
     moveTo(midX - 20 * step, midY + 10 * step);
   xdo({"mouseup", "2"});
-  const ViewNow panned = stateWhen([&](const ViewNow& v) { return v.centreX != zoomed.centreX; });
+  const ViewNow panned = viewNowWhen([&](const ViewNow& v) { return v.centreX != zoomed.centreX; });
   EXPECT_NEAR(double(panned.centreX - zoomed.centreX), 100.0 * zoomed.precision,
               2.0 * zoomed.precision);
   EXPECT_NEAR(double(panned.centreY - zoomed.centreY), -50.0 * zoomed.precision,
@@ -83,41 +54,41 @@ TEST_F(ViewRoad, WheelPanBoxTabAndEscape) {
   xdo({"key", "shift+b"});
   moveTo(midX - 60, midY - 40);
   xdo({"click", "1"});
-  ViewNow boxing = stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  ViewNow boxing = viewNowWhen([](const ViewNow& v) { return v.tool == 600; });
   EXPECT_EQ(boxing.tool, 600);
   moveTo(midX + 60, midY + 40);
   xdo({"click", "1"});
-  const ViewNow framed = stateWhen([&](const ViewNow& v) { return v.tool == 0; });
+  const ViewNow framed = viewNowWhen([&](const ViewNow& v) { return v.tool == 0; });
   EXPECT_LT(framed.precision, panned.precision);
   EXPECT_NEAR(double(framed.centreX), double(panned.centreX), 2.0 * panned.precision)
       << "the box was centred on the view";
   xdo({"key", "Tab"});
-  EXPECT_EQ(stateWhen([&](const ViewNow& v) { return v == panned; }), panned);
+  EXPECT_EQ(viewNowWhen([&](const ViewNow& v) { return v == panned; }), panned);
 
   // Shift+S and two clicks put that part of the picture on the clipboard.
   xdo({"key", "shift+s"});
   moveTo(midX - 50, midY - 30);
   xdo({"click", "1"});
-  stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  viewNowWhen([](const ViewNow& v) { return v.tool == 600; });
   moveTo(midX + 49, midY + 29);
   xdo({"click", "1"});
-  stateWhen([](const ViewNow& v) { return v.tool == 0; });
+  viewNowWhen([](const ViewNow& v) { return v.tool == 0; });
   QStringList copied;
   test::waitUntil([&] {
     copied = ask("TARVEX,CLIPBOARD", "CLIPBOARD,").back().section('\t', 1).split(',');
     return copied.value(1) != "0";
   });
   EXPECT_EQ(copied, (QStringList{"CLIPBOARD", "100", "60"}));
-  EXPECT_EQ(state(), panned) << "a box copy leaves the view";
+  EXPECT_EQ(viewNow(), panned) << "a box copy leaves the view";
 
   // Escape during a box ends it without effect and with nothing left armed.
   xdo({"key", "shift+b"});
   moveTo(midX - 60, midY - 40);
   xdo({"click", "1"});
-  stateWhen([](const ViewNow& v) { return v.tool == 600; });
+  viewNowWhen([](const ViewNow& v) { return v.tool == 600; });
   moveTo(midX + 30, midY + 30);
   xdo({"key", "Escape"});
-  const ViewNow escaped = stateWhen([](const ViewNow& v) { return v.tool == 0; });
+  const ViewNow escaped = viewNowWhen([](const ViewNow& v) { return v.tool == 0; });
   EXPECT_EQ(escaped, panned);
   EXPECT_EQ(escaped.message, "");
 }

@@ -9,7 +9,10 @@
 #include "platform/UserPrompts.h"
 #include "shell/ComponentContext.h"
 #include "shell/GBRVIEWER_MAIN.h"
+#include "shell/HostCommands.h"
 #include "shell/clsTVNGBRVIEWER.h"
+
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -57,6 +60,20 @@ protected:
   ComponentContext context{kernel, services, prompts};
   Sent sent;
   std::unique_ptr<clsTVNGBRVIEWER> component;
+};
+
+// A component whose settings file lies in a folder of the test's own.
+class SettingsFileTest : public ComponentTest {
+protected:
+  void SetUp() override {
+    ComponentTest::SetUp();
+    ASSERT_TRUE(folder.isValid());
+    ini = folder.filePath("tarvex.ini").toStdString();
+    kernel.strings.E_SetString(IniFileString, ini);
+  }
+
+  QTemporaryDir folder;
+  std::string ini;
 };
 
 inline const Sent& shutdownOnly() {

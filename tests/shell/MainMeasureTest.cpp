@@ -22,23 +22,14 @@
 namespace tvx::test {
 namespace {
 
-class MainMeasureTest : public ComponentTest {
+class MainMeasureTest : public SettingsFileTest {
 protected:
-  void SetUp() override {
-    ComponentTest::SetUp();
-    ASSERT_TRUE(folder.isValid());
-    ini = folder.filePath("tarvex.ini").toStdString();
-    kernel.strings.E_SetString(IniFileString, ini);
-  }
   void settings(const std::string& text) { std::ofstream(ini, std::ios::binary) << text; }
   QAction* action(const char* name) { return window()->findChild<QAction*>(name); }
   std::string panel(const char* name) {
     const auto* field = window()->findChild<QLineEdit*>(name);
     return field ? field->text().toStdString() : std::string("(none)");
   }
-
-  QTemporaryDir folder;
-  std::string ini;
 };
 
 TEST_F(MainMeasureTest, SettingsCheckTheirRowsAndTheCalibrationIsWritten) {
@@ -137,6 +128,12 @@ TEST_F(MainMeasureTest, BandPanelsToolsAndRuler) {
   w.Form_KeyDown(27, 0);
   EXPECT_FALSE(w.pointerTools().SelectObjectArmed);
   EXPECT_FALSE(action("ATB_DistanceTool")->isChecked());
+  // File > New, answered yes, takes the reference point with the layers.
+  w.measuring().ReferencePoint = {true, 100, 200};
+  w.M_New_Click();
+  EXPECT_FALSE(w.measuring().ReferencePoint.Set);
+  if (QFileDialog* request = w.fileRequest())
+    request->close();
   component->NotifyMe("TARVEX", "All,EX");
 }
 

@@ -28,13 +28,10 @@ namespace {
 constexpr const char* Drill = "M48\r\nINCH,TZ\r\nT1C0.04\r\n%\r\nT1\r\nX1000Y1000\r\nX5000Y1000\r\n"
                               "X3000Y4000\r\nM30\r\n";
 
-class MainWindowTest : public ComponentTest {
+class MainWindowTest : public SettingsFileTest {
 protected:
   void SetUp() override {
-    ComponentTest::SetUp();
-    ASSERT_TRUE(folder.isValid());
-    ini = folder.filePath("tarvex.ini").toStdString();
-    kernel.strings.E_SetString(IniFileString, ini);
+    SettingsFileTest::SetUp();
     window()->setUserStore(&places);
   }
 
@@ -51,8 +48,6 @@ protected:
     return places.GetSetting(UserStoreApplication, UserStoreSection, "GBRVIEWER_MAIN" + key, "");
   }
 
-  QTemporaryDir folder;
-  std::string ini;
   MemoryUserStore places;
 };
 
