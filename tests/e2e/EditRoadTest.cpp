@@ -25,12 +25,7 @@ protected:
 };
 
 TEST_F(EditRoad, AHoleIsNamedATraceDeletedAndUndone) {
-  QStringList files;
-  for (const char* name : {"demo-top.gbr", "demo.drl"})
-    files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
-  host.start(test::binary("tarvex-gbrviewer"), files);
-  ASSERT_TRUE(host.waitForStarted(10000));
-  waitUntil([&] { return messageLine().endsWith("Import successful"); });
+  startOnDemoBoard();
   int topNumber = 0;
   for (int n = 1; n < 31 && topNumber == 0; ++n)
     if ((top = layer(n)).items > 0)

@@ -343,6 +343,15 @@ protected:
     ASSERT_TRUE(place.valid()) << entry.toStdString();
     click(place, place.width / 2);
   }
+  // The host on the demo board's top copper and its drill file, both imported.
+  void startOnDemoBoard() {
+    QStringList files;
+    for (const char* name : {"demo-top.gbr", "demo.drl"})
+      files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
+    host.start(test::binary("tarvex-gbrviewer"), files);
+    ASSERT_TRUE(host.waitForStarted(10000));
+    waitUntil([&] { return messageLine().endsWith("Import successful"); });
+  }
   ViewNow viewNow() {
     const QStringList lines = ask("TARVEX,VIEWSTATE", "VIEWSTATE");
     ViewNow now;

@@ -35,12 +35,7 @@ protected:
 };
 
 TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
-  QStringList files;
-  for (const char* name : {"demo-top.gbr", "demo.drl"})
-    files << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
-  host.start(test::binary("tarvex-gbrviewer"), files);
-  ASSERT_TRUE(host.waitForStarted(10000));
-  waitUntil([&] { return messageLine().endsWith("Import successful"); });
+  startOnDemoBoard();
   for (int n = 1; n < 31 && top.items == 0; ++n)
     top = layer(n);
   ASSERT_GT(top.items, 0);
