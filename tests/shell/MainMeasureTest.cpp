@@ -116,11 +116,17 @@ TEST_F(MainMeasureTest, BandPanelsToolsAndRuler) {
   EXPECT_EQ(std::tuple(w.view().DisplayUnit, action("ATB_Inches")->isChecked(),
                        action("ATB_Millimeters")->isChecked(), action("M_Inches")->isChecked()),
             std::tuple(displayunit::Inch, true, false, true));
-  // The ruler: its entry's check follows RulerOn.
-  const bool before = w.view().RulerOn;
-  action("M_Ruler")->trigger();
-  EXPECT_EQ(std::tuple(w.view().RulerOn, action("M_Ruler")->isChecked()),
-            std::tuple(!before, !before));
+  // The ruler: its entry's check follows RulerOn; with it on a unit switch draws the picture
+  // again, so that the ruler counts in the new unit; without it the picture stays.
+  for (const bool on : {true, false}) {
+    action("M_Ruler")->trigger();
+    EXPECT_EQ(std::tuple(w.view().RulerOn, action("M_Ruler")->isChecked()), std::tuple(on, on));
+    for (const char* unit : {"ATB_Millimeters", "ATB_Inches"}) {
+      const int32_t rebuilds = w.redraw().rebuilds();
+      action(unit)->trigger();
+      EXPECT_EQ(w.redraw().rebuilds(), rebuilds + (on ? 1 : 0)) << unit << on;
+    }
+  }
   // The distance tool arms the pick and is checked until Escape disarms it.
   action("ATB_DistanceTool")->trigger();
   EXPECT_TRUE(w.pointerTools().SelectObjectArmed);
