@@ -158,7 +158,9 @@ void GBRVIEWER_MAIN::buildMeasuring() {
     if (import_)
       import_->reporter.ReportStatus(status, text);
   };
-  m.repaint = [this] { viewPicture_->update(); };
+  m.repaint = [this](int32_t x, int32_t y, int32_t width, int32_t height) {
+    viewPicture_->update(x, y, width, height);
+  };
   m.heightPoints = [this] {
     const QScreen* screen = viewPicture_->screen();
     const double dpi = screen ? screen->logicalDotsPerInchY() : 96.0;

@@ -109,14 +109,14 @@ void Measuring::ShowCoordinates(int32_t x, int32_t y) {
 void Measuring::pointerMoved(int32_t x, int32_t y) {
   ShowCoordinates(x, y);
   if (view_.RulerOn)
-    showOverlay([this, x, y](int32_t dc) { DrawRulerCursor(dc, x, y); });
+    showOverlay([this, x, y](int32_t dc) { DrawRulerCursor(dc, x, y); }, true);
   else if (overlay_)
     clearOverlay();
 }
 
 // --- Overlays -----------------------------------------------------------------------------------
 
-void Measuring::showOverlay(std::function<void(int32_t)> figure) {
+void Measuring::showOverlay(std::function<void(int32_t)> figure, bool inStrips) {
   if (!overlay_ && !figure)
     return;
   if (!view_.OpenView(1)) {
@@ -126,11 +126,25 @@ void Measuring::showOverlay(std::function<void(int32_t)> figure) {
   const int32_t dc = view_.device();
   if (overlay_)
     overlay_(dc);
+  // The ruler cursor changes the two strips alone: only they are shown again.
+  const bool strips = (overlayInStrips_ || !overlay_) && (inStrips || !figure);
   overlay_ = std::move(figure);
+  overlayInStrips_ = inStrips;
   if (overlay_)
     overlay_(dc);
   graphics_.G_CloseDC(dc, 0);
-  callHook(hooks.repaint);
+  if (!strips) {
+    repaintAll();
+    return;
+  }
+  const int32_t w = view_.pictureWidth(), h = view_.pictureHeight();
+  constexpr int32_t Strip = RulerCursorPixels + 1;
+  callHook(hooks.repaint, 0, 0, Strip, h);
+  callHook(hooks.repaint, 0, h - Strip, w, Strip);
+}
+
+void Measuring::repaintAll() {
+  callHook(hooks.repaint, 0, 0, view_.pictureWidth(), view_.pictureHeight());
 }
 
 int32_t Measuring::SetDrawStyle(int32_t kind, bool open) {
@@ -225,7 +239,7 @@ void Measuring::placeReferencePoint(int32_t mode) {
   if (ReferencePoint.Set && view_.OpenView(1)) {
     DrawReferencePoint(view_.device(), drawmode::Normal | drawmode::ExclusiveOr);
     graphics_.G_CloseDC(view_.device(), 0);
-    callHook(hooks.repaint);
+    repaintAll();
   }
   ReferencePoint.Set = false;
   int32_t x = pointer_.CursorX, y = pointer_.CursorY;
@@ -269,7 +283,7 @@ void Measuring::placeReferencePoint(int32_t mode) {
   ReferencePoint = {true, x, y};
   DrawReferencePoint(view_.device(), drawmode::Normal);
   graphics_.G_CloseDC(view_.device(), 0);
-  callHook(hooks.repaint);
+  repaintAll();
 }
 
 // --- Ruler --------------------------------------------------------------------------------------
@@ -334,7 +348,7 @@ void Measuring::M_Ruler_Click() {
     return;
   DrawRuler(view_.device(), drawmode::Normal);
   graphics_.G_CloseDC(view_.device(), 1);
-  callHook(hooks.repaint);
+  repaintAll();
 }
 
 bool Measuring::askNumber(const measuremsg::Text& prompt, double current, const char* rows,

@@ -66,8 +66,9 @@ struct MeasureHooks {
   std::function<void(const std::string& x, const std::string& y)> showPanels;
   // ReportStatus of a status code with its text.
   std::function<void(int32_t status, const std::string& text)> reportStatus;
-  // The view picture shows its shadow picture again after an overlay changed.
-  std::function<void()> repaint;
+  // The view picture shows a rectangle of its shadow picture again after an overlay changed:
+  // x, y, width, height in pixels.
+  std::function<void(int32_t, int32_t, int32_t, int32_t)> repaint;
   // The picture's height in points (1/72 inch), for the fixed ruler.
   std::function<double()> heightPoints;
   // The menus and tools that follow DistanceDisplay, MeasureMode, RulerOn and RulerType.
@@ -115,8 +116,9 @@ public:
   void DrawRulerCursor(int32_t dc, int32_t x, int32_t y);
 
   // The overlay: figure is drawn on the open view; the one shown before is drawn again first,
-  // which takes it away. An empty figure leaves none.
-  void showOverlay(std::function<void(int32_t dc)> figure);
+  // which takes it away. An empty figure leaves none. inStrips tells that the figure lies in the
+  // ruler's strips alone.
+  void showOverlay(std::function<void(int32_t dc)> figure, bool inStrips = false);
   void clearOverlay() { showOverlay({}); }
   // The picture was rebuilt: no overlay is left on it.
   void forgetOverlay() { overlay_ = {}; }
@@ -152,7 +154,10 @@ private:
   ViewState& view_;
   ViewRedraw& redraw_;
   PointerTools& pointer_;
+  void repaintAll();
+
   std::function<void(int32_t)> overlay_;
+  bool overlayInStrips_ = false;
 };
 
 }  // namespace tvx

@@ -12,6 +12,7 @@
 #include <QImage>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -188,14 +189,29 @@ TEST_F(MeasuringTest, MarksRestoreThePictureAndComeBackWithARepaint) {
   redraw.RedrawScreen();
   EXPECT_EQ(picture(), plain);
 
-  // The ruler cursor: drawn at each move, taken away by the next and by clearing.
+  // The ruler cursor: drawn at each move, taken away by the next and by clearing. It changes
+  // the strips alone, and only they are shown again.
+  std::vector<std::array<int32_t, 4>> repainted;
+  measuring.hooks.repaint = [&](int32_t x, int32_t y, int32_t w, int32_t h) {
+    repainted.push_back({x, y, w, h});
+  };
   view.RulerOn = true;
   measuring.pointerMoved(0, 0);
+  EXPECT_EQ(repainted,
+            (std::vector<std::array<int32_t, 4>>{{0, 0, 21, Height}, {0, Height - 21, Width, 21}}));
   const QImage cursor = picture();
   EXPECT_NE(cursor, plain);
   measuring.pointerMoved(50000, 70000);
   measuring.pointerMoved(0, 0);
   EXPECT_EQ(picture(), cursor);
+  // A figure elsewhere in the view takes the cursor's place: the whole picture is shown again.
+  repainted.clear();
+  measuring.showOverlay([&](int32_t dc) {
+    measuring.SetDrawStyle(5, false);
+    kernel.graphics.G_Line(dc, 0, 0, 100000, 100000);
+  });
+  EXPECT_EQ(repainted, (std::vector<std::array<int32_t, 4>>{{0, 0, Width, Height}}));
+  EXPECT_NE(picture(), cursor);
   measuring.clearOverlay();
   EXPECT_EQ(picture(), plain);
 }
