@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -125,6 +126,208 @@ double halfPen(const ItemRecord& r) {
   }
 }
 
+// --- Closest points of two elements -------------------------------------------------------------
+
+// A piece of an element's outline: a point, a straight side, or a circle or arc.
+struct Piece {
+  enum Kind { Dot, Side, Round } kind = Dot;
+  Point a, b;  // a point; a side's ends
+  ArcShape arc;
+};
+
+ArcShape circleOf(const ItemRecord& r) {
+  ArcShape circle;
+  circle.centre = {double(r.X), double(r.Y)};
+  circle.radius = std::abs(double(r.Width));
+  circle.sweep = 360000;
+  circle.first = circle.last = {circle.centre.x + circle.radius, circle.centre.y};
+  return circle;
+}
+
+template <size_t N> void addOutline(std::vector<Piece>& pieces, const std::array<Point, N>& c) {
+  for (size_t i = 0; i < N; ++i)
+    pieces.push_back({Piece::Side, c[i], c[(i + 1) % N], {}});
+}
+
+std::vector<Piece> piecesOf(const ItemRecord& r) {
+  std::vector<Piece> pieces;
+  const Point anchor{double(r.X), double(r.Y)};
+  switch (r.Type) {
+  case ItemLine:
+    pieces.push_back({Piece::Side, anchor, {anchor.x + r.Width, anchor.y + r.Height}, {}});
+    break;
+  case ItemTriangle:
+    addOutline(pieces, triangleCorners(r));
+    break;
+  case ItemRectangle:
+    addOutline(pieces, rectangleCorners(r));
+    break;
+  case ItemCircle:
+    pieces.push_back({Piece::Round, {}, {}, circleOf(r)});
+    break;
+  case ItemArc:
+    pieces.push_back({Piece::Round, {}, {}, arcOf(r)});
+    break;
+  default:
+    pieces.push_back({Piece::Dot, anchor, anchor, {}});
+    break;
+  }
+  return pieces;
+}
+
+// The point of a circle or arc nearest to q.
+Point nearestOnRound(const ArcShape& arc, Point q) {
+  if (distance(arc.centre, q) == 0)
+    return arc.first;
+  return inSweep(arc, q) ? nearestOnCircle(arc.centre, arc.radius, q)
+                         : nearerOf(arc.first, arc.last, q);
+}
+
+Point nearestOnPiece(const Piece& piece, Point q) {
+  switch (piece.kind) {
+  case Piece::Side:
+    return nearestOnSegment(piece.a, piece.b, q);
+  case Piece::Round:
+    return nearestOnRound(piece.arc, q);
+  default:
+    return piece.a;
+  }
+}
+
+// The nearest pair found so far: p on the first element, q on the second.
+struct Pair {
+  double d = std::numeric_limits<double>::infinity();
+  Point p, q;
+  void consider(Point onFirst, Point onSecond) {
+    const double gap = distance(onFirst, onSecond);
+    if (gap < d)
+      *this = {gap, onFirst, onSecond};
+  }
+};
+
+// Where the segment a-b meets the circle of arc, inside the arc's sweep.
+void sideMeetsRound(Point a, Point b, const ArcShape& arc, std::vector<Point>& out) {
+  const double dx = b.x - a.x, dy = b.y - a.y;
+  const double fx = a.x - arc.centre.x, fy = a.y - arc.centre.y;
+  const double qa = dx * dx + dy * dy, qb = 2 * (fx * dx + fy * dy);
+  const double qc = fx * fx + fy * fy - arc.radius * arc.radius;
+  const double disc = qb * qb - 4 * qa * qc;
+  if (qa == 0 || disc < 0)
+    return;
+  for (const double t : {(-qb - std::sqrt(disc)) / (2 * qa), (-qb + std::sqrt(disc)) / (2 * qa)})
+    if (t >= 0 && t <= 1 && inSweep(arc, {a.x + t * dx, a.y + t * dy}))
+      out.push_back({a.x + t * dx, a.y + t * dy});
+}
+
+// Where two circles meet, inside both sweeps.
+void roundMeetsRound(const ArcShape& one, const ArcShape& two, std::vector<Point>& out) {
+  const double d = distance(one.centre, two.centre);
+  if (d == 0 || d > one.radius + two.radius || d < std::abs(one.radius - two.radius))
+    return;
+  const double along = (one.radius * one.radius - two.radius * two.radius + d * d) / (2 * d);
+  const double across = std::sqrt(std::max(0.0, one.radius * one.radius - along * along));
+  const double ux = (two.centre.x - one.centre.x) / d, uy = (two.centre.y - one.centre.y) / d;
+  const Point foot{one.centre.x + ux * along, one.centre.y + uy * along};
+  for (const double side : {-1.0, 1.0}) {
+    const Point p{foot.x - uy * across * side, foot.y + ux * across * side};
+    if (inSweep(one, p) && inSweep(two, p))
+      out.push_back(p);
+  }
+}
+
+// The ends of a piece, from which the other piece's nearest point is a candidate.
+std::vector<Point> endsOf(const Piece& piece) {
+  if (piece.kind == Piece::Round)
+    return {piece.arc.first, piece.arc.last};
+  return {piece.a, piece.b};
+}
+
+// The nearest pair of two pieces: the ends of each against the other, the crossings, and the
+// pairs on the line through a circle's centre square to a side or through both centres.
+void nearestPair(const Piece& one, const Piece& two, Pair& best) {
+  for (const Point e : endsOf(one))
+    best.consider(e, nearestOnPiece(two, e));
+  for (const Point e : endsOf(two))
+    best.consider(nearestOnPiece(one, e), e);
+  std::vector<Point> crossings;
+  if (one.kind == Piece::Side && two.kind == Piece::Side) {
+    const double den =
+        (one.b.x - one.a.x) * (two.b.y - two.a.y) - (one.b.y - one.a.y) * (two.b.x - two.a.x);
+    if (den != 0) {
+      const double t =
+          ((two.a.x - one.a.x) * (two.b.y - two.a.y) - (two.a.y - one.a.y) * (two.b.x - two.a.x)) /
+          den;
+      const double u =
+          ((two.a.x - one.a.x) * (one.b.y - one.a.y) - (two.a.y - one.a.y) * (one.b.x - one.a.x)) /
+          den;
+      if (t >= 0 && t <= 1 && u >= 0 && u <= 1)
+        crossings.push_back({one.a.x + t * (one.b.x - one.a.x), one.a.y + t * (one.b.y - one.a.y)});
+    }
+  }
+  const auto sideAndRound = [&](const Piece& side, const Piece& round, bool sideFirst) {
+    sideMeetsRound(side.a, side.b, round.arc, crossings);
+    const Point foot = nearestOnSegment(side.a, side.b, round.arc.centre);
+    if (distance(foot, round.arc.centre) == 0)
+      return;
+    const Point onRound = nearestOnCircle(round.arc.centre, round.arc.radius, foot);
+    if (inSweep(round.arc, onRound)) {
+      if (sideFirst)
+        best.consider(foot, onRound);
+      else
+        best.consider(onRound, foot);
+    }
+  };
+  if (one.kind == Piece::Side && two.kind == Piece::Round)
+    sideAndRound(one, two, true);
+  if (one.kind == Piece::Round && two.kind == Piece::Side)
+    sideAndRound(two, one, false);
+  if (one.kind == Piece::Round && two.kind == Piece::Round) {
+    roundMeetsRound(one.arc, two.arc, crossings);
+    const double d = distance(one.arc.centre, two.arc.centre);
+    const double ux = d == 0 ? 1 : (two.arc.centre.x - one.arc.centre.x) / d;
+    const double uy = d == 0 ? 0 : (two.arc.centre.y - one.arc.centre.y) / d;
+    for (const double s1 : {-1.0, 1.0})
+      for (const double s2 : {-1.0, 1.0}) {
+        const Point p{one.arc.centre.x + s1 * one.arc.radius * ux,
+                      one.arc.centre.y + s1 * one.arc.radius * uy};
+        const Point q{two.arc.centre.x + s2 * two.arc.radius * ux,
+                      two.arc.centre.y + s2 * two.arc.radius * uy};
+        if (inSweep(one.arc, p) && inSweep(two.arc, q))
+          best.consider(p, q);
+      }
+  }
+  for (const Point c : crossings)
+    best.consider(c, c);
+}
+
+// A filled figure holds q inside (or on) its outline.
+bool filledHolds(const ItemRecord& r, Point q) {
+  if (r.Style != StyleFilled)
+    return false;
+  const auto convexHolds = [q](const auto& corners) {
+    int sign = 0;
+    for (size_t i = 0; i < corners.size(); ++i) {
+      const Point a = corners[i], b = corners[(i + 1) % corners.size()];
+      const double cross = (b.x - a.x) * (q.y - a.y) - (b.y - a.y) * (q.x - a.x);
+      const int s = cross > 0 ? 1 : cross < 0 ? -1 : 0;
+      if (s != 0 && sign != 0 && s != sign)
+        return false;
+      sign = s != 0 ? s : sign;
+    }
+    return true;
+  };
+  switch (r.Type) {
+  case ItemTriangle:
+    return convexHolds(triangleCorners(r));
+  case ItemRectangle:
+    return convexHolds(rectangleCorners(r));
+  case ItemCircle:
+    return distance({double(r.X), double(r.Y)}, q) <= std::abs(double(r.Width));
+  default:
+    return false;
+  }
+}
+
 }  // namespace
 
 double GetDistance(double x1, double y1, double x2, double y2) {
@@ -216,6 +419,36 @@ KeyPoints ElementKeyPoints(const ItemRecord& r, double x, double y,
       nearPoint = nearerOf(nearPoint, {double(v.X), double(v.Y)}, q);
   }
   return {nearPoint.x, nearPoint.y, middle.x, middle.y};
+}
+
+void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by, const ItemRecord& a,
+                   const ItemRecord& b) {
+  const std::vector<Piece> first = piecesOf(a), second = piecesOf(b);
+  Pair best;
+  for (const Piece& one : first)
+    for (const Piece& two : second)
+      nearestPair(one, two, best);
+  // A filled figure that holds a point of the other element overlaps it.
+  const Point ofSecond = endsOf(second.front()).front(), ofFirst = endsOf(first.front()).front();
+  if (filledHolds(a, ofSecond))
+    best = {0, ofSecond, ofSecond};
+  else if (filledHolds(b, ofFirst))
+    best = {0, ofFirst, ofFirst};
+  // The pens: each side gives up half of its own, at most the whole gap.
+  const double gap = best.d;
+  if (gap > 0) {
+    const double ux = (best.q.x - best.p.x) / gap, uy = (best.q.y - best.p.y) / gap;
+    const double fromFirst = std::min(halfPen(a), gap);
+    const double fromSecond = std::min(halfPen(b), gap - fromFirst);
+    best.p = {best.p.x + ux * fromFirst, best.p.y + uy * fromFirst};
+    best.q = {best.q.x - ux * fromSecond, best.q.y - uy * fromSecond};
+    best.d = gap - fromFirst - fromSecond;
+  }
+  d = best.d;
+  ax = best.p.x;
+  ay = best.p.y;
+  bx = best.q.x;
+  by = best.q.y;
 }
 
 }  // namespace tvx

@@ -25,6 +25,12 @@ double GetDistance(double x1, double y1, double x2, double y2);
 void NearestPoint(double& d, double& nx, double& ny, double qx, double qy,
                   const ItemRecord& record);
 
+// The clearance of two elements: the shortest distance between them and its two points, on a and
+// on b. Sides, circles and arcs exactly (crossings give 0, as does a point of one inside the other
+// when that one is filled); each element's pen counts as in NearestPoint.
+void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by, const ItemRecord& a,
+                   const ItemRecord& b);
+
 // The near point (for a pointer at x, y) and the middle point of an element: a line's nearer end
 // (the start on a tie) and its middle; a triangle's nearest corner and its centroid; a rectangle's
 // (or a text frame's) nearest corner after rotation and its centre; a circle's circumference point

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -123,6 +124,101 @@ TEST(ElementKeyPoints, NearAndMiddleOfEachKind) {
     EXPECT_NEAR(k.NearY, t.expected.NearY, 1e-6) << t.name;
     EXPECT_NEAR(k.MiddleX, t.expected.MiddleX, 1e-6) << t.name;
     EXPECT_NEAR(k.MiddleY, t.expected.MiddleY, 1e-6) << t.name;
+  }
+}
+
+TEST(ClosestPoints, ClearanceOfTwoElements) {
+  struct Case {
+    const char* name;
+    ItemRecord a, b;
+    double d;
+    std::array<double, 4> points;  // on a, on b; NaN where a tie leaves the choice open
+  };
+  const double open = std::nan("");
+  const Case cases[] = {
+      {"parallel lines",
+       Item(ItemLine).at(0, 0).size(10, 0),
+       Item(ItemLine).at(0, 5).size(10, 0),
+       5,
+       {open, 0, open, 5}},
+      {"crossing lines",
+       Item(ItemLine).at(0, 0).size(10, 10),
+       Item(ItemLine).at(0, 10).size(10, -10),
+       0,
+       {5, 5, 5, 5}},
+      {"a line and a circle apart",
+       Item(ItemLine).at(-10, 0).size(20, 0),
+       Item(ItemCircle).at(0, 8).size(3),
+       5,
+       {0, 0, 0, 5}},
+      {"a line through a circle",
+       Item(ItemLine).at(-10, 0).size(20, 0),
+       Item(ItemCircle).at(0, 1).size(3),
+       0,
+       {open, 0, open, 0}},
+      {"a line inside a circle",
+       Item(ItemLine).at(-1, 0).size(2, 0),
+       Item(ItemCircle).at(0, 0).size(10),
+       9,
+       {open, 0, open, 0}},
+      {"an arc's end to a line",
+       Item(ItemArc).at(0, 0).size(10, 0).sweep(90000),
+       Item(ItemLine).at(-5, -20).size(0, 40),
+       5,
+       {0, 10, -5, 10}},
+      {"circles apart",
+       Item(ItemCircle).at(0, 0).size(2),
+       Item(ItemCircle).at(10, 0).size(3),
+       5,
+       {2, 0, 7, 0}},
+      {"a circle inside a circle",
+       Item(ItemCircle).at(0, 0).size(10),
+       Item(ItemCircle).at(1, 0).size(2),
+       7,
+       {10, 0, 3, 0}},
+      {"arcs facing each other",
+       Item(ItemArc).at(0, 0).size(10, 0).sweep(90000),
+       Item(ItemArc).at(30, 0).size(10, 90000).sweep(180000),
+       10,
+       {10, 0, 20, 0}},
+      {"arcs turned away: their ends",
+       Item(ItemArc).at(0, 0).size(10, 90000).sweep(180000),
+       Item(ItemArc).at(30, 0).size(10, 270000).sweep(180000),
+       30,
+       {0, open, 30, open}},
+      {"two pens",
+       Item(ItemLine).at(0, 0).size(10, 0).pen(2),
+       Item(ItemLine).at(0, 5).size(10, 0).pen(4),
+       2,
+       {open, 1, open, 3}},
+      {"a point inside a filled square",
+       Item(ItemRectangle).at(0, 0).size(10, 10).filled(),
+       Item(ItemPointRecord).at(5, 5),
+       0,
+       {5, 5, 5, 5}},
+      {"a pad to a trace",
+       Item(ItemCircle).at(0, 0).size(1).filled(),
+       Item(ItemLine).at(3, -5).size(0, 10).pen(2) /* half a pen of 1 */,
+       1,
+       {1, 0, 2, 0}},
+      {"squares side by side",
+       Item(ItemRectangle).at(0, 0).size(10, 10),
+       Item(ItemRectangle).at(15, 2).size(5, 5),
+       5,
+       {10, open, 15, open}},
+  };
+  for (const Case& c : cases) {
+    double d = -1;
+    std::array<double, 4> p{};
+    ClosestPoints(d, p[0], p[1], p[2], p[3], c.a, c.b);
+    EXPECT_NEAR(d, c.d, 1e-9) << c.name;
+    for (size_t i = 0; i < 4; ++i) {
+      if (!std::isnan(c.points[i])) {
+        EXPECT_NEAR(p[i], c.points[i], 1e-9) << c.name << " coordinate " << i;
+      }
+    }
+    // The distance is that of the two points given.
+    EXPECT_NEAR(GetDistance(p[0], p[1], p[2], p[3]), d, 1e-9) << c.name;
   }
 }
 
