@@ -203,6 +203,9 @@ void GBRVIEWER_MAIN::buildMeasuring() {
   editor_->hooks.startAlignment = [this](int32_t x, int32_t y) {
     measureTools_->startAlignment(x, y);
   };
+  editor_->hooks.startClearance = [this](int32_t x, int32_t y) {
+    measureTools_->startClearance(x, y);
+  };
   syncMeasureChecks();
 }
 

@@ -87,6 +87,9 @@ void ElementEditor::ElementClick(int32_t x, int32_t y) {
   case editkey::Align:
     callHook(hooks.startAlignment, x, y);
     break;
+  case editkey::Clearance:
+    callHook(hooks.startClearance, x, y);
+    break;
   default:
     Inspect(x, y);
     break;

@@ -52,6 +52,7 @@ inline constexpr int32_t LayerProperties = 0;
 inline constexpr int32_t Inspect = 2;
 inline constexpr int32_t Delete = 7;
 inline constexpr int32_t Align = 8;
+inline constexpr int32_t Clearance = 9;
 }  // namespace editkey
 
 // Modes of DoUndo.
@@ -105,6 +106,8 @@ struct ElementEditorHooks {
   std::function<void(int32_t x, int32_t y)> startBoxDelete;
   // Key 8: the alignment tool starts at the world point (measuring).
   std::function<void(int32_t x, int32_t y)> startAlignment;
+  // Key 9: the clearance between the element at the world point and a second one (measuring).
+  std::function<void(int32_t x, int32_t y)> startClearance;
   // The caption of the current function's row, the title of the editor's questions.
   std::function<std::string()> functionTitle;
   // The hourglass pointer while a walk over the layer runs.
@@ -128,7 +131,7 @@ public:
   SymbolId WorkingSymbol() const;
 
   // A left click at a world point in function 1: delete with key 7, the alignment with key 8,
-  // inspect with any other key.
+  // the clearance with key 9, inspect with any other key.
   void ElementClick(int32_t x, int32_t y);
   void Inspect(int32_t x, int32_t y);
   void Delete(int32_t x, int32_t y);

@@ -90,6 +90,7 @@ int32_t MeasureTools::PickElement(SymbolId symbol, int32_t x, int32_t y, ItemRec
 }
 
 bool MeasureTools::pickTarget(int32_t x, int32_t y) {
+  ClearanceMode = ClearanceShown = false;
   ItemRecord record;
   if (PickElement(editor_.WorkingSymbol(), x, y, record) != 0)
     return false;
@@ -192,6 +193,32 @@ bool MeasureTools::targetDisplacement(int32_t x, int32_t y, int32_t& dx, int32_t
   return false;
 }
 
+void MeasureTools::startClearance(int32_t x, int32_t y) {
+  if (!pickTarget(x, y))
+    return;
+  ClearanceMode = true;
+  pointer_.ToolStartX = x;
+  pointer_.ToolStartY = y;
+  pointer_.StartTool(toolcode::Distance);
+  edit(services_.LocalMessage(measuremsg::SecondObject.text, measuremsg::SecondObject.id));
+}
+
+bool MeasureTools::takeSecondElement(int32_t x, int32_t y) {
+  // The working layer first, then every visible layer in its drawing order.
+  ItemRecord second;
+  bool found = PickElement(editor_.WorkingSymbol(), x, y, second) == 0;
+  for (int32_t row = 1; row <= LayerCount && !found; ++row) {
+    const LayerOrderRow& order = tables_.orderRow(row);
+    if (order.Visible && order.LayerNumber >= 1 && order.LayerNumber <= LayerCount)
+      found = PickElement(tables_.layer(order.LayerNumber).SymbolHandle, x, y, second) == 0;
+  }
+  if (!found)
+    return false;
+  auto& [d, ax, ay, bx, by] = Clearance;
+  ClosestPoints(d, ax, ay, bx, by, Target, second);
+  return true;
+}
+
 void MeasureTools::startAlignment(int32_t x, int32_t y) {
   if (SelectBlock(1, x, y) != 0)
     return;
@@ -214,35 +241,46 @@ void MeasureTools::arrowHead(int32_t dc, double x, double y, double ux, double u
   graphics_.G_SetStyle(dc, penstyle::Outline);
 }
 
+void MeasureTools::dimension(int32_t dc, double nx, double ny, double x, double y, double d) {
+  if (!(d > 0))
+    return;
+  const double p = std::max(1, view_.m_Precision);
+  const double ux = (x - nx) / d, uy = (y - ny) / d;  // from the element to the pointer
+  const double tx = -uy * TickHalfPixels * p, ty = ux * TickHalfPixels * p;
+  line(dc, x - tx, y - ty, x + tx, y + ty);
+  line(dc, nx - tx, ny - ty, nx + tx, ny + ty);
+  if (d > ArrowsInsideAbove * p) {
+    line(dc, nx, ny, x, y);
+    arrowHead(dc, nx, ny, ux, uy);
+    arrowHead(dc, x, y, -ux, -uy);
+  } else {
+    const double out = 3 * ArrowPixels * p;
+    line(dc, nx, ny, nx - ux * out, ny - uy * out);
+    line(dc, x, y, x + ux * out, y + uy * out);
+    arrowHead(dc, nx, ny, -ux, -uy);
+    arrowHead(dc, x, y, ux, uy);
+  }
+}
+
 void MeasureTools::distanceFigure(int32_t dc, int32_t x, int32_t y) {
   double d = 0, nx = 0, ny = 0;
   NearestPoint(d, nx, ny, x, y, Target);
   measuring_.SetDrawStyle(5, false);
-  const double p = std::max(1, view_.m_Precision);
-  if (d > 0) {
-    const double ux = (x - nx) / d, uy = (y - ny) / d;  // from the element to the pointer
-    const double tx = -uy * TickHalfPixels * p, ty = ux * TickHalfPixels * p;
-    line(dc, x - tx, y - ty, x + tx, y + ty);
-    line(dc, nx - tx, ny - ty, nx + tx, ny + ty);
-    if (d > ArrowsInsideAbove * p) {
-      line(dc, nx, ny, x, y);
-      arrowHead(dc, nx, ny, ux, uy);
-      arrowHead(dc, x, y, -ux, -uy);
-    } else {
-      const double out = 3 * ArrowPixels * p;
-      line(dc, nx, ny, nx - ux * out, ny - uy * out);
-      line(dc, x, y, x + ux * out, y + uy * out);
-      arrowHead(dc, nx, ny, -ux, -uy);
-      arrowHead(dc, x, y, ux, uy);
-    }
-  }
+  dimension(dc, nx, ny, x, y, d);
+  const int32_t p = std::max(1, view_.m_Precision);
   if (!pointer_.LongCursor)
     drawMarkGlyph(graphics_, dc, drawmode::Normal | drawmode::ExclusiveOr,
-                  SystemServices::GlyphCursor, x, y, redraw_.MarkerColour, 0,
-                  2 * GlyphPixels * rounded(p), GlyphPixels * rounded(p));
+                  SystemServices::GlyphCursor, x, y, redraw_.MarkerColour, 0, 2 * GlyphPixels * p,
+                  GlyphPixels * p);
   measuring_.DrawPointerCross(dc, pointer_.LongCursor, x, y);
   edit(services_.LocalMessage(measuremsg::DistanceIs.text, measuremsg::DistanceIs.id) + length(d) +
        "   dX = " + length(x - nx) + "   dY = " + length(y - ny));
+}
+
+void MeasureTools::clearanceFigure(int32_t dc) {
+  const auto& [d, ax, ay, bx, by] = Clearance;
+  measuring_.SetDrawStyle(5, false);
+  dimension(dc, ax, ay, bx, by, d);
 }
 
 void MeasureTools::alignmentFigure(int32_t dc, int32_t x, int32_t y, int32_t dx, int32_t dy) {
@@ -269,6 +307,14 @@ void MeasureTools::alignmentFigure(int32_t dc, int32_t x, int32_t y, int32_t dx,
 
 void MeasureTools::drawFigure(int32_t tool, int32_t shift, int32_t x, int32_t y) {
   (void)shift;
+  if (tool == toolcode::Distance && ClearanceShown) {
+    // The clearance stands still while the pointer moves.
+    measuring_.showOverlay([this](int32_t dc) { clearanceFigure(dc); });
+    const auto& [d, ax, ay, bx, by] = Clearance;
+    edit(services_.LocalMessage(measuremsg::ClearanceIs.text, measuremsg::ClearanceIs.id) +
+         length(d) + "   dX = " + length(bx - ax) + "   dY = " + length(by - ay));
+    return;
+  }
   if (tool == toolcode::Distance) {
     measuring_.showOverlay([this, x, y](int32_t dc) { distanceFigure(dc, x, y); });
     return;
@@ -298,6 +344,16 @@ void MeasureTools::end(int32_t tool) {
 }
 
 void MeasureTools::finish(int32_t tool, int32_t x, int32_t y) {
+  if (tool == toolcode::Distance && ClearanceMode) {
+    // The second click shows the clearance and the tool goes on; the third one ends it.
+    ClearanceShown = !ClearanceShown && takeSecondElement(x, y);
+    ClearanceMode = ClearanceShown;
+    if (ClearanceShown) {
+      pointer_.StartTool(toolcode::Distance);
+      drawFigure(toolcode::Distance, 0, x, y);
+    }
+    return;
+  }
   if (tool == toolcode::Distance) {
     ItemRecord record;
     if (PickElement(editor_.WorkingSymbol(), x, y, record) == 0)

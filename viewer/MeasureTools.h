@@ -6,6 +6,7 @@
 #include "kernel/KernelTypes.h"
 #include "viewer/BlockTransform.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -53,6 +54,11 @@ public:
 
   // The target of tool 700 and the block of tool 800.
   ItemRecord Target;
+  // Key 9: the distance tool's first click picked the first element of a clearance; its second
+  // click picks the second one and shows the clearance until a third click or Escape.
+  bool ClearanceMode = false;
+  bool ClearanceShown = false;
+  std::array<double, 5> Clearance{};  // the distance and its two points: on the first, the second
   BlockTransform Block;
   int32_t MoveDeltaX = 0;  // the last move of tool 800
   int32_t MoveDeltaY = 0;
@@ -64,6 +70,8 @@ public:
 
   // The click of the armed distance tool: true when an element was picked as the target.
   bool pickTarget(int32_t x, int32_t y);
+  // Key 9 of function 1: the element at the click is the first of a clearance; tool 700 runs.
+  void startClearance(int32_t x, int32_t y);
   // Key 8 of function 1: mode 1 at the click starts tool 800 when an element is there.
   void startAlignment(int32_t x, int32_t y);
   // Modes of the block: 0 the whole board, 1 the start of the alignment at a click, 2 its end
@@ -79,6 +87,11 @@ public:
 
 private:
   void distanceFigure(int32_t dc, int32_t x, int32_t y);
+  // Ticks, line and arrows of a measured distance d from (nx, ny) to (x, y).
+  void dimension(int32_t dc, double nx, double ny, double x, double y, double d);
+  void clearanceFigure(int32_t dc);
+  // The clearance's result at the second click; false when nothing is there.
+  bool takeSecondElement(int32_t x, int32_t y);
   void alignmentFigure(int32_t dc, int32_t x, int32_t y, int32_t dx, int32_t dy);
   // A filled arrow head with its point at (x, y), its body along the unit vector (ux, uy).
   void arrowHead(int32_t dc, double x, double y, double ux, double uy);

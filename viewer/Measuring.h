@@ -46,6 +46,8 @@ inline constexpr Text ZoomAsk{"6288", "Set Zoom In/Out Factor : (Range = 1.1 to 
 inline constexpr Text ZoomRange{"6289", "(Range = 1.1 to 10)"};
 inline constexpr Text DistanceIs{"6278", "Distance = "};
 inline constexpr Text AlignmentVector{"6277", "Alignment vector"};
+inline constexpr Text ClearanceIs{"900108", "Clearance = "};
+inline constexpr Text SecondObject{"900109", "Select the second object"};
 }  // namespace measuremsg
 
 // The status of a value outside its range.

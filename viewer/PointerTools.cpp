@@ -326,6 +326,8 @@ void PointerTools::FinishMove(int32_t x, int32_t y) {
   default:
     break;
   }
+  if (toolRunning())
+    return;  // the tool's click started it again: a second step of the same measurement
   NoChange = EndRequested = BoxCopyArmed = BlockZoomArmed = SelectObjectArmed = false;
   FirstMove = false;
   edit("");

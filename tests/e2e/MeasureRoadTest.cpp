@@ -110,6 +110,27 @@ TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
   xdo({"key", "Escape"});
   moveTo(off + QPoint(1, 1));
   EXPECT_EQ(viewNowWhen([](const ViewNow& v) { return v.tool == 0; }).tool, 0);
+
+  // "*CL", a click on J1's second pad and one on the trace: their clearance, less than the
+  // distance of the pad's centre from the trace's end and held while the pointer moves.
+  moveTo(pad);
+  xdo({"type", "--delay", "20", "*CL"});
+  xdo({"click", "1"});
+  viewNowWhen([](const ViewNow& v) { return v.tool == 700; });
+  moveTo(trace);
+  xdo({"click", "1"});
+  const ViewNow clearance =
+      viewNowWhen([](const ViewNow& v) { return v.message.startsWith("Clearance = "); });
+  ASSERT_TRUE(clearance.message.startsWith("Clearance = ")) << clearance.message.toStdString();
+  const double centres = std::hypot(21.27 - 5.0, 11.19 - 13.73) / 25.4;
+  EXPECT_GT(inchesOf(clearance.message.split("   ").value(0)), 0.0);
+  EXPECT_LT(inchesOf(clearance.message.split("   ").value(0)), centres);
+  moveTo(off);
+  EXPECT_FALSE(waitUntil([&] { return viewNow().message != clearance.message; }, 1500))
+      << "the clearance stays while the pointer moves";
+  xdo({"key", "Escape"});
+  moveTo(off + QPoint(1, 1));
+  EXPECT_EQ(viewNowWhen([](const ViewNow& v) { return v.tool == 0; }).tool, 0);
 }
 
 }  // namespace

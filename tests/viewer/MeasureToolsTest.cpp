@@ -50,8 +50,9 @@ public:
     };
     p.functionOneCurrent = [] { return true; };
     p.elementOperation = [this](int32_t x, int32_t y) { editor.ElementClick(x, y); };
-    editor.hooks.currentKey = [] { return editkey::Align; };
+    editor.hooks.currentKey = [this] { return key; };
     editor.hooks.startAlignment = [this](int32_t x, int32_t y) { measure.startAlignment(x, y); };
+    editor.hooks.startClearance = [this](int32_t x, int32_t y) { measure.startClearance(x, y); };
     measure.hooks.optionChecked = [this](int32_t row) { return row == option; };
     redraw.RedrawScreen();
   }
@@ -98,6 +99,7 @@ public:
   MeasureTools measure{kernel.store, kernel.graphics, services,  view,  redraw,
                        tables,       tools,           measuring, editor};
   int32_t option = alignoption::Pad;
+  int32_t key = editkey::Align;
 };
 
 TEST_F(MeasureToolsTest, PickElementByKind) {
@@ -226,6 +228,54 @@ TEST_F(MeasureToolsTest, AlignmentByEachOptionAndUndo) {
     editor.M_Undo_Click();
     EXPECT_EQ(workingItems(), before) << c.name;
   }
+}
+
+TEST_F(MeasureToolsTest, ClearanceOfTwoClicksStaysUntilTheThird) {
+  key = editkey::Clearance;
+  add(WorkingLayer, Item(ItemCircle).at(0, 0).size(Mm).filled());
+  add(TargetLayer, Item(ItemLine).at(3 * Mm, -5 * Mm).size(0, 10 * Mm).pen(4 * Mm / 10));
+  add(TargetLayer, Item(ItemCircle).at(-4 * Mm, 0).size(2 * Mm));
+  redraw.RedrawScreen();
+  const QImage plain = picture();
+  struct Case {
+    const char* name;
+    std::array<int32_t, 2> second;  // the second click
+    std::string message;            // empty: no clearance, the tool has ended
+  };
+  const Case cases[] = {
+      {"a pad to a trace on another layer",
+       {3 * Mm, Mm},
+       "Clearance = 1.800mm   dX = 1.800mm   dY = 0.000mm"},
+      {"a pad beside a ring, leftwards",
+       {-6 * Mm, 0},
+       "Clearance = 1.000mm   dX = -1.000mm   dY = 0.000mm"},
+      {"nothing at the second click", {10 * Mm, 10 * Mm}, ""},
+  };
+  for (const Case& c : cases) {
+    clickAt(0, 0);
+    ASSERT_EQ(tools.ToolCode, toolcode::Distance) << c.name;
+    EXPECT_EQ(redraw.MessageLine, "Select the second object") << c.name;
+    moveTo(Mm, 2 * Mm);
+    EXPECT_EQ(redraw.MessageLine.rfind("Distance = ", 0), 0u) << c.name;
+    clickAt(c.second[0], c.second[1]);
+    if (c.message.empty()) {
+      EXPECT_EQ(tools.ToolCode, toolcode::None) << c.name;
+      continue;
+    }
+    EXPECT_EQ(tools.ToolCode, toolcode::Distance) << c.name;
+    EXPECT_EQ(redraw.MessageLine, c.message) << c.name;
+    // It stays while the pointer moves; the third click ends it and leaves the picture.
+    moveTo(5 * Mm, 5 * Mm);
+    EXPECT_EQ(redraw.MessageLine, c.message) << c.name;
+    clickAt(5 * Mm, 5 * Mm);
+    EXPECT_EQ(tools.ToolCode, toolcode::None) << c.name;
+    EXPECT_EQ(picture(), plain) << c.name;
+  }
+  // A plain distance tool after a clearance measures the pointer again.
+  tools.armSelectObject();
+  clickAt(0, 0);
+  moveTo(3 * Mm, 0);
+  EXPECT_EQ(redraw.MessageLine, "Distance = 2.000mm   dX = 2.000mm   dY = 0.000mm");
 }
 
 }  // namespace
