@@ -328,6 +328,27 @@ bool filledHolds(const ItemRecord& r, Point q) {
   }
 }
 
+// A filled element holds q: a filled figure, or the run of a filled polygon (its sides' starts as
+// its corners, by the even-odd rule).
+bool filledHolds(std::span<const ItemRecord> element, Point q) {
+  if (element.size() == 1 && !(element.front().Attributes & attr::PolygonSide))
+    return filledHolds(element.front(), q);
+  if (element.empty() || element.front().Style != StyleFilled ||
+      !(element.front().Attributes & attr::PolygonSide))
+    return false;
+  std::vector<Point> corners;
+  for (const ItemRecord& side : element)
+    corners.push_back(side.Type == ItemArc ? arcOf(side).first
+                                           : Point{double(side.X), double(side.Y)});
+  bool inside = false;
+  for (size_t i = 0, j = corners.size() - 1; i < corners.size(); j = i++) {
+    const Point a = corners[i], b = corners[j];
+    if ((a.y > q.y) != (b.y > q.y) && q.x < (b.x - a.x) * (q.y - a.y) / (b.y - a.y) + a.x)
+      inside = !inside;
+  }
+  return inside;
+}
+
 }  // namespace
 
 double GetDistance(double x1, double y1, double x2, double y2) {
@@ -421,34 +442,50 @@ KeyPoints ElementKeyPoints(const ItemRecord& r, double x, double y,
   return {nearPoint.x, nearPoint.y, middle.x, middle.y};
 }
 
-void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by, const ItemRecord& a,
-                   const ItemRecord& b) {
-  const std::vector<Piece> first = piecesOf(a), second = piecesOf(b);
+void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by,
+                   std::span<const ItemRecord> a, std::span<const ItemRecord> b) {
   Pair best;
-  for (const Piece& one : first)
-    for (const Piece& two : second)
-      nearestPair(one, two, best);
-  // A filled figure that holds a point of the other element overlaps it.
-  const Point ofSecond = endsOf(second.front()).front(), ofFirst = endsOf(first.front()).front();
+  if (a.empty() || b.empty()) {
+    d = ax = ay = bx = by = 0;
+    return;
+  }
+  // Element by element, each pair's gap less both pens: the pens may differ from side to side.
+  for (const ItemRecord& ra : a)
+    for (const ItemRecord& rb : b) {
+      Pair raw;
+      for (const Piece& one : piecesOf(ra))
+        for (const Piece& two : piecesOf(rb))
+          nearestPair(one, two, raw);
+      const double gap = raw.d;
+      if (!(gap - halfPen(ra) - halfPen(rb) < best.d))
+        continue;
+      if (gap > 0) {
+        const double ux = (raw.q.x - raw.p.x) / gap, uy = (raw.q.y - raw.p.y) / gap;
+        const double fromFirst = std::min(halfPen(ra), gap);
+        const double fromSecond = std::min(halfPen(rb), gap - fromFirst);
+        raw.p = {raw.p.x + ux * fromFirst, raw.p.y + uy * fromFirst};
+        raw.q = {raw.q.x - ux * fromSecond, raw.q.y - uy * fromSecond};
+        raw.d = gap - fromFirst - fromSecond;
+      }
+      best = raw;
+    }
+  // A filled figure or polygon that holds a point of the other element overlaps it.
+  const Point ofSecond = endsOf(piecesOf(b.front()).front()).front();
+  const Point ofFirst = endsOf(piecesOf(a.front()).front()).front();
   if (filledHolds(a, ofSecond))
     best = {0, ofSecond, ofSecond};
   else if (filledHolds(b, ofFirst))
     best = {0, ofFirst, ofFirst};
-  // The pens: each side gives up half of its own, at most the whole gap.
-  const double gap = best.d;
-  if (gap > 0) {
-    const double ux = (best.q.x - best.p.x) / gap, uy = (best.q.y - best.p.y) / gap;
-    const double fromFirst = std::min(halfPen(a), gap);
-    const double fromSecond = std::min(halfPen(b), gap - fromFirst);
-    best.p = {best.p.x + ux * fromFirst, best.p.y + uy * fromFirst};
-    best.q = {best.q.x - ux * fromSecond, best.q.y - uy * fromSecond};
-    best.d = gap - fromFirst - fromSecond;
-  }
   d = best.d;
   ax = best.p.x;
   ay = best.p.y;
   bx = best.q.x;
   by = best.q.y;
+}
+
+void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by, const ItemRecord& a,
+                   const ItemRecord& b) {
+  ClosestPoints(d, ax, ay, bx, by, std::span(&a, 1), std::span(&b, 1));
 }
 
 }  // namespace tvx

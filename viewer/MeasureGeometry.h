@@ -30,6 +30,10 @@ void NearestPoint(double& d, double& nx, double& ny, double qx, double qy,
 // when that one is filled); each element's pen counts as in NearestPoint.
 void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by, const ItemRecord& a,
                    const ItemRecord& b);
+// The same for elements of several records: the sides of a polygon run, whose inside counts when
+// it is filled.
+void ClosestPoints(double& d, double& ax, double& ay, double& bx, double& by,
+                   std::span<const ItemRecord> a, std::span<const ItemRecord> b);
 
 // The near point (for a pointer at x, y) and the middle point of an element: a line's nearer end
 // (the start on a tie) and its middle; a triangle's nearest corner and its centroid; a rectangle's

@@ -5,6 +5,7 @@
 #include "kernel/Store.h"
 #include "platform/MarkGlyphs.h"
 #include "platform/SystemServices.h"
+#include "store/ElementRuns.h"
 #include "store/Layers.h"
 #include "viewer/DisplayUnits.h"
 #include "viewer/ElementEditor.h"
@@ -87,6 +88,23 @@ int32_t MeasureTools::PickElement(SymbolId symbol, int32_t x, int32_t y, ItemRec
     record.Height = height;
   }
   return 0;
+}
+
+std::vector<ItemRecord> MeasureTools::elementAt(SymbolId symbol, int32_t x, int32_t y) const {
+  ItemRecord record;
+  if (PickElement(symbol, x, y, record) != 0)
+    return {};
+  int32_t index = 0, kind = 0, first = 0, last = 0;
+  const ArrayHandle items = store_.S_SymbolItemArray(symbol);
+  if (!(record.Attributes & attr::PolygonSide) ||
+      editor_.PickInSymbol(symbol, x, y, index, kind) != 0 ||
+      !FindPolygonRun(store_, items, index, first, last))
+    return {record};
+  std::vector<ItemRecord> run;
+  for (int32_t i = first; i <= last; ++i)
+    if (store_.I_ReadItem(store_.OA_Object(items, i), run.emplace_back()) == 0)
+      run.pop_back();
+  return run;
 }
 
 bool MeasureTools::pickTarget(int32_t x, int32_t y) {
@@ -197,6 +215,7 @@ void MeasureTools::startClearance(int32_t x, int32_t y) {
   if (!pickTarget(x, y))
     return;
   ClearanceMode = true;
+  ClearanceFirst = elementAt(editor_.WorkingSymbol(), x, y);
   pointer_.ToolStartX = x;
   pointer_.ToolStartY = y;
   pointer_.StartTool(toolcode::Distance);
@@ -205,17 +224,16 @@ void MeasureTools::startClearance(int32_t x, int32_t y) {
 
 bool MeasureTools::takeSecondElement(int32_t x, int32_t y) {
   // The working layer first, then every visible layer in its drawing order.
-  ItemRecord second;
-  bool found = PickElement(editor_.WorkingSymbol(), x, y, second) == 0;
-  for (int32_t row = 1; row <= LayerCount && !found; ++row) {
+  std::vector<ItemRecord> second = elementAt(editor_.WorkingSymbol(), x, y);
+  for (int32_t row = 1; row <= LayerCount && second.empty(); ++row) {
     const LayerOrderRow& order = tables_.orderRow(row);
     if (order.Visible && order.LayerNumber >= 1 && order.LayerNumber <= LayerCount)
-      found = PickElement(tables_.layer(order.LayerNumber).SymbolHandle, x, y, second) == 0;
+      second = elementAt(tables_.layer(order.LayerNumber).SymbolHandle, x, y);
   }
-  if (!found)
+  if (second.empty() || ClearanceFirst.empty())
     return false;
   auto& [d, ax, ay, bx, by] = Clearance;
-  ClosestPoints(d, ax, ay, bx, by, Target, second);
+  ClosestPoints(d, ax, ay, bx, by, ClearanceFirst, second);
   return true;
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -59,6 +60,7 @@ public:
   bool ClearanceMode = false;
   bool ClearanceShown = false;
   std::array<double, 5> Clearance{};  // the distance and its two points: on the first, the second
+  std::vector<ItemRecord> ClearanceFirst;  // the first element: one record, or a polygon's sides
   BlockTransform Block;
   int32_t MoveDeltaX = 0;  // the last move of tool 800
   int32_t MoveDeltaY = 0;
@@ -67,6 +69,10 @@ public:
   // terms) or, without one, the entry's position as a point (type 99); an item, a text as the
   // rectangle that frames it. Status 0 when found, 1 when nothing.
   int32_t PickElement(SymbolId symbol, int32_t x, int32_t y, ItemRecord& record) const;
+
+  // The element at a world point of a symbol as PickElement finds it; a polygon side brings the
+  // sides of its whole run. Empty when nothing is there.
+  std::vector<ItemRecord> elementAt(SymbolId symbol, int32_t x, int32_t y) const;
 
   // The click of the armed distance tool: true when an element was picked as the target.
   bool pickTarget(int32_t x, int32_t y);

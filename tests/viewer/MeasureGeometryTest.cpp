@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <span>
 #include <vector>
 
 namespace tvx::test {
@@ -219,6 +220,44 @@ TEST(ClosestPoints, ClearanceOfTwoElements) {
     }
     // The distance is that of the two points given.
     EXPECT_NEAR(GetDistance(p[0], p[1], p[2], p[3]), d, 1e-9) << c.name;
+  }
+}
+
+TEST(ClosestPoints, PolygonRuns) {
+  // A square polygon of four sides from (0, 0) to (10, 10).
+  const auto square = [](bool filled) {
+    std::vector<ItemRecord> run;
+    const int32_t corners[4][4] = {
+        {0, 0, 10, 0}, {10, 0, 0, 10}, {10, 10, -10, 0}, {0, 10, 0, -10}};
+    for (const auto& c : corners) {
+      Item side(ItemLine, attr::Shown | attr::PolygonSide);
+      side.at(c[0], c[1]).size(c[2], c[3]);
+      if (filled)
+        side.filled();
+      run.push_back(side);
+    }
+    return run;
+  };
+  struct Case {
+    const char* name;
+    bool filled;
+    ItemRecord other;
+    double d;
+  };
+  const Case cases[] = {
+      {"a point inside a filled polygon", true, Item(ItemPointRecord).at(4, 3), 0},
+      {"a point inside an open one: its nearest side", false, Item(ItemPointRecord).at(4, 3), 3},
+      {"a circle outside", true, Item(ItemCircle).at(15, 5).size(2), 3},
+      {"a line across a corner", false, Item(ItemLine).at(8, 12).size(4, -4), 0},
+  };
+  for (const Case& c : cases) {
+    const std::vector<ItemRecord> run = square(c.filled);
+    double d = -1, ax = 0, ay = 0, bx = 0, by = 0;
+    ClosestPoints(d, ax, ay, bx, by, run, std::span(&c.other, 1));
+    EXPECT_NEAR(d, c.d, 1e-9) << c.name;
+    // Either way round.
+    ClosestPoints(d, ax, ay, bx, by, std::span(&c.other, 1), run);
+    EXPECT_NEAR(d, c.d, 1e-9) << c.name << ", turned round";
   }
 }
 

@@ -235,6 +235,16 @@ TEST_F(MeasureToolsTest, ClearanceOfTwoClicksStaysUntilTheThird) {
   add(WorkingLayer, Item(ItemCircle).at(0, 0).size(Mm).filled());
   add(TargetLayer, Item(ItemLine).at(3 * Mm, -5 * Mm).size(0, 10 * Mm).pen(4 * Mm / 10));
   add(TargetLayer, Item(ItemCircle).at(-4 * Mm, 0).size(2 * Mm));
+  // A filled pour from (-2, -2) to (2, 2) mm round the pad: four sides of one polygon.
+  const int32_t pour[4][4] = {{-2, -2, 4, 0}, {2, -2, 0, 4}, {2, 2, -4, 0}, {-2, 2, 0, -4}};
+  for (int i = 0; i < 4; ++i) {
+    const int32_t marks = attr::Shown | attr::PolygonSide | (i == 0 ? attr::PolygonFirst : 0) |
+                          (i == 3 ? attr::PolygonLast : 0);
+    add(TargetLayer, Item(ItemLine, marks)
+                         .at(pour[i][0] * Mm, pour[i][1] * Mm)
+                         .size(pour[i][2] * Mm, pour[i][3] * Mm)
+                         .filled());
+  }
   redraw.RedrawScreen();
   const QImage plain = picture();
   struct Case {
@@ -249,6 +259,9 @@ TEST_F(MeasureToolsTest, ClearanceOfTwoClicksStaysUntilTheThird) {
       {"a pad beside a ring, leftwards",
        {-6 * Mm, 0},
        "Clearance = 1.000mm   dX = -1.000mm   dY = 0.000mm"},
+      {"a pad inside a pour",
+       {15 * Mm / 10, 15 * Mm / 10},
+       "Clearance = 0.000mm   dX = 0.000mm   dY = 0.000mm"},
       {"nothing at the second click", {10 * Mm, 10 * Mm}, ""},
   };
   for (const Case& c : cases) {
