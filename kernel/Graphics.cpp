@@ -192,6 +192,15 @@ int32_t Graphics::G_SetColor(int32_t dev, int32_t colour) {
   return 1;
 }
 
+int32_t Graphics::G_SetOneColour(int32_t dev, int32_t colour, int32_t clearColour) {
+  Device* d = impl_->device(dev);
+  if (!d)
+    return 0;
+  d->oneColour = colour < 0 ? -1 : colour;
+  d->oneColourClear = clearColour;
+  return 1;
+}
+
 int32_t Graphics::G_SetStyle(int32_t dev, int32_t style) {
   Device* d = impl_->device(dev);
   if (!d)
@@ -233,6 +242,8 @@ void Graphics::Impl::applyMode(Device& d) {
 }
 
 uint32_t Graphics::Impl::rgbOf(const Device& d, int32_t colour) const {
+  if (d.oneColour >= 0)
+    colour = uint8_t(colour == d.oneColourClear ? (d.oneColour | ColourMarkBit) : d.oneColour);
   if (colour & 128)
     colour = d.background;
   colour &= 127;

@@ -86,6 +86,10 @@ public:
   virtual int32_t G_SetStyle(int32_t dev, int32_t style);
   virtual int32_t G_SetWidth(int32_t dev, int32_t width);
   virtual int32_t G_SetDrawMode(int32_t dev, int32_t mode);
+  // One colour for everything drawn on the device while set (colour >= 0): colour itself, and
+  // colour with the background bit for what has clearColour. A one-colour layer is drawn so
+  // without recolouring its elements in the store. A negative colour ends it.
+  virtual int32_t G_SetOneColour(int32_t dev, int32_t colour, int32_t clearColour);
 
   // Text of a pixel size. G_SetTextMode sets how later texts stand at their point: horizontal
   // 0 left, 1 centre, 2 right; vertical 0 top, 1 middle, 2 bottom; transparent 1 draws the

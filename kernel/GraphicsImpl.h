@@ -36,6 +36,8 @@ struct Device {
   int32_t width = 0;
   int32_t drawMode = drawmode::Normal;
   int32_t background = 0;  // colour value of the background
+  int32_t oneColour = -1;  // G_SetOneColour
+  int32_t oneColourClear = 0;
   std::array<uint32_t, PaletteSize> palette{};
   // Span drawing straight into the pixels, for images in the normal mode; null otherwise.
   std::unique_ptr<Raster> raster;
@@ -69,6 +71,7 @@ public:
   KernelStrings& strings;
   std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
   std::vector<QPointF> points_;                  // scratch outline, reused between elements
+  std::vector<Store::ItemInBox> inView_;         // scratch of drawItemArray
   ArcDirections arcs_;
   std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 

@@ -23,38 +23,6 @@ void colourPadStackItems(Store& store, const LayerRecord& layer) {
   }
 }
 
-// Gives every item monoColour, clear ones monoColour with the background bit, and remembers the
-// colours they had. One pass over the items, no allocation once the scratch is large enough.
-void colourItemsMono(LayerDrawContext& context, ArrayHandle items, int32_t count,
-                     int32_t monoColour) {
-  Store& store = context.store;
-  context.rememberedColours.assign(size_t(count), -1);
-  for (int32_t i = 1; i <= count; ++i) {
-    const ObjectHandle item = store.OA_Object(items, i);
-    const ItemFields* f = store.itemFields(item);
-    if (!f)
-      continue;
-    context.rememberedColours[size_t(i - 1)] = f->Colour;
-    const int32_t colour =
-        f->Colour == context.clearColour ? (monoColour | ColourMarkBit) : monoColour;
-    store.I_ChangeItemAttr(item, f->Attributes, colour, f->Style, f->LineWidth);
-  }
-}
-
-// Gives the items back the colours colourItemsMono took from them.
-void restoreItemColours(LayerDrawContext& context, ArrayHandle items, int32_t count) {
-  Store& store = context.store;
-  const auto& remembered = context.rememberedColours;
-  for (int32_t i = 1; i <= count && size_t(i) <= remembered.size(); ++i) {
-    const int16_t colour = remembered[size_t(i - 1)];
-    if (colour < 0)
-      continue;
-    const ObjectHandle item = store.OA_Object(items, i);
-    if (const ItemFields* f = store.itemFields(item))
-      store.I_ChangeItemAttr(item, f->Attributes, colour, f->Style, f->LineWidth);
-  }
-}
-
 }  // namespace
 
 void DrawLayers(LayerDrawContext& context, int32_t device, int32_t drawMode,
@@ -76,27 +44,20 @@ void DrawLayer(LayerDrawContext& context, int32_t device, int32_t drawMode,
   const SymbolId symbol = layer.SymbolHandle;
   const bool drillTemplate = (layer.Mask & layergroup::AllButDrill) == 0;
 
-  ArrayHandle items = ArrayHandle::None;
-  int32_t itemCount = 0;
-  if (mono) {
-    if (drillTemplate) {
-      colourPadStackItems(store, layer);
-    } else {
-      items = store.S_SymbolItemArray(symbol);
-      itemCount = store.OA_GetCount(items);
-      colourItemsMono(context, items, itemCount, monoColour);
-    }
-  }
-
+  // A one-colour layer: its pad stacks take the layer's colour in the store (a drill template's
+  // pads), its items are drawn in the one colour, clear ones with the background bit.
+  if (mono && drillTemplate)
+    colourPadStackItems(store, layer);
   graphics.G_SetDrawMode(device, drawMode | drawmode::Layer);
   store.S_SetCompLocation(0, 0, 0, 0);
   store.S_SetPadLocation(0, 0, 0);
+  if (mono && !drillTemplate)
+    graphics.G_SetOneColour(device, monoColour, context.clearColour);
   graphics.S_DrawSymbol(device, symbol, drawItems, 0);
+  if (mono && !drillTemplate)
+    graphics.G_SetOneColour(device, -1, 0);
   if ((layer.Mask & layergroup::OutlineAndDrill) != 0 || context.padPositions)
     graphics.S_DrawSymbol(device, symbol, 0, drawEntries);
-
-  if (mono && !drillTemplate)
-    restoreItemColours(context, items, itemCount);
 }
 
 }  // namespace tvx

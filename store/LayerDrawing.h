@@ -9,12 +9,10 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace tvx {
 
-// What a drawing pass of the layers uses besides its device and mode. One per drawing window; the
-// scratch of the one-colour view is kept so that later passes allocate nothing.
+// What a drawing pass of the layers uses besides its device and mode. One per drawing window.
 struct LayerDrawContext {
   LayerDrawContext(Graphics& drawGraphics, Store& drawStore)
       : graphics(drawGraphics), store(drawStore) {}
@@ -23,8 +21,6 @@ struct LayerDrawContext {
   Store& store;
   int32_t clearColour = 0;    // colour value of clear elements (ColourSlots::ClearColour())
   bool padPositions = false;  // the view shows the entries of artwork layers
-  // The colours items had before a one-colour drawing, by position; -1 for no item.
-  std::vector<int16_t> rememberedColours;
 };
 
 // Draws the rows of order from the last to the first, each row with Visible set, so that row 1
@@ -35,8 +31,8 @@ void DrawLayers(LayerDrawContext& context, int32_t device, int32_t drawMode,
 // Draws one layer: its items when drawItems is non-zero, then its entries when drawEntries is
 // non-zero and the layer is the board outline or the drill template or the view shows pad
 // positions. In mono view the items are drawn in monoColour, clear ones in monoColour with bit
-// 128 (the background), and get their colours back afterwards; the drill template's pad stack
-// items take the layer's colour and keep it.
+// 128 (the background), their own colours untouched; the drill template's pad stack items take
+// the layer's colour and keep it.
 void DrawLayer(LayerDrawContext& context, int32_t device, int32_t drawMode,
                const LayerRecord& layer, int32_t drawItems, int32_t drawEntries, bool mono,
                int32_t monoColour);

@@ -36,6 +36,7 @@ protected:
     k.graphics.G_ChangeBackgroundColor(dev, 0);
     k.graphics.G_CreateShadowBitmap(dev);
     k.graphics.G_SetDrawMode(dev, drawMode);
+    k.graphics.G_SetOneColour(dev, oneColour, oneColourClear);
     k.graphics.S_DrawSymbol(dev, sym, 1, 1);
     k.graphics.G_CloseDC(dev, 1);
     leftOut = k.graphics.figuresLeftOut(dev);
@@ -53,6 +54,7 @@ protected:
   Kernel k;
   SymbolId sym = -76503;
   bool leftOut = false;
+  int32_t oneColour = -1, oneColourClear = 0;  // G_SetOneColour of render
 };
 
 // The device's transform both ways is the view tests' (ViewTest.cpp); a device is opened only
@@ -74,6 +76,29 @@ TEST_F(GraphicsTest, ElementsAreDrawnAtTheirPlaceInTheirColour) {
   // The top edge is 1000 units, 10 pixels, up; a hidden element is not drawn.
   EXPECT_EQ(std::tuple(img.pixel(50, 50), img.pixel(50, 41), img.pixel(50, 38), img.pixel(85, 50)),
             std::tuple(colourOf(10), colourOf(10), colourOf(0), colourOf(0)));
+}
+
+// One colour for a pass: every element takes it, an element of the clear colour shows the
+// background, and the store keeps the elements' own colours.
+TEST_F(GraphicsTest, OneColourDrawsEveryElementInItAndTheClearOnesAsBackground) {
+  add(Item(ItemRectangle).at(-4000, -1000).colour(10).filled().size(2000, 2000));
+  add(Item(ItemRectangle).at(1000, -1000).colour(3).filled().size(2000, 2000));
+  add(Item(ItemLine).at(-4000, 3000).colour(7).pen(500).size(7000, 0));
+  const QRgb background = colourOf(0);
+  for (auto [one, clear, left, right, line] :
+       {std::tuple(-1, 3, colourOf(10), colourOf(3), colourOf(7)),
+        std::tuple(12, 3, colourOf(12), background, colourOf(12)),
+        std::tuple(12, 7, colourOf(12), colourOf(12), background)}) {
+    SCOPED_TRACE(::testing::Message() << one << " clear " << clear);
+    oneColour = one;
+    oneColourClear = clear;
+    const QImage img = render(100, 100, 100, 0, 0);
+    EXPECT_EQ(std::tuple(img.pixel(20, 50), img.pixel(70, 50), img.pixel(50, 20)),
+              std::tuple(left, right, line));
+  }
+  ItemRecord r;
+  k.store.I_ReadItem(k.store.S_SymbolItem(sym, 2), r);
+  EXPECT_EQ(r.Colour, 3);
 }
 
 TEST_F(GraphicsTest, ExclusiveOrDrawingTwiceRestoresThePicture) {
