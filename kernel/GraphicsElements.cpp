@@ -335,11 +335,10 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
   int32_t count = store.OA_GetCount(items);
   if (count == 0)
     return;
-  FrameRect view = d.visibleFrame();
-  // A view that shows a part of the array asks the spatial index for what it needs; a view that
-  // holds the whole array walks it without any test.
-  std::vector<Store::ItemInBox> inView;
-  bool indexed = store.itemsInBox(items, view, inView);
+  // A view of a part of the array gets what it needs from the spatial index; a view that holds
+  // most of it walks it whole.
+  std::vector<Store::ItemInBox>& inView = inView_;
+  store.itemsToDraw(items, d.visibleFrame(), inView);
   int32_t lastRunDrawn = 0;
   auto statusAt = [&](int32_t i) {
     const ItemFields* f = store.itemFields(store.OA_Object(items, i));
@@ -378,17 +377,13 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
     }
     drawItemFields(d, *f, text, face);
   };
-  if (indexed) {
-    // The members lie scattered in memory; fetching a few ahead hides most of the misses.
-    constexpr size_t Ahead = 8;
-    for (size_t k = 0; k < inView.size(); ++k) {
-      if (k + Ahead < inView.size())
-        __builtin_prefetch(inView[k + Ahead].fields);
-      drawAt(inView[k].position, inView[k].fields);
-    }
-  } else
-    for (int32_t i = 1; i <= count; ++i)
-      drawAt(i, nullptr);
+  // The members may lie scattered in memory; fetching a few ahead hides most of the misses.
+  constexpr size_t Ahead = 8;
+  for (size_t k = 0; k < inView.size(); ++k) {
+    if (k + Ahead < inView.size())
+      __builtin_prefetch(inView[k + Ahead].fields);
+    drawAt(inView[k].position, inView[k].fields);
+  }
 }
 
 namespace {

@@ -46,6 +46,10 @@ public:
   ObjectHandle OA_Object(ArrayHandle array, int32_t index) const;
   int32_t OA_Add(ArrayHandle array, ObjectHandle object);
   int32_t OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index);
+  // A new item of record (its Link and Gap included) added at the end of an item array: the work
+  // of I_MakeItem, I_ChangeItemLink, I_ChangeItemGap and OA_Add with one lookup of the array, for
+  // the readers' streams of elements. Returns its index, 0 when the array takes no item.
+  int32_t OA_AddNewItem(ArrayHandle array, const ItemRecord& record);
   int32_t OA_Delete(ArrayHandle array, int32_t index);
   // Deletes every object whose Attributes hold all bits of mask, in one pass; the others keep
   // their order. The number deleted.
@@ -130,6 +134,11 @@ public:
     const ItemFields* fields = nullptr;
   };
   bool itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
+  // The items a drawing of box needs, in the order of their positions, as itemsInBox reads them.
+  // A box that holds most of the array's frame takes every member in one walk (cheaper than the
+  // index and the ordering then; the drawing passes over what lies outside); a smaller one takes
+  // the members whose frames meet it.
+  void itemsToDraw(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
 
   // The numeric fields of an item, and its text and face when it has them, read in place without a
   // copy: for walks that touch every element. Valid until the store next changes; nullptr for a

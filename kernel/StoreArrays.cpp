@@ -243,6 +243,28 @@ int32_t Store::OA_Insert(ArrayHandle array, ObjectHandle object, int32_t index) 
   return index;
 }
 
+int32_t Store::OA_AddNewItem(ArrayHandle array, const ItemRecord& record) {
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  if (!a || a->element != ObjectKind::Item)
+    return 0;
+  const bool text = record.Type == ItemVectorText || record.Type == ItemTrueTypeText;
+  // Making an item moves only the item pool and the object table, never the array.
+  const int32_t object =
+      s.makeItem(record, text ? &record.Text : nullptr, text ? &record.Face : nullptr);
+  if (object == 0)
+    return 0;
+  ItemData& d = *s.item(object);
+  d.owner = tableEntry(array);
+  a->objects.push_back(object);
+  d.position = int32_t(a->objects.size());
+  s.indexMember(*a, object);
+  const uint64_t before = a->version;
+  s.touchArray(tableEntry(array));
+  s.growWholeFrame(*a, before, object);
+  return d.position;
+}
+
 int32_t Store::OA_Delete(ArrayHandle array, int32_t index) {
   Impl& s = *impl_;
   ArrayData* a = s.array(array);
@@ -440,6 +462,28 @@ bool Store::itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<Item
   });
   orderByPosition(items, a->objects.size(), [](const ItemInBox& i) { return i.position; });
   return indexed;
+}
+
+void Store::itemsToDraw(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items) {
+  items.clear();
+  Impl& s = *impl_;
+  ArrayData* a = s.array(array);
+  Box all;
+  if (!a || a->element != ObjectKind::Item || !s.frameOf(*a, -1, all))
+    return;
+  const auto extent = [](int32_t from, int32_t to) { return std::max(0.0, double(to) - from + 1); };
+  const double overlap = extent(std::max(box.MinX, all.minX), std::min(box.MaxX, all.maxX)) *
+                         extent(std::max(box.MinY, all.minY), std::min(box.MaxY, all.maxY));
+  const double whole = extent(all.minX, all.maxX) * extent(all.minY, all.maxY);
+  if (overlap * 4 < whole * 3) {
+    itemsInBox(array, box, items);
+    return;
+  }
+  items.reserve(a->objects.size());
+  for (size_t i = 0; i < a->objects.size(); ++i) {
+    const ItemData& d = s.items.data[s.table.find(a->objects[i], ObjectKind::Item)];
+    items.push_back(ItemInBox{int32_t(i + 1), &d.f});
+  }
 }
 
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {

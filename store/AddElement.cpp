@@ -19,24 +19,6 @@ void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& sy
     return;
   }
 
-  ObjectHandle item = ObjectHandle::None;
-  if (record.Type == ItemVectorText) {
-    item = store.I_MakeText(record.X, record.Y, record.Angle, record.Width, record.Height, text,
-                            record.Attributes, record.Colour, record.LineWidth);
-    store.O_Mask(item, attr::Text, attr::Text);
-    if (record.Style & 32)
-      store.I_ChangeItemAttr(item, record.Attributes, record.Colour, 32, record.LineWidth);
-  } else if (record.Type == ItemTrueTypeText) {
-    item = store.I_MakeTTFText(record, text, face);
-    store.O_Mask(item, attr::Text, attr::Text);
-  } else {
-    item = store.I_MakeItem(record);
-  }
-  if (item == ObjectHandle::None)
-    return;
-  store.I_ChangeItemLink(item, record.Link);
-  store.I_ChangeItemGap(item, record.Gap);
-
   ArrayHandle array = ArrayHandle::None;
   switch (place) {
   case PlaceSymbolItems:
@@ -57,13 +39,37 @@ void AddElement(Store& store, int32_t& status, int32_t place, const SymbolId& sy
   default:
     break;
   }
-  int32_t added = store.OA_Add(array, item);
-  if (added == 0) {
-    store.deleteFreeObject(item);  // nobody would own it
-    return;
+
+  int32_t added = 0;
+  if (record.Type == ItemVectorText || record.Type == ItemTrueTypeText) {
+    ObjectHandle item = ObjectHandle::None;
+    if (record.Type == ItemVectorText) {
+      item = store.I_MakeText(record.X, record.Y, record.Angle, record.Width, record.Height, text,
+                              record.Attributes, record.Colour, record.LineWidth);
+      store.O_Mask(item, attr::Text, attr::Text);
+      if (record.Style & 32)
+        store.I_ChangeItemAttr(item, record.Attributes, record.Colour, 32, record.LineWidth);
+    } else {
+      item = store.I_MakeTTFText(record, text, face);
+      store.O_Mask(item, attr::Text, attr::Text);
+    }
+    if (item == ObjectHandle::None)
+      return;
+    store.I_ChangeItemLink(item, record.Link);
+    store.I_ChangeItemGap(item, record.Gap);
+    added = store.OA_Add(array, item);
+    if (added == 0) {
+      store.deleteFreeObject(item);  // nobody would own it
+      return;
+    }
+  } else {
+    // Every other element is made straight in its array, in one step.
+    added = store.OA_AddNewItem(array, record);
+    if (added == 0)
+      return;
   }
   if (place == PlaceLayoutCompText || place == PlaceLayoutText)
-    store.O_Mask(item, attr::Text, attr::Text);
+    store.O_Mask(store.OA_Object(array, added), attr::Text, attr::Text);
   index = added;
   status = 0;
 }
