@@ -335,10 +335,6 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
   int32_t count = store.OA_GetCount(items);
   if (count == 0)
     return;
-  // A view of a part of the array gets what it needs from the spatial index; a view that holds
-  // most of it walks it whole.
-  std::vector<Store::ItemInBox>& inView = inView_;
-  store.itemsToDraw(items, d.visibleFrame(), inView);
   int32_t lastRunDrawn = 0;
   auto statusAt = [&](int32_t i) {
     const ItemFields* f = store.itemFields(store.OA_Object(items, i));
@@ -377,13 +373,7 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
     }
     drawItemFields(d, *f, text, face);
   };
-  // The members may lie scattered in memory; fetching a few ahead hides most of the misses.
-  constexpr size_t Ahead = 8;
-  for (size_t k = 0; k < inView.size(); ++k) {
-    if (k + Ahead < inView.size())
-      __builtin_prefetch(inView[k + Ahead].fields);
-    drawAt(inView[k].position, inView[k].fields);
-  }
+  store.itemsToDraw(items, d.visibleFrame(), drawAt);
 }
 
 namespace {

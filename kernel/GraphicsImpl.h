@@ -71,7 +71,6 @@ public:
   KernelStrings& strings;
   std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
   std::vector<QPointF> points_;                  // scratch outline, reused between elements
-  std::vector<Store::ItemInBox> inView_;         // scratch of drawItemArray
   ArcDirections arcs_;
   std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 

@@ -20,9 +20,25 @@ inline void fillPixels(QRgb* first, size_t n, QRgb colour) {
   }
 }
 
+// Floor and ceiling by the truncating conversion: without SSE4.1 the library's rounding takes
+// several dependent steps, and a span takes two of them a row. Values are held to +-2^30 pixels
+// first (a shape may reach far beyond the picture at a fine precision), so that the conversion
+// stays in the range of int.
+constexpr double FarthestPixel = 1 << 30;
+inline int floorToInt(double v) {
+  v = std::clamp(v, -FarthestPixel, FarthestPixel);
+  const int i = int(v);
+  return i - int(v < double(i));
+}
+inline int ceilToInt(double v) {
+  v = std::clamp(v, -FarthestPixel, FarthestPixel);
+  const int i = int(v);
+  return i + int(v > double(i));
+}
+
 // Pixels whose centres lie in [left, right]: from ceil(left - 0.5) to floor(right - 0.5).
-inline int firstPixel(double left) { return int(std::ceil(left - 0.5)); }
-inline int lastPixel(double right) { return int(std::floor(right - 0.5)); }
+inline int firstPixel(double left) { return ceilToInt(left - 0.5); }
+inline int lastPixel(double right) { return floorToInt(right - 0.5); }
 
 // A batch is drawn once it holds this many shapes or points, so that it stays small in memory.
 constexpr size_t BatchShapes = size_t(1) << 16;

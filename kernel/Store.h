@@ -11,6 +11,7 @@
 #include "kernel/ItemGeometry.h"
 #include "kernel/KernelTypes.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -134,11 +135,13 @@ public:
     const ItemFields* fields = nullptr;
   };
   bool itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
-  // The items a drawing of box needs, in the order of their positions, as itemsInBox reads them.
-  // A box that holds most of the array's frame takes every member in one walk (cheaper than the
-  // index and the ordering then; the drawing passes over what lies outside); a smaller one takes
-  // the members whose frames meet it.
-  void itemsToDraw(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
+  // Calls visit(position, fields) for the items a drawing of box needs, in the order of their
+  // positions, the fields read in place. A box that holds most of the array's frame takes every
+  // member in one walk (cheaper than the index and the ordering then, and without a list; the
+  // drawing passes over what lies outside); a smaller one takes the members whose frames meet it.
+  // visit must not change the store.
+  void itemsToDraw(ArrayHandle array, const FrameRect& box,
+                   const std::function<void(int32_t, const ItemFields*)>& visit);
 
   // The numeric fields of an item, and its text and face when it has them, read in place without a
   // copy: for walks that touch every element. Valid until the store next changes; nullptr for a
