@@ -36,6 +36,15 @@ inline int ceilToInt(double v) {
   return i + int(v > double(i));
 }
 
+// std::llround for values well inside the range of int64_t, inline: the fractional part
+// v - trunc(v) is exact, so halves go away from zero as there.
+inline int64_t roundHalfAway(double v) {
+  int64_t i = int64_t(v);
+  const double fraction = v - double(i);
+  i += int64_t(fraction >= 0.5) - int64_t(fraction <= -0.5);
+  return i;
+}
+
 // Pixels whose centres lie in [left, right]: from ceil(left - 0.5) to floor(right - 0.5).
 inline int firstPixel(double left) { return ceilToInt(left - 0.5); }
 inline int lastPixel(double right) { return floorToInt(right - 0.5); }
@@ -268,15 +277,15 @@ template <typename Take>
   }
   const double fx = a.x() + t0 * dx, fy = a.y() + t0 * dy;
   const double lx = dx * (t1 - t0), ly = dy * (t1 - t0);
-  const int steps = int(std::ceil(std::max(std::abs(lx), std::abs(ly))));
+  const int steps = ceilToInt(std::max(std::abs(lx), std::abs(ly)));
   // Fixed point with 16 fraction bits; the shift floors negative values too.
-  int64_t x = int64_t(std::llround(fx * 65536.0)), y = int64_t(std::llround(fy * 65536.0));
+  int64_t x = roundHalfAway(fx * 65536.0), y = roundHalfAway(fy * 65536.0);
   if (steps == 0) {
     out.plot(int(x >> 16), int(y >> 16));
     return;
   }
-  const int64_t sx = int64_t(std::llround(lx / steps * 65536.0));
-  const int64_t sy = int64_t(std::llround(ly / steps * 65536.0));
+  const int64_t sx = roundHalfAway(lx / steps * 65536.0);
+  const int64_t sy = roundHalfAway(ly / steps * 65536.0);
   for (int i = 0; i <= steps; ++i, x += sx, y += sy)
     out.plot(int(x >> 16), int(y >> 16));
 }
