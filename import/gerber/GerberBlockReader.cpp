@@ -329,19 +329,27 @@ double GerberBlockReader::ParseCoordinate(std::string_view text, int axis) const
   const int64_t decimals = format_.DecimalDigits[size_t(axis)];
   int64_t total = int64_t(format_.IntegerDigits[size_t(axis)]) + decimals;
   double sign = 1;
-  if (const size_t plus = text.find('+'); plus != std::string_view::npos)
-    text = text.substr(plus + 1);
-  if (const size_t minus = text.find('-'); minus != std::string_view::npos) {
-    text = text.substr(minus + 1);
-    sign = -1;
+  // Most coordinates are a few digits alone: read at once, as valueOf reads them.
+  size_t run = 0;
+  int64_t digits = 0;
+  while (run < text.size() && run <= 18 && isDigit(text[run]))
+    digits = digits * 10 + (text[run++] - '0');
+  double value = static_cast<double>(digits);
+  if (run != text.size() || run > 18) {
+    if (const size_t plus = text.find('+'); plus != std::string_view::npos)
+      text = text.substr(plus + 1);
+    if (const size_t minus = text.find('-'); minus != std::string_view::npos) {
+      text = text.substr(minus + 1);
+      sign = -1;
+    }
+    run = 0;
+    while (run < text.size() && isDigit(text[run]))
+      ++run;
+    value = valueOf(text.substr(0, run));
   }
   const auto length = static_cast<int64_t>(text.size());
   if (length > total)
     total = length;
-  size_t run = 0;
-  while (run < text.size() && isDigit(text[run]))
-    ++run;
-  double value = valueOf(text.substr(0, run));
   // Trailing zeros omitted: the digits are left-aligned in the full width. Leading zeros omitted
   // (or any other setting): padding on the left changes nothing. A sign left in the text ends the
   // number, whatever padding follows.
