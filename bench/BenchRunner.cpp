@@ -4,11 +4,23 @@
 #include <QtGlobal>
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace bench {
+
+long residentKilobytes(const char* field) {
+  std::ifstream status("/proc/self/status");
+  const std::string_view name(field);
+  std::string line;
+  while (std::getline(status, line))
+    if (line.rfind(name, 0) == 0)
+      return std::strtol(line.c_str() + name.size(), nullptr, 10);
+  return 0;
+}
 
 void useOffscreenWithoutDisplay() {
   if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&

@@ -14,4 +14,8 @@ void useOffscreenWithoutDisplay();
 // name none. Returns the exit code.
 int runBenchmarks(int argc, char** argv, const char* defaultFilter = nullptr);
 
+// A line of /proc/self/status in kilobytes: "VmRSS:" the resident memory now, "VmHWM:" its peak
+// so far. 0 when the line is missing.
+long residentKilobytes(const char* field);
+
 }  // namespace bench

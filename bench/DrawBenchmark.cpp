@@ -1,11 +1,12 @@
 // Drawing a layer of a million mixed elements: the whole board, a view of 1% of it, a pan and a
-// wheel step.
+// wheel step; and the memory the layer takes in the store.
 #include "kernel/Kernel.h"
 
 #include <QGuiApplication>
 #include <QImage>
 #include <benchmark/benchmark.h>
 
+#include "BenchRunner.h"
 #include "MixedLayer.h"
 
 namespace tvx {
@@ -15,9 +16,20 @@ using bench::Layer;
 constexpr int32_t Board = 30000000;         // 300 mm square: every point is covered ~10 times
 constexpr int32_t SparseBoard = 100000000;  // 1 m square: about as much copper as board
 
+constexpr int Elements = 1000000;
+
+// The layer and its spatial index (made by the first partial view, once after an import), with
+// the resident memory they took.
 struct Scene {
   Kernel kernel;
-  explicit Scene(int32_t board) { bench::fillMixedLayer(kernel.store, 1000000, board); }
+  double bytesPerElement = 0;
+  explicit Scene(int32_t board) {
+    const long before = ::bench::residentKilobytes("VmRSS:");
+    bench::fillMixedLayer(kernel.store, Elements, board);
+    std::vector<int32_t> warm;
+    kernel.store.membersInBox(kernel.store.S_SymbolItemArray(Layer), FrameRect{0, 0, 1, 1}, warm);
+    bytesPerElement = double(::bench::residentKilobytes("VmRSS:") - before) * 1024 / Elements;
+  }
 };
 Scene& scene(int32_t board) {
   static Scene dense(Board);
@@ -33,12 +45,10 @@ void drawView(benchmark::State& state, int32_t board, int32_t scale, int32_t ox,
   static char* argv[] = {name, nullptr};
   static QGuiApplication app(argc, argv);
   Kernel& k = scene(board).kernel;
+  state.counters["store_bytes_per_element"] = scene(board).bytesPerElement;
   QImage image(1920, 1080, QImage::Format_RGB32);
   int32_t dev = k.graphics.G_GetDC(&image);
   ViewSetup view{scale, 1920, 1080, ox, oy, 4};
-  // The first partial view builds the layer's spatial index, once after an import; not timed.
-  std::vector<int32_t> warm;
-  k.store.membersInBox(k.store.S_SymbolItemArray(Layer), FrameRect{0, 0, 1, 1}, warm);
   for (auto _ : state) {
     k.graphics.G_OpenDC(dev, view, 0);
     k.graphics.G_CreateShadowBitmap(dev);

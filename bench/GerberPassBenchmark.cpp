@@ -1,6 +1,7 @@
 // The Gerber text pass over files of 100 MB on disk: copper with draws, flashes and arcs over many
 // apertures, and a file of regions. Reports the throughput, the records written and the growth of
 // the process's peak memory during the pass, which must not follow the file's size.
+#include "BenchRunner.h"
 #include "common/FileLayer.h"
 #include "import/core/ReportStatus.h"
 #include "import/gerber/GerberTextPass.h"
@@ -108,16 +109,6 @@ const std::string& regionFile() {
   return path;
 }
 
-// Peak resident memory of the process so far, in kilobytes.
-long peakResidentKilobytes() {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line))
-    if (line.rfind("VmHWM:", 0) == 0)
-      return std::strtol(line.c_str() + 6, nullptr, 10);
-  return 0;
-}
-
 void runPass(benchmark::State& state, const std::string& source) {
   ScriptedPrompts prompts;
   SystemServices services(&prompts);
@@ -131,7 +122,7 @@ void runPass(benchmark::State& state, const std::string& source) {
   const std::string art = (workDirectory() / "TMP.ART").string();
   GerberPassContext context{
       services, reporter, files, format, scan, nullptr, {}, {}, [&yields] { ++yields; }};
-  const long peakBefore = peakResidentKilobytes();
+  const long peakBefore = bench::residentKilobytes("VmHWM:");
   int32_t status = 0;
   for (auto _ : state) {
     format = GerberFormat{};
@@ -143,8 +134,9 @@ void runPass(benchmark::State& state, const std::string& source) {
   state.SetBytesProcessed(bytes * static_cast<int64_t>(state.iterations()));
   state.counters["records"] = scan.StreamRecords;
   state.counters["art_MB"] = double(std::filesystem::file_size(art)) / (1 << 20);
-  state.counters["peak_rss_MB"] = double(peakResidentKilobytes()) / 1024;
-  state.counters["peak_rss_growth_MB"] = double(peakResidentKilobytes() - peakBefore) / 1024;
+  state.counters["peak_rss_MB"] = double(bench::residentKilobytes("VmHWM:")) / 1024;
+  state.counters["peak_rss_growth_MB"] =
+      double(bench::residentKilobytes("VmHWM:") - peakBefore) / 1024;
   state.counters["yields_per_pass"] = double(yields) / double(state.iterations());
 }
 
