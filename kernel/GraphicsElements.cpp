@@ -79,7 +79,7 @@ QPolygonF cornersOf(const Device& d, const ItemFields& f, size_t textLength) {
 
 }  // namespace
 
-bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
+bool Graphics::Impl::rasterItem(Device& d, Raster& r, DrawScratch& scratch, const ItemFields& f) {
   if (f.Type == ItemVectorText || f.Type == ItemTrueTypeText)
     return false;
   r.setColour(qrgbOf(d, f.Colour));
@@ -110,10 +110,11 @@ bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
       r.plot(int(std::floor(c.x())), int(std::floor(c.y())));
       return true;
     }
-    points_.clear();
-    flattenArc(d, f, arcs_, points_);
-    for (size_t i = 1; i < points_.size(); ++i)
-      r.strokeSegment(points_[i - 1], points_[i], pen);
+    std::vector<QPointF>& points = scratch.points;
+    points.clear();
+    flattenArc(d, f, scratch.arcs, points);
+    for (size_t i = 1; i < points.size(); ++i)
+      r.strokeSegment(points[i - 1], points[i], pen);
     return true;
   }
   case ItemTriangle:
@@ -134,7 +135,7 @@ bool Graphics::Impl::rasterItem(Device& d, Raster& r, const ItemFields& f) {
 
 void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::string* text,
                                     const std::string* face) {
-  if (Raster* r = rasterFor(d); r && rasterItem(d, *r, f))
+  if (Raster* r = rasterFor(d); r && rasterItem(d, *r, scratch_, f))
     return;
   if (!canPaint(d))
     return;
@@ -214,42 +215,48 @@ void Graphics::Impl::drawItemFields(Device& d, const ItemFields& f, const std::s
   }
 }
 
-void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last) {
-  ItemRecord r;
-  if (Raster* raster = rasterFor(d)) {
-    // The outline as one ring of points; arcs are followed from the end nearer to the ring.
-    points_.clear();
-    ItemFields firstSide{};
-    for (int32_t i = first; i <= last; ++i) {
-      const ItemFields* side = store.itemFields(store.OA_Object(items, i));
-      if (!side)
-        return;
-      const ItemFields& f = *side;
-      if (i == first)
-        firstSide = f;
-      if (f.Type == ItemArc) {
-        size_t start = points_.size();
-        flattenArc(d, f, arcs_, points_);
-        if (start > 0 && points_.size() > start + 1 &&
-            QLineF(points_[start - 1], points_.back()).length() <
-                QLineF(points_[start - 1], points_[start]).length())
-          std::reverse(points_.begin() + qsizetype(start), points_.end());
-      } else {
-        points_.push_back(d.toDevice(f.X, f.Y));
-        if (f.Type == ItemLine)
-          points_.push_back(d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height));
-      }
-    }
-    raster->setColour(qrgbOf(d, firstSide.Colour));
-    if (firstSide.Style == StyleFilled && !isOutlineView(d)) {
-      raster->fillPolygon(points_);
+void Graphics::Impl::rasterPolygonRun(Device& d, Raster& raster, DrawScratch& scratch,
+                                      ArrayHandle items, int32_t first, int32_t last) {
+  // The outline as one ring of points; arcs are followed from the end nearer to the ring.
+  std::vector<QPointF>& points = scratch.points;
+  points.clear();
+  ItemFields firstSide{};
+  for (int32_t i = first; i <= last; ++i) {
+    const ItemFields* side = store.itemFields(store.OA_Object(items, i));
+    if (!side)
+      return;
+    const ItemFields& f = *side;
+    if (i == first)
+      firstSide = f;
+    if (f.Type == ItemArc) {
+      size_t start = points.size();
+      flattenArc(d, f, scratch.arcs, points);
+      if (start > 0 && points.size() > start + 1 &&
+          QLineF(points[start - 1], points.back()).length() <
+              QLineF(points[start - 1], points[start]).length())
+        std::reverse(points.begin() + qsizetype(start), points.end());
     } else {
-      double pen = isOutlineView(d) ? 0.0 : std::max(0, firstSide.LineWidth) * d.scale;
-      for (size_t i = 0; i < points_.size(); ++i)
-        raster->strokeSegment(points_[i], points_[(i + 1) % points_.size()], pen);
+      points.push_back(d.toDevice(f.X, f.Y));
+      if (f.Type == ItemLine)
+        points.push_back(d.toDevice(double(f.X) + f.Width, double(f.Y) + f.Height));
     }
+  }
+  raster.setColour(qrgbOf(d, firstSide.Colour));
+  if (firstSide.Style == StyleFilled && !isOutlineView(d)) {
+    raster.fillPolygon(points);
+  } else {
+    double pen = isOutlineView(d) ? 0.0 : std::max(0, firstSide.LineWidth) * d.scale;
+    for (size_t i = 0; i < points.size(); ++i)
+      raster.strokeSegment(points[i], points[(i + 1) % points.size()], pen);
+  }
+}
+
+void Graphics::Impl::drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last) {
+  if (Raster* raster = rasterFor(d)) {
+    rasterPolygonRun(d, *raster, scratch_, items, first, last);
     return;
   }
+  ItemRecord r;
   if (!canPaint(d))
     return;
   QPainterPath path;
@@ -329,51 +336,6 @@ void Graphics::Impl::drawEntry(Device& d, SymbolId id, const EntryRecord& e) {
     d.painter->drawLine(c - QPointF(2, 0), c + QPointF(2, 0));
     d.painter->drawLine(c - QPointF(0, 2), c + QPointF(0, 2));
   }
-}
-
-void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown) {
-  int32_t count = store.OA_GetCount(items);
-  if (count == 0)
-    return;
-  int32_t lastRunDrawn = 0;
-  auto statusAt = [&](int32_t i) {
-    const ItemFields* f = store.itemFields(store.OA_Object(items, i));
-    return f ? f->Attributes : 0;
-  };
-  // f: the fields of member i when the caller has them already.
-  auto drawAt = [&](int32_t i, const ItemFields* f) {
-    const std::string* text = nullptr;
-    const std::string* face = nullptr;
-    if (!f || f->Type == ItemVectorText || f->Type == ItemTrueTypeText)
-      f = store.itemFields(store.OA_Object(items, i), &text, &face);
-    if (!f || (onlyShown && !(f->Attributes & attr::Shown)))
-      return;
-    if (f->Attributes & attr::PolygonSide) {
-      // A polygon is drawn whole, once, from its first side.
-      if (i <= lastRunDrawn)
-        return;
-      int32_t first = i, last = i;
-      int32_t status = f->Attributes;
-      while (first > 1 && !(status & attr::PolygonFirst)) {
-        status = statusAt(first - 1);
-        if (!(status & attr::PolygonSide) || (status & attr::PolygonLast))
-          break;
-        --first;
-      }
-      status = f->Attributes;
-      while (last < count && !(status & attr::PolygonLast)) {
-        status = statusAt(last + 1);
-        if (!(status & attr::PolygonSide) || (status & attr::PolygonFirst))
-          break;
-        ++last;
-      }
-      lastRunDrawn = last;
-      drawPolygonRun(d, items, first, last);
-      return;
-    }
-    drawItemFields(d, *f, text, face);
-  };
-  store.itemsToDraw(items, d.visibleFrame(), drawAt);
 }
 
 namespace {

@@ -62,6 +62,13 @@ struct Device {
   FrameRect visibleFrame() const;
 };
 
+// Scratch of the element drawing of one thread: an outline's points, kept between elements so
+// that none allocates, and the directions of the arcs drawn last.
+struct DrawScratch {
+  std::vector<QPointF> points;
+  ArcDirections arcs;
+};
+
 class Graphics::Impl {
 public:
   Impl(Store& kernelStore, KernelStrings& kernelStrings)
@@ -70,8 +77,9 @@ public:
   Store& store;
   KernelStrings& strings;
   std::vector<std::unique_ptr<Device>> devices;  // id n at index n - 1
-  std::vector<QPointF> points_;                  // scratch outline, reused between elements
-  ArcDirections arcs_;
+  DrawScratch scratch_;
+  // The picture a second thread draws the later half of a large item array into.
+  QImage laterHalf_;
   std::vector<std::unique_ptr<QCursor>> cursors;  // handle n at index n - 1
 
   Device* device(int32_t dev) {
@@ -111,7 +119,11 @@ public:
   void drawItemFields(Device& d, const ItemFields& f, const std::string* text,
                       const std::string* face = nullptr);
   void drawPolygonRun(Device& d, ArrayHandle items, int32_t first, int32_t last);
+  void rasterPolygonRun(Device& d, Raster& raster, DrawScratch& scratch, ArrayHandle items,
+                        int32_t first, int32_t last);
   void drawEntry(Device& d, SymbolId id, const EntryRecord& e);
+  // The members of an item array the device's view needs, in order; a polygon run once, whole.
+  // Many members are drawn in two halves on both cores where the picture allows it.
   void drawItemArray(Device& d, ArrayHandle items, bool onlyShown);
   bool isOutlineView(const Device& d) const { return (d.view.Mode & viewflag::Outline) != 0; }
 
@@ -120,7 +132,7 @@ public:
     return d.raster && !(d.drawMode & drawmode::ExclusiveOr) ? d.raster.get() : nullptr;
   }
   // Draws a non-text item with the span rasteriser; false when it cannot.
-  bool rasterItem(Device& d, Raster& r, const ItemFields& f);
+  bool rasterItem(Device& d, Raster& r, DrawScratch& scratch, const ItemFields& f);
   QRgb qrgbOf(const Device& d, int32_t colour) const {
     uint32_t v = rgbOf(d, colour);
     return qRgb(redOf(v), greenOf(v), blueOf(v));

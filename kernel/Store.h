@@ -135,13 +135,16 @@ public:
     const ItemFields* fields = nullptr;
   };
   bool itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& items);
-  // Calls visit(position, fields) for the items a drawing of box needs, in the order of their
-  // positions, the fields read in place. A box that holds most of the array's frame takes every
-  // member in one walk (cheaper than the index and the ordering then, and without a list; the
-  // drawing passes over what lies outside); a smaller one takes the members whose frames meet it.
-  // visit must not change the store.
-  void itemsToDraw(ArrayHandle array, const FrameRect& box,
-                   const std::function<void(int32_t, const ItemFields*)>& visit);
+  // Which items a drawing of box needs. True when it takes every member of the array: the box
+  // holds most of the array's frame, and a walk in order is cheaper than the index and an ordering
+  // (the drawing passes over what lies outside). Otherwise met holds, as itemsInBox gives them,
+  // the members whose frames meet the box.
+  bool drawsEveryItem(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& met);
+  // Calls visit(position, fields) for the members first..last of an item array in order, the
+  // fields read in place. visit must not change the store. Safe from several threads while the
+  // store does not change.
+  void forEachItem(ArrayHandle array, int32_t first, int32_t last,
+                   const std::function<void(int32_t, const ItemFields*)>& visit) const;
 
   // The numeric fields of an item, and its text and face when it has them, read in place without a
   // copy: for walks that touch every element. Valid until the store next changes; nullptr for a

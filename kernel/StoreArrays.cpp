@@ -464,31 +464,33 @@ bool Store::itemsInBox(ArrayHandle array, const FrameRect& box, std::vector<Item
   return indexed;
 }
 
-void Store::itemsToDraw(ArrayHandle array, const FrameRect& box,
-                        const std::function<void(int32_t, const ItemFields*)>& visit) {
+bool Store::drawsEveryItem(ArrayHandle array, const FrameRect& box, std::vector<ItemInBox>& met) {
+  met.clear();
   Impl& s = *impl_;
   ArrayData* a = s.array(array);
   Box all;
   if (!a || a->element != ObjectKind::Item || !s.frameOf(*a, -1, all))
-    return;
+    return false;
   const auto extent = [](int32_t from, int32_t to) { return std::max(0.0, double(to) - from + 1); };
   const double overlap = extent(std::max(box.MinX, all.minX), std::min(box.MaxX, all.maxX)) *
                          extent(std::max(box.MinY, all.minY), std::min(box.MaxY, all.maxY));
   const double whole = extent(all.minX, all.maxX) * extent(all.minY, all.maxY);
-  if (overlap * 4 >= whole * 3) {
-    for (size_t i = 0; i < a->objects.size(); ++i)
-      visit(int32_t(i + 1), &s.items.data[s.table.find(a->objects[i], ObjectKind::Item)].f);
-    return;
-  }
-  std::vector<ItemInBox> met;
+  if (overlap * 4 >= whole * 3)
+    return true;
   itemsInBox(array, box, met);
-  // The members lie scattered in memory; fetching a few ahead hides most of the misses.
-  constexpr size_t Ahead = 8;
-  for (size_t k = 0; k < met.size(); ++k) {
-    if (k + Ahead < met.size())
-      __builtin_prefetch(met[k + Ahead].fields);
-    visit(met[k].position, met[k].fields);
-  }
+  return false;
+}
+
+void Store::forEachItem(ArrayHandle array, int32_t first, int32_t last,
+                        const std::function<void(int32_t, const ItemFields*)>& visit) const {
+  const Impl& s = *impl_;
+  const uint32_t i = s.table.find(tableEntry(array), ObjectKind::Array);
+  if (i == ObjectTable::NotFound || s.arrays.data[i].element != ObjectKind::Item)
+    return;
+  const std::vector<int32_t>& objects = s.arrays.data[i].objects;
+  last = std::min(last, int32_t(objects.size()));
+  for (int32_t p = std::max(first, 1); p <= last; ++p)
+    visit(p, &s.items.data[s.table.find(objects[size_t(p) - 1], ObjectKind::Item)].f);
 }
 
 ObjectHandle Store::OM_Object(MapHandle map, int32_t key) const {

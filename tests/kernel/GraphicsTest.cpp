@@ -245,6 +245,67 @@ TEST_F(GraphicsTest, AnIndexedPictureDrawsTheSamePixelsAsAColourPicture) {
   EXPECT_EQ(indexed.convertToFormat(QImage::Format_RGB32), colour);
 }
 
+// A large array is drawn in two halves on both cores. Its picture is the one drawn member by
+// member in order: overlapping colours, polygon runs across the middle, and a text in the later
+// half (which only a painter draws, so that half is drawn after the first after all).
+TEST_F(GraphicsTest, ManyMembersOnBothCoresGiveThePictureDrawnInOrder) {
+  std::mt19937 rng(3);
+  std::uniform_int_distribution<int32_t> pos(-25000, 25000), size(100, 3000);
+  const int32_t types[] = {ItemLine, ItemCircle, ItemRectangle, ItemArc};
+  for (int i = 0; i < 70000; ++i) {
+    int32_t x = pos(rng), y = pos(rng);
+    const int32_t s = size(rng);
+    if (i % 9 == 0) {
+      const int32_t dx[4] = {s, 0, -s, 0}, dy[4] = {0, s, 0, -s};
+      for (int side = 0; side < 4; x += dx[side], y += dy[side], ++side)
+        add(Item(ItemLine, attr::Shown | attr::PolygonSide | (side == 0 ? attr::PolygonFirst : 0) |
+                               (side == 3 ? attr::PolygonLast : 0))
+                .at(x, y)
+                .size(dx[side], dy[side])
+                .filled()
+                .colour(i % 31));
+      continue;
+    }
+    add(Item(types[i % 4])
+            .at(x, y)
+            .size(s, s)
+            .pen(s / 8)
+            .sweep(120000)
+            .style(i % 2 ? StyleFilled : 0)
+            .colour(i % 31));
+  }
+  const ArrayHandle items = k.store.S_SymbolItemArray(sym);
+  // Member by member: each polygon run from its first side, every other member alone.
+  const auto inOrder = [&] {
+    QImage image(300, 300, QImage::Format_RGB32);
+    const int32_t dev = k.graphics.G_GetDC(&image);
+    k.graphics.G_OpenDC(dev, ViewSetup{200, 300, 300, 0, 0, 4}, 0);
+    k.graphics.G_ChangeBackgroundColor(dev, 0);
+    k.graphics.G_CreateShadowBitmap(dev);
+    for (int32_t i = 1, n = k.store.OA_GetCount(items); i <= n; ++i) {
+      ItemRecord r;
+      k.store.I_ReadItem(k.store.OA_Object(items, i), r);
+      if (!(r.Attributes & attr::PolygonSide)) {
+        k.graphics.S_DrawItem(dev, sym, i);
+        continue;
+      }
+      k.graphics.I_DrawItemPoly(dev, tableEntry(items), i, i + 3);
+      i += 3;
+    }
+    k.graphics.G_CloseDC(dev, 1);
+    k.graphics.G_DeleteDC(dev);
+    return image;
+  };
+  EXPECT_EQ(render(300, 300, 200, 0, 0), inOrder());
+  Item text(ItemVectorText);
+  text.Text = "TEXT";
+  int32_t late = k.store.OA_GetCount(items) - 100;  // before a member that starts no run
+  while (k.store.itemFields(k.store.OA_Object(items, late))->Attributes & attr::PolygonSide)
+    --late;
+  k.store.OA_Insert(items, k.store.I_MakeItem(text.at(0, 0).size(8000, 8000).colour(15)), late);
+  EXPECT_EQ(render(300, 300, 200, 0, 0), inOrder());
+}
+
 // A figure that only a painter draws is noted as left out of an indexed picture.
 TEST_F(GraphicsTest, FiguresOnlyAPainterDrawsAreNotedAsLeftOut) {
   add(Item(ItemRectangle).at(0, 0).size(5000, 5000).filled().colour(12));
