@@ -12,6 +12,10 @@ namespace {
 // Fewer members than this are drawn on one core: a second picture to clear and lay over costs
 // a few milliseconds.
 constexpr size_t MembersForTwoHalves = 65536;
+// A larger picture (a print or export at a high resolution) is drawn on one core: a second
+// picture of its size would double its memory, and its shapes are large enough for the
+// rasteriser's two bands.
+constexpr qsizetype MostPixelsForTwoHalves = qsizetype(1) << 24;
 
 bool isText(const ItemFields& f) { return f.Type == ItemVectorText || f.Type == ItemTrueTypeText; }
 
@@ -131,7 +135,8 @@ void Graphics::Impl::drawItemArray(Device& d, ArrayHandle items, bool onlyShown)
   // later half's pixels laid over the first half's give the picture drawn in order).
   Raster* raster = rasterFor(d);
   const bool twoHalves =
-      members >= MembersForTwoHalves && raster && d.rasterImage && d.rasterImage->depth() == 32;
+      members >= MembersForTwoHalves && raster && d.rasterImage && d.rasterImage->depth() == 32 &&
+      qsizetype(d.rasterImage->width()) * d.rasterImage->height() <= MostPixelsForTwoHalves;
   if (!twoHalves) {
     drawMembers(0, members, walk);
     return;
