@@ -63,6 +63,9 @@ TvxQuery::TvxQuery(QWidget* parent, const SystemServices* services) : QDialog(pa
   cboCombo->setObjectName("cboCombo");
   cboCombo->setEditable(true);
   cboCombo->setInsertPolicy(QComboBox::NoInsert);
+  // What is typed stays as typed: an inline completion would turn a typed "1" into the row "1.5"
+  // on Return, and a value the prompt must refuse would be taken as another.
+  cboCombo->setCompleter(nullptr);
   cboDropdown = new QComboBox(this);
   cboDropdown->setObjectName("cboDropdown");
   txtTextBlock = new QPlainTextEdit(this);

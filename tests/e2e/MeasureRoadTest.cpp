@@ -131,6 +131,19 @@ TEST_F(MeasureRoad, PanelsReferencePointAndDistance) {
   xdo({"key", "Escape"});
   moveTo(off + QPoint(1, 1));
   EXPECT_EQ(viewNowWhen([](const ViewNow& v) { return v.tool == 0; }).tool, 0);
+
+  // Preferences > Zoom In/Out Factor, "1" typed: refused with the status box (titled by the
+  // application), not completed to a row of the list and taken.
+  const QString main = visibleWindow("Viewer & Import");
+  HostDriver::choose("M_Prefs", "r", "M_ZoomFactor");
+  ASSERT_TRUE(waitUntil([&] { return xdo({"getwindowfocus"}) != main; })) << "no prompt";
+  xdo({"key", "ctrl+a"});
+  xdo({"type", "--delay", "20", "1"});
+  xdo({"key", "Return"});
+  const QString refusal = visibleWindow("^Tarvex$", 10000);
+  EXPECT_FALSE(refusal.isEmpty()) << "a zoom factor of 1 was taken";
+  if (!refusal.isEmpty())
+    xdo({"key", "Return"});
 }
 
 }  // namespace
