@@ -377,7 +377,7 @@ std::optional<uint32_t> Graphics::Impl::straightXorColour(Device& d) {
     return std::nullopt;
   if (d.raster)
     d.raster->flush();
-  return rgbOf(d, d.colour) & 0xFFFFFFu;
+  return qrgbOf(d, d.colour) & 0xFFFFFFu;
 }
 
 int32_t Graphics::G_Line(int32_t dev, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {

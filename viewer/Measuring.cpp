@@ -28,6 +28,8 @@ constexpr int32_t XorMode = drawmode::Normal | drawmode::ExclusiveOr;
 // The reference point's mark: a ring of 4 pixels and a cross of 8 to each side.
 constexpr int32_t ReferenceRingPixels = 4;
 constexpr int32_t ReferenceCrossPixels = 8;
+// The reference mark's colour in a one-colour view.
+constexpr int32_t MonoMarkColour = 15;
 // The ruler cursor's marks are as long as the strip is wide.
 constexpr int32_t RulerCursorPixels = 20;
 // Pixels of one size step of a mark glyph.
@@ -217,7 +219,7 @@ void Measuring::DrawReferencePoint(int32_t dc, int32_t /*drawMode*/) {
   const int32_t x = ReferencePoint.X, y = ReferencePoint.Y;
   const int32_t cross = ReferenceCrossPixels * p;
   graphics_.G_SetDrawMode(dc, XorMode);
-  graphics_.G_SetColor(dc, redraw_.HighlightColour);
+  graphics_.G_SetColor(dc, redraw_.mono() ? MonoMarkColour : redraw_.HighlightColour);
   graphics_.G_SetStyle(dc, penstyle::Outline);
   graphics_.G_SetWidth(dc, 1);
   graphics_.G_Circle(dc, x, y, ReferenceRingPixels * p);

@@ -216,6 +216,25 @@ TEST_F(MeasuringTest, MarksRestoreThePictureAndComeBackWithARepaint) {
   EXPECT_EQ(picture(), plain);
 }
 
+// The mark is drawn in the highlight colour, in colour 15 in a one-colour view.
+TEST_F(MeasuringTest, TheMarkTakesColour15InAOneColourView) {
+  for (bool mono : {false, true}) {
+    SCOPED_TRACE(mono);
+    if (mono)
+      redraw.toggle(DisplayOption::Mono);
+    const QImage plain = picture();
+    setPointer(100000, 50000);
+    measuring.SetReferencePoint(0);
+    int32_t px = 100000, py = 50000;
+    kernel.graphics.G_LPtoDP(view.device(), px, py);
+    const uint32_t drawn = (picture().pixel(px + 6, py) ^ plain.pixel(px + 6, py)) & 0xFFFFFF;
+    const uint32_t colour = paletteRgb()[size_t(mono ? 15 : redraw.HighlightColour)];
+    EXPECT_EQ(drawn, qRgb(redOf(colour), greenOf(colour), blueOf(colour)) & 0xFFFFFF);
+    measuring.clearReferencePoint();
+    redraw.RedrawScreen();
+  }
+}
+
 TEST_F(MeasuringTest, RulerOnAndOffAndMirrored) {
   const QImage plain = picture();
   measuring.M_Ruler_Click();
