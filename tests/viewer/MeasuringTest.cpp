@@ -329,53 +329,6 @@ TEST_F(MeasuringTest, MirroredLabelsAreTurnedOver) {
   EXPECT_NE(trimmed(mirrored, false), trimmed(normal, false));
 }
 
-// The pen calls of the drawing engine, in order, as "mode 36" or "colour 12".
-struct PenLog : Graphics {
-  using Graphics::Graphics;
-  int32_t G_SetDrawMode(int32_t dev, int32_t mode) override {
-    calls.push_back("mode " + std::to_string(mode));
-    return Graphics::G_SetDrawMode(dev, mode);
-  }
-  int32_t G_SetColor(int32_t dev, int32_t colour) override {
-    calls.push_back("colour " + std::to_string(colour));
-    return Graphics::G_SetColor(dev, colour);
-  }
-  int32_t G_SetStyle(int32_t dev, int32_t style) override {
-    calls.push_back("style " + std::to_string(style));
-    return Graphics::G_SetStyle(dev, style);
-  }
-  int32_t G_SetWidth(int32_t dev, int32_t width) override {
-    calls.push_back("width " + std::to_string(width));
-    return Graphics::G_SetWidth(dev, width);
-  }
-  std::vector<std::string> calls;
-};
-
-TEST_F(MeasuringTest, DrawStyleKinds) {
-  PenLog pens(kernel.store, kernel.strings);
-  view.setDevice(pens.G_GetDC(&target));
-  Measuring logged(pens, services, prompts, view, redraw, tools);
-  view.ViewFlags = viewflag::Mirror | viewflag::ScreenView;
-  // The overlay kinds draw by exclusive-or (bit 2) in the shadow picture.
-  const std::vector<std::vector<std::string>> expected = {
-      {"mode 38", "colour 12", "style 0", "width 1"},
-      {"mode 133"},
-      {"mode 62", "colour 12", "style 0", "width 1"},
-      {"mode 30", "colour 12", "style 0"},
-      {"mode 14", "colour 12", "style 0"},
-      {"mode 13", "colour 12"},
-  };
-  for (int32_t kind = 1; kind <= 6; ++kind) {
-    pens.calls.clear();
-    EXPECT_NE(logged.SetDrawStyle(kind, true), 0) << kind;
-    EXPECT_EQ(pens.calls, expected[size_t(kind - 1)]) << kind;
-  }
-  pens.calls.clear();
-  logged.SetDrawStyle(7, true);
-  EXPECT_EQ(pens.calls, std::vector<std::string>{});
-  pens.G_CloseDC(view.device(), 0);
-}
-
 TEST_F(MeasuringTest, CalibrationAndZoomFactorRanges) {
   struct Case {
     const char* name;
