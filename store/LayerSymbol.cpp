@@ -17,20 +17,26 @@ std::string_view trimmed(std::string_view text) {
 }
 }  // namespace
 
-void EnsureLayerSymbol(Store& store, const LayerRecord& layer, bool replace) {
-  const SymbolId id = layer.SymbolHandle;
+void EnsureSymbol(Store& store, SymbolId id, const std::string& name, bool replace,
+                  bool deadEntry) {
   if (const ObjectHandle symbol = store.S_Symbol(id); symbol != ObjectHandle::None) {
     bool remove = replace;
     if (!remove) {
-      const std::string name = SystemServices::StringFromPointer(store.O_GetName(symbol));
-      remove = trimmed(name) != trimmed(layer.SymbolName);
+      const std::string stored = SystemServices::StringFromPointer(store.O_GetName(symbol));
+      remove = trimmed(stored) != trimmed(name);
     }
     if (remove)
       store.OM_Delete(store.DB_SymbMap(), id);
   }
-  // When the store refuses the symbol the layer stays without one and reads as empty.
-  if (store.S_Symbol(id) == ObjectHandle::None && store.S_CreateSymbol(id, layer.SymbolName) == id)
-    store.O_Mask(store.S_Symbol(id), attr::MadeBySystem, attr::MadeBySystem);
+  // When the store refuses the symbol it stays without one and reads as empty.
+  if (store.S_Symbol(id) != ObjectHandle::None || store.S_CreateSymbol(id, name) != id)
+    return;
+  if (deadEntry) {
+    const int32_t entry = store.S_InsertEntry(id, -1, 0, 0);
+    if (entry > 0)
+      store.O_Mask(store.S_Entry(id, entry), 0, -1);
+  }
+  store.O_Mask(store.S_Symbol(id), attr::MadeBySystem, attr::MadeBySystem);
 }
 
 }  // namespace tvx

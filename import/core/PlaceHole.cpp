@@ -88,15 +88,6 @@ const ToolEntry* HoleSizes::find(int32_t code) const {
   return it == first_.end() ? nullptr : &it->second;
 }
 
-PlacedPoints::PlacedPoints(const Store& store, SymbolId symbol) {
-  const int32_t count = store.OA_GetCount(store.S_SymbolEntryArray(symbol));
-  for (int32_t i = 1; i <= count; ++i) {
-    EntryRecord entry;
-    if (store.S_ReadEntry(symbol, i, entry))
-      add(entry.X, entry.Y);
-  }
-}
-
 HolePlacement PlaceHole(Store& store, double x, double y, int32_t toolCode,
                         const LayerRecord& layer, const LayerFileRecord& file,
                         const HoleSizes* sizes, PlacedPoints* placed) {

@@ -4,10 +4,10 @@
 
 #include "kernel/PlaneGeometry.h"
 #include "store/LayerRecord.h"
+#include "store/PlacedPoints.h"
 
 #include <cstdint>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace tvx {
@@ -41,19 +41,6 @@ public:
 
 private:
   std::unordered_map<int32_t, ToolEntry> first_;
-};
-
-// The points on which pads of a layer's symbol stand, for the exact-repeat look-up of one import:
-// the symbol's pads when it is made, then each pad placed through it.
-class PlacedPoints {
-public:
-  PlacedPoints(const Store& store, SymbolId symbol);
-  bool contains(int32_t x, int32_t y) const { return points_.count(key(x, y)) != 0; }
-  void add(int32_t x, int32_t y) { points_.insert(key(x, y)); }
-
-private:
-  static uint64_t key(int32_t x, int32_t y) { return uint64_t(uint32_t(x)) << 32 | uint32_t(y); }
-  std::unordered_set<uint64_t> points_;
 };
 
 // Places one hole at (x, y), in store units, into the layer's symbol under the tool code. On the
