@@ -86,6 +86,7 @@ struct LayerFileRecord {
   bool ClearPolarity = false;        // working flag of the Gerber drawing pass
   bool OriginalCoordinates = false;  // keep the file's coordinates (AFS_NOCENTER)
   bool TrueLineSize = false;         // DXF only (AFS_DXFTRUESIZE)
+  int32_t CoordinateStep = 0;        // drill files: store units of the last digit of a coordinate
   std::vector<ToolEntry> Tools;      // the Excellon tool table; empty until a scan fills it
 
   bool operator==(const LayerFileRecord&) const = default;

@@ -2,6 +2,7 @@
 
 #include "import/core/FileRecognition.h"
 #include "import/core/StatusCodes.h"
+#include "import/gerber/ApertureRows.h"
 #include "kernel/Store.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
@@ -190,8 +191,14 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   result.kind = job.Kind;
   result.layer = state.DialogLayer;
   result.status = importBoundLayer(layers, options.editMsgLine);
-  if (isGerberKind(job.Kind))
+  if (isGerberKind(job.Kind)) {
     result.notes = noteTexts(gerberScan);
+    // The layer lists its apertures as the import window would have.
+    LayerRecord& layer = layers[size_t(result.layer - 1)];
+    if (result.status == StatusOk)
+      layer.Apertures = gerberApertureRows(services, apertureRowUnit, gerberScan.Lists,
+                                           layer.Files.empty() ? " " : layer.Files.front().Tag);
+  }
   return result;
 }
 
@@ -210,7 +217,9 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
   std::vector<ImportResult> results;
   std::array<bool, LayerCount + 1> taken{};
   bool firstGerber = true;
-  for (const std::string& path : paths) {
+  for (size_t n = 0; n < paths.size(); ++n) {
+    const std::string& path = paths[n];
+    const int32_t bound = n < options.layers.size() ? options.layers[n] : 0;
     ImportOptions single;
     single.noCenter = options.noCenter;
     single.editMsgLine = options.editMsgLine;
@@ -227,7 +236,10 @@ std::vector<ImportResult> ImportSession::importFiles(std::span<LayerRecord> laye
           return number;
       return 0;
     };
-    if (isGerberKind(single.kind)) {
+    if (bound != 0 && single.kind != ImportKind::Unknown) {
+      single.layer = bound;
+      firstGerber = firstGerber && !isGerberKind(single.kind);
+    } else if (isGerberKind(single.kind)) {
       single.layer = firstGerber && options.firstGerberLayer != 0 ? options.firstGerberLayer
                                                                   : freeGerberLayer();
       firstGerber = false;

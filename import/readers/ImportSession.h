@@ -111,6 +111,8 @@ public:
   // into the board outline, drill files where the binding puts them. afterEach sees every result.
   struct BatchOptions {
     int32_t firstGerberLayer = 0;
+    // The layer of each path, where the command line binds one; 0 leaves it to the rules above.
+    std::vector<int32_t> layers;
     bool noCenter = true;
     MessageLine editMsgLine;
     std::function<void(const std::string& path, const ImportResult& result)> afterEach;
@@ -139,6 +141,9 @@ public:
   HpglFileReader hpglReader;
   DxfFileReader dxfReader;
   ReaderTable readers;
+  // The unit of the sizes in a Gerber layer's aperture rows (0 inches, 1 millimetres), which an
+  // import without the window fills as the window would.
+  int32_t apertureRowUnit = 1;
   // The import window's hole mapping, kept from one window to the next.
   int32_t HoleMapping = 0;
   // An import is under way (its window or a run of files): no second one starts.

@@ -3,6 +3,8 @@
 #include "import/core/ReportStatus.h"
 #include "import/core/StatusCodes.h"
 
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace tvx {
@@ -45,6 +47,9 @@ void ExcellonFileReader::prepareBoundFile(ImportJob& job, LayerFileRecord& file)
 void ExcellonFileReader::importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                                     LayerFileRecord& file) {
   reader_.ImportExcellon(status, job.ExcellonText, layer, file);
+  // Kept for the matching of holes with pads, which allows for the file's rounding.
+  const double step = reader_.coordinateStep();
+  file.CoordinateStep = std::isfinite(step) ? int32_t(std::lround(std::clamp(step, 0.0, 1e6))) : 0;
 }
 
 }  // namespace tvx

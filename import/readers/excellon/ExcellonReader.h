@@ -80,6 +80,8 @@ public:
                       LayerFileRecord& file);
 
   const ExcellonFormat& format() const { return format_; }
+  // What the last digit of a coordinate is worth under the format, in store units.
+  double coordinateStep() const;
   const SystemServices& services() const { return services_; }
   const StatusReporter& reporter() const { return reporter_; }
   const FileExtents& extents() const { return extents_; }

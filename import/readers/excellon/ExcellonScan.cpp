@@ -134,6 +134,11 @@ double ExcellonReader::DecodeExcellonNumber(std::string& digits) const {
          services_.DatabaseUnitsPerMm() * sign;
 }
 
+double ExcellonReader::coordinateStep() const {
+  return std::pow(10.0, -format_.XYFormA) / unitTableValue(format_.XYunit) *
+         services_.DatabaseUnitsPerMm();
+}
+
 double ExcellonReader::fileLength(const std::string& field) const {
   return ToNumber(field) / unitTableValue(format_.XYunit) * services_.DatabaseUnitsPerMm();
 }

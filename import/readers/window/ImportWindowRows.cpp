@@ -5,7 +5,7 @@
 
 #include "common/FormatNumber.h"
 #include "common/LengthFormats.h"
-#include "import/gerber/ApertureLabel.h"
+#include "import/gerber/ApertureRows.h"
 #include "import/gerber/ArtFile.h"
 #include "platform/SystemServices.h"
 
@@ -277,69 +277,18 @@ void ImportWindowModel::readArtSections() {
 
 std::string ImportWindowModel::apertureRowText(const ApertureUse& use, const char* word,
                                                const char* id, bool withSize, int32_t size) const {
-  std::string row = ApertureLabel(use.DCode) + " " + text(word, id);
-  if (withSize)
-    row += lengthText(size);
-  return row;
+  return tvx::apertureRowText(session_.services, OffsetUnit, use, word, id, withSize, size);
 }
 
 std::string ImportWindowModel::specialShape(const ApertureUse& use) const {
-  const std::vector<PrimitiveRow>& primitives = session_.gerberScan.Lists.PrimitiveList;
-  const int32_t first = use.Size;
-  if (first < 1 || first > static_cast<int32_t>(primitives.size()))
-    return text("Undef.", "62238");
-  const PrimitiveRow& p = primitives[size_t(first - 1)];
-  switch (p.Kind) {
-  case primitive::RoundWithHole:
-    return text("Circle", "62233");
-  case primitive::Rectangle:
-    return text("Rectangle", "62234");
-  case primitive::Oval:
-    return text("Obround", "62235");
-  case primitive::RegularPolygon:
-    return text("Reg.polygon", "62236");
-  case primitive::Macro:
-    return text("Macro ", "62237") + "\"" + p.Text + "\"";
-  default:
-    return text("Undef.", "62238");
-  }
+  return specialShapeText(session_.services, session_.gerberScan.Lists, use);
 }
 
 void ImportWindowModel::buildApertureRows() {
   readArtSections();
-  const ApertureLists& lists = session_.gerberScan.Lists;
   const LayerFileRecord* file = firstFile();
-  const std::string tag = file ? file->Tag : std::string(" ");
-  ApertureRows.clear();
-  const auto add = [&](const ApertureUse& use, std::string rowText) {
-    ApertureRow row;
-    row.Text = std::move(rowText);
-    row.Code = use.DCode;
-    row.Selected = !labelExcluded(tag, use.DCode);
-    ApertureRows.push_back(std::move(row));
-  };
-  for (const ApertureUse& use : lists.DrawList) {
-    if (use.Size >= 0) {
-      add(use, apertureRowText(use, "Line    ", "62321", true, use.Size));
-    } else if (use.Size == LinkToSquarePad) {
-      const ApertureUse* square = nullptr;
-      for (const ApertureUse& s : lists.SquarePadList)
-        if (s.DCode == use.DCode) {
-          square = &s;
-          break;
-        }
-      add(use,
-          apertureRowText(use, "Sqr. ", "62322", square != nullptr, square ? square->Size : 0));
-    } else {
-      add(use, apertureRowText(use, "Macro ", "62237", false, 0));
-    }
-  }
-  for (const ApertureUse& use : lists.RoundPadList)
-    add(use, apertureRowText(use, "Rnd.Pad ", "62323", true, use.Size));
-  for (const ApertureUse& use : lists.SquarePadList)
-    add(use, apertureRowText(use, "Sqr.Pad ", "62324", true, use.Size));
-  for (const ApertureUse& use : lists.SpecialList)
-    add(use, apertureRowText(use, "Special ", "62325", false, 0) + specialShape(use));
+  ApertureRows = gerberApertureRows(session_.services, OffsetUnit, session_.gerberScan.Lists,
+                                    file ? file->Tag : std::string(" "));
   if (LayerRecord* layer = dialogLayer())
     layer->Apertures = ApertureRows;
 }
