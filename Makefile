@@ -21,8 +21,11 @@ configure: bootstrap $(BUILD)/build.ninja
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
-# The demo board: every sample file that exists, Gerber layers first, the drill file last.
-DEMO_FILES := $(wildcard samples/*.gbr samples/*.drl)
+# The demo board, each file on its layer: copper top 3 and bottom 4, silkscreen 1, mask 2,
+# outline 30, drill 31.
+DEMO_FILES := --layer 3 samples/demo-top.gbr --layer 4 samples/demo-bottom.gbr \
+	--layer 1 samples/demo-silk-top.gbr --layer 2 samples/demo-mask-top.gbr \
+	--layer 30 samples/demo-outline.gbr --layer 31 samples/demo.drl
 
 run: build
 	$(BUILD)/bin/tarvex-gbrviewer $(DEMO_FILES)

@@ -1,5 +1,5 @@
-// gbrview: the viewer's readers and drawing without a window. Its verbs (render, info) and their
-// options are parsed in app/cli/CommandLine, whose usage text lists them.
+// gbrview: the viewer's readers and drawing without a window. Its verbs (render, info,
+// reconstruct) and their options are parsed in app/cli/CommandLine, whose usage text lists them.
 // Exit codes: 0 success, 1 a file failed, 2 bad arguments.
 
 #include "app/cli/CommandLine.h"
@@ -21,20 +21,32 @@ int badArguments(const std::string& reason) {
   return tvx::ExitBadArguments;
 }
 
-// Renders with a headless platform unless the environment names one. The application sees no
+// Runs work under a headless platform unless the environment names one. The application sees no
 // arguments: they are gbrview's, not Qt's.
-int runRender(const tvx::RenderOptions& options) {
+template <typename Work> int withApplication(Work&& work) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
     qputenv("QT_QPA_PLATFORM", "offscreen");
   static char name[] = "gbrview";
   int argc = 1;
   char* argv[] = {name, nullptr};
   QGuiApplication application(argc, argv);
+  return work();
+}
+
+int runRender(const tvx::RenderOptions& options) {
   const tvx::RenderOutcome outcome = tvx::renderFiles(options);
   for (const std::string& message : outcome.messages)
     std::fprintf(stderr, "%s\n", message.c_str());
   if (outcome.exitCode == tvx::ExitBadArguments)
     std::fputs(tvx::GbrviewUsage, stderr);
+  return outcome.exitCode;
+}
+
+int runReconstruct(const tvx::ReconstructOptions& options) {
+  const tvx::ReconstructOutcome outcome = tvx::reconstructFiles(options);
+  std::fwrite(outcome.report.data(), 1, outcome.report.size(), stdout);
+  for (const std::string& message : outcome.messages)
+    std::fprintf(stderr, "%s\n", message.c_str());
   return outcome.exitCode;
 }
 
@@ -66,9 +78,11 @@ int main(int argc, char* argv[]) {
     std::printf("gbrview %s\n", TVX_VERSION);
     return 0;
   case tvx::CliCommand::Render:
-    return runRender(parsed.render);
+    return withApplication([&] { return runRender(parsed.render); });
   case tvx::CliCommand::Info:
     return runInfo(parsed);
+  case tvx::CliCommand::Reconstruct:
+    return withApplication([&] { return runReconstruct(parsed.reconstruct); });
   case tvx::CliCommand::Bad:
     break;
   }

@@ -8,6 +8,7 @@
 // answer what the user sees, for the scripts and tests that drive the viewer.
 
 #include "app/HostQueries.h"
+#include "app/cli/CommandLine.h"
 #include "common/widgets/QtUserPrompts.h"
 #include "kernel/Kernel.h"
 #include "platform/RuntimeDirectory.h"
@@ -95,9 +96,13 @@ int main(int argc, char* argv[]) {
   const QCommandLineOption helpOption({"h", "help"}, "Displays this help.");
   const QCommandLineOption iniOption(
       "ini", "Settings file (default $XDG_CONFIG_HOME/tarvex/tarvex.ini).", "FILE");
+  const QCommandLineOption layerOption(
+      "layer", "Imports the file after it into layer N (1 to 31) instead of where its kind goes.",
+      "N");
   parser.addOption(helpOption);
   parser.addOption(iniOption);
-  parser.addPositionalArgument("files", "Files to import at start.", "[FILE...]");
+  parser.addOption(layerOption);
+  parser.addPositionalArgument("files", "Files to import at start.", "[[--layer N] FILE...]");
   // Help needs no display: it is answered before the application object exists.
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "-h" || std::string_view(argv[i]) == "--help") {
@@ -116,6 +121,14 @@ int main(int argc, char* argv[]) {
   // The application object has taken its own options (-platform, ...) out of the arguments.
   if (!parser.parse(QCoreApplication::arguments())) {
     std::fprintf(stderr, "tarvex-gbrviewer: %s\n", qPrintable(parser.errorText()));
+    return 2;
+  }
+
+  std::vector<int32_t> fileLayers;
+  if (const std::string error =
+          tvx::layersOfFiles(QCoreApplication::arguments(), {"--ini"}, fileLayers);
+      !error.empty()) {
+    std::fprintf(stderr, "tarvex-gbrviewer: %s\n", error.c_str());
     return 2;
   }
 
@@ -163,9 +176,12 @@ int main(int argc, char* argv[]) {
   });
 
   std::vector<std::string> files;
+  std::vector<int32_t> layers;
   // A name that is no file is told here, with the reason, and passed over, so that start-up shows
   // no box for it.
-  for (const QString& file : parser.positionalArguments()) {
+  const QStringList named = parser.positionalArguments();
+  for (qsizetype n = 0; n < named.size(); ++n) {
+    const QString& file = named[n];
     const QFileInfo info(file);
     if (!info.isFile()) {
       struct stat status {};
@@ -177,9 +193,10 @@ int main(int argc, char* argv[]) {
       continue;
     }
     files.push_back(info.absoluteFilePath().toStdString());
+    layers.push_back(size_t(n) < fileLayers.size() ? fileLayers[size_t(n)] : 0);
   }
   if (tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow())
-    window->setStartupFiles(std::move(files));
+    window->setStartupFiles(std::move(files), std::move(layers));
 
   int16_t mode = 0;
   component.Load(mode);

@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QMenu>
 #include <QRect>
+#include <QScreen>
 #include <QWidget>
 
 #include <algorithm>
@@ -44,16 +45,59 @@ std::string importRows(GBRVIEWER_MAIN* window) {
                     std::to_string(grid.wholeRowsShown()));
 }
 
+// The property grid of the visible window of that object name; nullptr when none.
+PropertyGrid* gridOf(const std::string& windowName) {
+  for (QWidget* top : QApplication::topLevelWidgets())
+    if (top->isVisible() && top->objectName().toStdString() == windowName)
+      return top->findChild<PropertyGrid*>();
+  return nullptr;
+}
+
+// The import window's grid, else the grid of the modal window on top.
 std::string cellPlace(GBRVIEWER_MAIN* window, const std::string& caption) {
   GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
-  if (import && import->isVisible()) {
-    PropertyGrid& grid = import->grid();
-    for (int row = 0; row < grid.rowCount(); ++row)
-      if (const QTableWidgetItem* cell = grid.item(row, 0);
+  PropertyGrid* grid = import && import->isVisible() ? &import->grid() : nullptr;
+  if (!grid && QApplication::activeModalWidget())
+    grid = QApplication::activeModalWidget()->findChild<PropertyGrid*>();
+  if (grid)
+    for (int row = 0; row < grid->rowCount(); ++row)
+      if (const QTableWidgetItem* cell = grid->item(row, 0);
           cell && cell->text().toStdString() == caption)
-        return line("CELL," + rectText(grid.valueCellOnScreen(row)));
-  }
+        return line("CELL," + rectText(grid->valueCellOnScreen(row)));
   return line("CELL,NONE");
+}
+
+std::string gridRows(const std::string& windowName) {
+  PropertyGrid* grid = gridOf(windowName);
+  if (!grid)
+    return line("GRID," + windowName + ",NONE");
+  std::string out;
+  for (int row = 0; row < grid->rowCount(); ++row) {
+    const QTableWidgetItem* caption = grid->item(row, 0);
+    out += line("GRIDROW\t" + (caption ? caption->text().toStdString() : std::string()) + "\t" +
+                grid->shownValue(row).toStdString());
+  }
+  return out + line("GRID," + windowName + "," + std::to_string(grid->rowCount()));
+}
+
+// What each board category holds: its items and its pads (without the dead entry).
+std::string categoryContents(GBRVIEWER_MAIN* window) {
+  if (!window)
+    return line("CATEGORIES,NONE");
+  Store& store = window->context().kernel.store;
+  std::string out;
+  for (int32_t number = 1; number <= 15; ++number) {
+    const SymbolId symbol = CategorySymbolBase - number;
+    if (store.S_Symbol(symbol) == ObjectHandle::None) {
+      out += line("CATEGORY," + std::to_string(number) + ",NONE");
+      continue;
+    }
+    const int32_t entries = store.OA_GetCount(store.S_SymbolEntryArray(symbol));
+    out += line("CATEGORY," + std::to_string(number) + "," +
+                std::to_string(store.OA_GetCount(store.S_SymbolItemArray(symbol))) + "," +
+                std::to_string(std::max(0, entries - 1)));
+  }
+  return out + line("CATEGORIES,15");
 }
 
 std::string widgetPlace(const std::string& name) {
@@ -152,6 +196,20 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = menuEntries(window, argumentOf("MENU,"));
   } else if (query.rfind("LAYER,", 0) == 0) {
     answer = layerContents(window, argumentOf("LAYER,"));
+  } else if (query.rfind("GRABSCREEN,", 0) == 0) {
+    // The whole screen as the user sees it, dialogs and menus included.
+    QScreen* screen = QGuiApplication::primaryScreen();
+    const bool saved = screen && screen->grabWindow(0).save(
+                                     QString::fromStdString(argumentOf("GRABSCREEN,")), "PNG");
+    answer = line(std::string("GRABSCREEN,") + (saved ? "OK" : "FAILED"));
+  } else if (query.rfind("GRID,", 0) == 0) {
+    answer = gridRows(argumentOf("GRID,"));
+  } else if (query == "CATEGORIES") {
+    answer = categoryContents(window);
+  } else if (query.rfind("RUN,", 0) == 0 && window) {
+    // A sibling module that runs: commands to it are sent from now on.
+    window->context().kernel.strings.E_SetString(argumentOf("RUN,"), "RUNNING");
+    answer = line("RUN," + argumentOf("RUN,"));
   } else if (query.rfind("PLACE,", 0) == 0) {
     answer = widgetPlace(argumentOf("PLACE,"));
   } else {

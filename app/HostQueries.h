@@ -1,6 +1,7 @@
 // The host's own commands, "TARVEX,<QUERY>[,<argument>]": they let a script that drives the viewer
 // see what the user sees. Each answers with lines "TARVEX<TAB>...":
 //   SAVEVIEW,<file>  the view's picture as PNG: "SAVEVIEW,OK" or "SAVEVIEW,FAILED".
+//   GRABSCREEN,<file>  the whole screen, dialogs included, as PNG: "GRABSCREEN,OK" or ",FAILED".
 //   MSGLINE          the main window's message line: "MSGLINE<TAB><text>".
 //   CLIPBOARD        the size of the picture on the clipboard: "CLIPBOARD,<width>,<height>"
 //                    (0,0 without one).
@@ -9,8 +10,16 @@
 //   IMPORTROWS       the import window's grid as shown: per row "IMPORTROW<TAB><caption><TAB>
 //                    <value>", then "IMPORTMSG<TAB><its message line>" and
 //                    "IMPORTROWS,<rows>,<rows shown whole>"; "IMPORTROWS,NONE" without the window.
-//   CELL,<caption>   where the value cell of the first row with that caption is on the screen:
+//   CELL,<caption>   where the value cell of the first row with that caption is on the screen, in
+//                    the import window or else the modal window on top:
 //                    "CELL,<x>,<y>,<width>,<height>" or "CELL,NONE".
+//   GRID,<window>    the property grid of the visible window of that object name: per row
+//                    "GRIDROW<TAB><caption><TAB><value>", then "GRID,<window>,<rows>"; "GRID,
+//                    <window>,NONE" without it.
+//   CATEGORIES       per board category n (1 to 15) "CATEGORY,<n>,<items>,<pads>", or
+//                    "CATEGORY,<n>,NONE" while it has no symbol; then "CATEGORIES,15".
+//   RUN,<module>     marks a sibling module as running, so that commands to it are sent:
+//                    "RUN,<module>".
 //   PLACE,<name>     where the visible widget of that object name is on the screen:
 //                    "PLACE,<name>,<x>,<y>,<width>,<height>" or "PLACE,<name>,NONE".
 //   MENU,<name>      the entries of the menu of that object name, brought up to date as when it

@@ -17,6 +17,7 @@ const char* const GbrviewUsage =
     "  gbrview render [--dpi N] [--window x0,y0,x1,y1] [--mono] [--layer N] [--apt TABLE]\n"
     "                 -o OUT.(png|pdf|svg) FILE...\n"
     "  gbrview info FILE [--json] [--apt TABLE]\n"
+    "  gbrview reconstruct [--json] [--via D] [--apt TABLE] [--layer N] FILE...\n"
     "  gbrview --help | --version\n"
     "\n"
     "An option's value follows as the next argument or after \"=\": --dpi 600 or --dpi=600.\n"
@@ -35,6 +36,12 @@ const char* const GbrviewUsage =
     "        file its format, tools, holes and extents; for a plotter file its elements by\n"
     "        kind and their extents; for a drawing also its version and unit, the entities\n"
     "        drawn and passed over, and the elements left out beyond its extents.\n"
+    "reconstruct  imports the files with their own coordinates and sorts the layers into the\n"
+    "        board categories (outline, silkscreen, traces, copper, pads told from vias by the\n"
+    "        drill file), then prints the elements of each category and how many holes found a\n"
+    "        pad; --layer N puts the file after it into layer N (3 top copper, 4 bottom, 1 and 6\n"
+    "        silkscreen, 2 and 5 mask, 30 outline, 31 drill), --via D names the D-code of the\n"
+    "        via pads, --json prints one JSON object. Exit 1 when there is nothing to sort.\n"
     "--apt   an aperture table file (lines \"size,lines D,round D,square D\" in 1/100000 mm)\n"
     "        that gives a plain RS-274-D file its sizes, or another tool's aperture list\n"
     "        (lines \"D10 ROUND 4.00 ...\", sizes in mil unless the list names mm or inch);\n"
@@ -184,7 +191,68 @@ std::string parseInfo(const QStringList& arguments, CliArguments& out) {
   return {};
 }
 
+std::string parseReconstruct(const QStringList& arguments, CliArguments& out) {
+  QCommandLineParser parser;
+  const QCommandLineOption json("json"), via("via", {}, "D"), layer("layer", {}, "N"),
+      apt("apt", {}, "FILE");
+  parser.addOptions({json, via, layer, apt});
+  if (!parseVerb(parser, arguments, out))
+    return out.error;
+  ReconstructOptions& options = out.reconstruct;
+  options.json = parser.isSet(json);
+  std::string value;
+  if (std::string error = oneValue(parser, via, value); !error.empty())
+    return error;
+  if (parser.isSet(via)) {
+    if (!value.empty() && (value[0] == 'D' || value[0] == 'd'))
+      value.erase(0, 1);
+    options.via = parseWhole(value);
+    if (!options.via || *options.via < 1)
+      return "--via must be a D-code, as 10 or D10";
+  }
+  if (std::string error = oneValue(parser, apt, value); !error.empty())
+    return error;
+  options.apertureTable = value;
+  for (const QString& file : parser.positionalArguments())
+    options.files.push_back(bytesOf(file));
+  if (options.files.empty())
+    return "reconstruct needs at least one input file";
+  return layersOfFiles(arguments, {"--via", "--apt"}, options.layers);
+}
+
 }  // namespace
+
+std::string layersOfFiles(const QStringList& arguments, const QStringList& valueOptions,
+                          std::vector<int32_t>& layers) {
+  layers.clear();
+  int32_t pending = 0;
+  bool filesOnly = false;
+  for (qsizetype i = 1; i < arguments.size(); ++i) {
+    const QString& argument = arguments[i];
+    if (!filesOnly && argument == "--") {
+      filesOnly = true;
+      continue;
+    }
+    if (!filesOnly && (argument == "--layer" || argument.startsWith("--layer="))) {
+      const QString text = argument == "--layer" ? arguments.value(++i) : argument.mid(8);
+      const std::optional<int> number = parseWhole(text.toStdString());
+      if (!number || *number < 1 || *number > 31)
+        return "--layer must be a layer number from 1 to 31";
+      pending = *number;
+      continue;
+    }
+    if (!filesOnly && argument.startsWith('-') && argument.size() > 1) {
+      if (valueOptions.contains(argument))
+        ++i;  // the option's value
+      continue;
+    }
+    layers.push_back(pending);
+    pending = 0;
+  }
+  if (pending != 0)
+    return "--layer N must stand before the file it puts into layer N";
+  return {};
+}
 
 CliArguments parseCliArguments(const QStringList& arguments) {
   CliArguments out;
@@ -211,6 +279,11 @@ CliArguments parseCliArguments(const QStringList& arguments) {
   rest.prepend(arguments.value(0));
   if (verb == "help") {
     out.command = CliCommand::Help;
+  } else if (verb == "reconstruct") {
+    out.command = CliCommand::Reconstruct;
+    out.error = parseReconstruct(rest, out);
+    if (!out.error.empty())
+      out.command = CliCommand::Bad;
   } else if (verb == "render" || verb == "info") {
     const bool render = verb == "render";
     out.command = render ? CliCommand::Render : CliCommand::Info;

@@ -3,11 +3,14 @@
 // (--window -5,-5,10,10).
 #pragma once
 
+#include "app/cli/ReconstructFiles.h"
 #include "app/cli/RenderFiles.h"
 
 #include <QStringList>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -18,19 +21,27 @@ extern const char* const GbrviewUsage;
 inline constexpr int ExitFileFailed = 1;
 inline constexpr int ExitBadArguments = 2;
 
-enum class CliCommand { Help, Version, Render, Info, Bad };
+enum class CliCommand { Help, Version, Render, Info, Reconstruct, Bad };
 
 struct CliArguments {
   CliCommand command = CliCommand::Bad;
-  std::string error;              // why the arguments are bad
-  RenderOptions render;           // for Render
-  std::string infoFile;           // for Info
-  std::string infoApertureTable;  // for Info: --apt FILE
+  std::string error;               // why the arguments are bad
+  RenderOptions render;            // for Render
+  ReconstructOptions reconstruct;  // for Reconstruct
+  std::string infoFile;            // for Info
+  std::string infoApertureTable;   // for Info: --apt FILE
   bool json = false;
 };
 
 // Parses the arguments as main() receives them: the program's name first. File names come back in
 // the bytes the system gave (QFile::encodeName of the argument).
 CliArguments parseCliArguments(const QStringList& arguments);
+
+// The layer that "--layer N" (or "--layer=N") binds to the file argument right after it, for each
+// file argument in order; 0 for a file without one. valueOptions are the other options that take
+// a value as the next argument. An error text for a bad number or a --layer without a file after
+// it, else empty.
+std::string layersOfFiles(const QStringList& arguments, const QStringList& valueOptions,
+                          std::vector<int32_t>& layers);
 
 }  // namespace tvx

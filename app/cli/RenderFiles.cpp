@@ -1,8 +1,7 @@
 #include "app/cli/RenderFiles.h"
-#include "app/cli/CliApertureTable.h"
+#include "app/cli/CliImport.h"
 #include "app/cli/CompactPng.h"
 
-#include "common/TextHelpers.h"
 #include "import/readers/ImportSession.h"
 #include "import/readers/WindowlessLayers.h"
 #include "kernel/Kernel.h"
@@ -19,7 +18,6 @@
 #include <QPageSize>
 #include <QPdfWriter>
 #include <QSvgGenerator>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
@@ -50,13 +48,6 @@ OutputKind outputKindOf(const std::string& path) {
   if (suffix == "svg")
     return OutputKind::Svg;
   return OutputKind::None;
-}
-
-// The messages shown since from, as "gbrview: PATH: text" lines.
-void takeMessages(const ScriptedPrompts& prompts, size_t from, const std::string& path,
-                  std::vector<std::string>& out) {
-  for (size_t i = from; i < prompts.shown.size(); ++i)
-    out.push_back("gbrview: " + path + ": " + OneLine(prompts.shown[i].prompt));
 }
 
 bool fitsStore(double units) {
@@ -245,49 +236,15 @@ RenderOutcome renderFiles(const RenderOptions& options) {
       return badOptions(error);
   }
 
-  ScriptedPrompts prompts;  // shows nothing; every message goes to the outcome
-  SystemServices services(&prompts);
-  WindowlessLayers run(services, prompts);
+  CliImport cli;
+  WindowlessLayers& run = cli.run;
   Kernel* kernel = run.kernel.get();
   LayerTables* tables = run.tables.get();
   const ColourSlots& colours = run.colours;
-  ImportSession& session = *run.session;
-  session.titles.programTitle = "gbrview";
-  ApertureTable apertureTable;
-  if (std::string error = loadCliApertureTable(apertureTable, options.apertureTable);
-      !error.empty())
+  if (std::string error = cli.useApertureTable(options.apertureTable); !error.empty())
     return badOptions(error);
-  session.gerberPass.apertureTable = &apertureTable.rows;
-  // A work folder of this run's own for the intermediate file, so that renders running side by
-  // side never share one; removed with everything in it at the end.
-  QTemporaryDir workFolder;
-  if (workFolder.isValid())
-    session.state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
-  bool failed = false;
-  size_t before = prompts.shown.size();
-  ImportSession::BatchOptions batch;
-  batch.firstGerberLayer = options.layer.value_or(0);
-  batch.noCenter = true;
-  batch.afterEach = [&](const std::string& path, const ImportResult& result) {
-    const bool ok = result.status == 0 && result.layer != 0;
-    takeMessages(prompts, before, path, outcome.messages);
-    // What was dropped or cut is said, the exit code stays.
-    for (const std::string& note : result.notes)
-      outcome.messages.push_back("gbrview: " + path + ": " + note);
-    if (!ok) {
-      failed = true;
-      if (prompts.shown.size() == before) {
-        const std::string reason = result.kind == ImportKind::Unknown
-                                       ? "not a file that gbrview reads"
-                                   : result.noFreeLayer ? "no empty layer left for it"
-                                                        : "import failed";
-        outcome.messages.push_back("gbrview: " + path + ": " + reason);
-      }
-    }
-    outcome.layers.push_back(ok ? result.layer : 0);
-    before = prompts.shown.size();
-  };
-  session.importFiles(run.layers(), options.files, batch);
+  outcome.layers = cli.importFiles(options.files, {}, options.layer.value_or(0), outcome.messages);
+  const bool failed = std::count(outcome.layers.begin(), outcome.layers.end(), 0) > 0;
 
   if (!grid) {
     const std::optional<WindowMm> window = framedWindow(kernel->store, *tables);

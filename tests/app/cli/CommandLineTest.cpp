@@ -52,6 +52,30 @@ TEST(CommandLineTest, RenderOptionsTakeTheirValueInEitherForm) {
   }
 }
 
+// Each file of reconstruct takes the layer of the --layer right before it.
+TEST(CommandLineTest, ReconstructBindsEachFileToTheLayerBeforeIt) {
+  const std::pair<QStringList, const char*> cases[] = {
+      {{"reconstruct", "--layer", "3", "a.gbr", "b.drl", "--layer=30", "o.gbr"},
+       "a.gbr:3 b.drl:0 o.gbr:30"},
+      {{"reconstruct", "--via", "D10", "--json", "a.gbr"}, "a.gbr:0 via 10 json"},
+      {{"reconstruct", "--apt", "t.apt", "--via=12", "--layer", "4", "--", "-b.gbr"},
+       "-b.gbr:4 via 12"},
+  };
+  for (const auto& [arguments, expected] : cases) {
+    SCOPED_TRACE(arguments.join(' ').toStdString());
+    const CliArguments parsed = parse(arguments);
+    ASSERT_EQ(parsed.command, CliCommand::Reconstruct) << parsed.error;
+    const ReconstructOptions& r = parsed.reconstruct;
+    ASSERT_EQ(r.files.size(), r.layers.size());
+    std::string text;
+    for (size_t i = 0; i < r.files.size(); ++i)
+      text += (i ? " " : "") + r.files[i] + ":" + std::to_string(r.layers[i]);
+    if (r.via)
+      text += " via " + std::to_string(*r.via);
+    EXPECT_EQ(text + (r.json ? " json" : ""), expected);
+  }
+}
+
 TEST(CommandLineTest, VerbsAndTheirLinesAreTold) {
   struct Case {
     QStringList arguments;
@@ -103,6 +127,10 @@ TEST(CommandLineTest, BadLinesAreRefusedWithTheReason) {
       {{"info"}, "needs a file"},
       {{"info", "a.gbr", "b.gbr"}, "one file"},
       {{"info", "--xml", "a.gbr"}, "xml"},
+      {{"reconstruct"}, "input file"},
+      {{"reconstruct", "a.gbr", "--layer", "3"}, "must stand before the file"},
+      {{"reconstruct", "--layer", "0", "a.gbr"}, "--layer must be a layer number"},
+      {{"reconstruct", "--via", "pad", "a.gbr"}, "--via must be a D-code"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.arguments.join(' ').toStdString());

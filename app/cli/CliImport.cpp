@@ -1,0 +1,51 @@
+#include "app/cli/CliImport.h"
+
+#include "app/cli/CliApertureTable.h"
+#include "common/TextHelpers.h"
+
+namespace tvx {
+
+CliImport::CliImport() : services(&prompts), run(services, prompts) {
+  run.session->titles.programTitle = "gbrview";
+  if (workFolder.isValid())
+    run.session->state.Job.WorkDirectory = workFolder.path().toStdString() + "/";
+}
+
+std::string CliImport::useApertureTable(const std::string& path) {
+  std::string error = loadCliApertureTable(apertureTable, path);
+  run.session->gerberPass.apertureTable = &apertureTable.rows;
+  return error;
+}
+
+std::vector<int32_t> CliImport::importFiles(const std::vector<std::string>& files,
+                                            const std::vector<int32_t>& layers,
+                                            int32_t firstGerberLayer,
+                                            std::vector<std::string>& messages) {
+  std::vector<int32_t> placed;
+  size_t before = prompts.shown.size();
+  ImportSession::BatchOptions batch;
+  batch.firstGerberLayer = firstGerberLayer;
+  batch.layers = layers;
+  batch.noCenter = true;
+  batch.afterEach = [&](const std::string& path, const ImportResult& result) {
+    const bool ok = result.status == 0 && result.layer != 0;
+    for (size_t i = before; i < prompts.shown.size(); ++i)
+      messages.push_back("gbrview: " + path + ": " + OneLine(prompts.shown[i].prompt));
+    // What was dropped or cut is said, the exit code stays.
+    for (const std::string& note : result.notes)
+      messages.push_back("gbrview: " + path + ": " + note);
+    if (!ok && prompts.shown.size() == before) {
+      const std::string reason = result.kind == ImportKind::Unknown
+                                     ? "not a file that gbrview reads"
+                                 : result.noFreeLayer ? "no empty layer left for it"
+                                                      : "import failed";
+      messages.push_back("gbrview: " + path + ": " + reason);
+    }
+    placed.push_back(ok ? result.layer : 0);
+    before = prompts.shown.size();
+  };
+  run.session->importFiles(run.layers(), files, batch);
+  return placed;
+}
+
+}  // namespace tvx
