@@ -8,6 +8,8 @@
 #include "platform/TokenList.h"
 #include "platform/UserStore.h"
 #include "platform/widgets/HelpWindow.h"
+#include "reconstruct/ReconstructionState.h"
+#include "reconstruct/widgets/GBRVIEWER_GIEIMP.h"
 #include "shell/HostCommands.h"
 #include "shell/Language.h"
 #include "viewer/ElementEditor.h"
@@ -30,6 +32,7 @@
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QToolButton>
 
 namespace tvx {
@@ -51,7 +54,7 @@ QPixmap lampPicture(bool busy) {
 }  // namespace
 
 GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
-    : QMainWindow(parent), context_(context) {
+    : QMainWindow(parent), context_(context), categories_(std::make_unique<ReconstructionState>()) {
   setObjectName("GBRVIEWER_MAIN");
   // The window's design size: the smallest it can be made.
   resize(DesignWidth, DesignHeight);
@@ -383,7 +386,13 @@ void GBRVIEWER_MAIN::AP_ExeCmd(const std::string& Cmd) {
     applyViewChange(view_->SetScrollBars());
     RedrawScreen();
   } else if (verb == "EX") {
-    ShutDown();
+    if (categoryDialog_) {
+      // The window closes as cancelled; the unload follows once its modal loop has ended.
+      categoryDialog_->reject();
+      QTimer::singleShot(0, this, [this] { ShutDown(); });
+    } else {
+      ShutDown();
+    }
   } else if (verb == "LZ") {
     // The host may have changed the language: its path comes back through the kernel.
     languagePath_ = ReloadLanguage(languagePath_, context_.services, context_.kernel.strings);

@@ -45,6 +45,7 @@ class QWheelEvent;
 
 namespace tvx {
 
+class GBRVIEWER_GIEIMP;
 class GBRVIEWER_GIESVC;
 class GBRVIEWER_IMPORT;
 class HelpWindow;
@@ -55,6 +56,7 @@ class MeasureTools;
 class Measuring;
 class UserStore;
 class ViewPicture;
+struct ReconstructionState;
 
 // Window states as Load and the host's commands number them.
 namespace windowstate {
@@ -95,8 +97,12 @@ public:
   const std::string& appPath() const { return appPath_; }
   // The per-user store of window places; the desktop's by default.
   void setUserStore(UserStore* store);
-  // Files that start-up imports one after another in place of the file request.
-  void setStartupFiles(std::vector<std::string> files) { startupFiles_ = std::move(files); }
+  // Files that start-up imports one after another in place of the file request, each into the
+  // layer given for it (0 or none: where the import puts it).
+  void setStartupFiles(std::vector<std::string> files, std::vector<int32_t> layers = {}) {
+    startupFiles_ = std::move(files);
+    startupLayers_ = std::move(layers);
+  }
 
   // Loads the window when it is not loaded yet (Form_Load) and shows it without a modal loop.
   void showWindow();
@@ -159,12 +165,19 @@ public:
   void M_Help_Click();
   // File > New: every layer cleared after a question, then a new import (MainLayers.cpp).
   void M_New_Click();
+  // Tools > Import Categories: the options asked, the layers sorted into the board categories,
+  // and the suite told that the layout module may take them over (MainCategories.cpp).
+  void M_ImportCategories_Click();
+  // What the sorting into categories keeps between runs: the options, the via D-code, the pads.
+  ReconstructionState& categoryState() { return *categories_; }
+  // The window "Import to categories" while it is open.
+  GBRVIEWER_GIEIMP* categoryDialog() const;
 
   // The file-open command after the file request: recognition, import, the unknown-file question.
   void importChosenFile(const std::string& path);
-  // The host's files: each imported in turn with the layer choice of the command line, then the
-  // view fits them. The number of files imported.
-  int importFiles(const std::vector<std::string>& files);
+  // The host's files: each imported in turn into its layer of the command line, or where the
+  // import puts it, then the view fits them. The number of files imported.
+  int importFiles(const std::vector<std::string>& files, const std::vector<int32_t>& layers = {});
   // The modeless file request of the file-open command while it is open.
   QFileDialog* fileRequest() const;
   // The layer visibility window while it is open.
@@ -316,6 +329,8 @@ private:
   std::unique_ptr<LayerCommands> layerCommands_;
   std::unique_ptr<ElementEditor> editor_;
   std::unique_ptr<Measuring> measuring_;
+  std::unique_ptr<ReconstructionState> categories_;
+  QPointer<GBRVIEWER_GIEIMP> categoryDialog_;
   std::unique_ptr<MeasureTools> measureTools_;
   QToolBar* positionBand_ = nullptr;
   QLineEdit* xPosPanel_ = nullptr;
@@ -324,6 +339,7 @@ private:
   ViewerSettings settings_;
   FunctionTable functions_{};
   std::vector<std::string> startupFiles_;
+  std::vector<int32_t> startupLayers_;
   // Set when the import window rejected its file: the file is offered as plain text once the
   // window has gone. The value tells whether status 93 has been shown already.
   std::optional<bool> displayFileReported_;

@@ -73,10 +73,9 @@ void GBRVIEWER_MAIN::buildToolsMenu() {
       RedrawScreen();
     });
   }
-  // Import to categories comes with the reconstruction; until then it shows disabled.
   QAction* categories = tools->addAction("Import &Categories for editing");
   categories->setObjectName("M_ImportCategories");
-  categories->setEnabled(false);
+  connect(categories, &QAction::triggered, this, [this] { M_ImportCategories_Click(); });
   // A row per function of the menu file, which start-up reads after the menus are built; the
   // current function checked.
   connect(tools, &QMenu::aboutToShow, this, [this, tools, import] {

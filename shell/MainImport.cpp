@@ -143,14 +143,17 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   }
 }
 
-int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files) {
+int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files,
+                                const std::vector<int32_t>& layers) {
   if (!import_)
     return 0;
   int imported = 0;
   setImportControlsEnabled(false);
   import_->running = true;
   ImportSession::BatchOptions options;
+  options.layers = layers;
   options.noCenter = settings_.NoCenter;
+  import_->apertureRowUnit = view_->DisplayUnit;
   options.editMsgLine = [this](const std::string& text) { EditMsgLine(text); };
   // The message line ends with how the import went: the last file's outcome, or the first failure.
   std::string outcome;

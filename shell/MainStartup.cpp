@@ -169,7 +169,7 @@ void GBRVIEWER_MAIN::Form_Load() {
   kernel.strings.E_SetString(ComponentName, RunningMarker);
 
   if (!startupFiles_.empty())
-    importFiles(std::exchange(startupFiles_, {}));
+    importFiles(std::exchange(startupFiles_, {}), std::exchange(startupLayers_, {}));
   else
     M_FSIimport_Click();
 }
