@@ -44,23 +44,33 @@ protected:
     choose("M_Edit", "t", "M_ImportCategories");
     ASSERT_FALSE(visibleWindow("Import to categories").isEmpty());
   }
+
+  // The host on the whole demo board, each file on its layer, with the shell and the layout
+  // module running.
+  void startOnLayers() {
+    QStringList arguments;
+    for (const auto& [layer, name] : {std::pair{"3", "demo-top.gbr"},
+                                      {"4", "demo-bottom.gbr"},
+                                      {"1", "demo-silk-top.gbr"},
+                                      {"2", "demo-mask-top.gbr"},
+                                      {"30", "demo-outline.gbr"},
+                                      {"31", "demo.drl"}})
+      arguments << "--layer" << layer << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
+    host.start(test::binary("tarvex-gbrviewer"), arguments);
+    ASSERT_TRUE(host.waitForStarted(10000));
+    ASSERT_TRUE(test::waitUntil([&] { return messageLine().endsWith("Import successful"); }));
+    ask("TARVEX,RUN,TARVEX", "RUN,");
+    ask("TARVEX,RUN,TVNLAYPS", "RUN,");
+  }
+  void clickOK() {
+    const ScreenRect ok = place("PLACE,cmdOK", "PLACE,");
+    ASSERT_TRUE(ok.valid());
+    click(ok, ok.width / 2);
+  }
 };
 
 TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
-  QStringList arguments;
-  for (const auto& [layer, name] : {std::pair{"3", "demo-top.gbr"},
-                                    {"4", "demo-bottom.gbr"},
-                                    {"1", "demo-silk-top.gbr"},
-                                    {"2", "demo-mask-top.gbr"},
-                                    {"30", "demo-outline.gbr"},
-                                    {"31", "demo.drl"}})
-    arguments << "--layer" << layer << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
-  host.start(test::binary("tarvex-gbrviewer"), arguments);
-  ASSERT_TRUE(host.waitForStarted(10000));
-  ASSERT_TRUE(test::waitUntil([&] { return messageLine().endsWith("Import successful"); }));
-  ask("TARVEX,RUN,TARVEX", "RUN,");
-  ask("TARVEX,RUN,TVNLAYPS", "RUN,");
-
+  startOnLayers();
   openWindow();
   const QStringList all = gridRows();
   ASSERT_EQ(all.size(), 16);
@@ -71,8 +81,7 @@ TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
   clickCheckBox("Board outlines");
   EXPECT_TRUE(test::waitUntil([&] { return gridRows() == all; })) << "children back";
 
-  const ScreenRect ok = place("PLACE,cmdOK", "PLACE,");
-  click(ok, ok.width / 2);
+  clickOK();
   // The via question lists the pads' apertures; the round 0.8 mm one is D30.
   ASSERT_FALSE(visibleWindow("Via hole pad positions filter").isEmpty());
   const ScreenRect list = place("PLACE,cboList", "PLACE,");
@@ -98,7 +107,7 @@ TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
        QString::number(padsRemove.y + padsRemove.height * 3 / 2)});
   xdo({"click", "1"});
   ASSERT_TRUE(test::waitUntil([&] { return gridRows()[12] == "Remove previous import\t[ ]"; }));
-  click(ok, ok.width / 2);
+  clickOK();
   ASSERT_FALSE(visibleWindow("Via hole pad positions filter").isEmpty());
   click(place("PLACE,cboList", "PLACE,"), 20);
   xdo({"type", "--delay", "20", "D30"});
@@ -106,6 +115,24 @@ TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
   ASSERT_TRUE(printed("TVNLAYPS\tTVNLAYPS,GIE", 2));
   EXPECT_EQ(padsOf(4), 22);
   EXPECT_EQ(padsOf(8), 3);
+}
+
+TEST_F(CategoryRoad, NothingCheckedIsNothingToImportAndTellsNoModule) {
+  startOnLayers();
+  openWindow();
+  for (const char* parent : {"Board outlines", "Silkscreen", "Traces", "Pads & pads positions",
+                             "Copper pour (polygons only)"})
+    clickCheckBox(parent);
+  ASSERT_TRUE(test::waitUntil([&] { return gridRows().size() == 9; })) << "parents and gaps";
+  clickOK();
+  ScreenRect box;
+  ASSERT_TRUE(test::waitUntil([&] {
+    return (box = place("PLACE,qt_msgbox_label", "PLACE,")).valid();
+  })) << "no message";
+  xdo({"key", "Return"});
+  ask("TARVEX,MSGLINE", "MSGLINE");
+  EXPECT_FALSE(output.contains("TVNLAYPS,GIE"));
+  EXPECT_FALSE(output.contains("FMG,"));
 }
 
 }  // namespace
