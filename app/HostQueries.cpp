@@ -6,6 +6,7 @@
 #include "shell/GBRVIEWER_MAIN.h"
 #include "store/LayerCatalogue.h"
 #include "store/Layers.h"
+#include "viewer/ToolBarModel.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -78,6 +79,16 @@ std::string gridRows(const std::string& windowName) {
                 grid->shownValue(row).toStdString());
   }
   return out + line("GRID," + windowName + "," + std::to_string(grid->rowCount()));
+}
+
+// A tool of the bands as the model holds it.
+std::string toolState(GBRVIEWER_MAIN* window, const std::string& name) {
+  const ToolItem* tool = window && window->toolBar() ? window->toolBar()->tool(name) : nullptr;
+  if (!tool)
+    return line("TOOL," + name + ",NONE");
+  return line("TOOL," + name + "," + (tool->Checked ? "checked" : "-") + "," +
+              (tool->Enabled ? "enabled" : "disabled") + "," +
+              (tool->Visible ? "shown" : "hidden") + "\t" + tool->Caption + "\t" + tool->ComboText);
 }
 
 // What each board category holds: its items and its pads (without the dead entry).
@@ -204,6 +215,8 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = line(std::string("GRABSCREEN,") + (saved ? "OK" : "FAILED"));
   } else if (query.rfind("GRID,", 0) == 0) {
     answer = gridRows(argumentOf("GRID,"));
+  } else if (query.rfind("TOOL,", 0) == 0) {
+    answer = toolState(window, argumentOf("TOOL,"));
   } else if (query == "CATEGORIES") {
     answer = categoryContents(window);
   } else if (query.rfind("RUN,", 0) == 0 && window) {

@@ -16,6 +16,8 @@
 //   GRID,<window>    the property grid of the visible window of that object name: per row
 //                    "GRIDROW<TAB><caption><TAB><value>", then "GRID,<window>,<rows>"; "GRID,
 //                    <window>,NONE" without it.
+//   TOOL,<name>      a tool of the bands: "TOOL,<name>,checked|-,enabled|disabled,shown|hidden
+//                    <TAB><caption><TAB><combo text>", or "TOOL,<name>,NONE".
 //   CATEGORIES       per board category n (1 to 15) "CATEGORY,<n>,<items>,<pads>", or
 //                    "CATEGORY,<n>,NONE" while it has no symbol; then "CATEGORIES,15".
 //   RUN,<module>     marks a sibling module as running, so that commands to it are sent:

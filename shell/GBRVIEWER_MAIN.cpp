@@ -16,6 +16,8 @@
 #include "viewer/LayerCommands.h"
 #include "viewer/MeasureTools.h"
 #include "viewer/Measuring.h"
+#include "viewer/ToolBarModel.h"
+#include "viewer/ToolDispatcher.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -338,6 +340,8 @@ void GBRVIEWER_MAIN::applyViewChange(const ViewChange& change) {
   // The ruler in another unit: the rebuild draws it anew over the artwork it covered.
   if (change.Redraw || (view_->RulerOn && (change.EraseRulerUnit >= 0 || change.DrawRuler)))
     RedrawScreen();
+  if (change.Precision || change.Combos || change.ModeTool || change.UnitTool)
+    refreshBands();
   if (change.FocusView)
     viewPicture_->setFocus();
   if (change.RepeatPointerMove && pointer_)
@@ -445,6 +449,7 @@ void GBRVIEWER_MAIN::M_FSI_Click(int16_t function) {
     std::string title = functions_[size_t(function)].Name;
     std::erase(title, '&');
     keys_->FunctionTitle = title;
+    refreshBands();
     // Function 1 works on the current layer: what hangs on it is derived again.
     if (function == 1 && layerCommands_)
       layerCommands_->InitGIE();

@@ -18,6 +18,7 @@
 #include "viewer/KeyboardInput.h"
 #include "viewer/PointerTools.h"
 #include "viewer/Redraw.h"
+#include "viewer/ToolBarModel.h"
 #include "viewer/ViewState.h"
 
 #include <QMainWindow>
@@ -27,9 +28,11 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QAction;
@@ -56,6 +59,9 @@ class MeasureTools;
 class Measuring;
 class UserStore;
 class ViewPicture;
+class ToolBarModel;
+class ToolBarView;
+class ToolDispatcher;
 struct ReconstructionState;
 
 // Window states as Load and the host's commands number them.
@@ -172,6 +178,15 @@ public:
   ReconstructionState& categoryState() { return *categories_; }
   // The window "Import to categories" while it is open.
   GBRVIEWER_GIEIMP* categoryDialog() const;
+  // The tool bands (MainToolBars.cpp): the bar's model, the lock, the tool tips, the raster combo.
+  ToolBarModel* toolBar() { return bar_.get(); }  // nullptr before the window is loaded
+  void M_LockTB_Click();
+  void M_ToolTip_Click();
+  void RasterValueChanged();
+  // The tools show the state of the view, the keys and the layers again.
+  void refreshBands();
+  // Tools > Mirror Current Layer: along X (0) or Y (1), about the middle of all layers.
+  void M_FlipLayer_Click(int32_t index);
 
   // The file-open command after the file request: recognition, import, the unknown-file question.
   void importChosenFile(const std::string& path);
@@ -290,6 +305,15 @@ private:
   void buildMeasuring();
   void buildPreferencesMenu();
   void buildPositionBand();
+  void buildToolBars();
+  void buildToolbarMenu();
+  void applyToolbarLock();
+  void runNamedTool(std::string_view name);
+  void rebuildKeyBands();
+  std::string toolText(const char* fallback, const char* id) const;
+  // The bands' places in the per-user store: written at unload, read at start.
+  void saveBands();
+  void loadBands();
   void syncMeasureChecks();
   // Reads RULER_TYPE, RULER_TYPE_CUSTOM and MEASURE into measuring; gives the first two back.
   void applyMeasureSettings();
@@ -333,6 +357,13 @@ private:
   QPointer<GBRVIEWER_GIEIMP> categoryDialog_;
   std::unique_ptr<MeasureTools> measureTools_;
   QToolBar* positionBand_ = nullptr;
+  std::unique_ptr<ToolBarModel> bar_;
+  ToolBarView* barView_ = nullptr;
+  std::unique_ptr<ToolDispatcher> dispatcher_;
+  bool toolTipsOn_ = true;
+  int16_t builtFunction_ = -1;  // the function and key the two key bands were built for
+  int32_t builtKey_ = -1;
+  std::map<std::string, BandPlace> loadedPlaces_;  // the bands' places as read at start
   QLineEdit* xPosPanel_ = nullptr;
   QLineEdit* yPosPanel_ = nullptr;
   std::unique_ptr<ViewerWorkFolder> workFolder_;  // the intermediate files of this viewer

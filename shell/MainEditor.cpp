@@ -66,12 +66,7 @@ void GBRVIEWER_MAIN::buildToolsMenu() {
   for (int32_t index : {0, 1}) {
     QAction* flip = tools->addAction(index == 0 ? blockmsg::MirrorAlongX : blockmsg::MirrorAlongY);
     flip->setObjectName(QString("M_FlipLayer_%1").arg(index));
-    connect(flip, &QAction::triggered, this, [this, index] {
-      FrameRect all;
-      FrameLayers(context_.kernel.store, tables_->Layers, all);
-      FlipLayer(context_.kernel.store, editor_->WorkingSymbol(), all, index);
-      RedrawScreen();
-    });
+    connect(flip, &QAction::triggered, this, [this, index] { M_FlipLayer_Click(index); });
   }
   QAction* categories = tools->addAction("Import &Categories for editing");
   categories->setObjectName("M_ImportCategories");
@@ -93,6 +88,13 @@ void GBRVIEWER_MAIN::buildToolsMenu() {
       tools->insertAction(import, row);
     }
   });
+}
+
+void GBRVIEWER_MAIN::M_FlipLayer_Click(int32_t index) {
+  FrameRect all;
+  FrameLayers(context_.kernel.store, tables_->Layers, all);
+  FlipLayer(context_.kernel.store, editor_->WorkingSymbol(), all, index);
+  RedrawScreen();
 }
 
 // The pointer's left click and the delete box of function 1, and what hangs on the layer.

@@ -116,6 +116,7 @@ void GBRVIEWER_MAIN::buildPointerInput() {
   k.functionEnabled = [](int16_t) { return true; };
   k.modalBusy = [this] { return importRunning(); };
   k.enableCommandGroups = [this](bool enabled) { menuBar()->setEnabled(enabled); };
+  k.refreshBands = [this] { refreshBands(); };
 
   KeyboardHooks& h = keyboard_->hooks;
   h.visibleOptionRow = [this](int32_t n) { return keys_->visibleOptionRow(n); };

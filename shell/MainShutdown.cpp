@@ -52,6 +52,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
       SettingsBatch batch(context_.services);
       if (userStore_)
         SaveWindowPlace(*userStore_, *this);
+      saveBands();
       takeFromView(*view_, settings_);
       takeMeasureSettings();
       settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;

@@ -148,6 +148,9 @@ void GBRVIEWER_MAIN::Form_Load() {
   kernel.graphics.G_SetGridMode(cpDcId_, 1);
 
   ApplySystemSettings();
+  // The bands, docked where the user left them.
+  buildToolBars();
+  loadBands();
 
   // The kernel's cursors: the arrow for the view picture, the cross for the tools.
   cursors_[0] = kernel.graphics.G_SelectCur(1);
@@ -163,6 +166,7 @@ void GBRVIEWER_MAIN::Form_Load() {
   setBusyPicture(IdlePicture);
   if (settings_.TOOLBARS == 1)
     toolbarsLocked_ = true;
+  applyToolbarLock();
   viewPicture_->setFocus();
 
   // Context strings of siblings see the component as running while its name is set.

@@ -11,6 +11,7 @@
 #include "viewer/ViewArithmetic.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace tvx {
@@ -189,6 +190,15 @@ ViewChange ViewState::verticalBarChanged(int32_t value) {
 
 std::string ViewState::lengthText(double storeLength) const {
   return FormatLengthValue(storeLength, DisplayUnit, services_.DatabaseUnitsPerMm());
+}
+
+std::optional<int32_t> ViewState::typedRasterStep(const std::string& text) const {
+  constexpr double LargestRasterStep = 2540000;
+  const double value =
+      ToNumber(text) * services_.DatabaseUnitsPerMm() * displayUnitInfo(DisplayUnit).FactorToStore;
+  if (!(value >= 1 && value <= LargestRasterStep))
+    return std::nullopt;
+  return std::max<int32_t>(1, int32_t(std::lround(value)));
 }
 
 ViewChange ViewState::ShowPrecision() {

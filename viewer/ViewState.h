@@ -210,6 +210,9 @@ public:
   std::vector<std::string> rasterComboRows() const;
   // A store length in the display unit, as the combos and panels show it (without the mark).
   std::string lengthText(double storeLength) const;
+  // A raster step typed in the display unit (comma as decimal point), in whole store units, at
+  // least 1; none when it lies below one store unit or above the largest raster step.
+  std::optional<int32_t> typedRasterStep(const std::string& text) const;
 
 private:
   // Opens the device in mode 2 and gives the half extent of the picture in store units.

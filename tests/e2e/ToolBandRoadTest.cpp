@@ -1,0 +1,85 @@
+// The tool bands with real X input: a function tool fills the option band, a raster typed with a
+// comma is taken in millimetres, a band hidden through View > Toolbar, and every band where it
+// was after the viewer is started again.
+#include "e2e/HostDriver.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+namespace {
+
+using test::ScreenRect;
+
+class ToolBandRoad : public test::HostDriver {
+protected:
+  // The tool as the host tells it: "checked|-,enabled|disabled,shown|hidden<TAB>caption<TAB>text".
+  QString tool(const QString& name) {
+    const QStringList lines = ask("TARVEX,TOOL," + name, "TOOL," + name);
+    return lines.isEmpty() ? QString() : lines.back().section(',', 2);
+  }
+  // The eight numbers of every band as the settings file keeps them.
+  QStringList storedPlaces() {
+    QFile file(home.filePath("config/tarvex/tarvex.ini"));
+    QStringList places;
+    if (file.open(QIODevice::ReadOnly))
+      for (const QByteArray& line : file.readAll().split('\n'))
+        if (line.startsWith("ATV-atvPostPro-") && !line.startsWith("ATV-atvPostPro-Layout"))
+          places << QString::fromUtf8(line).trimmed();
+    return places;
+  }
+};
+
+TEST_F(ToolBandRoad, BandsWorkAndStayWhereTheyWere) {
+  startOnDemoBoard();
+  // Delete in the function band: its option band offers "Clear all".
+  ScreenRect deleteTool;
+  ASSERT_TRUE(
+      test::waitUntil([&] { return (deleteTool = place("PLACE,3007", "PLACE,")).valid(); }));
+  xdo({"mousemove", QString::number(deleteTool.x + 4), QString::number(deleteTool.y + 4)});
+  click(deleteTool, deleteTool.width / 2);
+  EXPECT_TRUE(test::waitUntil([&] {
+    return tool("4000").startsWith("-,enabled,shown\tClear all");
+  })) << tool("4000").toStdString();
+  EXPECT_TRUE(tool("3007").startsWith("checked"));
+
+  // Millimetres, then 0,5 typed into the raster combo and Return.
+  xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
+  xdo({"key", "alt+v"});
+  xdo({"key", "u"});
+  xdo({"key", "m"});
+  const ScreenRect raster = place("PLACE,ATB_GridValue", "PLACE,");
+  ASSERT_TRUE(raster.valid());
+  click(raster, raster.width / 3);
+  xdo({"key", "ctrl+a"});
+  xdo({"type", "--delay", "20", "0,5"});
+  xdo({"key", "Return"});
+  EXPECT_TRUE(test::waitUntil([&] { return tool("ATB_GridValue").endsWith("\t0.500"); }))
+      << tool("ATB_GridValue").toStdString();
+  // Too large a step beeps and keeps the one before.
+  click(raster, raster.width / 3);
+  xdo({"key", "ctrl+a"});
+  xdo({"type", "--delay", "20", "999"});
+  xdo({"key", "Return"});
+  EXPECT_TRUE(test::waitUntil([&] { return tool("ATB_GridValue").endsWith("\t0.500"); }));
+
+  // View > Toolbar > Tools hides the band.
+  xdo({"windowfocus", "--sync", visibleWindow("Viewer & Import")});
+  xdo({"key", "alt+v"});
+  xdo({"key", "Right"});
+  xdo({"key", "Down", "Down", "Return"});
+  ASSERT_TRUE(test::waitUntil([&] { return !place("PLACE,B_Tools", "PLACE,").valid(); }));
+
+  restart();
+  const QStringList first = storedPlaces();
+  ASSERT_EQ(first.size(), 6) << first.join(' ').toStdString();
+  EXPECT_FALSE(first.filter(QRegularExpression("^ATV-atvPostPro-B_Tools=0,")).isEmpty())
+      << first.join(" ").toStdString();
+  ASSERT_FALSE(visibleWindow("Viewer & Import").isEmpty());
+  EXPECT_FALSE(place("PLACE,B_Tools", "PLACE,").valid()) << "still hidden";
+  const QStringList menu = ask("TARVEX,MENU,M_TbarMenu", "MENU,M_TbarMenu");
+  EXPECT_TRUE(menu.filter("M_ToolS").value(0).contains("\t-\t")) << "its entry unchecked";
+  stop();
+  EXPECT_EQ(storedPlaces(), first) << "the second start read back the same places";
+}
+
+}  // namespace
