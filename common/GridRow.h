@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace tvx {
 
@@ -12,6 +13,8 @@ enum class CellKind { Text, List, Number, Check, Button, Group };
 namespace gridcolour {
 // Leaves the grid's own colour.
 inline constexpr int32_t NoColour = -1;
+inline constexpr int32_t Greyed = 0xE6E6E6;  // a read-only row
+inline constexpr int32_t Group = 0xC0C0C0;
 }  // namespace gridcolour
 
 struct GridRow {
@@ -31,5 +34,23 @@ struct GridRow {
 
   bool operator==(const GridRow&) const = default;
 };
+
+// A group row of two texts across both cells.
+inline GridRow groupRow(std::string first, std::string second, int32_t back = gridcolour::Group) {
+  GridRow row;
+  row.Cell = CellKind::Group;
+  row.Caption = std::move(first);
+  row.Value = std::move(second);
+  row.ReadOnly = true;
+  row.CaptionBack = row.ValueBack = back;
+  return row;
+}
+
+// The row made read-only, and grey as such rows are.
+inline GridRow readOnlyRow(GridRow row) {
+  row.ReadOnly = true;
+  row.CaptionBack = row.ValueBack = gridcolour::Greyed;
+  return row;
+}
 
 }  // namespace tvx

@@ -1,5 +1,6 @@
 #include "aperture/widgets/GBRVIEWER_APT.h"
 
+#include "common/widgets/CellEdits.h"
 #include "common/widgets/HelpKey.h"
 
 #include <QFileDialog>
@@ -77,6 +78,10 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
   for (int column = 0; column < ApertureTablesModel::Columns; ++column)
     egrdSizes->setHorizontalHeaderItem(
         column, new QTableWidgetItem(QString::fromStdString(model_.header(column))));
+  edits_ = new CellEdits(
+      egrdSizes,
+      {[this] { return model_.CellEditPending; }, [this] { model_.CellEditPending = true; },
+       [this](int row, int column, const QString& text) { commitCell(row, column, text); }});
   model_.FillAptform();
   refresh();
 
@@ -85,22 +90,10 @@ GBRVIEWER_APT::GBRVIEWER_APT(ApertureTablesModel& model, QWidget* parent)
     refresh();
   });
   connect(egrdSizes, &QTableWidget::currentCellChanged, this, [this](int row, int column) {
-    if (filling_ || row < 0)
+    if (edits_->filling || row < 0)
       return;
     model_.CurrentRow = row + 1;
     model_.CurrentColumn = column;
-  });
-  egrdSizes->installEventFilter(this);
-  connect(egrdSizes, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
-    if (!filling_)
-      commitCell(item->row(), item->column(), item->text());
-  });
-  // An editor left with its text unchanged gives no itemChanged; a pending edit is still taken.
-  connect(egrdSizes->itemDelegate(), &QAbstractItemDelegate::closeEditor, this, [this] {
-    const int row = egrdSizes->currentRow();
-    const int column = egrdSizes->currentColumn();
-    if (model_.CellEditPending && row >= 0 && column >= 0 && egrdSizes->item(row, column))
-      commitCell(row, column, egrdSizes->item(row, column)->text());
   });
   connect(txtNewFname, &QLineEdit::textEdited, this,
           [this](const QString& text) { model_.txtNewFname = text.toStdString(); });
@@ -155,16 +148,6 @@ void GBRVIEWER_APT::keyReleaseEvent(QKeyEvent* event) {
   QDialog::keyReleaseEvent(event);
 }
 
-bool GBRVIEWER_APT::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == egrdSizes && event->type() == QEvent::KeyPress) {
-    const auto* key = static_cast<QKeyEvent*>(event);
-    if (!key->text().isEmpty() && key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter &&
-        key->key() != Qt::Key_Tab && key->key() != Qt::Key_Escape)
-      model_.CellEditPending = true;
-  }
-  return QDialog::eventFilter(watched, event);
-}
-
 void GBRVIEWER_APT::resizeEvent(QResizeEvent* event) {
   QDialog::resizeEvent(event);
   measureRows();
@@ -187,7 +170,7 @@ void GBRVIEWER_APT::fillGrid() {
 }
 
 void GBRVIEWER_APT::refresh() {
-  filling_ = true;
+  edits_->filling = true;
   AptLst->clear();
   for (const std::string& name : model_.tableFiles())
     AptLst->addItem(QString::fromStdString(name));
@@ -199,7 +182,7 @@ void GBRVIEWER_APT::refresh() {
     egrdSizes->scrollToItem(egrdSizes->item(model_.TopRow - 1, 0),
                             QAbstractItemView::PositionAtTop);
   }
-  filling_ = false;
+  edits_->filling = false;
 }
 
 }  // namespace tvx

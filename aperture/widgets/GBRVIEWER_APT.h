@@ -16,6 +16,8 @@ class QTableWidget;
 
 namespace tvx {
 
+class CellEdits;
+
 class GBRVIEWER_APT : public QDialog {
   Q_OBJECT
 
@@ -40,8 +42,6 @@ protected:
   void resizeEvent(QResizeEvent* event) override;
   void reject() override;  // Escape and closing the window: Cancel
   void keyReleaseEvent(QKeyEvent* event) override;
-  // A key typed into the grid, other than the ones that leave or keep a cell, marks an edit.
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   // Shows the model: the list, the name, the grid, the current cell.
@@ -51,7 +51,7 @@ private:
   void commitCell(int row, int column, const QString& text);
 
   ApertureTablesModel& model_;
-  bool filling_ = false;
+  CellEdits* edits_ = nullptr;  // a key typed into the grid marks an edit; its end commits
   std::function<void()> help_;
 };
 

@@ -14,32 +14,6 @@ std::string apertureRowText(const SystemServices& services, int32_t unit, const 
   return row;
 }
 
-std::string specialShapeText(const SystemServices& services, const ApertureLists& lists,
-                             const ApertureUse& use) {
-  const auto text = [&](const char* word, const char* id) {
-    return services.LocalMessage(word, id);
-  };
-  const std::vector<PrimitiveRow>& primitives = lists.PrimitiveList;
-  const int32_t first = use.Size;
-  if (first < 1 || first > static_cast<int32_t>(primitives.size()))
-    return text("Undef.", "62238");
-  const PrimitiveRow& p = primitives[size_t(first - 1)];
-  switch (p.Kind) {
-  case primitive::RoundWithHole:
-    return text("Circle", "62233");
-  case primitive::Rectangle:
-    return text("Rectangle", "62234");
-  case primitive::Oval:
-    return text("Obround", "62235");
-  case primitive::RegularPolygon:
-    return text("Reg.polygon", "62236");
-  case primitive::Macro:
-    return text("Macro ", "62237") + "\"" + p.Text + "\"";
-  default:
-    return text("Undef.", "62238");
-  }
-}
-
 std::vector<ApertureRow> gerberApertureRows(const SystemServices& services, int32_t unit,
                                             const ApertureLists& lists, const std::string& tag) {
   std::vector<ApertureRow> rows;
@@ -74,7 +48,7 @@ std::vector<ApertureRow> gerberApertureRows(const SystemServices& services, int3
   for (const ApertureUse& use : lists.SquarePadList)
     add(use, rowText(use, "Sqr.Pad ", "62324", true, use.Size));
   for (const ApertureUse& use : lists.SpecialList)
-    add(use, rowText(use, "Special ", "62325", false, 0) + specialShapeText(services, lists, use));
+    add(use, rowText(use, "Special ", "62325", false, 0) + specialApertureType(services, use, lists.PrimitiveList));
   return rows;
 }
 

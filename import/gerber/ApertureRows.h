@@ -17,10 +17,6 @@ class SystemServices;
 // 1 millimetres) when withSize.
 std::string apertureRowText(const SystemServices& services, int32_t unit, const ApertureUse& use,
                             const char* word, const char* id, bool withSize, int32_t size);
-// The shape of a special aperture by its first primitive: "Circle", "Macro "NAME"", ...
-std::string specialShapeText(const SystemServices& services, const ApertureLists& lists,
-                             const ApertureUse& use);
-
 // The rows of the draw list, then the round, square and special pads; a row is selected unless
 // tag bars its D-code.
 std::vector<ApertureRow> gerberApertureRows(const SystemServices& services, int32_t unit,

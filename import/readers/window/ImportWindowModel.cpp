@@ -15,6 +15,10 @@
 
 namespace tvx {
 
+bool colourRefused(const LayerRecord& layer, int32_t colour, int32_t clearColourNumber) {
+  return colour == clearColourNumber && (layer.Mask & layergroup::AllButOutlineAndDrill) != 0;
+}
+
 ImportWindowModel::ImportWindowModel(ImportWindowOwners owners)
     : DialogLayer(owners.session.state.DialogLayer), OffsetUnit(owners.displayUnit),
       session_(owners.session), layers_(owners.layers), highlights_(owners.highlights),
@@ -218,8 +222,7 @@ void ImportWindowModel::PaletteClick(int32_t colour) {
     notify();
     return;
   }
-  // Copper layers never take the colour that marks clear elements.
-  if (colour == clearColourNumber_ && (layer->Mask & layergroup::AllButOutlineAndDrill) != 0) {
+  if (colourRefused(*layer, colour, clearColourNumber_)) {
     notify();
     return;
   }

@@ -68,8 +68,8 @@ inline constexpr int32_t Count = 10;
 // Colours of the grid, 0xBBGGRR; NoColour leaves the grid's own.
 namespace importcolour {
 inline constexpr int32_t NoColour = gridcolour::NoColour;
-inline constexpr int32_t ReadOnly = 0xE6E6E6;
-inline constexpr int32_t Group = 0xC0C0C0;
+inline constexpr int32_t ReadOnly = gridcolour::Greyed;
+inline constexpr int32_t Group = gridcolour::Group;
 inline constexpr int32_t EnterFormat = 0xFFFF00;
 inline constexpr int32_t FileText = 255;
 inline constexpr int32_t ViewerWhite = 0xFFFFFF;
@@ -78,6 +78,14 @@ inline constexpr int32_t ViewerOnly = 0xFFFFC0;  // a file shown by "Open for Vi
 
 // "T" + number, filled with blanks to exactly 5 characters.
 std::string ToolLabel(int32_t code);
+
+// How a layer's colour row names its colour: "(Default)", "(Palette)" for another palette
+// colour, "()" for none of them.
+std::string colourChoiceText(const SystemServices& services, const LayerRecord& layer);
+
+// Layers other than the board outline and the drill layer never take the colour of clear
+// elements (clearColourNumber): true when colour is such a refusal.
+bool colourRefused(const LayerRecord& layer, int32_t colour, int32_t clearColourNumber);
 
 // What the window needs of the main window and of the windows it opens. Empty callables do
 // nothing; an empty file picker is a cancelled one.

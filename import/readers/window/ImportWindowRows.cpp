@@ -7,6 +7,7 @@
 #include "common/LengthFormats.h"
 #include "import/gerber/ApertureRows.h"
 #include "import/gerber/ArtFile.h"
+#include "kernel/Palette.h"
 #include "platform/SystemServices.h"
 
 #include <cmath>
@@ -28,16 +29,6 @@ bool isDrillingGerber(ImportKind kind) {
   return kind == ImportKind::DrillingRS274X || kind == ImportKind::DrillingRS274D;
 }
 
-GridRow group(std::string first, std::string second, int32_t back = importcolour::Group) {
-  GridRow row;
-  row.Cell = CellKind::Group;
-  row.Caption = std::move(first);
-  row.Value = std::move(second);
-  row.ReadOnly = true;
-  row.CaptionBack = row.ValueBack = back;
-  return row;
-}
-
 GridRow cell(std::string key, std::string caption, CellKind kind, std::string value,
              int32_t list = importlist::None) {
   GridRow row;
@@ -46,12 +37,6 @@ GridRow cell(std::string key, std::string caption, CellKind kind, std::string va
   row.Cell = kind;
   row.Value = std::move(value);
   row.List = list;
-  return row;
-}
-
-GridRow readOnly(GridRow row) {
-  row.ReadOnly = true;
-  row.CaptionBack = row.ValueBack = importcolour::ReadOnly;
   return row;
 }
 
@@ -73,6 +58,15 @@ std::string ToolLabel(int32_t code) {
   std::string label = "T" + std::to_string(code);
   label.resize(5, ' ');
   return label;
+}
+
+std::string colourChoiceText(const SystemServices& services, const LayerRecord& layer) {
+  std::string word;
+  if (layer.ColourNumber == layer.DefaultColourNumber)
+    word = services.LocalMessage("Default", "62280");
+  else if (layer.ColourNumber < PaletteSize)
+    word = services.LocalMessage("Palette", "62210");
+  return "(" + word + ")";
 }
 
 std::string ImportWindowModel::lengthText(double storeLength) const {
@@ -108,20 +102,21 @@ void ImportWindowModel::buildLists() {
 void ImportWindowModel::addFormatRows(ImportKind k) {
   const int n = static_cast<int>(k);
   if (n == 1 || n == 3 || n == 5)
-    rows.push_back(group(text("Format", "62334"), text("Info", "62335")));
+    rows.push_back(groupRow(text("Format", "62334"), text("Info", "62335")));
   else if (n == 2 || n == 4 || n == 6 || n == 8)
-    rows.push_back(group(text("Format", "62334"), text("Enter format paremeters below:", "62336"),
-                         importcolour::EnterFormat));
+    rows.push_back(groupRow(text("Format", "62334"),
+                            text("Enter format paremeters below:", "62336"),
+                            importcolour::EnterFormat));
 
   const ExcellonFormat& exc = session_.excellonFormat;
   const std::string unit = text("Unit", "62315");
   const std::string zeroes = text("Omitted Zeroes", "62337");
   const std::string precision = text("Precision Format XY", "62343");
   if (k == ImportKind::ExcellonFormatTwo) {
-    rows.push_back(readOnly(cell("", unit, CellKind::Text, entry(list(7), exc.XYunit))));
-    rows.push_back(readOnly(cell("", zeroes, CellKind::Text, entry(list(6), exc.OMZeros))));
+    rows.push_back(readOnlyRow(cell("", unit, CellKind::Text, entry(list(7), exc.XYunit))));
+    rows.push_back(readOnlyRow(cell("", zeroes, CellKind::Text, entry(list(6), exc.OMZeros))));
     rows.push_back(
-        readOnly(cell("", precision, CellKind::Text, digitsText(exc.XYFormB, exc.XYFormA))));
+        readOnlyRow(cell("", precision, CellKind::Text, digitsText(exc.XYFormB, exc.XYFormA))));
   } else if (k == ImportKind::ExcellonFormatOne) {
     rows.push_back(cell("IMP_UNITD", unit, CellKind::List, entry(list(7), exc.XYunit), 7));
     rows.push_back(cell("IMP_OZD", zeroes, CellKind::List, entry(list(6), exc.OMZeros), 6));
@@ -135,7 +130,9 @@ void ImportWindowModel::addFormatRows(ImportKind k) {
   } else if (isGerberKind(k)) {
     const GerberFormat& g = session_.gerberFormat;
     const bool fixed = k == ImportKind::ArtworkRS274X || k == ImportKind::DrillingRS274X;
-    const auto add = [&](GridRow row) { rows.push_back(fixed ? readOnly(std::move(row)) : row); };
+    const auto add = [&](GridRow row) {
+      rows.push_back(fixed ? readOnlyRow(std::move(row)) : row);
+    };
     add(cell("IMP_UNITG", unit, CellKind::List, entry(list(7), g.Unit), 7));
     add(cell("IMP_OZG", zeroes, CellKind::List, entry(list(6), g.OmittedZeros), 6));
     add(cell("IMP_SCFXG", text("Scale Factor X", "62338"), CellKind::Number,
@@ -164,24 +161,19 @@ void ImportWindowModel::addLayerRows(ImportKind k) {
   // The layer choice needs a scanned file; the rows of a bound layer stay without one, so that a
   // rescan that found nothing still shows the layer's values.
   if (session_.state.Job.Prepared) {
-    rows.push_back(group(text("Layer Import", "62344"), text("Setup", "62345")));
+    rows.push_back(groupRow(text("Layer Import", "62344"), text("Setup", "62345")));
     const std::string name = layer ? layer->DisplayName : text("Click to select", "62367");
     const bool choosable = isGerberKind(k) || k == ImportKind::Dxf;
     GridRow choice = cell("IMP_LAYER", text("Import to layer", "62346"),
                           choosable ? CellKind::List : CellKind::Text, name,
                           choosable ? importlist::Layers : importlist::None);
-    rows.push_back(choosable ? choice : readOnly(choice));
+    rows.push_back(choosable ? choice : readOnlyRow(choice));
   }
   if (!layer)
     return;
 
-  std::string word;
-  if (layer->ColourNumber == layer->DefaultColourNumber)
-    word = text("Default", "62280");
-  else if (layer->ColourNumber < 32)
-    word = text("Palette", "62210");
   GridRow colour = cell("AF_ICL", text("Import in color", "62348"), CellKind::List,
-                        "(" + word + ")", importlist::Colour);
+                        colourChoiceText(session_.services, *layer), importlist::Colour);
   colour.Swatch = layer->ColourRgb;
   rows.push_back(colour);
   rows.push_back(cell("AFS_XO", text("Image X Offset", "62349"), CellKind::Number,
@@ -202,19 +194,20 @@ void ImportWindowModel::addFilterRows(ImportKind k) {
   const LayerFileRecord& file = layer->Files.front();
   const std::string uncheck = text("UnCheck to ignore with import", "62353");
   if (isArtworkGerber(k)) {
-    rows.push_back(group(text("Imported Elements", "62352"), uncheck));
+    rows.push_back(groupRow(text("Imported Elements", "62352"), uncheck));
     for (const FilterBitInfo& bit : FilterBits)
       if ((layer->FilterMask & bit.bit) != 0)
         rows.push_back(
             checkBox(std::string(bit.key),
                      text(std::string(bit.caption).c_str(), std::string(bit.textId).c_str()),
                      (file.FilterMask & bit.bit) != 0));
-    rows.push_back(group(text("Apertures (click to highlight)", "62358"), uncheck));
+    rows.push_back(groupRow(text("Apertures (click to highlight)", "62358"), uncheck));
     for (size_t n = 0; n < ApertureRows.size(); ++n)
       rows.push_back(checkBox("AF_APF," + std::to_string(n + 1), ApertureRows[n].Text,
                               ApertureRows[n].Selected));
   } else if (isExcellonKind(k)) {
-    rows.push_back(group(text("Tool Code(Hole Count)", "62362"), text("Hole Diameters", "62359")));
+    rows.push_back(
+        groupRow(text("Tool Code(Hole Count)", "62362"), text("Hole Diameters", "62359")));
     for (size_t n = 0; n < file.Tools.size(); ++n) {
       const ToolEntry& tool = file.Tools[n];
       rows.push_back(cell("AF_APH," + std::to_string(n + 1),
@@ -224,8 +217,8 @@ void ImportWindowModel::addFilterRows(ImportKind k) {
   } else if (isDrillingGerber(k)) {
     rows.push_back(cell("AF_MAPHOLES", text("Hole Diameters", "62359"), CellKind::List,
                         entry(list(8), HoleMapping), importlist::HoleMapping));
-    rows.push_back(group(text("Aperture Codes (click to highlight)", "62360"),
-                         text("Mapped Hole Diameters", "62361")));
+    rows.push_back(groupRow(text("Aperture Codes (click to highlight)", "62360"),
+                            text("Mapped Hole Diameters", "62361")));
     for (size_t n = 0; n < ApertureRows.size() && n < file.Tools.size(); ++n)
       rows.push_back(cell("AF_APH," + std::to_string(n + 1), ApertureRows[n].Text, CellKind::Number,
                           shortLengthText(file.Tools[n].Diameter)));
@@ -236,16 +229,15 @@ void ImportWindowModel::buildRows() {
   buildLists();
   rows.clear();
   const ImportKind k = kind();
-  GridRow name = readOnly(cell("IMP_FLEN", text("Import file name", "62283"), CellKind::Text,
-                               session_.state.Job.SourcePath));
+  GridRow name = readOnlyRow(cell("IMP_FLEN", text("Import file name", "62283"), CellKind::Text,
+                                  session_.state.Job.SourcePath));
   name.ValueFore = importcolour::FileText;
   rows.push_back(name);
   const std::string kindName = importKindName(session_.services, k);
-  GridRow type =
-      isExcellonKind(k)
-          ? cell("IMP_FLET", text("Import file type", "62333"), CellKind::List, kindName,
-                 importlist::FileType)
-          : readOnly(cell("IMP_FLET", text("Import file type", "62333"), CellKind::Text, kindName));
+  GridRow type = isExcellonKind(k) ? cell("IMP_FLET", text("Import file type", "62333"),
+                                          CellKind::List, kindName, importlist::FileType)
+                                   : readOnlyRow(cell("IMP_FLET", text("Import file type", "62333"),
+                                                      CellKind::Text, kindName));
   type.ValueFore = importcolour::FileText;
   rows.push_back(type);
   addFormatRows(k);
@@ -281,7 +273,7 @@ std::string ImportWindowModel::apertureRowText(const ApertureUse& use, const cha
 }
 
 std::string ImportWindowModel::specialShape(const ApertureUse& use) const {
-  return specialShapeText(session_.services, session_.gerberScan.Lists, use);
+  return specialApertureType(session_.services, use, session_.gerberScan.Lists.PrimitiveList);
 }
 
 void ImportWindowModel::buildApertureRows() {

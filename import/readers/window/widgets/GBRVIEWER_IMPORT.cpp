@@ -2,10 +2,10 @@
 
 #include "common/widgets/HelpKey.h"
 #include "import/readers/window/widgets/FileRequest.h"
+#include "import/readers/window/widgets/PalettePage.h"
 
 #include "common/GridHelpers.h"
 #include "common/widgets/PropertyGrid.h"
-#include "kernel/Palette.h"
 #include "platform/InterfaceFont.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/LocalizeForm.h"
@@ -15,7 +15,6 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QFileDialog>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -31,11 +30,6 @@
 #include <algorithm>
 
 namespace tvx {
-
-namespace {
-constexpr int PaletteColumns = 8;
-constexpr int SquareSize = 24;
-}  // namespace
 
 GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places, QWidget* parent,
                                    const InterfaceFont& font)
@@ -78,7 +72,8 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   tabColor_ = new QTabWidget;
   tabColor_->setObjectName("tabColor");
   tabColor_->addTab(picSplitter_, QString());
-  tabColor_->addTab(buildPalette(), QString());
+  tabColor_->addTab(makePalettePage([this](int32_t colour) { model_->PaletteClick(colour); }),
+                    QString());
 
   const auto button = [](const char* name, const char* caption, const char* tag) {
     auto* b = new QPushButton(caption);
@@ -166,23 +161,6 @@ void GBRVIEWER_IMPORT::buildMenus() {
     connect(entry, &QAction::triggered, this, [this, index] { model_->F_InchMM(index); });
     F_InchMM_[size_t(index)] = entry;
   }
-}
-
-QWidget* GBRVIEWER_IMPORT::buildPalette() {
-  auto* page = new QWidget;
-  auto* squares = new QGridLayout(page);
-  for (int colour = 0; colour < PaletteSize; ++colour) {
-    auto* square = new QPushButton;
-    square->setObjectName(QString("picColor%1").arg(colour));
-    square->setFixedSize(SquareSize, SquareSize);
-    square->setStyleSheet(
-        QString("background-color: %1; border: 1px solid gray;")
-            .arg(PropertyGrid::colourOf(int32_t(paletteRgb()[size_t(colour)])).name()));
-    connect(square, &QPushButton::clicked, this, [this, colour] { model_->PaletteClick(colour); });
-    squares->addWidget(square, colour / PaletteColumns, colour % PaletteColumns);
-  }
-  squares->setRowStretch(PaletteSize / PaletteColumns, 1);
-  return page;
 }
 
 void GBRVIEWER_IMPORT::refresh() {

@@ -50,7 +50,6 @@ private:
   // Resizes the window to what its rows and buttons need, within the screen's work area.
   void fitToContent();
   void buildMenus();
-  QWidget* buildPalette();
 
   std::unique_ptr<ImportWindowModel> model_;
   std::function<void()> showHelp_;
