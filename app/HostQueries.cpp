@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QRect>
 #include <QScreen>
+#include <QTableWidget>
 #include <QWidget>
 
 #include <algorithm>
@@ -30,55 +31,112 @@ std::string rectText(const QRect& r) {
          "," + std::to_string(r.height());
 }
 
+// Per row of a property grid "<prefix><TAB><caption><TAB><value>".
+std::string gridRowLines(const PropertyGrid& grid, const std::string& prefix) {
+  std::string out;
+  for (int row = 0; row < grid.rowCount(); ++row) {
+    const QTableWidgetItem* caption = grid.item(row, 0);
+    out += line(prefix + "\t" + (caption ? caption->text().toStdString() : std::string()) + "\t" +
+                grid.shownValue(row).toStdString());
+  }
+  return out;
+}
+
+// The screen place of the value cell of the first row with that caption, or "NONE".
+std::string captionCell(const PropertyGrid& grid, const std::string& caption) {
+  for (int row = 0; row < grid.rowCount(); ++row)
+    if (const QTableWidgetItem* cell = grid.item(row, 0);
+        cell && cell->text().toStdString() == caption)
+      return rectText(grid.valueCellOnScreen(row));
+  return "NONE";
+}
+
 std::string importRows(GBRVIEWER_MAIN* window) {
   GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
   if (!import || !import->isVisible())
     return line("IMPORTROWS,NONE");
   PropertyGrid& grid = import->grid();
-  std::string out;
-  for (int row = 0; row < grid.rowCount(); ++row) {
-    const QTableWidgetItem* caption = grid.item(row, 0);
-    out += line("IMPORTROW\t" + (caption ? caption->text().toStdString() : std::string()) + "\t" +
-                grid.shownValue(row).toStdString());
-  }
+  std::string out = gridRowLines(grid, "IMPORTROW");
   out += line("IMPORTMSG\t" + import->model().stages().messageLine);
   return out + line("IMPORTROWS," + std::to_string(grid.rowCount()) + "," +
                     std::to_string(grid.wholeRowsShown()));
 }
 
-// The property grid of the visible window of that object name; nullptr when none.
-PropertyGrid* gridOf(const std::string& windowName) {
-  for (QWidget* top : QApplication::topLevelWidgets())
-    if (top->isVisible() && top->objectName().toStdString() == windowName)
-      return top->findChild<PropertyGrid*>();
+std::string cellPlace(GBRVIEWER_MAIN* window, const std::string& caption) {
+  GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
+  return line("CELL," +
+              (import && import->isVisible() ? captionCell(import->grid(), caption) : "NONE"));
+}
+
+// The visible widget of a type and object name in any shown window.
+template <typename Widget> Widget* visibleWidget(const std::string& name) {
+  for (QWidget* top : QApplication::topLevelWidgets()) {
+    if (!top->isVisible())
+      continue;
+    QList<Widget*> found = top->findChildren<Widget*>(QString::fromStdString(name));
+    if (auto* self = qobject_cast<Widget*>(top); self && top->objectName().toStdString() == name)
+      found.prepend(self);
+    for (Widget* widget : found)
+      if (widget->isVisible())
+        return widget;
+  }
   return nullptr;
 }
 
-// The import window's grid, else the grid of the modal window on top.
-std::string cellPlace(GBRVIEWER_MAIN* window, const std::string& caption) {
-  GBRVIEWER_IMPORT* import = window ? window->importWindow() : nullptr;
-  PropertyGrid* grid = import && import->isVisible() ? &import->grid() : nullptr;
-  if (!grid && QApplication::activeModalWidget())
-    grid = QApplication::activeModalWidget()->findChild<PropertyGrid*>();
-  if (grid)
-    for (int row = 0; row < grid->rowCount(); ++row)
-      if (const QTableWidgetItem* cell = grid->item(row, 0);
-          cell && cell->text().toStdString() == caption)
-        return line("CELL," + rectText(grid->valueCellOnScreen(row)));
-  return line("CELL,NONE");
+// The property grid of a shown window by the window's object name.
+PropertyGrid* gridOfWindow(const std::string& name) {
+  QWidget* window = visibleWidget<QWidget>(name);
+  return window ? window->findChild<PropertyGrid*>() : nullptr;
 }
 
-std::string gridRows(const std::string& windowName) {
-  PropertyGrid* grid = gridOf(windowName);
-  if (!grid)
-    return line("GRID," + windowName + ",NONE");
+std::string gridRows(const std::string& name) {
+  const PropertyGrid* grid = gridOfWindow(name);
+  if (!grid || !grid->isVisible())
+    return line("GRID," + name + ",NONE");
+  return gridRowLines(*grid, "GRIDROW") +
+         line("GRID," + name + "," + std::to_string(grid->rowCount()));
+}
+
+std::string gridCell(const std::string& argument) {
+  const auto comma = argument.find(',');
+  const PropertyGrid* grid =
+      comma == std::string::npos ? nullptr : gridOfWindow(argument.substr(0, comma));
+  return line("GRIDCELL," + (grid && grid->isVisible()
+                                 ? captionCell(*grid, argument.substr(comma + 1))
+                                 : std::string("NONE")));
+}
+
+// A table's cells as shown: per row "TABLEROW<TAB><row><TAB><cell 0><TAB>...", then
+// "TABLE,<name>,<rows>,enabled|disabled".
+std::string tableRows(const std::string& name) {
+  const QTableWidget* table = visibleWidget<QTableWidget>(name);
+  if (!table)
+    return line("TABLE," + name + ",NONE");
   std::string out;
-  for (int row = 0; row < grid->rowCount(); ++row) {
-    const QTableWidgetItem* caption = grid->item(row, 0);
-    out += line("GRIDROW\t" + (caption ? caption->text().toStdString() : std::string()) + "\t" +
-                grid->shownValue(row).toStdString());
+  for (int row = 0; row < table->rowCount(); ++row) {
+    std::string cells = "TABLEROW\t" + std::to_string(row);
+    for (int column = 0; column < table->columnCount(); ++column) {
+      const QTableWidgetItem* item = table->item(row, column);
+      cells += "\t" + (item ? item->text().toStdString() : std::string());
+    }
+    out += line(cells);
   }
-  return out + line("GRID," + windowName + "," + std::to_string(grid->rowCount()));
+  return out + line("TABLE," + name + "," + std::to_string(table->rowCount()) + "," +
+                    (table->isEnabled() ? "enabled" : "disabled"));
+}
+
+// Where a table's cell is on the screen: "TABLECELL,<name>,<x>,<y>,<width>,<height>".
+std::string tableCell(const std::string& argument) {
+  const QStringList parts = QString::fromStdString(argument).split(',');
+  const QTableWidget* table =
+      parts.size() == 3 ? visibleWidget<QTableWidget>(parts[0].toStdString()) : nullptr;
+  const int row = parts.value(1).toInt();
+  const int column = parts.value(2).toInt();
+  if (!table || !table->item(row, column))
+    return line("TABLECELL," + argument + ",NONE");
+  const QRect cell = table->visualItemRect(table->item(row, column));
+  return line("TABLECELL," + parts[0].toStdString() + "," +
+              rectText({table->viewport()->mapToGlobal(cell.topLeft()), cell.size()}));
 }
 
 // A tool of the bands as the model holds it.
@@ -112,17 +170,9 @@ std::string categoryContents(GBRVIEWER_MAIN* window) {
 }
 
 std::string widgetPlace(const std::string& name) {
-  for (QWidget* top : QApplication::topLevelWidgets()) {
-    if (!top->isVisible())
-      continue;
-    QList<QWidget*> found = top->findChildren<QWidget*>(QString::fromStdString(name));
-    if (top->objectName().toStdString() == name)
-      found.prepend(top);
-    for (QWidget* widget : found)
-      if (widget->isVisible())
-        return line("PLACE," + name + "," +
-                    rectText({widget->mapToGlobal(QPoint(0, 0)), widget->size()}));
-  }
+  if (const QWidget* widget = visibleWidget<QWidget>(name))
+    return line("PLACE," + name + "," +
+                rectText({widget->mapToGlobal(QPoint(0, 0)), widget->size()}));
   return line("PLACE," + name + ",NONE");
 }
 
@@ -213,8 +263,6 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     const bool saved = screen && screen->grabWindow(0).save(
                                      QString::fromStdString(argumentOf("GRABSCREEN,")), "PNG");
     answer = line(std::string("GRABSCREEN,") + (saved ? "OK" : "FAILED"));
-  } else if (query.rfind("GRID,", 0) == 0) {
-    answer = gridRows(argumentOf("GRID,"));
   } else if (query.rfind("TOOL,", 0) == 0) {
     answer = toolState(window, argumentOf("TOOL,"));
   } else if (query == "CATEGORIES") {
@@ -223,6 +271,14 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     // A sibling module that runs: commands to it are sent from now on.
     window->context().kernel.strings.E_SetString(argumentOf("RUN,"), "RUNNING");
     answer = line("RUN," + argumentOf("RUN,"));
+  } else if (query.rfind("GRID,", 0) == 0) {
+    answer = gridRows(argumentOf("GRID,"));
+  } else if (query.rfind("GRIDCELL,", 0) == 0) {
+    answer = gridCell(argumentOf("GRIDCELL,"));
+  } else if (query.rfind("TABLE,", 0) == 0) {
+    answer = tableRows(argumentOf("TABLE,"));
+  } else if (query.rfind("TABLECELL,", 0) == 0) {
+    answer = tableCell(argumentOf("TABLECELL,"));
   } else if (query.rfind("PLACE,", 0) == 0) {
     answer = widgetPlace(argumentOf("PLACE,"));
   } else {

@@ -10,12 +10,8 @@
 //   IMPORTROWS       the import window's grid as shown: per row "IMPORTROW<TAB><caption><TAB>
 //                    <value>", then "IMPORTMSG<TAB><its message line>" and
 //                    "IMPORTROWS,<rows>,<rows shown whole>"; "IMPORTROWS,NONE" without the window.
-//   CELL,<caption>   where the value cell of the first row with that caption is on the screen, in
-//                    the import window or else the modal window on top:
+//   CELL,<caption>   where the value cell of the first row with that caption is on the screen:
 //                    "CELL,<x>,<y>,<width>,<height>" or "CELL,NONE".
-//   GRID,<window>    the property grid of the visible window of that object name: per row
-//                    "GRIDROW<TAB><caption><TAB><value>", then "GRID,<window>,<rows>"; "GRID,
-//                    <window>,NONE" without it.
 //   TOOL,<name>      a tool of the bands: "TOOL,<name>,checked|-,enabled|disabled,shown|hidden
 //                    <TAB><caption><TAB><combo text>", or "TOOL,<name>,NONE".
 //   CATEGORIES       per board category n (1 to 15) "CATEGORY,<n>,<items>,<pads>", or
@@ -29,6 +25,16 @@
 //                    checked|-<TAB>enabled|disabled<TAB><x>,<y>,<width>,<height>" (the place
 //                    "NONE" while the menu is closed), then "MENU,<name>,<entries>";
 //                    "MENU,<name>,NONE" without it.
+//   GRID,<window>    the property grid of the shown window of that object name: per row
+//                    "GRIDROW<TAB><caption><TAB><value>", then "GRID,<window>,<rows>";
+//                    "GRID,<window>,NONE" without it.
+//   GRIDCELL,<window>,<caption>  as CELL, in that window's property grid: "GRIDCELL,<x>,<y>,
+//                    <width>,<height>" or "GRIDCELL,NONE".
+//   TABLE,<name>     the visible table of that object name: per row "TABLEROW<TAB><row><TAB>
+//                    <cell>..." (rows from 0), then "TABLE,<name>,<rows>,enabled|disabled";
+//                    "TABLE,<name>,NONE" without it.
+//   TABLECELL,<name>,<row>,<column>  where that cell is: "TABLECELL,<name>,<x>,<y>,<width>,
+//                    <height>", or the arguments and ",NONE".
 //   LAYER,<number>   what the layer holds: "LAYER,<number>,<items>,<min X>,<min Y>,<max X>,
 //                    <max Y>,<widest line>" in store units, or "LAYER,<number>,NONE".
 #pragma once

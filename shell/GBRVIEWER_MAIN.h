@@ -50,6 +50,7 @@ namespace tvx {
 
 class GBRVIEWER_GIEIMP;
 class GBRVIEWER_GIESVC;
+class GBRVIEWER_GISIMP;
 class GBRVIEWER_IMPORT;
 class HelpWindow;
 class ElementEditor;
@@ -199,6 +200,16 @@ public:
   GBRVIEWER_GIESVC* layerVisibilityWindow() const;
   // The import window while it is loaded.
   GBRVIEWER_IMPORT* importWindow() const;
+  // The layer properties window while it is loaded.
+  GBRVIEWER_GISIMP* layerPropertiesWindow() const;
+
+  // --- The layer properties window (MainWindows.cpp): loaded for the current layer, or raised;
+  // the window's tool runs while it is up.
+  void openLayerProperties();
+  void closeLayerProperties();
+  // The layer the properties window shows, and whether it is loaded.
+  int32_t PropertiesLayer = 0;
+  bool PropertiesOpen = false;
 
   // The pointer tools, the keys and the functions' keys (MainPointer.cpp).
   PointerTools& pointerTools() { return *pointer_; }
@@ -298,6 +309,11 @@ private:
   // Loads the import window for the job's file, wired to this window; the one that is loaded
   // already is used again.
   GBRVIEWER_IMPORT& loadImportWindow();
+  // The apertures display over the import window, modal: its flags ApertureFileCreated and
+  // ArtworkUpdated.
+  int32_t openApertureUse();
+  // The aperture table in force named in the settings ("Aper").
+  void setCurrentApertureTable(const std::string& name);
   // Pointer, keys and wheel (MainPointer.cpp).
   void buildPointerInput();
   // Measuring and what hangs on it: the Preferences menu, the ruler's entry in View, the
@@ -335,6 +351,7 @@ private:
   QPointer<QFileDialog> fileRequest_;
   QPointer<GBRVIEWER_GIESVC> layerVisibility_;
   QPointer<GBRVIEWER_IMPORT> importWindow_;
+  QPointer<GBRVIEWER_GISIMP> properties_;
   std::unique_ptr<HelpWindow> help_;
 
   std::unique_ptr<ViewState> view_;

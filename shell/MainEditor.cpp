@@ -108,6 +108,7 @@ void GBRVIEWER_MAIN::wireElementEditor() {
   keys_->hooks.functionOneCommand = [this](int32_t key, int32_t option) {
     editor_->FunctionOneCommand(key, option);
   };
+  editor_->hooks.openLayerProperties = [this] { openLayerProperties(); };
   LayerCommandHooks& layers = layerCommands_->hooks;
   layers.clearUndo = [this](SymbolId symbol) { editor_->DoUndo(symbol, undomode::Free); };
   layers.reselectKey = [this] { keys_->reselectKey(editkey::Inspect); };

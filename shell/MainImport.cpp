@@ -193,6 +193,14 @@ QFileDialog* GBRVIEWER_MAIN::fileRequest() const { return fileRequest_; }
 
 GBRVIEWER_IMPORT* GBRVIEWER_MAIN::importWindow() const { return importWindow_; }
 
+void GBRVIEWER_MAIN::setCurrentApertureTable(const std::string& name) {
+  int32_t status = 0;
+  writeAper(status, context_.services, name);
+  if (status != 0)
+    import_->files.ReportSettingsWriteError(EACCES);
+  settings_.Aper = name;
+}
+
 GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   if (importWindow_)
     return *importWindow_;
@@ -217,15 +225,8 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
     }
   };
   link.openApertureTable = [this] {
-    SystemServices& services = context_.services;
-    ApertureTablesModel tables(apertureTable_, services, context_.prompts, sysDir_,
-                               [this, &services](const std::string& name) {
-                                 int32_t status = 0;
-                                 writeAper(status, services, name);
-                                 if (status != 0)
-                                   import_->files.ReportSettingsWriteError(EACCES);
-                                 settings_.Aper = name;
-                               });
+    ApertureTablesModel tables(apertureTable_, context_.services, context_.prompts, sysDir_,
+                               [this](const std::string& name) { setCurrentApertureTable(name); });
     GBRVIEWER_APT window(tables, importWindow_);
     window.setHelpHandler([this] { M_Help_Click(); });
     window.exec();
@@ -233,6 +234,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
       importWindow_->model().apertureTableName = apertureTable_.current;
     return true;
   };
+  link.openApertureUse = [this] { return openApertureUse(); };
   link.dialogClosed = [this] {
     if (importWindow_)
       import_->HoleMapping = importWindow_->model().HoleMapping;
@@ -269,6 +271,7 @@ GBRVIEWER_IMPORT& GBRVIEWER_MAIN::loadImportWindow() {
   model.ImpDir = settings_.ImpDir;
   model.apertureTableName = apertureTable_.current;
   model.apertureTableWindow = true;
+  model.apertureUseWindow = true;
   model.HoleMapping = import_->HoleMapping;
   model.FormFill();
   importWindow_ = window;

@@ -30,6 +30,7 @@ void GBRVIEWER_MAIN::buildLayerCommands() {
     return true;
   };
   h.showVisibilityWindow = [this] { M_GIESelCatView_Click(); };
+  h.closeLayerProperties = [this] { closeLayerProperties(); };
   // Busy while the commands work; the state before comes back after, so that a start-up that
   // holds the redraw keeps holding it.
   h.setRedrawBusy = [this, before = std::make_shared<bool>(false)](bool busy) {

@@ -48,7 +48,8 @@ std::vector<ApertureRow> gerberApertureRows(const SystemServices& services, int3
   for (const ApertureUse& use : lists.SquarePadList)
     add(use, rowText(use, "Sqr.Pad ", "62324", true, use.Size));
   for (const ApertureUse& use : lists.SpecialList)
-    add(use, rowText(use, "Special ", "62325", false, 0) + specialApertureType(services, use, lists.PrimitiveList));
+    add(use, rowText(use, "Special ", "62325", false, 0) +
+                 specialApertureType(services, use, lists.PrimitiveList));
   return rows;
 }
 

@@ -26,7 +26,7 @@ protected:
     return -1;
   }
   void clickCheckBox(const QString& caption) {
-    const ScreenRect cell = place("CELL," + caption, "CELL,");
+    const ScreenRect cell = place("GRIDCELL,GBRVIEWER_GIEIMP," + caption, "GRIDCELL,");
     ASSERT_TRUE(cell.valid()) << caption.toStdString();
     // From elsewhere, as a hand moves: the box is made anew at each change.
     xdo({"mousemove", QString::number(cell.x - 40), QString::number(cell.y)});
@@ -100,7 +100,7 @@ TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
 
   // Again without "Remove previous import" for the pads: no pad twice.
   openWindow();
-  const ScreenRect padsRemove = place("CELL,Pads & pads positions", "CELL,");
+  const ScreenRect padsRemove = place("GRIDCELL,GBRVIEWER_GIEIMP,Pads & pads positions", "GRIDCELL,");
   ASSERT_TRUE(padsRemove.valid());
   xdo({"mousemove", QString::number(padsRemove.x - 40), QString::number(padsRemove.y)});
   xdo({"mousemove", QString::number(padsRemove.x + 8),
