@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace tvx {
 
@@ -44,6 +45,14 @@ inline GridRow groupRow(std::string first, std::string second, int32_t back = gr
   row.ReadOnly = true;
   row.CaptionBack = row.ValueBack = back;
   return row;
+}
+
+// The index of the row of a key, -1 when none.
+inline int32_t rowOfKey(const std::vector<GridRow>& rows, const std::string& key) {
+  for (size_t i = 0; i < rows.size(); ++i)
+    if (rows[i].Key == key)
+      return static_cast<int32_t>(i);
+  return -1;
 }
 
 // The row made read-only, and grey as such rows are.

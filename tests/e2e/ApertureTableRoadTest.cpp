@@ -14,32 +14,15 @@ using test::ScreenRect;
 
 using ApertureTableRoad = test::HostDriver;
 
-// Two traces with D10, two pads with D11; format 2.3 inch, trailing zeros omitted.
-constexpr const char* PlainFile = "G54D10*\nX01Y01D02*\nX02Y01D01*\nX02Y015D01*\n"
-                                  "D11*\nX012Y012D03*\nX018Y012D03*\nM02*\n";
-
 TEST_F(ApertureTableRoad, ATableMadeInTheWindowSizesThePlainFileAndIsKept) {
   const QString name = "E2EROAD";
   // The tables live in the data folder beside the programs.
   const QString table = QFileInfo(test::binary("gbrview")).absolutePath() + "/SYS/" + name + ".APT";
   QFile::remove(table);
-  const QString plain = home.filePath("plain.gbr");
-  QFile file(plain);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(PlainFile);
-  file.close();
-
-  host.start(test::binary("tarvex-gbrviewer"), {});
-  ASSERT_TRUE(host.waitForStarted(10000));
-  typeIntoFileRequest(plain);
-  auto rows = rowsWhen([](auto& r) { return r.count("Import to layer") > 0; });
+  const QString plain = writeHomeFile("plain.gbr", test::PlainTracesAndPads);
+  importIntoLayer(plain, "Artwork Top");
+  auto rows = importRows();
   EXPECT_EQ(rows["Aperture Table"], "NONE");
-  const ScreenRect layerCell = place("CELL,Import to layer", "CELL,");
-  ASSERT_TRUE(layerCell.valid());
-  click(layerCell, layerCell.width - 8);
-  xdo({"type", "--delay", "20", "Artwork Top"});
-  xdo({"key", "Return"});
-  rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
 
   // The table: 0.254 mm drawn by D10, 1.6 mm flashed round by D11, saved under its name.
   const ScreenRect button = place("CELL,Aperture Table", "CELL,");

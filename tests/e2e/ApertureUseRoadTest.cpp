@@ -13,10 +13,6 @@ namespace {
 using test::ScreenRect;
 using test::waitUntil;
 
-// Two traces with D10, two pads with D11; format 2.3 inch, trailing zeros omitted.
-constexpr const char* PlainFile = "G54D10*\nX01Y01D02*\nX02Y01D01*\nX02Y015D01*\n"
-                                  "D11*\nX012Y012D03*\nX018Y012D03*\nM02*\n";
-
 class ApertureUseRoad : public test::HostDriver {
 protected:
   // A table's rows as shown, each its cells.
@@ -65,21 +61,7 @@ protected:
 TEST_F(ApertureUseRoad, ASizeTypedThereDrawsTheTracesAndTheLayerShowsItsUses) {
   const QString tableFile = QFileInfo(test::binary("gbrview")).absolutePath() + "/SYS/plain.APT";
   QFile::remove(tableFile);
-  const QString plain = home.filePath("plain.gbr");
-  QFile file(plain);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(PlainFile);
-  file.close();
-  host.start(test::binary("tarvex-gbrviewer"), {});
-  ASSERT_TRUE(host.waitForStarted(10000));
-  typeIntoFileRequest(plain);
-  rowsWhen([](auto& r) { return r.count("Import to layer") > 0; });
-  const ScreenRect layerCell = place("CELL,Import to layer", "CELL,");
-  ASSERT_TRUE(layerCell.valid());
-  click(layerCell, layerCell.width - 8);
-  xdo({"type", "--delay", "20", "Artwork Top"});
-  xdo({"key", "Return"});
-  rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
+  importIntoLayer(writeHomeFile("plain.gbr", test::PlainTracesAndPads), "Artwork Top");
 
   // 0.3 mm typed into D10's mm cell, then the file updated: the traces are 0.3 mm wide.
   openDisplay();

@@ -31,6 +31,11 @@ inline void PrintTo(const QString& text, std::ostream* out) {
 
 namespace test {
 
+// A plain RS-274-D file: two traces with D10, two pads with D11; format 2.3 inch, trailing zeros
+// omitted.
+inline constexpr const char* PlainTracesAndPads = "G54D10*\nX01Y01D02*\nX02Y01D01*\nX02Y015D01*\n"
+                                                  "D11*\nX012Y012D03*\nX018Y012D03*\nM02*\n";
+
 // Polls until done() holds or the time is over; true when it held.
 inline bool waitUntil(const std::function<bool()>& done, int milliseconds = 10000) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
@@ -342,6 +347,28 @@ protected:
     waitUntil([&] { return (place = menu(menuName).places[entry].second).valid(); });
     ASSERT_TRUE(place.valid()) << entry.toStdString();
     click(place, place.width / 2);
+  }
+  // A file of the test's home with text; its path.
+  QString writeHomeFile(const QString& name, const char* text) {
+    const QString path = home.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    return path;
+  }
+  // The host started without a file, and a Gerber file imported through the file request and the
+  // import window into the layer of that name; the import window stays open.
+  void importIntoLayer(const QString& path, const QString& layerName) {
+    host.start(binary("tarvex-gbrviewer"), {});
+    ASSERT_TRUE(host.waitForStarted(10000));
+    typeIntoFileRequest(path);
+    rowsWhen([](auto& r) { return r.count("Import to layer") > 0; });
+    const ScreenRect layerCell = place("CELL,Import to layer", "CELL,");
+    ASSERT_TRUE(layerCell.valid());
+    click(layerCell, layerCell.width - 8);
+    xdo({"type", "--delay", "20", layerName});
+    xdo({"key", "Return"});
+    rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
   }
   // The host on the demo board's top copper and its drill file, both imported.
   void startOnDemoBoard() {

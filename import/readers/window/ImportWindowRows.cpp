@@ -249,12 +249,7 @@ void ImportWindowModel::buildRows() {
     currentRow = 0;
 }
 
-int32_t ImportWindowModel::rowOf(const std::string& key) const {
-  for (size_t i = 0; i < rows.size(); ++i)
-    if (rows[i].Key == key)
-      return static_cast<int32_t>(i);
-  return -1;
-}
+int32_t ImportWindowModel::rowOf(const std::string& key) const { return rowOfKey(rows, key); }
 
 void ImportWindowModel::readArtSections() {
   const ImportJob& job = session_.state.Job;

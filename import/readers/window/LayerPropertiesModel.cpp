@@ -80,12 +80,7 @@ const std::vector<std::string>& LayerPropertiesModel::list(int32_t which) const 
   return which == propertieslist::Colour ? colourList_ : none;
 }
 
-int32_t LayerPropertiesModel::rowOf(const std::string& key) const {
-  for (size_t i = 0; i < rows.size(); ++i)
-    if (rows[i].Key == key)
-      return static_cast<int32_t>(i);
-  return -1;
-}
+int32_t LayerPropertiesModel::rowOf(const std::string& key) const { return rowOfKey(rows, key); }
 
 void LayerPropertiesModel::FormFill() {
   DialogLayer = PropertiesLayer_;

@@ -1,16 +1,12 @@
 #include "import/readers/window/widgets/GBRVIEWER_GISIMP.h"
 
 #include "common/GridHelpers.h"
-#include "common/widgets/HelpKey.h"
 #include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/PalettePage.h"
 #include "platform/SystemServices.h"
 #include "platform/widgets/LocalizeForm.h"
-#include "platform/widgets/WindowPlace.h"
 
-#include <QCloseEvent>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
@@ -21,7 +17,7 @@ namespace tvx {
 
 GBRVIEWER_GISIMP::GBRVIEWER_GISIMP(LayerPropertiesOwners owners, UserStore* places, QWidget* parent,
                                    const InterfaceFont& font)
-    : QMainWindow(parent), places_(places) {
+    : ToolWindow(places, parent) {
   setObjectName("GBRVIEWER_GISIMP");
   owners.unload = [this, outer = std::move(owners.unload)] {
     if (outer)
@@ -59,11 +55,7 @@ GBRVIEWER_GISIMP::GBRVIEWER_GISIMP(LayerPropertiesOwners owners, UserStore* plac
   connect(egrdProp_, &PropertyGrid::rowClicked, this, [&m](int row, bool) { m.ClickRow(row); });
   m.changed = [this] { refresh(); };
   LocalizeForm(this, services, font);
-  WindowPlace place;
-  if (places_ &&
-      RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width, place.Height))
-    moveToPlace(*this, place);
-  else
+  if (!restorePlace())
     resize(420, 520);
   m.FormFill();
   m.FormUpdate();
@@ -91,23 +83,9 @@ void GBRVIEWER_GISIMP::EditMsgLine(const std::string& text) {
   MsgLine_->setText(QString::fromStdString(text));
 }
 
-void GBRVIEWER_GISIMP::keyPressEvent(QKeyEvent* event) {
-  if (isHelpKey(*event) && showHelp) {
-    showHelp();
-    return;
-  }
-  QMainWindow::keyPressEvent(event);
-}
-
-void GBRVIEWER_GISIMP::closeEvent(QCloseEvent* event) {
-  if (!unloadedOnce_) {
-    unloadedOnce_ = true;
-    if (places_)
-      SaveWindowPlace(*places_, *this);
-    if (unloaded)
-      unloaded();
-  }
-  event->accept();
+void GBRVIEWER_GISIMP::unload() {
+  if (unloaded)
+    unloaded();
 }
 
 }  // namespace tvx

@@ -3,10 +3,9 @@
 // hands the user's actions to it.
 #pragma once
 
+#include "common/widgets/ToolWindow.h"
 #include "import/readers/window/LayerPropertiesModel.h"
 #include "platform/InterfaceFont.h"
-
-#include <QMainWindow>
 
 #include <functional>
 #include <memory>
@@ -20,7 +19,7 @@ namespace tvx {
 class PropertyGrid;
 class UserStore;
 
-class GBRVIEWER_GISIMP : public QMainWindow {
+class GBRVIEWER_GISIMP : public ToolWindow {
   Q_OBJECT
 
 public:
@@ -36,14 +35,11 @@ public:
   // The message line.
   void EditMsgLine(const std::string& text);
 
-  // What Ctrl+F1 opens; what runs when the window goes (the query-unload and unload of the
-  // main window's side).
-  std::function<void()> showHelp;
+  // What runs when the window goes (the query-unload and unload of the main window's side).
   std::function<void()> unloaded;
 
 protected:
-  void closeEvent(QCloseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
+  void unload() override;
 
 private:
   std::unique_ptr<LayerPropertiesModel> model_;
@@ -51,8 +47,6 @@ private:
   QTabWidget* tabColor_ = nullptr;
   QPushButton* cmdCmd_ = nullptr;
   QLabel* MsgLine_ = nullptr;
-  UserStore* places_ = nullptr;
-  bool unloadedOnce_ = false;
 };
 
 }  // namespace tvx

@@ -1,6 +1,5 @@
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 
-#include "common/widgets/HelpKey.h"
 #include "import/readers/window/widgets/FileRequest.h"
 #include "import/readers/window/widgets/PalettePage.h"
 
@@ -10,13 +9,10 @@
 #include "platform/SystemServices.h"
 #include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowHelpers.h"
-#include "platform/widgets/WindowPlace.h"
 
 #include <QActionGroup>
-#include <QCloseEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -33,7 +29,7 @@ namespace tvx {
 
 GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places, QWidget* parent,
                                    const InterfaceFont& font)
-    : QMainWindow(parent), places_(places) {
+    : ToolWindow(places, parent) {
   setObjectName("GBRVIEWER_IMPORT");
   ImportWindowLink& link = owners.window;
   if (!link.SetInpFileN)
@@ -51,7 +47,7 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
     // Changing the flag hides the window; the helper shows it again where it was.
     SetTopMost(*this, on);
   };
-  showHelp_ = link.showHelp;
+  showHelp = link.showHelp;
   model_ = std::make_unique<ImportWindowModel>(std::move(owners));
 
   egrdProp_ = new PropertyGrid;
@@ -121,11 +117,7 @@ GBRVIEWER_IMPORT::GBRVIEWER_IMPORT(ImportWindowOwners owners, UserStore* places,
   LocalizeForm(this, services, font);
   // A window never placed (or placed off the screen) is sized to its content before it shows and
   // left where the window system puts it.
-  WindowPlace place;
-  placeKept_ = places_ && RestoreWindowPlace(*places_, *this, place.Top, place.Left, place.Width,
-                                             place.Height);
-  if (placeKept_)
-    moveToPlace(*this, place);
+  placeKept_ = restorePlace();
   m.FormFill();
   m.FormUpdate();
 }
@@ -225,22 +217,6 @@ void GBRVIEWER_IMPORT::SizeControls(int splitterPosition) {
   picSplitter_->setSizes({splitterPosition, viewer});
 }
 
-void GBRVIEWER_IMPORT::keyPressEvent(QKeyEvent* event) {
-  if (isHelpKey(*event) && showHelp_) {
-    showHelp_();
-    return;
-  }
-  QMainWindow::keyPressEvent(event);
-}
-
-void GBRVIEWER_IMPORT::closeEvent(QCloseEvent* event) {
-  if (!unloaded_) {
-    unloaded_ = true;
-    if (places_)
-      SaveWindowPlace(*places_, *this);
-    model_->Form_Unload();
-  }
-  event->accept();
-}
+void GBRVIEWER_IMPORT::unload() { model_->Form_Unload(); }
 
 }  // namespace tvx

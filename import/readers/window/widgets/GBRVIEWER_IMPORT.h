@@ -3,10 +3,10 @@
 // user's actions to it.
 #pragma once
 
+#include "common/widgets/ToolWindow.h"
 #include "import/readers/window/ImportWindowModel.h"
 #include "platform/InterfaceFont.h"
 
-#include <QMainWindow>
 #include <QSize>
 
 #include <array>
@@ -25,7 +25,7 @@ namespace tvx {
 class PropertyGrid;
 class UserStore;
 
-class GBRVIEWER_IMPORT : public QMainWindow {
+class GBRVIEWER_IMPORT : public ToolWindow {
   Q_OBJECT
 
 public:
@@ -43,8 +43,7 @@ public:
   void SizeControls(int splitterPosition);
 
 protected:
-  void closeEvent(QCloseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
+  void unload() override;
 
 private:
   // Resizes the window to what its rows and buttons need, within the screen's work area.
@@ -52,7 +51,6 @@ private:
   void buildMenus();
 
   std::unique_ptr<ImportWindowModel> model_;
-  std::function<void()> showHelp_;
   PropertyGrid* egrdProp_ = nullptr;
   QPlainTextEdit* F_Viewer_ = nullptr;
   QSplitter* picSplitter_ = nullptr;
@@ -63,8 +61,6 @@ private:
   QPushButton* cmdView_ = nullptr;
   QLabel* MsgLine_ = nullptr;
   std::array<QAction*, 2> F_InchMM_{};
-  UserStore* places_ = nullptr;
-  bool unloaded_ = false;
   bool placeKept_ = false;  // the stored place was usable; otherwise the size follows the rows
   QSize fittedSize_;        // the size fitToContent gave last
 };
