@@ -48,12 +48,20 @@ protected:
         return int32_t(n + 1);
     return 0;
   }
-  // The modifier row (from 1) labelled label, after row from.
-  int32_t modifierRow(const std::string& label, int32_t from = 0) const {
-    for (size_t n = size_t(from); n < model->modifierGrid.size(); ++n)
+  // The modifier row (from 1) labelled label.
+  int32_t modifierRow(const std::string& label) const {
+    for (size_t n = 0; n < model->modifierGrid.size(); ++n)
       if (model->modifierGrid[n].Cells[1] == label)
         return int32_t(n + 1);
     return 0;
+  }
+  // The modifier rows (from 1) that name a shape, with the name.
+  std::vector<std::pair<int32_t, std::string>> names() const {
+    std::vector<std::pair<int32_t, std::string>> shapes;
+    for (size_t n = 0; n < model->modifierGrid.size(); ++n)
+      if (!model->modifierGrid[n].Cells[0].empty())
+        shapes.emplace_back(int32_t(n + 1), model->modifierGrid[n].Cells[0]);
+    return shapes;
   }
   double valueOf(int32_t row) const {
     return pass.scan.Lists.PrimitiveList[size_t(model->FirstPrimitive + row - 2)].Value;
@@ -93,12 +101,8 @@ TEST_F(ApertureSizes, ModifiersAreShownAndTakenByTheirClass) {
   EXPECT_FALSE(model->createShown);  // an RS-274-X file brings its own apertures
   model->showModifiers(specialRow(12));
   // The macro's three primitives, each named on its first row.
-  std::vector<std::pair<int32_t, std::string>> names;
-  for (size_t n = 0; n < model->modifierGrid.size(); ++n)
-    if (!model->modifierGrid[n].Cells[0].empty())
-      names.emplace_back(int32_t(n + 1), model->modifierGrid[n].Cells[0]);
-  EXPECT_EQ(names, (std::vector<std::pair<int32_t, std::string>>{
-                       {1, "Circle"}, {5, "Rectangle(C)"}, {11, "Thermal"}}));
+  EXPECT_EQ(names(), (std::vector<std::pair<int32_t, std::string>>{
+                         {1, "Circle"}, {5, "Rectangle(C)"}, {11, "Thermal"}}));
   EXPECT_EQ(model->modifierCaption, "Modifiers for: D12* Macro \"THREE\"");
   struct Case {
     const char* label;
@@ -256,20 +260,16 @@ TEST_F(ApertureSizes, AThermalOfTheCorpusShowsItsSixItems) {
   openScanned(ImportKind::ArtworkRS274X);
   for (int32_t row = 1; row <= int32_t(pass.scan.Lists.SpecialList.size()); ++row) {
     model->showModifiers(row);
-    const int32_t thermal = [&] {
-      for (size_t n = 0; n < model->modifierGrid.size(); ++n)
-        if (model->modifierGrid[n].Cells[0] == "Thermal")
-          return int32_t(n + 1);
-      return 0;
-    }();
-    if (thermal == 0)
-      continue;
-    std::vector<std::string> labels;
-    for (size_t n = size_t(thermal - 1); n < size_t(thermal + 5); ++n)
-      labels.push_back(model->modifierGrid.at(n).Cells[1]);
-    EXPECT_EQ(labels, (std::vector<std::string>{"X centre", "Y centre", "Outside Diam.",
-                                                "Inside Diam.", "CH Width", "Rotation"}));
-    return;
+    for (const auto& [at, name] : names()) {
+      if (name != "Thermal")
+        continue;
+      std::vector<std::string> labels;
+      for (int32_t n = at; n < at + 6; ++n)
+        labels.push_back(model->modifierGrid.at(size_t(n - 1)).Cells[1]);
+      EXPECT_EQ(labels, (std::vector<std::string>{"X centre", "Y centre", "Outside Diam.",
+                                                  "Inside Diam.", "CH Width", "Rotation"}));
+      return;
+    }
   }
   ADD_FAILURE() << "no thermal in the file";
 }
