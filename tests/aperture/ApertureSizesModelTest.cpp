@@ -15,14 +15,14 @@
 namespace tvx {
 namespace {
 
-// A drawn D10, a round pad with a hole (D11), a polygon (D13) and a macro of a circle, a centred
-// rectangle and a thermal (D12); millimetres.
+// A drawn D10, a round pad with a hole (D11), a polygon (D13), an outline (D14) and a macro of a
+// circle, a centred rectangle and a thermal (D12), which also draws; millimetres.
 constexpr const char* Specials =
     "%FSLAX34Y34*%%MOMM*%\n%AMTHREE*1,1,0.5,0,0*21,1,1.0,0.5,0,0,0*7,0,0,1.0,0.8,0.1,45*%\n"
     "%AMOUT*4,1,3,0,0,1,0,1,1,0,0,0*%\n"
     "%ADD10C,0.254*%\n%ADD11C,1.0X0.3*%\n%ADD12THREE*%\n%ADD13P,1.0X6X30*%\n%ADD14OUT*%\n"
     "D10*X0Y0D02*X10000Y0D01*\nD11*X0Y0D03*\nD12*X20000Y0D03*\nD13*X30000Y0D03*\n"
-    "D14*X40000Y0D03*\nM02*\n";
+    "D14*X40000Y0D03*\nD12*X50000Y0D02*X60000Y0D01*\nM02*\n";
 
 class ApertureSizes : public ::testing::Test {
 protected:
@@ -94,6 +94,12 @@ TEST_F(ApertureSizes, SizesAreTakenInTheirColumnWithinOneStoreUnitTo50Point8Mm) 
     EXPECT_EQ(beeps(), beepsBefore + (c.size == 0));
     EXPECT_EQ(model->apertureGrids[0][0].Cells[2], LengthValueText(now, 1, 100000));
   }
+  // The macro's draw takes its size from the macro: a link, shown and never typed over.
+  const ShownRow& link = model->apertureGrids[0].back();
+  EXPECT_EQ(link.Cells, (std::vector<std::string>{"D12*", "See macro", "", " 1"}));
+  EXPECT_EQ(link.Editable, std::vector<bool>(4, false));
+  EXPECT_TRUE(model->editSize(0, int32_t(model->apertureGrids[0].size()), 2, "1"));
+  EXPECT_EQ(pass.scan.Lists.DrawList.back().Size, LinkToSpecial);
 }
 
 TEST_F(ApertureSizes, ModifiersAreShownAndTakenByTheirClass) {
