@@ -179,11 +179,16 @@ TEST_F(ApertureSizes, UpdateWritesTheListsBackAndLeavesAnUneditedFileAsItWas) {
     EXPECT_EQ(readBack.Lists.DrawList.at(0).Size, 30000);
     EXPECT_EQ(readBack.Lists.PrimitiveList, pass.scan.Lists.PrimitiveList);
   }
-  // A missing file leaves every grid empty.
-  std::filesystem::remove(pass.art);
-  openScanned(ImportKind::ArtworkRS274X);
-  EXPECT_TRUE(model->apertureGrids[0].empty() && model->specialGrid.empty() &&
-              model->sizeGrid.empty());
+  // A damaged or missing file leaves every grid empty.
+  for (const bool damaged : {true, false}) {
+    SCOPED_TRACE(damaged);
+    std::filesystem::remove(pass.art);
+    if (damaged)
+      std::ofstream(pass.art, std::ios::binary) << std::string(50, '\x09');
+    openScanned(ImportKind::ArtworkRS274X);
+    EXPECT_TRUE(model->apertureGrids[0].empty() && model->specialGrid.empty() &&
+                model->sizeGrid.empty());
+  }
   EXPECT_FALSE(model->updateArtwork());
 }
 
