@@ -1,8 +1,9 @@
 // The main window's start-up effects, its positioning, the unload's writing, the file-open command
-// and the menu's display options.
+// and the menu's display options; the layer properties window that follows the current layer.
 #include "ComponentTestSupport.h"
 
 #include "common/widgets/PropertyGrid.h"
+#include "import/readers/window/widgets/GBRVIEWER_GISIMP.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
@@ -232,6 +233,27 @@ TEST_F(MainWindowTest, HostFilesAreImportedInPlaceOfTheRequest) {
   const FrameRect seen = window()->view().ViewRect;
   EXPECT_TRUE(seen.MinX <= 254000 && seen.MaxX >= 1270000 && seen.MinY <= 254000 &&
               seen.MaxY >= 1016000);
+}
+
+// Key 0 of function 1 opens the current layer's properties with their tool; another layer
+// closes them, which ends the tool and puts out the lit tool.
+TEST_F(MainWindowTest, LayerPropertiesFollowTheCurrentLayer) {
+  window()->setStartupFiles({write("board.drl", Drill)});
+  load();
+  GBRVIEWER_MAIN& w = *window();
+  ASSERT_EQ(w.layerTables().CurrentLayer, DrillLayer);
+  w.functionKeys().RunFunctionCommand(0, 0, true);
+  ASSERT_NE(w.layerPropertiesWindow(), nullptr);
+  EXPECT_TRUE(w.PropertiesOpen);
+  EXPECT_EQ(w.layerPropertiesWindow()->model().DialogLayer, DrillLayer);
+  EXPECT_EQ(w.pointerTools().ToolCode, toolcode::LayerProperties);
+  w.redraw().HLPadstack = 1;
+  w.menuEntry("M_ActiveCategories_3")->trigger();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(w.layerPropertiesWindow(), nullptr);
+  EXPECT_FALSE(w.PropertiesOpen);
+  EXPECT_EQ(w.pointerTools().ToolCode, toolcode::None);
+  EXPECT_EQ(w.redraw().HLPadstack, 0);
 }
 
 }  // namespace
