@@ -5,6 +5,7 @@
 
 #include "common/FormatNumber.h"
 #include "common/LengthFormats.h"
+#include "import/gerber/ApertureLabel.h"
 #include "import/gerber/ApertureRows.h"
 #include "import/gerber/ArtFile.h"
 #include "kernel/Palette.h"
