@@ -320,7 +320,7 @@ private:
   // position band, the pointer's and the keys' hooks (MainMeasure.cpp).
   void buildMeasuring();
   void buildPreferencesMenu();
-  void buildPositionBand();
+  void buildPositionBand(ToolBarModel& bar);
   void buildToolBars();
   void buildToolbarMenu();
   void applyToolbarLock();
@@ -373,7 +373,6 @@ private:
   std::unique_ptr<ReconstructionState> categories_;
   QPointer<GBRVIEWER_GIEIMP> categoryDialog_;
   std::unique_ptr<MeasureTools> measureTools_;
-  QToolBar* positionBand_ = nullptr;
   std::unique_ptr<ToolBarModel> bar_;
   ToolBarView* barView_ = nullptr;
   std::unique_ptr<ToolDispatcher> dispatcher_;

@@ -10,6 +10,7 @@
 #include "viewer/ElementEditor.h"
 #include "viewer/MeasureTools.h"
 #include "viewer/Measuring.h"
+#include "viewer/ToolBarModel.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -29,8 +30,6 @@ namespace {
 
 constexpr const char* RulerRows[] = {"Auto", "Fixed", "Grid", "Custom..."};
 constexpr const char* OriginRows[] = {"&Centre", "&Board Datum", "&Reference Point"};
-// The position panels are wide enough for "X= -1234.5678"".
-constexpr int PositionPanelChars = 15;
 
 QString localText(const SystemServices& services, const measuremsg::Text& message) {
   return QString::fromStdString(services.LocalMessage(message.text, message.id));
@@ -74,70 +73,42 @@ void GBRVIEWER_MAIN::buildPreferencesMenu() {
   rowArray(coords, "M_XYmeasure", OriginRows, &Measuring::M_XYmeasure_Click);
 }
 
-void GBRVIEWER_MAIN::buildPositionBand() {
-  const SystemServices& services = context_.services;
-  positionBand_ = addToolBar(QString::fromStdString(services.LocalMessage("Position", "6255")));
-  positionBand_->setObjectName("B_Position");
-  const auto panel = [this](const char* name) {
-    auto* field = new QLineEdit(positionBand_);
-    field->setObjectName(name);
-    field->setReadOnly(true);
-    field->setFocusPolicy(Qt::NoFocus);
-    field->setFixedWidth(field->fontMetrics().averageCharWidth() * PositionPanelChars);
-    positionBand_->addWidget(field);
-    return field;
+void GBRVIEWER_MAIN::buildPositionBand(ToolBarModel& bar) {
+  const auto t = [this](const char* fallback, const char* id) { return toolText(fallback, id); };
+  const auto tool = [&](const char* band, const char* name, ToolKind kind, const std::string& tip,
+                        const std::string& description, const std::string& caption = {},
+                        const char* rows = "") {
+    ToolItem item;
+    item.Name = name;
+    item.Kind = kind;
+    item.ToolTip = tip;
+    item.Description = description;
+    item.Caption = caption;
+    item.Rows = rows;
+    item.Checkable = kind == ToolKind::Button;
+    item.Picture = name;
+    bar.addTool(band, item);
   };
-  xPosPanel_ = panel("ATB_XPos");
-  yPosPanel_ = panel("ATB_YPos");
-
-  QAction* distanceTool = positionBand_->addAction(
-      QString::fromStdString(services.LocalMessage("Measure distance", "62129") + " (SHIFT+M)"));
-  distanceTool->setObjectName("ATB_DistanceTool");
-  distanceTool->setCheckable(true);
-  distanceTool->setToolTip(QString::fromStdString(
-      services.LocalMessage("Measure distance from selected object", "62130") + " (SHIFT+M)"));
-  connect(distanceTool, &QAction::triggered, this, [this](bool checked) {
-    if (checked)
-      pointer_->armSelectObject();
-    else
-      pointer_->disarm();
-  });
-
-  // A drop-down tool: its rows are tools of their own, and it shows the chosen row's caption.
-  const auto dropDown = [this](const char* name, const QString& caption, const QString& tip) {
-    auto* button = new QToolButton(positionBand_);
-    button->setObjectName(name);
-    button->setText(caption);
-    button->setToolTip(tip);
-    button->setPopupMode(QToolButton::InstantPopup);
-    auto* menu = new QMenu(button);
-    button->setMenu(menu);
-    positionBand_->addWidget(button);
-    return menu;
-  };
-  const auto row = [this](QMenu* menu, const char* name, const QString& caption, const QString& tip,
-                          auto handler) {
-    QAction* action = menu->addAction(caption);
-    action->setObjectName(name);
-    action->setToolTip(tip);
-    action->setCheckable(true);
-    connect(action, &QAction::triggered, this, handler);
-  };
-  const auto text = [&services](const char* id, const char* fallback) {
-    return QString::fromStdString(services.LocalMessage(fallback, id));
-  };
-  QMenu* units =
-      dropDown("ATB_Units", text("62127", "Units"), text("62128", "Set current working unit"));
-  row(units, "ATB_Inches", text("62174", "Inches"), text("62133", "View units in inches"),
-      [this] { M_Inches_Click(); });
-  row(units, "ATB_Millimeters", text("62175", "Millimeters"),
-      text("62134", "View units in millimeters"), [this] { M_Mm_Click(); });
-  QMenu* kinds = dropDown("ATB_Coordinates", text("62131", "Coordinates"),
-                          text("62132", "Set current coordinates (XY/Distance)"));
-  row(kinds, "ATB_XY", text("62176", "XY"), text("62135", "Set current coordinates in XY"),
-      [this] { measuring_->ATB_XY(); });
-  row(kinds, "ATB_Distance", text("62177", "Distance"),
-      text("62136", "Set current coordinates in Distance"), [this] { measuring_->ATB_Distance(); });
+  bar.addBand("B_Position", t("Position", "6255"));
+  tool("B_Position", "ATB_XPos", ToolKind::Panel, "", "");
+  tool("B_Position", "ATB_YPos", ToolKind::Panel, "", "");
+  tool("B_Position", "ATB_DistanceTool", ToolKind::Button,
+       t("Measure distance", "62129") + " (SHIFT+M)",
+       t("Measure distance from selected object", "62130") + " (SHIFT+M)");
+  tool("B_Position", "ATB_Units", ToolKind::DropDown, t("Units", "62127"),
+       t("Set current working unit", "62128"), "", "SB_Units");
+  tool("B_Position", "ATB_Coordinates", ToolKind::DropDown, t("Coordinates", "62131"),
+       t("Set current coordinates (XY/Distance)", "62132"), "", "SB_Coordinates");
+  bar.addBand("SB_Units", "", true);
+  tool("SB_Units", "ATB_Inches", ToolKind::Button, "", t("View units in inches", "62133"),
+       t("Inches", "62174"));
+  tool("SB_Units", "ATB_Millimeters", ToolKind::Button, "", t("View units in millimeters", "62134"),
+       t("Millimeters", "62175"));
+  bar.addBand("SB_Coordinates", "", true);
+  tool("SB_Coordinates", "ATB_XY", ToolKind::Button, "",
+       t("Set current coordinates in XY", "62135"), t("XY", "62176"));
+  tool("SB_Coordinates", "ATB_Distance", ToolKind::Button, "",
+       t("Set current coordinates in Distance", "62136"), t("Distance", "62177"));
 }
 
 void GBRVIEWER_MAIN::buildMeasuring() {
@@ -147,12 +118,13 @@ void GBRVIEWER_MAIN::buildMeasuring() {
   measureTools_ =
       std::make_unique<MeasureTools>(kernel.store, kernel.graphics, context_.services, *view_,
                                      *redraw_, *tables_, *pointer_, *measuring_, *editor_);
-  buildPositionBand();
 
   MeasureHooks& m = measuring_->hooks;
   m.showPanels = [this](const std::string& x, const std::string& y) {
-    xPosPanel_->setText(QString::fromStdString(x));
-    yPosPanel_->setText(QString::fromStdString(y));
+    if (xPosPanel_ && yPosPanel_) {
+      xPosPanel_->setText(QString::fromStdString(x));
+      yPosPanel_->setText(QString::fromStdString(y));
+    }
   };
   m.reportStatus = [this](int32_t status, const std::string& text) {
     if (import_)
@@ -222,20 +194,10 @@ void GBRVIEWER_MAIN::syncMeasureChecks() {
   for (int32_t index = 0; index < 3; ++index)
     check(QString("M_XYmeasure_%1").arg(index), measuring_->MeasureMode == index);
   const bool distance = measuring_->DistanceDisplay;
-  check("ATB_XY", !distance);
-  check("ATB_Distance", distance);
-  check("ATB_Inches", view_->DisplayUnit != displayunit::Millimetre);
-  check("ATB_Millimeters", view_->DisplayUnit == displayunit::Millimetre);
-  const SystemServices& services = context_.services;
   if (QAction* coords = findChild<QAction*>("M_Coords"))
-    coords->setText(localText(services, distance ? measuremsg::Distance : measuremsg::Coords));
-  if (auto* kinds = findChild<QToolButton*>("ATB_Coordinates"))
-    kinds->setText(distance ? QString::fromStdString(services.LocalMessage("Distance", "62177"))
-                            : QString::fromStdString(services.LocalMessage("XY", "62176")));
-  if (auto* units = findChild<QToolButton*>("ATB_Units"))
-    units->setText(view_->DisplayUnit == displayunit::Millimetre
-                       ? QString::fromStdString(services.LocalMessage("Millimeters", "62175"))
-                       : QString::fromStdString(services.LocalMessage("Inches", "62174")));
+    coords->setText(
+        localText(context_.services, distance ? measuremsg::Distance : measuremsg::Coords));
+  refreshBands();
 }
 
 void GBRVIEWER_MAIN::applyMeasureSettings() {

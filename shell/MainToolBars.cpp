@@ -40,6 +40,7 @@ constexpr BandEntry BandEntries[] = {
     {"OptionTools", "M_Options", "Viewing Option Tools"},
     {"B_Tools", "M_ToolS", "Tools"},
     {"B_Standard", "M_Standard", "Standard"},
+    {"B_Position", "M_Position", "Position"},
     {"B_ViewLayout", "M_Views", "Board View"},
     {"B_Layer", "M_ViewLayers", "Layers"},
 };
@@ -79,6 +80,7 @@ void GBRVIEWER_MAIN::buildToolBars() {
   };
   const auto t = [this](const char* fallback, const char* id) { return toolText(fallback, id); };
 
+  buildPositionBand(bar);
   bar.addBand("B_Standard", t("Standard", "6254"));
   kind("B_Standard", "ATB_ZoomValue", ToolKind::Combo, t("Precision", "62107"),
        t("Select/display current value for precision", "62108"));
@@ -209,9 +211,8 @@ void GBRVIEWER_MAIN::buildToolBars() {
   barView_ = new ToolBarView(bar, *this, QString::fromStdString(appPath_ + "/pictures"),
                              settings_.IMGWIDTH > 0 ? settings_.IMGWIDTH : 16);
   barView_->build();
-  // The position band's tool takes its picture too.
-  if (QAction* distance = findChild<QAction*>("ATB_DistanceTool"))
-    distance->setIcon(QIcon(QString::fromStdString(appPath_ + "/pictures/ATB_DistanceTool.svg")));
+  xPosPanel_ = barView_->panel("ATB_XPos");
+  yPosPanel_ = barView_->panel("ATB_YPos");
   buildToolbarMenu();
   refreshBands();
 }
@@ -248,6 +249,13 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
     lock->setCheckable(true);
     connect(lock, &QAction::triggered, this, [this] { M_LockTB_Click(); });
   }
+  // The menus in their order; each was made by the part of the window it serves.
+  for (const char* name :
+       {"M_File", "M_OrdEdit", "M_ActiveCategory", "M_Edit", "M_Prefs", "M_View", "M_Help"})
+    if (QMenu* menu = menuBar()->findChild<QMenu*>(name)) {
+      menuBar()->removeAction(menu->menuAction());
+      menuBar()->addAction(menu->menuAction());
+    }
 }
 
 void GBRVIEWER_MAIN::M_ToolTip_Click() {
@@ -265,8 +273,6 @@ void GBRVIEWER_MAIN::M_LockTB_Click() {
 void GBRVIEWER_MAIN::applyToolbarLock() {
   for (const std::string& band : bar_->bands())
     barView_->setLocked(band, toolbarsLocked_);
-  if (QToolBar* position = findChild<QToolBar*>("B_Position"))
-    position->setMovable(!toolbarsLocked_);
   if (QAction* lock = menuEntry("M_LockTB"))
     lock->setChecked(toolbarsLocked_);
 }
@@ -313,7 +319,10 @@ void GBRVIEWER_MAIN::runNamedTool(std::string_view name) {
   } else if (name == "ATB_XY") {
     measuring_->ATB_XY();
   } else if (name == "ATB_DISTANCETOOL") {
-    pointer_->armSelectObject();
+    if (pointer_->SelectObjectArmed)
+      pointer_->disarm();
+    else
+      pointer_->armSelectObject();
   } else if (name == "ATB_GIESELCATVIEW") {
     M_GIESelCatView_Click();
   } else if (name == "ATB_TRUESIZE") {
@@ -395,6 +404,13 @@ void GBRVIEWER_MAIN::refreshBands() {
   check("ATB_GRID3", grid == 3);
   set("ATB_Grid", [](ToolItem&) {});
   check("ATB_BlockZoom", pointer_->BlockZoomArmed);
+  check("ATB_DistanceTool", pointer_->SelectObjectArmed);
+  check("ATB_Inches", view_->DisplayUnit != displayunit::Millimetre);
+  check("ATB_Millimeters", view_->DisplayUnit == displayunit::Millimetre);
+  check("ATB_XY", !measuring_->DistanceDisplay);
+  check("ATB_Distance", measuring_->DistanceDisplay);
+  set("ATB_Units", [](ToolItem&) {});
+  set("ATB_Coordinates", [](ToolItem&) {});
   check("ATB_TrueSize", redraw_->isChecked(DisplayOption::TrueSize));
   check("ATB_PadPosition", redraw_->isChecked(DisplayOption::PadPosition));
   check("ATB_PadFrames", redraw_->isChecked(DisplayOption::PadFrame));
