@@ -96,6 +96,11 @@ GBRVIEWER_MAIN::GBRVIEWER_MAIN(const ComponentContext& context, QWidget* parent)
   hooks.messagePanel = [this](const std::string& text) {
     messagePanel_->setText(QString::fromStdString(text));
   };
+  // The raster combo shows the step the drawing used.
+  hooks.showRasterStep = [this](int32_t step) {
+    if (bar_)
+      bar_->update("ATB_GridValue", [&](ToolItem& t) { t.ComboText = view_->lengthText(step); });
+  };
   viewPicture_->setPaintHandler([this] { ViewPicture_Paint(); });
   viewPicture_->setImageSource(
       [this]() -> const QImage* { return context_.kernel.graphics.shadowImage(cpDcId_); });
