@@ -3,6 +3,7 @@
 // once, by Return or by leaving the box, never twice.
 #include "ComponentTestSupport.h"
 
+#include "platform/UserStore.h"
 #include "viewer/ToolBarModel.h"
 #include "viewer/widgets/ToolBarView.h"
 
@@ -122,6 +123,34 @@ TEST_F(ToolBarsTest, EveryToolAndMenuEntryExists) {
   entry->trigger();
   EXPECT_FALSE(tools->isHidden());
   EXPECT_TRUE(entry->isChecked());
+}
+
+// Each band's place goes to the per-user store at unload and comes back at the next start; a
+// value that is not eight numbers leaves its band as built.
+TEST_F(ToolBarsTest, BandsAreKeptInTheUserStore) {
+  MemoryUserStore store;
+  const auto stored = [&store](const std::string& band) {
+    return store.GetSetting("Tarvex", "TVNGBRVIEWER", "ATV-atvPostPro-" + band, "");
+  };
+  window()->setUserStore(&store);
+  load();
+  window()->findChild<QToolBar*>("B_Tools")->toggleViewAction()->trigger();
+  component->NotifyMe("TARVEX", "All,EX");
+  for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_Layer",
+                           "FunctionTools", "OptionTools"})
+    EXPECT_TRUE(BandPlace::parse(stored(band))) << band << " " << stored(band);
+  EXPECT_EQ(stored("B_Tools").substr(0, 2), "0,");
+  EXPECT_FALSE(stored("Layout").empty());
+
+  component.reset();
+  component = makeComponent(sent);
+  store.SaveSetting("Tarvex", "TVNGBRVIEWER", "ATV-atvPostPro-B_Standard", "1,4,0");
+  window()->setUserStore(&store);
+  load();
+  EXPECT_TRUE(window()->findChild<QToolBar*>("B_Tools")->isHidden());
+  EXPECT_FALSE(window()->menuEntry("M_ToolS")->isChecked());
+  EXPECT_FALSE(window()->findChild<QToolBar*>("B_Standard")->isHidden());
+  component.reset();  // before the store goes
 }
 
 // Keys typed into a line as the user types them, and the line left.
