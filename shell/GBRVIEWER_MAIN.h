@@ -327,6 +327,10 @@ private:
   void runNamedTool(std::string_view name);
   void rebuildKeyBands();
   std::string toolText(const char* fallback, const char* id) const;
+  // A tool of a band, its picture named after it.
+  static ToolItem bandTool(const char* name, ToolKind kind, const std::string& tip,
+                           const std::string& description, const std::string& caption = {},
+                           const char* rows = "", bool checkable = false);
   // The bands' places in the per-user store: written at unload, read at start.
   void saveBands();
   void loadBands();

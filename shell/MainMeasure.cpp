@@ -78,16 +78,8 @@ void GBRVIEWER_MAIN::buildPositionBand(ToolBarModel& bar) {
   const auto tool = [&](const char* band, const char* name, ToolKind kind, const std::string& tip,
                         const std::string& description, const std::string& caption = {},
                         const char* rows = "") {
-    ToolItem item;
-    item.Name = name;
-    item.Kind = kind;
-    item.ToolTip = tip;
-    item.Description = description;
-    item.Caption = caption;
-    item.Rows = rows;
-    item.Checkable = kind == ToolKind::Button;
-    item.Picture = name;
-    bar.addTool(band, item);
+    bar.addTool(band,
+                bandTool(name, kind, tip, description, caption, rows, kind == ToolKind::Button));
   };
   bar.addBand("B_Position", t("Position", "6255"));
   tool("B_Position", "ATB_XPos", ToolKind::Panel, "", "");

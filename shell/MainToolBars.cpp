@@ -47,6 +47,21 @@ constexpr BandEntry BandEntries[] = {
 
 }  // namespace
 
+ToolItem GBRVIEWER_MAIN::bandTool(const char* name, ToolKind kind, const std::string& tip,
+                                  const std::string& description, const std::string& caption,
+                                  const char* rows, bool checkable) {
+  ToolItem tool;
+  tool.Name = name;
+  tool.Kind = kind;
+  tool.ToolTip = tip;
+  tool.Description = description;
+  tool.Caption = caption;
+  tool.Rows = rows;
+  tool.Checkable = checkable;
+  tool.Picture = name;  // a tool's picture bears its name
+  return tool;
+}
+
 std::string GBRVIEWER_MAIN::toolText(const char* fallback, const char* id) const {
   return context_.services.LocalMessage(fallback, id);
 }
@@ -54,29 +69,14 @@ std::string GBRVIEWER_MAIN::toolText(const char* fallback, const char* id) const
 void GBRVIEWER_MAIN::buildToolBars() {
   bar_ = std::make_unique<ToolBarModel>();
   ToolBarModel& bar = *bar_;
-  const auto button = [&](const std::string& band, const char* name, const std::string& tip,
+  const auto button = [&](const char* band, const char* name, const std::string& tip,
                           const std::string& description, bool checkable = false,
                           const std::string& caption = {}) {
-    ToolItem tool;
-    tool.Name = name;
-    tool.ToolTip = tip;
-    tool.Description = description;
-    tool.Caption = caption;
-    tool.Checkable = checkable;
-    tool.Picture = name;
-    return &bar.addTool(band, tool);
+    bar.addTool(band, bandTool(name, ToolKind::Button, tip, description, caption, "", checkable));
   };
-  const auto kind = [&](const std::string& band, const char* name, ToolKind k,
-                        const std::string& tip, const std::string& description,
-                        const char* rows = "") {
-    ToolItem tool;
-    tool.Name = name;
-    tool.Kind = k;
-    tool.ToolTip = tip;
-    tool.Description = description;
-    tool.Rows = rows;
-    tool.Picture = name;
-    bar.addTool(band, tool);
+  const auto kind = [&](const char* band, const char* name, ToolKind k, const std::string& tip,
+                        const std::string& description, const char* rows = "") {
+    bar.addTool(band, bandTool(name, k, tip, description, "", rows));
   };
   const auto t = [this](const char* fallback, const char* id) { return toolText(fallback, id); };
 

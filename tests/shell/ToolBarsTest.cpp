@@ -172,6 +172,7 @@ void leave(QLineEdit* line) {
 // A typed value ends once: by Return, or by leaving the box after typing; leaving after Return
 // ends nothing more.
 TEST(ToolBarViewTest, ATypedComboValueEndsOnce) {
+  widgetTestApplication();
   QMainWindow window;
   ToolBarModel bar;
   bar.addBand("B_Standard", "Standard");
