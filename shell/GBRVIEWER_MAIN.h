@@ -326,6 +326,12 @@ private:
   void applyToolbarLock();
   void runNamedTool(std::string_view name);
   void rebuildKeyBands();
+  // The view band of function 1 (with the layer visibility's tool) or of the others, in one place.
+  void switchViewBand(bool layout);
+  // View > Toolbar's entries follow their bands.
+  void syncBandEntries();
+  // A band of View > Toolbar; an empty name is the view band of the moment.
+  std::string bandOf(const char* entryBand) const;
   std::string toolText(const char* fallback, const char* id) const;
   // A tool of a band, its picture named after it.
   static ToolItem bandTool(const char* name, ToolKind kind, const std::string& tip,
@@ -383,6 +389,7 @@ private:
   bool toolTipsOn_ = true;
   int16_t builtFunction_ = -1;  // the function and key the two key bands were built for
   int32_t builtKey_ = -1;
+  std::string viewBand_ = "B_ViewLayout";          // the view band in the bar's place
   std::map<std::string, BandPlace> loadedPlaces_;  // the bands' places as read at start
   QLineEdit* xPosPanel_ = nullptr;
   QLineEdit* yPosPanel_ = nullptr;

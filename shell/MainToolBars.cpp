@@ -41,7 +41,7 @@ constexpr BandEntry BandEntries[] = {
     {"B_Tools", "M_ToolS", "Tools"},
     {"B_Standard", "M_Standard", "Standard"},
     {"B_Position", "M_Position", "Position"},
-    {"B_ViewLayout", "M_Views", "Board View"},
+    {"", "M_Views", "Board View"},  // the view band of the moment
     {"B_Layer", "M_ViewLayers", "Layers"},
 };
 
@@ -60,6 +60,10 @@ ToolItem GBRVIEWER_MAIN::bandTool(const char* name, ToolKind kind, const std::st
   tool.Checkable = checkable;
   tool.Picture = name;  // a tool's picture bears its name
   return tool;
+}
+
+std::string GBRVIEWER_MAIN::bandOf(const char* entryBand) const {
+  return *entryBand ? std::string(entryBand) : viewBand_;
 }
 
 std::string GBRVIEWER_MAIN::toolText(const char* fallback, const char* id) const {
@@ -126,6 +130,8 @@ void GBRVIEWER_MAIN::buildToolBars() {
   button("B_Tools", "ATB_ImportCategories", t("Import Categories for editing", "62143"),
          t("Convert imports to categories for editing and reconstruction", "62144"));
 
+  // The view band: B_ViewLayout while function 1 is current, with the layer visibility's tool,
+  // else B_View; one place holds whichever is current, and their tools are one.
   bar.addBand("B_ViewLayout", t("PCB Artwork View", "62167"));
   button("B_ViewLayout", "ATB_GIESelCatView", t("Layer visibility", "62145"),
          t("Set layer visibility and display sequence", "62146"));
@@ -143,6 +149,21 @@ void GBRVIEWER_MAIN::buildToolBars() {
          t("View ruler in current units", "62158"), true);
   button("B_ViewLayout", "ATB_ToolTip", t("Tool tips", "62159"), t("View tool tips", "62160"),
          true);
+
+  bar.addBand("B_View", t("PCB Artwork View", "62167"));
+  button("B_View", "ATB_TrueSize", t("True size  ", "62147"),
+         t("View artwork elements in true size", "62148"), true);
+  button("B_View", "ATB_PadPosition", t("Pad positions  ", "62149"),
+         t("View pad positions  ", "62150"), true);
+  button("B_View", "ATB_PadFrames", t("Pad position frames", "62151"),
+         t("View pasition frames", "62152"), true);
+  button("B_View", "ATB_Mirror", t("Mirror", "62153"),
+         t("View artworks in mirror(Horizontal flipping) mode", "62154"), true);
+  button("B_View", "ATB_Monochrome", t("Monochrome", "62155"),
+         t("View monochrome for printing", "62156"), true);
+  button("B_View", "ATB_Ruler", t("Ruler", "62157"), t("View ruler in current units", "62158"),
+         true);
+  button("B_View", "ATB_ToolTip", t("Tool tips", "62159"), t("View tool tips", "62160"), true);
 
   bar.addBand("B_Layer", t("Layers", "6257"));
   kind("B_Layer", "ATB_ActiveCategory", ToolKind::DropDown, t("Active layer", "62161"),
@@ -203,7 +224,7 @@ void GBRVIEWER_MAIN::buildToolBars() {
   };
   e.bandClosed = [this](const std::string& band) {
     for (const BandEntry& b : BandEntries)
-      if (band == b.band)
+      if (band == bandOf(b.band))
         if (QAction* entry = menuEntry(b.entry))
           entry->setChecked(false);
   };
@@ -211,6 +232,8 @@ void GBRVIEWER_MAIN::buildToolBars() {
   barView_ = new ToolBarView(bar, *this, QString::fromStdString(appPath_ + "/pictures"),
                              settings_.IMGWIDTH > 0 ? settings_.IMGWIDTH : 16);
   barView_->build();
+  // One of the two view bands stands in the bar's place.
+  barView_->setBandVisible(viewBand_ == "B_View" ? "B_ViewLayout" : "B_View", false);
   xPosPanel_ = barView_->panel("ATB_XPos");
   yPosPanel_ = barView_->panel("ATB_YPos");
   buildToolbarMenu();
@@ -230,9 +253,8 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
     entry->setObjectName(b.entry);
     entry->setCheckable(true);
     entry->setChecked(true);
-    const std::string band = b.band;
-    connect(entry, &QAction::triggered, this, [this, band](bool on) {
-      barView_->setBandVisible(band, on);
+    connect(entry, &QAction::triggered, this, [this, b](bool on) {
+      barView_->setBandVisible(bandOf(b.band), on);
       refreshBands();
     });
   }
@@ -458,6 +480,8 @@ void GBRVIEWER_MAIN::rebuildKeyBands() {
   // Rebuilt on a change of function or key; otherwise the checks follow.
   const bool rebuild = function != builtFunction_ || key != builtKey_;
   const std::string shortcut = toolText("Shortcut:", "62103");
+  if (function != builtFunction_)
+    switchViewBand(function == 1);
   if (rebuild) {
     bar.clearBand("FunctionTools");
     bar.clearBand("OptionTools");
@@ -571,10 +595,32 @@ void GBRVIEWER_MAIN::loadBands() {
   // The window's own layout, where kept, has docked the bands already.
   barView_->applyPlaces(places, layout.empty());
   loadedPlaces_ = places;
+  syncBandEntries();
+}
+
+void GBRVIEWER_MAIN::syncBandEntries() {
   for (const BandEntry& b : BandEntries)
     if (QAction* entry = menuEntry(b.entry))
-      if (QToolBar* band = barView_->toolBar(b.band))
+      if (QToolBar* band = barView_->toolBar(bandOf(b.band)))
         entry->setChecked(!band->isHidden());
+}
+
+void GBRVIEWER_MAIN::switchViewBand(bool layout) {
+  const std::string to = layout ? "B_ViewLayout" : "B_View";
+  if (to == viewBand_)
+    return;
+  QToolBar* from = barView_->toolBar(viewBand_);
+  QToolBar* next = barView_->toolBar(to);
+  if (!from || !next)
+    return;
+  // The place, shown or not, goes over to the other band.
+  const bool shown = !from->isHidden();
+  if (!from->isFloating())
+    insertToolBar(from, next);
+  barView_->setBandVisible(viewBand_, false);
+  barView_->setBandVisible(to, shown);
+  viewBand_ = to;
+  syncBandEntries();
 }
 
 }  // namespace tvx

@@ -83,7 +83,7 @@ TEST_F(ToolBandRoad, BandsWorkAndStayWhereTheyWere) {
 
   restart();
   const QStringList first = storedPlaces();
-  ASSERT_EQ(first.size(), 7) << first.join(' ').toStdString();
+  ASSERT_EQ(first.size(), 8) << first.join(' ').toStdString();
   EXPECT_FALSE(first.filter(QRegularExpression("^ATV-atvPostPro-B_Tools=0,")).isEmpty())
       << first.join(" ").toStdString();
   EXPECT_FALSE(first.filter(QRegularExpression("^ATV-atvPostPro-B_Layer=1,16,")).isEmpty())

@@ -109,9 +109,12 @@ TEST_F(ToolBarsTest, EveryToolAndMenuEntryExists) {
                             "M_Ruler",
                             "M_LCursor"})
     EXPECT_NE(w.menuEntry(entry), nullptr) << entry;
-  for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_Layer",
-                           "FunctionTools", "OptionTools"})
+  for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_View",
+                           "B_Layer", "FunctionTools", "OptionTools"})
     EXPECT_NE(w.findChild<QToolBar*>(band), nullptr) << band;
+  // Function 1's view band holds the layer visibility's tool and stands in the place.
+  EXPECT_FALSE(w.findChild<QToolBar*>("B_ViewLayout")->isHidden());
+  EXPECT_TRUE(w.findChild<QToolBar*>("B_View")->isHidden());
 
   // A band the user closes clears its entry; the entry brings it back.
   auto* tools = w.findChild<QToolBar*>("B_Tools");
@@ -136,8 +139,8 @@ TEST_F(ToolBarsTest, BandsAreKeptInTheUserStore) {
   load();
   window()->findChild<QToolBar*>("B_Tools")->toggleViewAction()->trigger();
   component->NotifyMe("TARVEX", "All,EX");
-  for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_Layer",
-                           "FunctionTools", "OptionTools"})
+  for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_View",
+                           "B_Layer", "FunctionTools", "OptionTools"})
     EXPECT_TRUE(BandPlace::parse(stored(band))) << band << " " << stored(band);
   EXPECT_EQ(stored("B_Tools").substr(0, 2), "0,");
   EXPECT_FALSE(stored("Layout").empty());

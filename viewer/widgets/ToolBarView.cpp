@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace tvx {
@@ -59,7 +60,7 @@ QToolBar* ToolBarView::toolBar(const std::string& band) const {
 QAction* ToolBarView::action(const std::string& tool) const {
   const ToolItem* t = model_.tool(tool);
   const auto it = t ? actions_.find(t->Name) : actions_.end();
-  return it == actions_.end() ? nullptr : it->second;
+  return it == actions_.end() || it->second.empty() ? nullptr : it->second.front();
 }
 
 QComboBox* ToolBarView::combo(const std::string& tool) const {
@@ -101,7 +102,7 @@ void ToolBarView::build() {
       fillBand(name);
 }
 
-QAction* ToolBarView::makeAction(const ToolItem& tool, QObject* parent) {
+QAction* ToolBarView::makeAction(const ToolItem& tool, QObject* parent, const std::string& band) {
   auto* action = new QAction(parent);
   action->setObjectName(qs(tool.Name));
   const std::string name = tool.Name;
@@ -113,8 +114,13 @@ QAction* ToolBarView::makeAction(const ToolItem& tool, QObject* parent) {
     if (model_.events.toolEnter)
       model_.events.toolEnter(name);
   });
-  actions_[tool.Name] = action;
+  keep(tool.Name, action, band);
   return action;
+}
+
+void ToolBarView::keep(const std::string& tool, QAction* action, const std::string& band) {
+  actions_[tool].push_back(action);
+  made_[band].push_back(action);
 }
 
 void ToolBarView::fillBand(const std::string& bandName) {
@@ -122,7 +128,12 @@ void ToolBarView::fillBand(const std::string& bandName) {
   const ToolBand* band = model_.band(bandName);
   if (!bar || !band)
     return;
-  // Widgets of the band's tools go with it; actions stay in their maps until made anew.
+  // The band's actions go, later, as a press of one of them may be what fills the band again.
+  for (QAction* old : std::exchange(made_[bandName], {})) {
+    std::vector<QAction*>& same = actions_[old->objectName().toStdString()];
+    std::erase(same, old);
+    old->deleteLater();
+  }
   bar->clear();
   for (const std::string& name : band->Tools) {
     const ToolItem* tool = model_.tool(name);
@@ -132,7 +143,7 @@ void ToolBarView::fillBand(const std::string& bandName) {
       bar->addSeparator();
     switch (tool->Kind) {
     case ToolKind::Button: {
-      QAction* action = makeAction(*tool, bar);
+      QAction* action = makeAction(*tool, bar, bandName);
       bar->addAction(action);
       if (QWidget* button = bar->widgetForAction(action)) {
         button->setObjectName(qs(name));
@@ -154,12 +165,12 @@ void ToolBarView::fillBand(const std::string& bandName) {
       if (const ToolBand* rows = model_.band(tool->Rows))
         for (const std::string& row : rows->Tools)
           if (const ToolItem* rowTool = model_.tool(row))
-            menu->addAction(makeAction(*rowTool, menu));
+            menu->addAction(makeAction(*rowTool, menu, bandName));
       button->setMenu(menu);
       button->installEventFilter(this);
       hoverOf_[button] = name;
       dropDowns_[name] = button;
-      actions_[name] = bar->addWidget(button);
+      keep(name, bar->addWidget(button), bandName);
       for (QAction* row : menu->actions())
         showTool(row->objectName().toStdString());
       break;
@@ -184,7 +195,7 @@ void ToolBarView::fillBand(const std::string& bandName) {
       hoverOf_[box] = name;
       hoverOf_[box->lineEdit()] = name;
       combos_[name] = box;
-      actions_[name] = bar->addWidget(box);
+      keep(name, bar->addWidget(box), bandName);
       break;
     }
     case ToolKind::Panel: {
@@ -194,7 +205,7 @@ void ToolBarView::fillBand(const std::string& bandName) {
       field->setFocusPolicy(Qt::NoFocus);
       field->setFixedWidth(field->fontMetrics().averageCharWidth() * 16);
       panels_[name] = field;
-      actions_[name] = bar->addWidget(field);
+      keep(name, bar->addWidget(field), bandName);
       break;
     }
     }
@@ -241,12 +252,16 @@ void ToolBarView::showTool(const std::string& name) {
   const QString caption = qs(tool->Caption);
   const QString tip = qs(tool->shownTip());
   if (tool->Kind == ToolKind::Button) {
-    action->setText(caption.isEmpty() ? tip : caption);
-    action->setToolTip(tip);
-    action->setIcon(icon);
-    action->setCheckable(tool->Checkable);
-    action->setChecked(tool->Checked);
-    action->setEnabled(tool->Enabled);
+    // Every action of the tool: on a band and its twin alike.
+    for (QAction* each : actions_[tool->Name]) {
+      each->setText(caption.isEmpty() ? tip : caption);
+      each->setToolTip(tip);
+      each->setIcon(icon);
+      each->setCheckable(tool->Checkable);
+      each->setChecked(tool->Checked);
+      each->setEnabled(tool->Enabled);
+      each->setVisible(tool->Visible);
+    }
   } else if (QToolButton* button = dropDowns_.count(name) ? dropDowns_[name] : nullptr) {
     // A drop-down shows its chosen row's picture and caption.
     QString shown = caption;

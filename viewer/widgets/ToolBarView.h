@@ -12,6 +12,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 class QAction;
 class QComboBox;
@@ -57,7 +58,9 @@ protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-  QAction* makeAction(const ToolItem& tool, QObject* parent);
+  QAction* makeAction(const ToolItem& tool, QObject* parent, const std::string& band);
+  // Keeps an action of a tool made while band was filled.
+  void keep(const std::string& tool, QAction* action, const std::string& band);
   // A tool picture by its name, or "#n" for cell n of the strip; none for an unknown one.
   QIcon pictureOf(const std::string& picture);
   QMenu* contextMenu(const std::string& band);
@@ -67,8 +70,9 @@ private:
   QMainWindow& window_;
   QString pictures_;
   int pictureSize_;
-  std::map<std::string, QToolBar*> bars_;    // by band name
-  std::map<std::string, QAction*> actions_;  // by tool name
+  std::map<std::string, QToolBar*> bars_;                 // by band name
+  std::map<std::string, std::vector<QAction*>> actions_;  // by tool name: a tool on two bands
+  std::map<std::string, std::vector<QAction*>> made_;     // by the band they were made for
   std::map<std::string, QComboBox*> combos_;
   std::map<std::string, QLineEdit*> panels_;
   std::map<std::string, QToolButton*> dropDowns_;
