@@ -32,6 +32,7 @@ int32_t Graphics::G_GetDC(QPaintDevice* target, std::function<void()> onPresent)
   d->onPresent = std::move(onPresent);
   // A widget can only be painted from its own paint handling: it is shown from a shadow image.
   d->usesShadow = target->devType() == QInternal::Widget;
+  d->keepsPainter = target->devType() == QInternal::Printer;
   d->palette = paletteRgb();
   for (size_t i = 0; i < impl_->devices.size(); ++i)
     if (!impl_->devices[i]) {
@@ -68,8 +69,14 @@ int32_t Graphics::G_OpenDC(int32_t dev, const ViewSetup& view, int32_t mode) {
   d->rasterOnly = !d->usesShadow && d->target->devType() == QInternal::Image &&
                   static_cast<QImage*>(d->target)->format() == QImage::Format_Indexed8;
   d->figuresLeftOut = false;
-  d->painter = d->rasterOnly ? nullptr : std::make_unique<QPainter>();
-  if (d->rasterOnly) {
+  if (d->keepsPainter && d->painter && d->painter->isActive()) {
+    // The next sheet of the same printer document: the painter goes on.
+    d->painter->resetTransform();
+    d->painter->setClipping(false);
+  } else {
+    d->painter = d->rasterOnly ? nullptr : std::make_unique<QPainter>();
+  }
+  if (d->rasterOnly || (d->keepsPainter && d->painter->isActive())) {
     // No painter draws into an 8-bit picture: the span rasteriser alone does.
   } else if (d->usesShadow) {
     if (d->shadow.width() != view.Width || d->shadow.height() != view.Height)
@@ -99,9 +106,12 @@ int32_t Graphics::G_CloseDC(int32_t dev, int32_t flag) {
   Device* d = impl_->device(dev);
   if (!d || !d->open)
     return 0;
-  if (d->painter)
-    d->painter->end();
-  d->painter.reset();
+  // A printer's document ends with its painter: that waits for G_DeleteDC.
+  if (!d->keepsPainter) {
+    if (d->painter)
+      d->painter->end();
+    d->painter.reset();
+  }
   if (d->rasterOnly && d->raster) {
     d->rasterImage->setColorTable(d->raster->palette());
     d->figuresLeftOut = d->figuresLeftOut || d->raster->paletteOverflowed();

@@ -25,6 +25,9 @@ struct Device {
   QPaintDevice* target = nullptr;
   std::function<void()> onPresent;
   bool usesShadow = false;  // widgets and other surfaces that are painted from an image
+  // A printer keeps one painter from its first G_OpenDC to G_DeleteDC: ending the painter ends
+  // the printer's document, and the sheets of one document are passes of their own.
+  bool keepsPainter = false;
   QImage shadow;
   std::unique_ptr<QPainter> painter;
   bool open = false;
