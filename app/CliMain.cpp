@@ -1,6 +1,6 @@
 // gbrview: the viewer's readers and drawing without a window. Its verbs (render, info,
-// reconstruct) and their options are parsed in app/cli/CommandLine, whose usage text lists them.
-// Exit codes: 0 success, 1 a file failed, 2 bad arguments.
+// reconstruct, print) and their options are parsed in app/cli/CommandLine, whose usage text lists
+// them. Exit codes: 0 success, 1 a file failed, 2 bad arguments.
 
 #include "app/cli/CommandLine.h"
 #include "app/cli/FileInfo.h"
@@ -50,6 +50,14 @@ int runReconstruct(const tvx::ReconstructOptions& options) {
   return outcome.exitCode;
 }
 
+int runPrint(const tvx::PrintOptions& options) {
+  const tvx::PrintOutcome outcome = tvx::printFiles(options);
+  std::fwrite(outcome.report.data(), 1, outcome.report.size(), stdout);
+  for (const std::string& message : outcome.messages)
+    std::fprintf(stderr, "%s\n", message.c_str());
+  return outcome.exitCode;
+}
+
 int runInfo(const tvx::CliArguments& arguments) {
   std::string out;
   std::string err;
@@ -83,6 +91,8 @@ int main(int argc, char* argv[]) {
     return runInfo(parsed);
   case tvx::CliCommand::Reconstruct:
     return withApplication([&] { return runReconstruct(parsed.reconstruct); });
+  case tvx::CliCommand::Print:
+    return withApplication([&] { return runPrint(parsed.print); });
   case tvx::CliCommand::Bad:
     break;
   }

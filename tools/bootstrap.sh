@@ -11,6 +11,7 @@ packages=(
   qt6-base-dev qt6-svg-dev libgl-dev
   libgtest-dev googletest libgmock-dev libbenchmark-dev
   xvfb xauth xdotool
+  poppler-utils
   "$@"
 )
 

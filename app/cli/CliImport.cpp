@@ -2,6 +2,10 @@
 
 #include "app/cli/CliApertureTable.h"
 #include "common/TextHelpers.h"
+#include "store/LayerCatalogue.h"
+#include "store/Layers.h"
+
+#include <algorithm>
 
 namespace tvx {
 
@@ -46,6 +50,21 @@ std::vector<int32_t> CliImport::importFiles(const std::vector<std::string>& file
   };
   run.session->importFiles(run.layers(), files, batch);
   return placed;
+}
+
+std::vector<LayerOrderRow> CliImport::drawOrder(const std::vector<int32_t>& placed,
+                                                bool mono) const {
+  constexpr int32_t PaletteWhite = 15;
+  const LayerTables& tables = *run.tables;
+  std::vector<LayerOrderRow> order(tables.LayerOrder.begin(), tables.LayerOrder.end());
+  std::stable_partition(order.begin(), order.end(),
+                        [](const LayerOrderRow& r) { return r.LayerNumber == DrillLayer; });
+  for (LayerOrderRow& row : order) {
+    row.Visible = std::find(placed.begin(), placed.end(), row.LayerNumber) != placed.end();
+    row.Mono = mono;
+    row.MonoColour = PaletteWhite;
+  }
+  return order;
 }
 
 }  // namespace tvx

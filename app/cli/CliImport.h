@@ -6,6 +6,7 @@
 #include "import/readers/WindowlessLayers.h"
 #include "platform/SystemServices.h"
 #include "platform/UserPrompts.h"
+#include "store/LayerOrder.h"
 
 #include <QTemporaryDir>
 
@@ -26,6 +27,10 @@ struct CliImport {
   std::vector<int32_t> importFiles(const std::vector<std::string>& files,
                                    const std::vector<int32_t>& layers, int32_t firstGerberLayer,
                                    std::vector<std::string>& messages);
+
+  // The layers of this run in draw order, the drill template on top so that its holes lie over
+  // the artwork; visible are the layers of placed. In mono view white.
+  std::vector<LayerOrderRow> drawOrder(const std::vector<int32_t>& placed, bool mono) const;
 
   ScriptedPrompts prompts;  // shows nothing; every message goes to the messages
   SystemServices services;

@@ -18,6 +18,8 @@ const char* const GbrviewUsage =
     "                 -o OUT.(png|pdf|svg) FILE...\n"
     "  gbrview info FILE [--json] [--apt TABLE]\n"
     "  gbrview reconstruct [--json] [--via D] [--apt TABLE] [--layer N] FILE...\n"
+    "  gbrview print [--scale M:D | --fit] [--paper CODE] [--landscape] [--margins MM]\n"
+    "                [--pages A-B] [--apt TABLE] [--layer N] -o OUT.pdf FILE...\n"
     "  gbrview --help | --version\n"
     "\n"
     "An option's value follows as the next argument or after \"=\": --dpi 600 or --dpi=600.\n"
@@ -42,6 +44,12 @@ const char* const GbrviewUsage =
     "        pad; --layer N puts the file after it into layer N (3 top copper, 4 bottom, 1 and 6\n"
     "        silkscreen, 2 and 5 mask, 30 outline, 31 drill), --via D names the D-code of the\n"
     "        via pads, --json prints one JSON object. Exit 1 when there is nothing to sort.\n"
+    "print   cuts the frame of all layers into sheets at the scale M:D (paper to artwork,\n"
+    "        default 1:1, the ratio at most 10; --fit puts it on one sheet) and prints them as\n"
+    "        the print preview does into a PDF file: --paper a paper code (9 A4, default; 8 A3;\n"
+    "        1 Letter), --landscape, --margins the four margins in millimetres (default 10),\n"
+    "        --pages the sheets to print (default all), numbered row by row from the top left;\n"
+    "        --layer as for reconstruct. Prints the sheets across, down and the scale.\n"
     "--apt   an aperture table file (lines \"size,lines D,round D,square D\" in 1/100000 mm)\n"
     "        that gives a plain RS-274-D file its sizes, or another tool's aperture list\n"
     "        (lines \"D10 ROUND 4.00 ...\", sizes in mil unless the list names mm or inch);\n"
@@ -220,6 +228,74 @@ std::string parseReconstruct(const QStringList& arguments, CliArguments& out) {
   return layersOfFiles(arguments, {"--via", "--apt"}, options.layers);
 }
 
+std::string parsePrint(const QStringList& arguments, CliArguments& out) {
+  QCommandLineParser parser;
+  const QCommandLineOption scale("scale", {}, "M:D"), fit("fit"), paper("paper", {}, "CODE"),
+      landscape("landscape"), margins("margins", {}, "MM"), pages("pages", {}, "A-B"),
+      layer("layer", {}, "N"), apt("apt", {}, "FILE"), output("o", {}, "OUT");
+  parser.addOptions({scale, fit, paper, landscape, margins, pages, layer, apt, output});
+  if (!parseVerb(parser, arguments, out))
+    return out.error;
+  PrintOptions& options = out.print;
+  std::string value;
+  if (std::string error = oneValue(parser, scale, value); !error.empty())
+    return error;
+  if (parser.isSet(scale)) {
+    const auto colon = value.find(':');
+    const bool terms = parseNumber(value.substr(0, colon)) &&
+                       (colon == std::string::npos || parseNumber(value.substr(colon + 1)));
+    if (!terms)
+      return "--scale must be M:D, as 5:1 or 1:2.5";
+    options.scale = value;
+  }
+  options.fit = parser.isSet(fit);
+  if (options.fit && parser.isSet(scale))
+    return "--scale and --fit exclude each other";
+  if (std::string error = oneValue(parser, paper, value); !error.empty())
+    return error;
+  if (parser.isSet(paper)) {
+    const std::optional<int> code = parseWhole(value);
+    if (!code || *code < 1 || *code > 41)
+      return "--paper must be a paper code from 1 to 41";
+    options.paper = *code;
+  }
+  options.landscape = parser.isSet(landscape);
+  if (std::string error = oneValue(parser, margins, value); !error.empty())
+    return error;
+  if (parser.isSet(margins)) {
+    const std::optional<double> mm = parseNumber(value);
+    if (!mm || *mm < 0 || *mm > 100)
+      return "--margins must be from 0 to 100 millimetres";
+    options.marginsMm = *mm;
+  }
+  if (std::string error = oneValue(parser, pages, value); !error.empty())
+    return error;
+  if (parser.isSet(pages)) {
+    const auto dash = value.find('-');
+    const std::optional<int> from = parseWhole(value.substr(0, dash));
+    const std::optional<int> to =
+        dash == std::string::npos ? from : parseWhole(value.substr(dash + 1));
+    if (!from || !to || *from < 1 || *to < *from)
+      return "--pages must be A-B with 1 <= A <= B";
+    options.fromPage = *from;
+    options.toPage = *to;
+  }
+  if (std::string error = oneValue(parser, apt, value); !error.empty())
+    return error;
+  options.apertureTable = value;
+  if (!parser.isSet(output))
+    return "print needs an output file (-o OUT.pdf)";
+  options.output = bytesOf(parser.value(output));
+  if (!QString::fromStdString(options.output).endsWith(".pdf", Qt::CaseInsensitive))
+    return "the output file of print must end in .pdf";
+  for (const QString& file : parser.positionalArguments())
+    options.files.push_back(bytesOf(file));
+  if (options.files.empty())
+    return "print needs at least one input file";
+  return layersOfFiles(arguments, {"--scale", "--paper", "--margins", "--pages", "--apt", "-o"},
+                       options.layers);
+}
+
 }  // namespace
 
 std::string layersOfFiles(const QStringList& arguments, const QStringList& valueOptions,
@@ -282,6 +358,11 @@ CliArguments parseCliArguments(const QStringList& arguments) {
   } else if (verb == "reconstruct") {
     out.command = CliCommand::Reconstruct;
     out.error = parseReconstruct(rest, out);
+    if (!out.error.empty())
+      out.command = CliCommand::Bad;
+  } else if (verb == "print") {
+    out.command = CliCommand::Print;
+    out.error = parsePrint(rest, out);
     if (!out.error.empty())
       out.command = CliCommand::Bad;
   } else if (verb == "render" || verb == "info") {

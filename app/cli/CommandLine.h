@@ -3,6 +3,7 @@
 // (--window -5,-5,10,10).
 #pragma once
 
+#include "app/cli/PrintFiles.h"
 #include "app/cli/ReconstructFiles.h"
 #include "app/cli/RenderFiles.h"
 
@@ -21,13 +22,14 @@ extern const char* const GbrviewUsage;
 inline constexpr int ExitFileFailed = 1;
 inline constexpr int ExitBadArguments = 2;
 
-enum class CliCommand { Help, Version, Render, Info, Reconstruct, Bad };
+enum class CliCommand { Help, Version, Render, Info, Reconstruct, Print, Bad };
 
 struct CliArguments {
   CliCommand command = CliCommand::Bad;
   std::string error;               // why the arguments are bad
   RenderOptions render;            // for Render
   ReconstructOptions reconstruct;  // for Reconstruct
+  PrintOptions print;              // for Print
   std::string infoFile;            // for Info
   std::string infoApertureTable;   // for Info: --apt FILE
   bool json = false;

@@ -33,7 +33,6 @@ namespace {
 constexpr double UnitsPerMm = StoreUnitsPerMm;
 constexpr double UnitsPerInch = UnitsPerMm * 25.4;
 constexpr int32_t PaletteBlack = 0;
-constexpr int32_t PaletteWhite = 15;
 constexpr double MinDpi = 1.0;
 constexpr double MaxDpi = 20000.0;
 
@@ -268,16 +267,7 @@ RenderOutcome renderFiles(const RenderOptions& options) {
     }
   }
 
-  // The layers of this run, the drill template on top so that its holes lie over the artwork.
-  std::vector<LayerOrderRow> order(tables->LayerOrder.begin(), tables->LayerOrder.end());
-  std::stable_partition(order.begin(), order.end(),
-                        [](const LayerOrderRow& r) { return r.LayerNumber == DrillLayer; });
-  for (LayerOrderRow& row : order) {
-    row.Visible = std::find(outcome.layers.begin(), outcome.layers.end(), row.LayerNumber) !=
-                  outcome.layers.end();
-    row.Mono = options.mono;
-    row.MonoColour = PaletteWhite;
-  }
+  const std::vector<LayerOrderRow> order = cli.drawOrder(outcome.layers, options.mono);
   int32_t background = colours.backgroundColour();
   if (options.mono)
     background = PaletteBlack;
