@@ -3,10 +3,12 @@
 #include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 #include "kernel/Kernel.h"
+#include "print/widgets/TvxPreview.h"
 #include "shell/GBRVIEWER_MAIN.h"
 #include "store/LayerCatalogue.h"
 #include "store/Layers.h"
 #include "viewer/ToolBarModel.h"
+#include "viewer/widgets/ViewPicture.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -224,6 +226,22 @@ std::string menuEntries(GBRVIEWER_MAIN* window, const std::string& name) {
   return out + line("MENU," + name + "," + std::to_string(count));
 }
 
+// The print preview as shown: its sheets, the grid of thumbnails and the scale, the thumbnails
+// on the screen and the selected sheet, then panel 1 of its status bar.
+std::string previewState(GBRVIEWER_MAIN* window) {
+  TvxPreview* preview = window ? window->previewWindow() : nullptr;
+  if (!preview || !preview->isVisible())
+    return line("PREVIEW,NONE");
+  const PreviewModel& model = preview->model();
+  int shown = 0;
+  for (const ViewPicture* picture : preview->findChildren<ViewPicture*>())
+    shown += picture->isVisible() ? 1 : 0;
+  return line("PREVIEW," + std::to_string(model.PageCount) + "," +
+              std::to_string(model.PagesAcross) + "," + std::to_string(model.PagesDown) + "," +
+              model.ScaleText() + "," + std::to_string(shown) + "," +
+              std::to_string(model.CurrentPage) + "\t" + preview->panelText(1));
+}
+
 }  // namespace
 
 bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::string& answer) {
@@ -265,6 +283,8 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = line(std::string("GRABSCREEN,") + (saved ? "OK" : "FAILED"));
   } else if (query.rfind("TOOL,", 0) == 0) {
     answer = toolState(window, argumentOf("TOOL,"));
+  } else if (query == "PREVIEW") {
+    answer = previewState(window);
   } else if (query == "CATEGORIES") {
     answer = categoryContents(window);
   } else if (query.rfind("RUN,", 0) == 0 && window) {

@@ -282,8 +282,8 @@ bool PreviewModel::Layout() {
     ViewDown = std::min(ViewDown, MaxDown);
   } else {
     ScrollOnePage = 0;
-    cellW = (w - 10) / ViewAcross - 20;
-    cellH = (h - 10) / ViewDown - 20;
+    cellW = std::max(0.0, (w - 10) / ViewAcross - 20);
+    cellH = std::max(0.0, (h - 10) / ViewDown - 20);
     if (pw != 0 && ph != 0) {
       if (cellW / pw < cellH / ph)
         cellH = cellW * ph / pw;

@@ -8,6 +8,8 @@
 #include "platform/TokenList.h"
 #include "platform/UserStore.h"
 #include "platform/widgets/HelpWindow.h"
+#include "print/widgets/QtPrinter.h"
+#include "print/widgets/TvxPreview.h"
 #include "reconstruct/ReconstructionState.h"
 #include "reconstruct/widgets/GBRVIEWER_GIEIMP.h"
 #include "shell/HostCommands.h"
@@ -190,9 +192,7 @@ void GBRVIEWER_MAIN::buildMenus() {
   QMenu* file = menuBar()->addMenu("&File");
   file->setObjectName("M_File");
   entry(file, "M_New", "&New", &GBRVIEWER_MAIN::M_New_Click);
-  // The print preview comes with printing; until then it shows disabled.
-  file->addAction("&Print...")->setObjectName("M_Print");
-  menuEntry("M_Print")->setEnabled(false);
+  entry(file, "M_Print", "&Print...", &GBRVIEWER_MAIN::M_Print_Click);
   entry(file, "M_Scopy", "Copy Screen to Clipboard", &GBRVIEWER_MAIN::M_Scopy_Click);
   entry(file, "M_BScopy", "Copy Block to Clipboard", &GBRVIEWER_MAIN::M_BScopy_Click);
   file->addSeparator();
@@ -395,7 +395,11 @@ void GBRVIEWER_MAIN::AP_ExeCmd(const std::string& Cmd) {
     applyViewChange(view_->SetScrollBars());
     RedrawScreen();
   } else if (verb == "EX") {
-    if (categoryDialog_) {
+    if (preview_) {
+      // A print under way ends its document first; the unload follows the window.
+      preview_->closeNow();
+      shutDownAfterPreview();
+    } else if (categoryDialog_) {
       // The window closes as cancelled; the unload follows once its modal loop has ended.
       categoryDialog_->reject();
       QTimer::singleShot(0, this, [this] { ShutDown(); });

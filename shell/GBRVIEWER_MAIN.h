@@ -49,6 +49,9 @@ class QWheelEvent;
 namespace tvx {
 
 class GBRVIEWER_GIEIMP;
+class QtPrinter;
+class TvxPreview;
+struct PrinterSettings;
 class GBRVIEWER_GIESVC;
 class GBRVIEWER_GISIMP;
 class GBRVIEWER_IMPORT;
@@ -188,6 +191,12 @@ public:
   void refreshBands();
   // Tools > Mirror Current Layer: along X (0) or Y (1), about the middle of all layers.
   void M_FlipLayer_Click(int32_t index);
+  // File > Print: the print preview of all layers as the view draws them (MainPrint.cpp).
+  void M_Print_Click();
+  // The print preview while it is open.
+  TvxPreview* previewWindow() const;
+  // The unload once the preview has closed (it may end a print first).
+  void shutDownAfterPreview();
 
   // The file-open command after the file request: recognition, import, the unknown-file question.
   void importChosenFile(const std::string& path);
@@ -382,6 +391,10 @@ private:
   std::unique_ptr<Measuring> measuring_;
   std::unique_ptr<ReconstructionState> categories_;
   QPointer<GBRVIEWER_GIEIMP> categoryDialog_;
+  // The printer and its record, kept from one preview to the next.
+  std::unique_ptr<QtPrinter> printer_;
+  std::unique_ptr<PrinterSettings> printerRecord_;
+  QPointer<TvxPreview> preview_;
   std::unique_ptr<MeasureTools> measureTools_;
   std::unique_ptr<ToolBarModel> bar_;
   ToolBarView* barView_ = nullptr;

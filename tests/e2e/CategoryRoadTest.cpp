@@ -45,20 +45,9 @@ protected:
     ASSERT_FALSE(visibleWindow("Import to categories").isEmpty());
   }
 
-  // The host on the whole demo board, each file on its layer, with the shell and the layout
-  // module running.
+  // The host on the whole demo board, with the shell and the layout module running.
   void startOnLayers() {
-    QStringList arguments;
-    for (const auto& [layer, name] : {std::pair{"3", "demo-top.gbr"},
-                                      {"4", "demo-bottom.gbr"},
-                                      {"1", "demo-silk-top.gbr"},
-                                      {"2", "demo-mask-top.gbr"},
-                                      {"30", "demo-outline.gbr"},
-                                      {"31", "demo.drl"}})
-      arguments << "--layer" << layer << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
-    host.start(test::binary("tarvex-gbrviewer"), arguments);
-    ASSERT_TRUE(host.waitForStarted(10000));
-    ASSERT_TRUE(test::waitUntil([&] { return messageLine().endsWith("Import successful"); }));
+    startOnAllLayers();
     ask("TARVEX,RUN,TARVEX", "RUN,");
     ask("TARVEX,RUN,TVNLAYPS", "RUN,");
   }

@@ -370,6 +370,20 @@ protected:
     xdo({"key", "Return"});
     rowsWhen([](auto& r) { return r["#message"].contains("Import successful"); });
   }
+  // The host on the whole demo board, each file on its layer.
+  void startOnAllLayers() {
+    QStringList arguments;
+    for (const auto& [layer, name] : {std::pair{"3", "demo-top.gbr"},
+                                      {"4", "demo-bottom.gbr"},
+                                      {"1", "demo-silk-top.gbr"},
+                                      {"2", "demo-mask-top.gbr"},
+                                      {"30", "demo-outline.gbr"},
+                                      {"31", "demo.drl"}})
+      arguments << "--layer" << layer << QDir(TVX_SOURCE_DIR).filePath(QString("samples/") + name);
+    host.start(test::binary("tarvex-gbrviewer"), arguments);
+    ASSERT_TRUE(host.waitForStarted(10000));
+    ASSERT_TRUE(waitUntil([&] { return messageLine().endsWith("Import successful"); }));
+  }
   // The host on the demo board's top copper and its drill file, both imported.
   void startOnDemoBoard() {
     QStringList files;

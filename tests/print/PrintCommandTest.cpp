@@ -4,7 +4,7 @@
 #include "app/cli/PrintFiles.h"
 #include "print/PreviewModel.h"
 #include "support/CliProcess.h"
-#include "support/GuiTestApplication.h"
+#include "support/WidgetTestApplication.h"
 
 #include <QImage>
 #include <QStandardPaths>
@@ -76,7 +76,7 @@ std::optional<double> firstRun(const QImage& image, int line, bool across, bool 
 class PrintCommandTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    test::guiTestApplication();
+    test::widgetTestApplication();
     if (!hasPoppler())
       GTEST_SKIP() << "pdftoppm and pdfinfo are needed";
     ASSERT_TRUE(folder.isValid());

@@ -6,7 +6,7 @@
 #include "kernel/Kernel.h"
 #include "platform/UserPrompts.h"
 #include "platform/UserStore.h"
-#include "support/GuiTestApplication.h"
+#include "support/WidgetTestApplication.h"
 #include "viewer/DisplayUnits.h"
 
 #include <QFile>
@@ -21,7 +21,7 @@ constexpr int32_t Mm = StoreUnitsPerMm;
 class PrintOutputTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    test::guiTestApplication();
+    test::widgetTestApplication();
     model.Begin({0, 0, 10 * Mm, 10 * Mm}, 4);
     model.Build();
     model.PreviewFrame = {0, 0, int32_t(2 * model.PageWidth), int32_t(model.PageHeight / 2)};
