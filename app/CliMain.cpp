@@ -42,16 +42,8 @@ int runRender(const tvx::RenderOptions& options) {
   return outcome.exitCode;
 }
 
-int runReconstruct(const tvx::ReconstructOptions& options) {
-  const tvx::ReconstructOutcome outcome = tvx::reconstructFiles(options);
-  std::fwrite(outcome.report.data(), 1, outcome.report.size(), stdout);
-  for (const std::string& message : outcome.messages)
-    std::fprintf(stderr, "%s\n", message.c_str());
-  return outcome.exitCode;
-}
-
-int runPrint(const tvx::PrintOptions& options) {
-  const tvx::PrintOutcome outcome = tvx::printFiles(options);
+// Writes an outcome's report to stdout and its messages to stderr; its exit code.
+template <typename Outcome> int reported(const Outcome& outcome) {
   std::fwrite(outcome.report.data(), 1, outcome.report.size(), stdout);
   for (const std::string& message : outcome.messages)
     std::fprintf(stderr, "%s\n", message.c_str());
@@ -90,9 +82,9 @@ int main(int argc, char* argv[]) {
   case tvx::CliCommand::Info:
     return runInfo(parsed);
   case tvx::CliCommand::Reconstruct:
-    return withApplication([&] { return runReconstruct(parsed.reconstruct); });
+    return withApplication([&] { return reported(tvx::reconstructFiles(parsed.reconstruct)); });
   case tvx::CliCommand::Print:
-    return withApplication([&] { return runPrint(parsed.print); });
+    return withApplication([&] { return reported(tvx::printFiles(parsed.print)); });
   case tvx::CliCommand::Bad:
     break;
   }

@@ -231,24 +231,21 @@ void TvxPreview::buildTools() {
   vertical_ = new QMenu(this);
   vertical_->setObjectName("SB_Verti");
   const std::string pages = model_.text(" Page(s)", "13548");
-  for (int32_t n = 1; n <= model_.MaxAcross; ++n) {
-    QAction* a = horizontal_->addAction(QString::number(n) + QString::fromStdString(pages));
-    a->setObjectName(QString("Horiz~%1").arg(n));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, n] {
-      model_.ChooseAcross(n);
-      showGrid();
-    });
-  }
-  for (int32_t n = 1; n <= model_.MaxDown; ++n) {
-    QAction* a = vertical_->addAction(QString::number(n) + QString::fromStdString(pages));
-    a->setObjectName(QString("Verti~%1").arg(n));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, n] {
-      model_.ChooseDown(n);
-      showGrid();
-    });
-  }
+  // The grid's counts across and down, n from 1 to the most.
+  auto fill = [this, &pages](QMenu* menu, const char* prefix, int32_t most,
+                             void (PreviewModel::*choose)(int32_t)) {
+    for (int32_t n = 1; n <= most; ++n) {
+      QAction* a = menu->addAction(QString::number(n) + QString::fromStdString(pages));
+      a->setObjectName(QString("%1~%2").arg(prefix).arg(n));
+      a->setCheckable(true);
+      connect(a, &QAction::triggered, this, [this, n, choose] {
+        (model_.*choose)(n);
+        showGrid();
+      });
+    }
+  };
+  fill(horizontal_, "Horiz", model_.MaxAcross, &PreviewModel::ChooseAcross);
+  fill(vertical_, "Verti", model_.MaxDown, &PreviewModel::ChooseDown);
   for (auto [menu, name, id, text] :
        {std::tuple{horizontal_, "ATB_Horizontal", "99759", "Horizontal"},
         std::tuple{vertical_, "ATB_Vertical", "991390", "Vertical"}}) {
