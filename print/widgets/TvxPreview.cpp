@@ -7,8 +7,8 @@
 #include "platform/UserStore.h"
 #include "platform/widgets/LocalizeForm.h"
 #include "platform/widgets/WindowPlace.h"
-#include "print/widgets/PrinterDialogs.h"
 #include "print/widgets/QtPrinter.h"
+#include "print/widgets/QtSetupDialogs.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -463,13 +463,16 @@ void TvxPreview::act(PreviewAction action) {
   case PreviewAction::StartPrinting:
     timPrinting_->start();
     break;
-  case PreviewAction::PageSetup:
-    if (PageSetup(this, host_.record, host_.printer, model_.DocOpen))
+  case PreviewAction::PageSetup: {
+    QtSetupDialogs dialogs(host_.printer, this);
+    if (PageSetup(host_.record, host_.printer, dialogs, 0, model_.DocOpen))
       afterDialog(true);
     break;
+  }
   case PreviewAction::PrinterDialog: {
+    QtSetupDialogs dialogs(host_.printer, this);
     bool changed = false;
-    if (!PreviewPrintDialog(this, model_, host_.printer, changed))
+    if (!PreviewPrintDialog(model_, dialogs, host_.productName + " " + output_.Caption, changed))
       break;
     afterDialog(changed);
     if (model_.PrinterChanged && host_.prompts &&
