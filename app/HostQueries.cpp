@@ -227,7 +227,7 @@ std::string menuEntries(GBRVIEWER_MAIN* window, const std::string& name) {
 }
 
 // The print preview as shown: its sheets, the grid of thumbnails and the scale, the thumbnails
-// on the screen and the selected sheet, then panel 1 of its status bar.
+// on the screen and the selected sheet, then panels 1 and 2 of its status bar.
 std::string previewState(GBRVIEWER_MAIN* window) {
   TvxPreview* preview = window ? window->previewWindow() : nullptr;
   if (!preview || !preview->isVisible())
@@ -239,7 +239,8 @@ std::string previewState(GBRVIEWER_MAIN* window) {
   return line("PREVIEW," + std::to_string(model.PageCount) + "," +
               std::to_string(model.PagesAcross) + "," + std::to_string(model.PagesDown) + "," +
               model.ScaleText() + "," + std::to_string(shown) + "," +
-              std::to_string(model.CurrentPage) + "\t" + preview->panelText(1));
+              std::to_string(model.CurrentPage) + "\t" + preview->panelText(1) + "\t" +
+              preview->panelText(2));
 }
 
 }  // namespace

@@ -36,7 +36,8 @@
 //   TABLECELL,<name>,<row>,<column>  where that cell is: "TABLECELL,<name>,<x>,<y>,<width>,
 //                    <height>", or the arguments and ",NONE".
 //   PREVIEW          the print preview: "PREVIEW,<sheets>,<across>,<down>,<scale>,<thumbnails
-//                    shown>,<selected sheet><TAB><status panel 1>", or "PREVIEW,NONE".
+//                    shown>,<selected sheet><TAB><status panel 1><TAB><status panel 2>", or
+//                    "PREVIEW,NONE".
 //   LAYER,<number>   what the layer holds: "LAYER,<number>,<items>,<min X>,<min Y>,<max X>,
 //                    <max Y>,<widest line>" in store units, or "LAYER,<number>,NONE".
 #pragma once

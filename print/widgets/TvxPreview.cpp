@@ -199,6 +199,7 @@ void TvxPreview::buildTools() {
   };
   tool("ATB_Print", "5297", "Print page : 1 using (default printer)");
   tool("ATB_PrintAll", "52105", "Print &All Pages");
+  tool("ATB_PageSetup", "52101", "Page Setup");
   label("ATB_PrecisionLabel", "13188", "Scale:");
   precision_ = box("ATB_Precision", {"10:1", "5:1", "2:1", "1:1", "1:2", "1:5", "1:10"});
   label("ATB_Zoom", "991433", "Zoom:");
@@ -222,7 +223,6 @@ void TvxPreview::buildTools() {
   tool("ATB_ZoomDn", "13678", "Scale down")->setText("-");
   atvPrev_->addSeparator();
   tool("ATB_Printers", "5299", "Print (w) Printer ....");
-  tool("ATB_PageSetup", "52101", "Page Setup");
   atvPrev_->addSeparator();
   tool("ATB_Onepage", "52102", "Show single Page");
   tool("ATB_Multipages", "52103", "Show Multiple pages");

@@ -13,12 +13,22 @@ using test::ScreenRect;
 
 class PrintRoad : public test::HostDriver {
 protected:
-  // The fields of the PREVIEW query: sheets, across, down, scale, thumbnails shown, selected.
+  // The fields of the PREVIEW query: sheets, across, down, scale, thumbnails shown, selected,
+  // then the sheet's size as the status bar shows it.
   QStringList preview() {
     for (const QString& line : ask("TARVEX,PREVIEW", "PREVIEW,"))
       if (line.contains("PREVIEW,") && !line.contains("PREVIEW,NONE"))
-        return line.section('\t', 1, 1).section(',', 1).split(',');
+        return line.section('\t', 1, 1).section(',', 1).split(',') << line.section('\t', 3, 3);
     return {};
+  }
+  void openPreview() {
+    choose("M_File", "f", "M_Print");
+    ASSERT_TRUE(test::waitUntil([&] { return preview().size() == 7; })) << "no preview";
+  }
+  void closePreview() {
+    clickPlace("ATB_Precision");  // the preview takes the keys
+    xdo({"key", "Escape"});
+    ASSERT_TRUE(test::waitUntil([&] { return preview().isEmpty(); })) << "the preview stays";
   }
   void clickPlace(const QString& name) {
     const ScreenRect r = place("PLACE," + name, "PLACE,");
@@ -47,8 +57,7 @@ TEST_F(PrintRoad, FiveToOneShowsTwoSheetsThatPrintIntoOneBoard) {
   settings.close();
   startOnAllLayers();
 
-  choose("M_File", "f", "M_Print");
-  ASSERT_TRUE(test::waitUntil([&] { return preview().size() == 6; })) << "no preview";
+  openPreview();
   clickPlace("ATB_Precision");
   xdo({"key", "ctrl+a"});
   xdo({"type", "--delay", "20", "5:1"});
@@ -56,7 +65,7 @@ TEST_F(PrintRoad, FiveToOneShowsTwoSheetsThatPrintIntoOneBoard) {
   QStringList state;
   ASSERT_TRUE(test::waitUntil([&] {
     state = preview();
-    return state.size() == 6 && state[3] == "5:1";
+    return state.size() == 7 && state[3] == "5:1";
   })) << state.join(',').toStdString();
   EXPECT_EQ(state[0], "2") << "sheets";
   EXPECT_EQ(state[4], "2") << "thumbnails";
@@ -70,10 +79,8 @@ TEST_F(PrintRoad, FiveToOneShowsTwoSheetsThatPrintIntoOneBoard) {
   ASSERT_TRUE(test::waitUntil([&] { return QFileInfo(pdf).size() > 1000; }, 30000))
       << "PrintOut_1.pdf was not written";
   // The pass ends its document before the window takes commands again.
-  ASSERT_TRUE(test::waitUntil([&] { return preview().size() == 6; }));
-  clickPlace("ATB_Precision");  // the preview takes the keys
-  xdo({"key", "Escape"});
-  EXPECT_TRUE(test::waitUntil([&] { return preview().isEmpty(); })) << "the preview stays";
+  ASSERT_TRUE(test::waitUntil([&] { return preview().size() == 7; }));
+  closePreview();
 
   if (QStandardPaths::findExecutable("pdftoppm").isEmpty())
     GTEST_SKIP() << "pdftoppm is needed to look at the pages";
@@ -92,6 +99,27 @@ TEST_F(PrintRoad, FiveToOneShowsTwoSheetsThatPrintIntoOneBoard) {
   ASSERT_GE(right, 0);
   const double mm = (right + first.width() - left) * 25.4 / 100;
   EXPECT_NEAR(mm, 200.0, 1.0);
+}
+
+TEST_F(PrintRoad, PaperChosenInPageSetupIsThereWhenThePreviewOpensAgain) {
+  startOnAllLayers();
+  openPreview();
+  EXPECT_TRUE(preview().last().startsWith("P:8.2")) << "A4 portrait in inches";
+  clickPlace("ATB_PageSetup");
+  ScreenRect paper;
+  ASSERT_TRUE(test::waitUntil([&] {
+    return (paper = place("PLACE,pageSizeCombo", "PLACE,")).valid();
+  })) << "no page dialog";
+  click(paper, paper.width / 2);
+  xdo({"key", "Up"});  // the list opens on A4, A3 stands above it
+  xdo({"key", "Return"});
+  clickPlace("landscape");
+  xdo({"key", "Return"});
+  ASSERT_TRUE(test::waitUntil([&] { return preview().value(6).startsWith("P:16.5"); }))
+      << preview().join(',').toStdString();
+  closePreview();
+  openPreview();
+  EXPECT_TRUE(preview().value(6).startsWith("P:16.5")) << "A3 landscape: 16.54 inches wide";
 }
 
 }  // namespace
