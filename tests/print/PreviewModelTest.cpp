@@ -150,6 +150,15 @@ TEST_F(PreviewModelTest, GridOfManySheetsFollowsTheCurrentSheet) {
   EXPECT_EQ(model.ViewRows.front().Number, 1);
 }
 
+TEST_F(PreviewModelTest, ThousandsOfSheetsOpenOnAGridOf32) {
+  open({0, 0, 1000 * Mm, 1000 * Mm});
+  model.ScaleEntered("10:1");
+  EXPECT_EQ(model.PageCount, 48 * 34);
+  EXPECT_EQ(model.ViewRows.size(), 32u);
+  model.KeyPressed(Qt::Key_End, true);
+  EXPECT_EQ(model.ViewRows.back().Number, model.PageCount);
+}
+
 TEST_F(PreviewModelTest, PageKeysStayWithinTheSheets) {
   open({0, 0, 10 * Mm, 10 * Mm});
   model.PreviewFrame = {0, 0, int32_t(3 * model.PageWidth), int32_t(2 * model.PageHeight)};

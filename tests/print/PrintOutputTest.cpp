@@ -129,6 +129,16 @@ TEST_F(PrintOutputTest, FailuresAreToldAndThePassEnds) {
   EXPECT_FALSE(model.DocOpen);
 }
 
+TEST_F(PrintOutputTest, ClosingDuringThePassEndsTheDocumentBeforeTheNextSheet) {
+  output.DoEvents = [this] { output.RequestStop(); };  // the window closes on the first sheet
+  model.Command("ATB_PrintAll");
+  output.PrintPass();
+  EXPECT_EQ(drawn, 0);
+  EXPECT_EQ(printer.docsEnded, 1);
+  EXPECT_FALSE(model.DocOpen);
+  EXPECT_EQ(timerStops, 1);
+}
+
 TEST(PrintNameTest, NamesRunFrom1To49) {
   QTemporaryDir folder;
   const std::string base = folder.path().toStdString() + "/PrintOut_";
