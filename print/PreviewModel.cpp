@@ -563,7 +563,7 @@ PreviewAction PreviewModel::Command(const std::string& tool) {
   } else if (name == "ATB_CLOSE") {
     return PreviewAction::Close;
   } else if (name == "ATB_UPDCLOSE") {
-    return PrintManager ? PreviewAction::UpdateAndClose : PreviewAction::None;
+    return PreviewAction::UpdateAndClose;
   } else if (name == "ATB_HELP") {
     return PreviewAction::Help;
   } else if (name == "ATB_FPAGE") {

@@ -25,6 +25,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -381,21 +382,31 @@ void TvxPreview::showGrid() {
     }
     picture->setVisible(shown);
   }
+  // The selected cell is framed and takes a pointer of its own: one that suggests the grid on a
+  // single sheet, another that suggests the single sheet on a grid.
   const size_t current = size_t(model_.CurrentCell);
+  const Qt::CursorShape selected =
+      model_.ViewAcross * model_.ViewDown == 1 ? Qt::SizeAllCursor : Qt::PointingHandCursor;
+  for (size_t i = 0; i < thumbs_.size(); ++i)
+    thumbs_[i].picture->setCursor(i == current ? selected : Qt::ArrowCursor);
   if (current < cells.size() && model_.ViewRows[current].Shown) {
     shpHlight_->setGeometry(thumbs_[current].picture->geometry().adjusted(-3, -3, 3, 3));
     shpHlight_->show();
     shpHlight_->raise();
-    thumbs_[current].picture->setCursor(
-        model_.ViewAcross * model_.ViewDown == 1 ? Qt::PointingHandCursor : Qt::CrossCursor);
   } else {
     shpHlight_->hide();
   }
+  // A single thumbnail larger than the window moves with the scroll bars.
   const bool onePage = model_.ScrollOnePage == 1;
-  vscScroll_->setRange(int(model_.ScrollEndY * scale), 0);
-  hscScroll_->setRange(int(model_.ScrollEndX * scale), 0);
-  vscScroll_->setEnabled(onePage);
-  hscScroll_->setEnabled(onePage);
+  for (auto [bar, end] : {std::pair{vscScroll_, int(model_.ScrollEndY * scale)},
+                          std::pair{hscScroll_, int(model_.ScrollEndX * scale)}}) {
+    const QSignalBlocker quiet(bar);
+    bar->setRange(end, 0);
+    bar->setSingleStep(std::abs(end) / 50 + 1);
+    bar->setPageStep(std::abs(end) / 10 + 1);
+    bar->setValue(end / 2);
+    bar->setEnabled(onePage);
+  }
   for (QAction* a : horizontal_->actions())
     a->setChecked(a->objectName() == QString("Horiz~%1").arg(model_.ViewAcross));
   for (QAction* a : vertical_->actions())
