@@ -193,7 +193,9 @@ void PreviewModel::Fit(bool withoutMargins) {
     FitWithoutMargins = false;
     return;
   }
-  PrecisionDiv = std::max(w / usableW, h / usableH);
+  // A millionth of slack: the whole store units of the sheets' arithmetic must not round a
+  // frame that fits into a second sheet.
+  PrecisionDiv = std::max(w / usableW, h / usableH) * (1 + 1e-6);
   PrecisionMult = 1;
   if (PrecisionDiv <= 1) {
     PrecisionMult = 1 / PrecisionDiv;
@@ -600,14 +602,14 @@ void PreviewModel::ReadPrintManager(const PrintManagerRecord& record) {
 }
 
 void PreviewModel::WritePrintManager(PrintManagerRecord& record) {
-  if (termText(PrecisionMult) != FormatNumber(PrecisionMult, "0.##########")) {
-    PrecisionDiv += 0.01;
-    PrecisionMult -= 0.01;
-  }
-  if (termText(PrecisionDiv) != FormatNumber(PrecisionDiv, "0.##########")) {
-    PrecisionDiv += 0.01;
-    PrecisionMult -= 0.01;
-  }
+  // A term its text does not hold exactly gives the artwork a little more room.
+  const bool inexact[] = {ToNumber(termText(PrecisionMult)) != PrecisionMult,
+                          ToNumber(termText(PrecisionDiv)) != PrecisionDiv};
+  for (bool term : inexact)
+    if (term) {
+      PrecisionDiv += 0.01;
+      PrecisionMult -= 0.01;
+    }
   record.PrecisionDiv = FormatNumber(PrecisionDiv, "0.00");
   record.PrecisionMult = FormatNumber(PrecisionMult, "0.00");
   const double factor = UnitFactor();

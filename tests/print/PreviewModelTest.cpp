@@ -197,6 +197,34 @@ TEST_F(PreviewModelTest, MovesToTheTypedPage) {
   EXPECT_EQ(prompts.queries.front().prompt, "Enter page to select (1 to 6): ");
 }
 
+TEST_F(PreviewModelTest, PrintManagerRecordGoesInAndComesBack) {
+  PrintManagerRecord manager;
+  manager.PrecisionMult = "0";  // no scale: the preview fits on opening
+  manager.MarginLt = 12;
+  model.PrintManager = &manager;
+  model.Begin({0, 0, 100 * Mm, 50 * Mm}, 4);
+  model.ReadPrintManager(manager);
+  EXPECT_TRUE(model.FitOnOpen);
+  model.Build();
+  EXPECT_FALSE(model.FitOnOpen);
+  EXPECT_GT(model.PrecisionMult, 1.0);  // the fit enlarged the frame
+  EXPECT_EQ(model.PageCount, 1);
+  struct Case {
+    double mult, div;
+    const char* backMult;
+    const char* backDiv;
+  };
+  for (const Case& c : {Case{2.5, 1, "2.50", "1.00"}, Case{1.0 / 3, 1, "0.32", "1.01"}}) {
+    model.PrecisionMult = c.mult;
+    model.PrecisionDiv = c.div;
+    model.WritePrintManager(manager);
+    EXPECT_EQ(manager.PrecisionMult, c.backMult);
+    EXPECT_EQ(manager.PrecisionDiv, c.backDiv);
+  }
+  EXPECT_NEAR(manager.MarginLt, 12, 1e-3);
+  EXPECT_EQ(manager.unit, 1);
+}
+
 TEST_F(PreviewModelTest, CommandsAreRefusedWhileADocumentIsOpen) {
   open({0, 0, 10 * Mm, 10 * Mm});
   model.DocOpen = true;
