@@ -267,7 +267,30 @@ void TvxPreview::buildTools() {
   tool("ATB_fullscreen", "", "Full screen")->setCheckable(true);
   tool("ATB_help", "99746", "Help");
   tool("ATB_Close", "9917", "&Close");
-  tool("ATB_UpdClose", "52111", "&Update & Close")->setVisible(false);
+  closeBand_ = new QMenu(this);
+  closeBand_->setObjectName("SB_Close");
+  closeBand_->addAction(findChild<QAction*>("ATB_Close"));
+  tool("ATB_UpdClose", "52111", "&Update & Close", closeBand_);
+
+  // The pop-up bands of the tools that have one.
+  auto band = [this](const char* name, const char* owner,
+                     std::initializer_list<const char*> tools) {
+    auto* menu = new QMenu(this);
+    menu->setObjectName(name);
+    for (const char* t : tools)
+      menu->addAction(findChild<QAction*>(t));
+    QAction* on = findChild<QAction*>(owner);
+    on->setMenu(menu);
+    if (auto* button = qobject_cast<QToolButton*>(atvPrev_->widgetForAction(on)))
+      button->setPopupMode(QToolButton::MenuButtonPopup);
+    return menu;
+  };
+  band("SB_Fitpage", "ATB_Fitpage",
+       {"ATB_Fitpage", "ATB_Fitwomargins", "ATB_CentreImage", "ATB_BestFit"});
+  band("SB_Prns", "ATB_Print", {"ATB_Print", "ATB_PrintAll", "ATB_Printers", "ATB_PageSetup"});
+  QMenu* both = band("SB_HorizVerti", "ATB_Multipages", {"ATB_Multipages", "ATB_Onepage"});
+  both->addMenu(horizontal_)->setText(findChild<QAction*>("ATB_Horizontal")->text());
+  both->addMenu(vertical_)->setText(findChild<QAction*>("ATB_Vertical")->text());
 
   popup_ = new QMenu(this);
   popup_->setObjectName("SB_Popup");
@@ -319,7 +342,8 @@ void TvxPreview::Open(const FrameRect& frame, const std::string& caption, int32_
 
 bool TvxPreview::ShowPreview(FrameRect& frame, const std::string& caption, int32_t drawFlags,
                              int32_t& status) {
-  findChild<QAction*>("ATB_UpdClose")->setVisible(false);
+  // A plain preview: Close is a plain tool, Update & Close out of reach.
+  findChild<QAction*>("ATB_Close")->setMenu(nullptr);
   Open(frame, caption, drawFlags);
   exec();
   status = 0;
@@ -329,7 +353,10 @@ bool TvxPreview::ShowPreview(FrameRect& frame, const std::string& caption, int32
 bool TvxPreview::ShowPrnMgrPreview(FrameRect& frame, const std::string& caption, int32_t drawFlags,
                                    bool plainPreview, PrintManagerRecord& manager,
                                    int32_t& status) {
-  findChild<QAction*>("ATB_UpdClose")->setVisible(true);
+  findChild<QAction*>("ATB_Close")->setMenu(closeBand_);
+  if (auto* button =
+          qobject_cast<QToolButton*>(atvPrev_->widgetForAction(findChild<QAction*>("ATB_Close"))))
+    button->setPopupMode(QToolButton::MenuButtonPopup);
   if (!plainPreview) {
     manager_ = &manager;
     model_.PrintManager = &manager;
@@ -355,6 +382,8 @@ void TvxPreview::showGrid() {
     thumb.picture = new ViewPicture(picContainer_);
     const size_t index = thumbs_.size();
     thumb.picture->setObjectName(QString("ViewPicture_%1").arg(index + 1));
+    // A thumbnail takes the focus, so that the page keys reach the window and not a box.
+    thumb.picture->setFocusPolicy(Qt::ClickFocus);
     ViewPicture* picture = thumb.picture;
     thumb.device = host_.graphics.G_GetDC(picture, [picture] { picture->present(); });
     const int32_t device = thumb.device;
@@ -549,6 +578,8 @@ void TvxPreview::keyPressEvent(QKeyEvent* event) {
   }
   if (model_.KeyPressed(event->key(), (event->modifiers() & Qt::ControlModifier) != 0)) {
     showGrid();
+    if (size_t(model_.CurrentCell) < thumbs_.size())
+      thumbs_[size_t(model_.CurrentCell)].picture->setFocus();
     return;
   }
   QDialog::keyPressEvent(event);

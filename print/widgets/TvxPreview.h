@@ -98,6 +98,7 @@ private:
   QComboBox* precision_ = nullptr;
   QComboBox* zoom_ = nullptr;
   QMenu* popup_ = nullptr;
+  QMenu* closeBand_ = nullptr;
   QMenu* horizontal_ = nullptr;
   QMenu* vertical_ = nullptr;
   QWidget* picContainer_ = nullptr;

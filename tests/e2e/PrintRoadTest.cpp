@@ -69,6 +69,11 @@ TEST_F(PrintRoad, FiveToOneShowsTwoSheetsThatPrintIntoOneBoard) {
   })) << state.join(',').toStdString();
   EXPECT_EQ(state[0], "2") << "sheets";
   EXPECT_EQ(state[4], "2") << "thumbnails";
+  // A click selects the second sheet, the left arrow goes back to the first.
+  clickPlace("ViewPicture_2");
+  EXPECT_TRUE(test::waitUntil([&] { return preview().value(5) == "2"; })) << "sheet 2";
+  xdo({"key", "Left"});
+  EXPECT_TRUE(test::waitUntil([&] { return preview().value(5) == "1"; })) << "sheet 1";
 
   clickPlace("ATB_PrintAll");
   const QString dialog = visibleWindow("Save As");
