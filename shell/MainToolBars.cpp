@@ -274,7 +274,7 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
   // The menus in their order; each was made by the part of the window it serves.
   for (const char* name :
        {"M_File", "M_OrdEdit", "M_ActiveCategory", "M_Edit", "M_Prefs", "M_View", "M_Help"})
-    if (QMenu* menu = menuBar()->findChild<QMenu*>(name)) {
+    if (QMenu* menu = findChild<QMenu*>(name)) {
       menuBar()->removeAction(menu->menuAction());
       menuBar()->addAction(menu->menuAction());
     }
