@@ -89,7 +89,8 @@ TEST_F(CategoryRoad, TheDemoBoardSortsIntoPadsViasTracksAndPours) {
 
   // Again without "Remove previous import" for the pads: no pad twice.
   openWindow();
-  const ScreenRect padsRemove = place("GRIDCELL,GBRVIEWER_GIEIMP,Pads & pads positions", "GRIDCELL,");
+  const ScreenRect padsRemove =
+      place("GRIDCELL,GBRVIEWER_GIEIMP,Pads & pads positions", "GRIDCELL,");
   ASSERT_TRUE(padsRemove.valid());
   xdo({"mousemove", QString::number(padsRemove.x - 40), QString::number(padsRemove.y)});
   xdo({"mousemove", QString::number(padsRemove.x + 8),
