@@ -71,6 +71,11 @@ std::string GBRVIEWER_MAIN::toolText(const char* fallback, const char* id) const
 }
 
 void GBRVIEWER_MAIN::buildToolBars() {
+  // The bands are made with the window's first load and kept over later ones.
+  if (bar_) {
+    refreshBands();
+    return;
+  }
   bar_ = std::make_unique<ToolBarModel>();
   ToolBarModel& bar = *bar_;
   const auto button = [&](const char* band, const char* name, const std::string& tip,
