@@ -329,13 +329,15 @@ double GerberBlockReader::ParseCoordinate(std::string_view text, int axis) const
   const int64_t decimals = format_.DecimalDigits[size_t(axis)];
   int64_t total = int64_t(format_.IntegerDigits[size_t(axis)]) + decimals;
   double sign = 1;
-  // Most coordinates are a few digits alone: read at once, as valueOf reads them.
+  // Most coordinates are a few digits alone: read at once, as valueOf reads them. Eighteen digits
+  // at most fit the 64-bit sum; a longer run is read by valueOf.
+  constexpr size_t MostFastDigits = 18;
   size_t run = 0;
   int64_t digits = 0;
-  while (run < text.size() && run <= 18 && isDigit(text[run]))
+  while (run < text.size() && run < MostFastDigits && isDigit(text[run]))
     digits = digits * 10 + (text[run++] - '0');
   double value = static_cast<double>(digits);
-  if (run != text.size() || run > 18) {
+  if (run != text.size()) {
     if (const size_t plus = text.find('+'); plus != std::string_view::npos)
       text = text.substr(plus + 1);
     if (const size_t minus = text.find('-'); minus != std::string_view::npos) {

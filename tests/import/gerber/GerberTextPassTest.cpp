@@ -155,6 +155,9 @@ TEST(GerberTextPass, ParseCoordinateByZeroMode) {
   EXPECT_DOUBLE_EQ(parse("-12", AxisX), -inches(0.0012));
   EXPECT_DOUBLE_EQ(parse("+12", AxisY), inches(0.012));
   EXPECT_DOUBLE_EQ(parse("1234567", AxisX), inches(123.4567)) << "longer than the format";
+  // Digits beyond what a 64-bit sum holds (found by fuzzing): read as a number all the same.
+  EXPECT_DOUBLE_EQ(parse("9999999999999999999", AxisX), inches(9999999999999999999.0 / 1e4));
+  EXPECT_DOUBLE_EQ(parse("999999999999999999", AxisX), inches(999999999999999999.0 / 1e4));
   pass.format.OmittedZeros = 0;
   EXPECT_DOUBLE_EQ(parse("12", AxisX), inches(12)) << "digits are left-aligned";
   EXPECT_DOUBLE_EQ(parse("-0012", AxisX), -inches(0.12));
