@@ -287,8 +287,7 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
 
 void GBRVIEWER_MAIN::M_ToolTip_Click() {
   toolTipsOn_ = !toolTipsOn_;
-  for (QToolBar* band : findChildren<QToolBar*>())
-    band->setToolTipDuration(toolTipsOn_ ? -1 : 1);
+  barView_->setTipsShown(toolTipsOn_);
   refreshBands();
 }
 
@@ -409,13 +408,12 @@ void GBRVIEWER_MAIN::refreshBands() {
     set(name, [on](ToolItem& t) { t.Checked = on; });
   };
   // Combos.
-  const auto rows = [](const std::vector<std::string>& list) { return list; };
   set("ATB_ZoomValue", [&](ToolItem& t) {
-    t.ComboRows = rows(view_->precisionComboRows());
+    t.ComboRows = view_->precisionComboRows();
     t.ComboText = view_->PrecisionText;
   });
   set("ATB_GridValue", [&](ToolItem& t) {
-    t.ComboRows = rows(view_->rasterComboRows());
+    t.ComboRows = view_->rasterComboRows();
     t.ComboText = view_->lengthText(redraw_->RasterStep);
   });
   // Modes, raster, view options.
@@ -470,11 +468,6 @@ void GBRVIEWER_MAIN::refreshBands() {
     });
   }
   rebuildKeyBands();
-  if (!toolTipsOn_)
-    for (const std::string& band : bar.bands())
-      if (QToolBar* b = barView_->toolBar(band))
-        for (QAction* a : b->actions())
-          a->setToolTip({});
 }
 
 void GBRVIEWER_MAIN::rebuildKeyBands() {

@@ -250,11 +250,12 @@ void ToolBarView::showTool(const std::string& name) {
     return;
   const QIcon icon = pictureOf(tool->Picture);
   const QString caption = qs(tool->Caption);
-  const QString tip = qs(tool->shownTip());
+  const QString tipText = qs(tool->shownTip());
+  const QString tip = tipsShown_ ? tipText : QString();
   if (tool->Kind == ToolKind::Button) {
     // Every action of the tool: on a band and its twin alike.
     for (QAction* each : actions_[tool->Name]) {
-      each->setText(caption.isEmpty() ? tip : caption);
+      each->setText(caption.isEmpty() ? tipText : caption);
       each->setToolTip(tip);
       each->setIcon(icon);
       each->setCheckable(tool->Checkable);
@@ -273,7 +274,7 @@ void ToolBarView::showTool(const std::string& name) {
           if (const QIcon rowIcon = pictureOf(r->Picture); !rowIcon.isNull())
             shownIcon = rowIcon;
         }
-    button->setText(shown.isEmpty() ? tip : shown);
+    button->setText(shown.isEmpty() ? tipText : shown);
     button->setIcon(shownIcon);
     button->setToolTip(tip);
     button->setToolButtonStyle(shownIcon.isNull() ? Qt::ToolButtonTextOnly
@@ -365,6 +366,12 @@ void ToolBarView::setBandVisible(const std::string& band, bool visible) {
     bar->setVisible(visible);
     ownChange_ = false;
   }
+}
+
+void ToolBarView::setTipsShown(bool shown) {
+  tipsShown_ = shown;
+  for (const auto& [name, actions] : actions_)
+    showTool(name);
 }
 
 void ToolBarView::setLocked(const std::string& band, bool locked) {

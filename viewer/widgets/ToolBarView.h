@@ -47,6 +47,8 @@ public:
   // Shows or hides a band as the program asks, without a "closed" event.
   void setBandVisible(const std::string& band, bool visible);
   void setLocked(const std::string& band, bool locked);
+  // With tips off no tool shows one.
+  void setTipsShown(bool shown);
   // The band's place as it stands on the screen.
   BandPlace placeOf(const std::string& band) const;
   // Docks the bands by their places: each area's bands by line, then offset; shown or hidden as
@@ -80,6 +82,7 @@ private:
   std::map<std::string, bool> comboEdited_;
   std::map<std::string, QIcon> pictureCache_;
   bool ownChange_ = false;
+  bool tipsShown_ = true;
 };
 
 }  // namespace tvx
