@@ -66,8 +66,15 @@ int32_t Graphics::G_DrawGrid(int32_t dev, const FrameRect& r, int32_t step, int3
   // Slot codes of the grid's colours: 62 dots, 36 lines, 37 crosses.
   const int32_t dotColour = 64 + 30, lineColour = 64 + 4, crossColour = 64 + 5;
   QPainter& p = *d->painter;
+  // By exclusive-or the pen is the colour taken with the background's, so that a point over the
+  // background shows the grid's own colour and drawing the grid twice takes it away again.
+  const bool exclusive = (d->drawMode & drawmode::ExclusiveOr) != 0;
+  const QRgb background = impl_->qrgbOf(*d, 128);
   auto setPen = [&](int32_t colour) {
-    QPen pen(QColor(impl_->qrgbOf(*d, colour)));
+    QRgb rgb = impl_->qrgbOf(*d, colour);
+    if (exclusive)
+      rgb = (rgb ^ background) | 0xFF000000u;
+    QPen pen{QColor(rgb)};
     pen.setCosmetic(true);
     pen.setWidth(1);
     p.setPen(pen);
@@ -86,8 +93,11 @@ int32_t Graphics::G_DrawGrid(int32_t dev, const FrameRect& r, int32_t step, int3
         QPointF c = d->toDevice(double(x), double(y));
         QPoint px(int(std::floor(c.x())), int(std::floor(c.y())));
         if (d->gridMode == 3) {
+          // The upright stroke leaves out the middle, which the level one holds: every pixel
+          // of a cross is set once.
           p.drawLine(px - QPoint(2, 0), px + QPoint(2, 0));
-          p.drawLine(px - QPoint(0, 2), px + QPoint(0, 2));
+          p.drawLine(px - QPoint(0, 2), px - QPoint(0, 1));
+          p.drawLine(px + QPoint(0, 1), px + QPoint(0, 2));
         } else {
           p.drawPoint(px);
         }

@@ -170,15 +170,73 @@ void ViewRedraw::setBackgroundSlots(int32_t state) {
   }
 }
 
-void ViewRedraw::drawRaster(int32_t device) {
+void ViewRedraw::drawRaster(int32_t device, bool report) {
   const FrameRect picture{0, 0, view_.pictureWidth(), view_.pictureHeight()};
-  const int32_t used = kernel_.graphics.G_DrawGrid(device, picture, RasterStep, GridOn ? 1 : 0);
+  Graphics& graphics = kernel_.graphics;
+  if (gridMode() != 2)
+    graphics.G_SetDrawMode(device, drawmode::Normal | drawmode::ExclusiveOr);
+  const int32_t used = graphics.G_DrawGrid(device, picture, RasterStep, 1);
+  graphics.G_SetDrawMode(device, drawmode::Normal);
+  if (!report)
+    return;
   if (used != RasterStep) {
     EditMsgLine(services_.LocalMessage(RasterAdjusted, RasterAdjustedId));
     prompts_.beep();
   }
   if (hooks.showRasterStep)
     hooks.showRasterStep(used);
+}
+
+int32_t ViewRedraw::gridMode() const { return kernel_.graphics.G_GetGridMode(view_.device()); }
+
+void ViewRedraw::xorRaster() {
+  if (!view_.OpenView(1))
+    return;
+  drawRaster(view_.device(), GridOn);
+  kernel_.graphics.G_CloseDC(view_.device(), 1);
+}
+
+void ViewRedraw::toggleRaster() {
+  GridOn = !GridOn;
+  if (gridMode() == 1)
+    xorRaster();
+  else
+    RedrawScreen();
+}
+
+void ViewRedraw::chooseGridMode(int32_t mode) {
+  const int32_t was = gridMode();
+  if (GridOn && was == mode)
+    return;
+  if (mode == 1) {
+    // A line or cross raster goes with a rebuild; the dots are then added on the picture.
+    if (GridOn) {
+      GridOn = false;
+      RedrawScreen();
+    }
+    GridOn = true;
+    kernel_.graphics.G_SetGridMode(view_.device(), 1);
+    xorRaster();
+    return;
+  }
+  GridOn = true;
+  kernel_.graphics.G_SetGridMode(view_.device(), mode);
+  RedrawScreen();
+}
+
+void ViewRedraw::changeRasterStep(int32_t step) {
+  if (!GridOn || gridMode() == 2) {
+    RasterStep = step;
+    if (GridOn)
+      RedrawScreen();
+    return;
+  }
+  if (!view_.OpenView(1))
+    return;
+  drawRaster(view_.device(), false);
+  RasterStep = step;
+  drawRaster(view_.device());
+  kernel_.graphics.G_CloseDC(view_.device(), 1);
 }
 
 void ViewRedraw::drawEntriesOf(int32_t device, int32_t symbol, int32_t key, int32_t colour) {

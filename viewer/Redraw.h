@@ -92,12 +92,26 @@ public:
   void toggle(DisplayOption option);
   bool isChecked(DisplayOption option) const;
 
+  // The raster's tools. The dot and cross rasters (grid modes 1 and 3) are drawn by exclusive-or,
+  // so that they are added and taken away on the picture as it stands; the line raster (mode 2)
+  // always takes a rebuild.
+  // The raster on or off: a dot raster is toggled on the picture, the others redrawn.
+  void toggleRaster();
+  // Grid mode 1, 2 or 3 chosen: the raster shows in that mode afterwards.
+  void chooseGridMode(int32_t mode);
+  // A new raster step: stored, and the raster shown with it where it shows.
+  void changeRasterStep(int32_t step);
+
   // Rebuilds done since the model was made; a plain repaint does not count.
   int32_t rebuilds() const { return rebuilds_; }
 
 private:
   void rebuild();
-  void drawRaster(int32_t device);
+  // Draws the raster; report tells the step used (and a step too fine for the view).
+  void drawRaster(int32_t device, bool report = true);
+  int32_t gridMode() const;
+  // Draws the raster once more by exclusive-or on the open view: it appears or goes.
+  void xorRaster();
   void highlightPadStack(int32_t device);
   void highlightAperture(int32_t device);
   // Draws the entries of symbol whose pad stack key is key, their pad stack items in colour.

@@ -350,6 +350,21 @@ TEST_F(GraphicsServicesTest, GridUsesACoarserStepWhenTheAskedOneIsTooFine) {
   EXPECT_TRUE(image.pixel(50, 50) == white && image.pixel(60, 40) == white &&
               image.pixel(55, 50) != white);
   EXPECT_EQ(k.graphics.G_SetGridMode(dev, 4), 0) << "no such mode";
+
+  // Crosses by exclusive-or over the background: every pixel of a cross shows, the middle too,
+  // and a second drawing leaves the background.
+  image.fill(Qt::black);
+  k.strings.E_SysTable(1)[37] = 15;  // crosses white
+  dev = open(image, 100);
+  k.graphics.G_SetGridMode(dev, 3);
+  k.graphics.G_SetDrawMode(dev, drawmode::Normal | drawmode::ExclusiveOr);
+  k.graphics.G_DrawGrid(dev, all, 1000, 1);
+  const std::vector<QPoint> cross{{48, 50}, {52, 50}, {50, 48}, {50, 52}, {50, 50}};
+  for (const QPoint& p : cross)
+    EXPECT_NE(image.pixel(p), qRgb(0, 0, 0)) << p.x() << "," << p.y();
+  k.graphics.G_DrawGrid(dev, all, 1000, 1);
+  k.graphics.G_CloseDC(dev, 1);
+  EXPECT_EQ(image.pixel(50, 50), qRgb(0, 0, 0));
 }
 
 TEST_F(GraphicsServicesTest, GeometryHelpers) {

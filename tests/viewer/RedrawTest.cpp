@@ -19,8 +19,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tvx::test {
@@ -162,6 +164,54 @@ TEST_F(RedrawTest, ARasterTooFineIsAdjustedWithMessageAndBeep) {
   redraw.GridOn = false;
   redraw.RedrawScreen();
   EXPECT_EQ(shownSteps.size(), 2u);
+}
+
+TEST_F(RedrawTest, RasterToolsGiveThePictureARebuildWouldGive) {
+  // Each step from the raster off, over a disc so that dots fall on artwork too: the picture
+  // after the tool is the one a rebuild in the new state draws, and the dot and cross rasters
+  // change it without a rebuild.
+  addDisc(3, 0, 0, 300000);
+  const auto shown = [&] { return kernel.graphics.shadowImage(view.device())->copy(); };
+  struct Step {
+    const char* what;
+    std::function<void()> act;
+    int32_t mode;
+    bool on;
+    int32_t step;
+    bool rebuilds;
+  };
+  const std::vector<Step> steps{
+      {"dots on", [&] { redraw.chooseGridMode(1); }, 1, true, 100000, false},
+      {"dots off", [&] { redraw.toggleRaster(); }, 1, false, 100000, false},
+      {"dots on again", [&] { redraw.toggleRaster(); }, 1, true, 100000, false},
+      {"dots finer", [&] { redraw.changeRasterStep(60000); }, 1, true, 60000, false},
+      {"crosses", [&] { redraw.chooseGridMode(3); }, 3, true, 60000, true},
+      {"crosses coarser", [&] { redraw.changeRasterStep(200000); }, 3, true, 200000, false},
+      {"lines", [&] { redraw.chooseGridMode(2); }, 2, true, 200000, true},
+      {"dots from lines", [&] { redraw.chooseGridMode(1); }, 1, true, 200000, true},
+      {"lines off",
+       [&] {
+         redraw.chooseGridMode(2);
+         redraw.toggleRaster();
+       },
+       2, false, 200000, true},
+  };
+  redraw.RasterStep = 100000;
+  redraw.RedrawScreen();
+  const QImage bare = shown();
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    const int32_t before = redraw.rebuilds();
+    step.act();
+    EXPECT_EQ(redraw.rebuilds() > before, step.rebuilds);
+    EXPECT_EQ(
+        std::tuple(kernel.graphics.G_GetGridMode(view.device()), redraw.GridOn, redraw.RasterStep),
+        std::tuple(step.mode, step.on, step.step));
+    const QImage afterTool = shown();
+    redraw.RedrawScreen();
+    EXPECT_TRUE(afterTool == shown());
+    EXPECT_EQ(afterTool == bare, !step.on);
+  }
 }
 
 TEST_F(RedrawTest, ApertureHighlightRecoloursItsItemsAndTellsWhatItIs) {
