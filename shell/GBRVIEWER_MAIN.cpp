@@ -20,6 +20,7 @@
 #include "viewer/Measuring.h"
 #include "viewer/ToolBarModel.h"
 #include "viewer/ToolDispatcher.h"
+#include "viewer/widgets/ToolBarView.h"
 #include "viewer/widgets/ViewPicture.h"
 
 #include <QAction>
@@ -218,14 +219,24 @@ void GBRVIEWER_MAIN::buildMenus() {
   viewMenu->addSeparator();
   entry(viewMenu, "M_Sbars", "Scroll Bars", &GBRVIEWER_MAIN::M_Sbars_Click, true);
   entry(viewMenu, "M_LCursor", "Long &Cursor", &GBRVIEWER_MAIN::M_LCursor_Click, true);
+  // The view's own keys for two entries, shown beside them.
+  ToolBarView::showKeys(*menuEntry("M_LCursor"), "Shift+Z");
+  ToolBarView::showKeys(*menuEntry("M_BScopy"), "Shift+S");
 
   buildToolsMenu();
   buildLayerCommands();
   buildPreferencesMenu();
 
+  // The suite's options window is not part of this viewer: its menu stands, shown disabled.
+  QMenu* options = menuBar()->addMenu("Options");
+  options->setObjectName("M_SetupOptions");
+  options->menuAction()->setObjectName("M_SetupOptionsEntry");
+  options->setEnabled(false);
+
   QMenu* help = menuBar()->addMenu("&Help");
   help->setObjectName("M_Help");
-  entry(help, "M_HelpContents", "&Help", &GBRVIEWER_MAIN::M_Help_Click);
+  entry(help, "M_HelpContents", "&Help", &GBRVIEWER_MAIN::M_Help_Click)
+      ->setShortcut(QKeySequence("Ctrl+F1"));
 }
 
 QAction* GBRVIEWER_MAIN::menuEntry(const std::string& name) const {

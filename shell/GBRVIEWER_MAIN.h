@@ -339,6 +339,9 @@ private:
   void switchViewBand(bool layout);
   // View > Toolbar's entries follow their bands.
   void syncBandEntries();
+  // A band shown, moved or resized: the option band's size is kept for its rebuilds, the view
+  // band's visibility goes to its menu entry.
+  void BandMoved(const std::string& band);
   // A band of View > Toolbar; an empty name is the view band of the moment.
   std::string bandOf(const char* entryBand) const;
   std::string toolText(const char* fallback, const char* id) const;
@@ -402,6 +405,9 @@ private:
   bool toolTipsOn_ = true;
   int16_t builtFunction_ = -1;  // the function and key the two key bands were built for
   int32_t builtKey_ = -1;
+  int32_t OptionBandWidth = 0;  // the option band's size as the user left it, in pixels
+  int32_t OptionBandHeight = 0;
+  bool rebuildingKeyBands_ = false;
   std::string viewBand_ = "B_ViewLayout";          // the view band in the bar's place
   std::map<std::string, BandPlace> loadedPlaces_;  // the bands' places as read at start
   QLineEdit* xPosPanel_ = nullptr;

@@ -18,6 +18,7 @@
 #include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QToolBar>
 
 namespace tvx {
@@ -227,12 +228,24 @@ void GBRVIEWER_MAIN::buildToolBars() {
     if (isEnabled() && !redraw_->RedrawBusy && currentFunction_ > 0)
       EditMsgLine(functions_[size_t(currentFunction_)].Prompt);
   };
+  e.bandMoved = [this](const std::string& band) { BandMoved(band); };
   e.bandClosed = [this](const std::string& band) {
     for (const BandEntry& b : BandEntries)
       if (band == bandOf(b.band))
         if (QAction* entry = menuEntry(b.entry))
           entry->setChecked(false);
   };
+
+  // The view's keys for the tools, shown beside them in the bands' menus.
+  for (const auto& [name, keys] : {std::pair{"ATB_ZoomUp", "Shift+U"},
+                                   {"ATB_ZoomDn", "Shift+D"},
+                                   {"ATB_BlockZoom", "Shift+B"},
+                                   {"ATB_DistanceTool", "Shift+M"}})
+    if (ToolItem* tool = bar.tool(name))
+      tool->Keys = keys;
+  // Alt+W presses the redraw tool, as its tip tells.
+  auto* redrawKey = new QShortcut(QKeySequence("Alt+W"), this);
+  connect(redrawKey, &QShortcut::activated, this, [this] { bar_->events.toolClick("ATB_Redraw"); });
 
   barView_ = new ToolBarView(bar, *this, QString::fromStdString(appPath_ + "/pictures"),
                              settings_.IMGWIDTH > 0 ? settings_.IMGWIDTH : 16);
@@ -277,8 +290,8 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
     connect(lock, &QAction::triggered, this, [this] { M_LockTB_Click(); });
   }
   // The menus in their order; each was made by the part of the window it serves.
-  for (const char* name :
-       {"M_File", "M_OrdEdit", "M_ActiveCategory", "M_Edit", "M_Prefs", "M_View", "M_Help"})
+  for (const char* name : {"M_File", "M_OrdEdit", "M_ActiveCategory", "M_Edit", "M_Prefs", "M_View",
+                           "M_SetupOptions", "M_Help"})
     if (QMenu* menu = findChild<QMenu*>(name)) {
       menuBar()->removeAction(menu->menuAction());
       menuBar()->addAction(menu->menuAction());
@@ -308,20 +321,14 @@ void GBRVIEWER_MAIN::runNamedTool(std::string_view name) {
     view_->ZoomModeFlag = int16_t(mode);
     applyViewChange(view_->ATB_RedrawButtonClick(mode));
   };
-  const auto gridMode = [this](int32_t mode) {
-    redraw_->GridOn = true;
-    context_.kernel.graphics.G_SetGridMode(cpDcId_, mode);
-    RedrawScreen();
-  };
   if (name == "ATB_GRID") {
-    redraw_->GridOn = !redraw_->GridOn;
-    RedrawScreen();
+    redraw_->toggleRaster();
   } else if (name == "ATB_GRID1") {
-    gridMode(2);
+    redraw_->chooseGridMode(2);
   } else if (name == "ATB_GRID2") {
-    gridMode(1);
+    redraw_->chooseGridMode(1);
   } else if (name == "ATB_GRID3") {
-    gridMode(3);
+    redraw_->chooseGridMode(3);
   } else if (name == "ATB_ZOOMUP" || name == "ATB_ZOOMDN") {
     applyViewChange(view_->zoomAboutCentre(name == "ATB_ZOOMUP" ? zoomstep::In : zoomstep::Out));
   } else if (name == "ATB_BLOCKZOOM") {
@@ -389,9 +396,7 @@ void GBRVIEWER_MAIN::RasterValueChanged() {
   if (!step) {
     context_.prompts.beep();
   } else {
-    redraw_->RasterStep = *step;
-    if (redraw_->GridOn)
-      RedrawScreen();
+    redraw_->changeRasterStep(*step);
   }
   refreshBands();
   viewPicture_->setFocus();
@@ -480,6 +485,8 @@ void GBRVIEWER_MAIN::rebuildKeyBands() {
   const std::string shortcut = toolText("Shortcut:", "62103");
   if (function != builtFunction_)
     switchViewBand(function == 1);
+  // The bands' own moves while they are emptied and filled are not the user's.
+  rebuildingKeyBands_ = true;
   if (rebuild) {
     bar.clearBand("FunctionTools");
     bar.clearBand("OptionTools");
@@ -526,8 +533,10 @@ void GBRVIEWER_MAIN::rebuildKeyBands() {
       tool.Visible = row.Shown != 0 && r != OptionCount - 1;
       tool.GroupStart = r > 0 && row.Group != previousGroup && tool.Visible;
       previousGroup = row.Group;
-      if (tool.Visible)
+      if (tool.Visible) {
         tool.Number = std::min(27 + shown++, 36);
+        tool.Keys = "F" + std::to_string(shown);  // the nth shown option is the nth F-key
+      }
     } else {
       tool.Visible = false;
     }
@@ -550,6 +559,26 @@ void GBRVIEWER_MAIN::rebuildKeyBands() {
     bar.bandChanged("OptionTools");
     builtFunction_ = function;
     builtKey_ = key;
+    // A floating option band takes back the size the user gave it, as far as its tools allow.
+    if (QToolBar* options = barView_->toolBar("OptionTools");
+        options && options->isFloating() && OptionBandWidth > 0 && OptionBandHeight > 0)
+      options->resize(QSize(OptionBandWidth, OptionBandHeight).expandedTo(options->sizeHint()));
+  }
+  rebuildingKeyBands_ = false;
+}
+
+void GBRVIEWER_MAIN::BandMoved(const std::string& band) {
+  if (rebuildingKeyBands_ || !barView_)
+    return;
+  QToolBar* toolBar = barView_->toolBar(band);
+  if (!toolBar)
+    return;
+  if (band == "OptionTools") {
+    OptionBandWidth = toolBar->width();
+    OptionBandHeight = toolBar->height();
+  } else if (band == viewBand_) {
+    if (QAction* entry = menuEntry("M_Views"))
+      entry->setChecked(!toolBar->isHidden());
   }
 }
 

@@ -39,6 +39,9 @@ struct ToolItem {
   std::string ComboText{};
   std::vector<std::string> ComboRows{};
   int32_t Number = 0;  // an option tool's control number, 27 to 36; 0 for none
+  // The keys that do what the tool does ("Shift+B", "F3"), shown beside it in menus; the keys
+  // themselves are the view's to handle.
+  std::string Keys{};
 
   // What the tool's tip shows.
   const std::string& shownTip() const { return ToolTip.empty() ? Caption : ToolTip; }

@@ -1,6 +1,6 @@
 // The tool bands with real X input: a function tool fills the option band, a raster typed with a
-// comma is taken in millimetres, a band hidden through View > Toolbar, and every band where it
-// was after the viewer is started again.
+// comma is taken in millimetres, the dot raster added and taken away, the view's keys, a band
+// hidden through View > Toolbar, and every band where it was after the viewer is started again.
 #include "e2e/HostDriver.h"
 
 #include <QFile>
@@ -61,6 +61,42 @@ TEST_F(ToolBandRoad, BandsWorkAndStayWhereTheyWere) {
   xdo({"type", "--delay", "20", "999"});
   xdo({"key", "Return"});
   EXPECT_TRUE(test::waitUntil([&] { return tool("ATB_GridValue").endsWith("\t0.500"); }));
+
+  // The raster tool in dot mode: the dots are added to the picture and taken away again,
+  // leaving it as it was.
+  const QImage bare = view("bare");
+  const ScreenRect grid = place("PLACE,ATB_Grid", "PLACE,");
+  ASSERT_TRUE(grid.valid());
+  click(grid, 4);
+  ASSERT_TRUE(test::waitUntil([&] { return tool("ATB_Grid").startsWith("checked"); }));
+  EXPECT_NE(view("dots"), bare);
+  click(grid, 4);
+  ASSERT_TRUE(test::waitUntil([&] { return tool("ATB_Grid").startsWith("-"); }));
+  EXPECT_EQ(view("dots-gone"), bare);
+
+  // The view's own keys still work though the menus show them: Shift+Z the long cursor, and
+  // Alt+W the redraw in board mode, back to the board fitted.
+  const auto precision = [&] {
+    return ask("TARVEX,VIEWSTATE", "VIEWSTATE").filter("VIEWSTATE,").value(0).section(',', 1, 1);
+  };
+  xdo({"key", "Home"});  // the board fitted to the view as it now stands
+  QString fitted;
+  ASSERT_TRUE(test::waitUntil([&] {
+    const QString before = fitted;
+    fitted = precision();
+    return fitted == before;
+  }));
+  xdo({"key", "shift+z"});
+  EXPECT_TRUE(test::waitUntil([&] {
+    return ask("TARVEX,MENU,M_View", "MENU,M_View")
+        .filter("M_LCursor")
+        .value(0)
+        .contains("\tchecked");
+  }));
+  xdo({"key", "shift+u"});
+  ASSERT_TRUE(test::waitUntil([&] { return precision() != fitted; }));
+  xdo({"key", "alt+w"});
+  EXPECT_TRUE(test::waitUntil([&] { return precision() == fitted; })) << precision().toStdString();
 
   // The layer band dragged by its handle off the bar: it floats.
   const ScreenRect layers = place("PLACE,B_Layer", "PLACE,");

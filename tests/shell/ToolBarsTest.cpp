@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QMenu>
 #include <QToolBar>
 
 namespace tvx::test {
@@ -109,6 +110,25 @@ TEST_F(ToolBarsTest, EveryToolAndMenuEntryExists) {
                             "M_Ruler",
                             "M_LCursor"})
     EXPECT_NE(w.menuEntry(entry), nullptr) << entry;
+  ASSERT_NE(w.findChild<QMenu*>("M_SetupOptions"), nullptr);
+  EXPECT_FALSE(w.findChild<QMenu*>("M_SetupOptions")->isEnabled()) << "no options window yet";
+  // The keys of entries and tools are shown beside them; the option tools take the F-keys in
+  // the order they are shown (the four of Align).
+  w.toolBar()->events.toolClick("3008");
+  for (const auto& [name, keys] : {std::pair{"M_LCursor", "Shift+Z"},
+                                   {"M_BScopy", "Shift+S"},
+                                   {"M_HelpContents", "Ctrl+F1"},
+                                   {"M_Undo", "Ctrl+Z"},
+                                   {"ATB_BlockZoom", "Shift+B"},
+                                   {"ATB_DistanceTool", "Shift+M"}})
+    EXPECT_EQ(w.findChild<QAction*>(name)->shortcut().toString(), keys) << name;
+  QStringList optionKeys;
+  for (QAction* option : w.findChild<QToolBar*>("OptionTools")->actions())
+    if (option->isVisible() && !option->isSeparator())
+      optionKeys << option->shortcut().toString();
+  ASSERT_EQ(optionKeys.size(), 4);
+  for (int n = 0; n < optionKeys.size(); ++n)
+    EXPECT_EQ(optionKeys[n], QString("F%1").arg(n + 1));
   for (const char* band : {"B_Standard", "B_Position", "B_Tools", "B_ViewLayout", "B_View",
                            "B_Layer", "FunctionTools", "OptionTools"})
     EXPECT_NE(w.findChild<QToolBar*>(band), nullptr) << band;

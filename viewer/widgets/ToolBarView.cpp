@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
@@ -116,6 +117,13 @@ QAction* ToolBarView::makeAction(const ToolItem& tool, QObject* parent, const st
   });
   keep(tool.Name, action, band);
   return action;
+}
+
+void ToolBarView::showKeys(QAction& action, const std::string& keys) {
+  // Bound to the action's own widgets only, which never hold the focus the view's keys need:
+  // a menu shows the keys, the view still handles them.
+  action.setShortcut(QKeySequence(qs(keys)));
+  action.setShortcutContext(Qt::WidgetShortcut);
 }
 
 void ToolBarView::keep(const std::string& tool, QAction* action, const std::string& band) {
@@ -262,6 +270,7 @@ void ToolBarView::showTool(const std::string& name) {
       each->setChecked(tool->Checked);
       each->setEnabled(tool->Enabled);
       each->setVisible(tool->Visible);
+      showKeys(*each, tool->Keys);
     }
   } else if (QToolButton* button = dropDowns_.count(name) ? dropDowns_[name] : nullptr) {
     // A drop-down shows its chosen row's picture and caption.
@@ -354,7 +363,9 @@ bool ToolBarView::eventFilter(QObject* watched, QEvent* event) {
     }
   }
   if (auto* bar = qobject_cast<QToolBar*>(watched);
-      bar && (event->type() == QEvent::Move || event->type() == QEvent::Resize) &&
+      bar &&
+      (event->type() == QEvent::Move || event->type() == QEvent::Resize ||
+       event->type() == QEvent::Show || event->type() == QEvent::Hide) &&
       model_.events.bandMoved)
     model_.events.bandMoved(bar->objectName().toStdString());
   return QObject::eventFilter(watched, event);

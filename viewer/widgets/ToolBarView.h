@@ -49,6 +49,8 @@ public:
   void setLocked(const std::string& band, bool locked);
   // With tips off no tool shows one.
   void setTipsShown(bool shown);
+  // Shows keys beside an action in menus without binding them anywhere the view has the focus.
+  static void showKeys(QAction& action, const std::string& keys);
   // The band's place as it stands on the screen.
   BandPlace placeOf(const std::string& band) const;
   // Docks the bands by their places: each area's bands by line, then offset; shown or hidden as
