@@ -72,7 +72,8 @@ void GBRVIEWER_MAIN::buildToolsMenu() {
   categories->setObjectName("M_ImportCategories");
   connect(categories, &QAction::triggered, this, [this] { M_ImportCategories_Click(); });
   // A row per function of the menu file, which start-up reads after the menus are built; the
-  // current function checked.
+  // current function checked. Function 1, the viewer's own, is the Graphic Imports tool's: its row
+  // is hidden.
   connect(tools, &QMenu::aboutToShow, this, [this, tools, import] {
     for (QAction* action : tools->actions())
       if (action->objectName().startsWith("M_FSI_"))
@@ -84,6 +85,7 @@ void GBRVIEWER_MAIN::buildToolsMenu() {
       row->setObjectName(QString("M_FSI_%1").arg(n));
       row->setCheckable(true);
       row->setChecked(n == currentFunction_);
+      row->setVisible(n != 1);
       connect(row, &QAction::triggered, this, [this, n] { M_FSI_Click(n); });
       tools->insertAction(import, row);
     }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tvx {
@@ -95,6 +96,18 @@ TEST_F(FunctionKeysTest, ShortcutsFollowGlobalAndTheCurrentFunction) {
   EXPECT_EQ(current, 3);
   EXPECT_EQ(table[3].CurrentKey, 1);
   EXPECT_EQ(table[3].Keys[1].Checked, 1);
+}
+
+TEST_F(FunctionKeysTest, APressOfACommandKeyRunsItAndKeepsThePreviousKey) {
+  // Key 3 runs a command: the checked key stays 4. Key 2 is selected: it takes the check.
+  table[1].Keys[4].Checked = 1;
+  keys.keyToolClicked(3);
+  EXPECT_EQ(std::tuple(keys.CurrentKey(), table[1].Keys[4].Checked, table[1].Keys[3].Checked),
+            std::tuple(4, 1, 0));
+  EXPECT_EQ(events, (std::vector<std::string>{"command 3,0", "move"}));
+  keys.keyToolClicked(2);
+  EXPECT_EQ(std::tuple(keys.CurrentKey(), table[1].Keys[4].Checked, table[1].Keys[2].Checked),
+            std::tuple(2, 0, 1));
 }
 
 TEST_F(FunctionKeysTest, OptionToolsGroupsAndCommands) {

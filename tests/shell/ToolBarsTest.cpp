@@ -110,6 +110,9 @@ TEST_F(ToolBarsTest, EveryToolAndMenuEntryExists) {
                             "M_Ruler",
                             "M_LCursor"})
     EXPECT_NE(w.menuEntry(entry), nullptr) << entry;
+  emit w.findChild<QMenu*>("M_Edit")->aboutToShow();
+  ASSERT_NE(w.menuEntry("M_FSI_1"), nullptr);
+  EXPECT_FALSE(w.menuEntry("M_FSI_1")->isVisible()) << "function 1 is the tool's alone";
   ASSERT_NE(w.findChild<QMenu*>("M_SetupOptions"), nullptr);
   EXPECT_FALSE(w.findChild<QMenu*>("M_SetupOptions")->isEnabled()) << "no options window yet";
   // The keys of entries and tools are shown beside them; the option tools take the F-keys in
