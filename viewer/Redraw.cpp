@@ -189,10 +189,20 @@ void ViewRedraw::drawRaster(int32_t device, bool report) {
 
 int32_t ViewRedraw::gridMode() const { return kernel_.graphics.G_GetGridMode(view_.device()); }
 
-void ViewRedraw::xorRaster() {
-  if (!view_.OpenView(1))
+void ViewRedraw::xorRaster(std::optional<int32_t> newStep) {
+  if (!view_.OpenView(1)) {
+    RasterStep = newStep.value_or(RasterStep);
     return;
+  }
+  // The grid's colours as a rebuild had them (in mono they are the paper's), or the points
+  // would not go away.
+  setBackgroundSlots(1);
+  if (newStep) {
+    drawRaster(view_.device(), false);
+    RasterStep = *newStep;
+  }
   drawRaster(view_.device(), GridOn);
+  setBackgroundSlots(0);
   kernel_.graphics.G_CloseDC(view_.device(), 1);
 }
 
@@ -231,12 +241,7 @@ void ViewRedraw::changeRasterStep(int32_t step) {
       RedrawScreen();
     return;
   }
-  if (!view_.OpenView(1))
-    return;
-  drawRaster(view_.device(), false);
-  RasterStep = step;
-  drawRaster(view_.device());
-  kernel_.graphics.G_CloseDC(view_.device(), 1);
+  xorRaster(step);
 }
 
 void ViewRedraw::drawEntriesOf(int32_t device, int32_t symbol, int32_t key, int32_t colour) {

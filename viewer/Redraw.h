@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tvx {
@@ -110,8 +111,9 @@ private:
   // Draws the raster; report tells the step used (and a step too fine for the view).
   void drawRaster(int32_t device, bool report = true);
   int32_t gridMode() const;
-  // Draws the raster once more by exclusive-or on the open view: it appears or goes.
-  void xorRaster();
+  // Draws the raster once more by exclusive-or on the view: it appears or goes. With a new step
+  // the raster of the old one goes and the new one comes.
+  void xorRaster(std::optional<int32_t> newStep = std::nullopt);
   void highlightPadStack(int32_t device);
   void highlightAperture(int32_t device);
   // Draws the entries of symbol whose pad stack key is key, their pad stack items in colour.
