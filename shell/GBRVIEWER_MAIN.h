@@ -339,8 +339,8 @@ private:
   void switchViewBand(bool layout);
   // View > Toolbar's entries follow their bands.
   void syncBandEntries();
-  // A band shown, moved or resized: the option band's size is kept for its rebuilds, the view
-  // band's visibility goes to its menu entry.
+  // A band shown, moved or resized: the option band's size is kept for its rebuilds, and the
+  // bands' visibility goes to their menu entries.
   void BandMoved(const std::string& band);
   // A band of View > Toolbar; an empty name is the view band of the moment.
   std::string bandOf(const char* entryBand) const;

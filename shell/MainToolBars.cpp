@@ -276,6 +276,8 @@ void GBRVIEWER_MAIN::buildToolbarMenu() {
       refreshBands();
     });
   }
+  // A band's context menu offers the same entries, so a band can be hidden from where it stands.
+  barView_->setContextEntries(toolbars->actions());
   // The tool tips' entry stands before the ruler's, as in the menu's order.
   auto* tips = new QAction("&Tooltip Text", viewMenu);
   viewMenu->insertAction(menuEntry("M_Ruler"), tips);
@@ -576,10 +578,10 @@ void GBRVIEWER_MAIN::BandMoved(const std::string& band) {
   if (band == "OptionTools") {
     OptionBandWidth = toolBar->width();
     OptionBandHeight = toolBar->height();
-  } else if (band == viewBand_) {
-    if (QAction* entry = menuEntry("M_Views"))
-      entry->setChecked(!toolBar->isHidden());
   }
+  // A band shown again (floated or docked by the user, which hides it for a moment) has its
+  // entry checked again; the view band's entry follows the band in the bar's place.
+  syncBandEntries();
 }
 
 void GBRVIEWER_MAIN::saveBands() {

@@ -327,6 +327,11 @@ QMenu* ToolBarView::contextMenu(const std::string& bandName) {
     if (tool && action && tool->Kind == ToolKind::Button && tool->Visible)
       menu->addAction(action);
   }
+  if (!contextEntries_.isEmpty()) {
+    if (!menu->isEmpty())
+      menu->addSeparator();
+    menu->addActions(contextEntries_);
+  }
   return menu->isEmpty() ? (delete menu, nullptr) : menu;
 }
 

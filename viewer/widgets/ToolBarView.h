@@ -7,6 +7,7 @@
 #include "viewer/ToolBarModel.h"
 
 #include <QIcon>
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -49,6 +50,8 @@ public:
   void setLocked(const std::string& band, bool locked);
   // With tips off no tool shows one.
   void setTipsShown(bool shown);
+  // Entries shown under a band's own tools in its context menu (the window's band toggles).
+  void setContextEntries(QList<QAction*> entries) { contextEntries_ = std::move(entries); }
   // Shows keys beside an action in menus without binding them anywhere the view has the focus.
   static void showKeys(QAction& action, const std::string& keys);
   // The band's place as it stands on the screen.
@@ -83,6 +86,7 @@ private:
   std::map<QObject*, std::string> hoverOf_;  // a tool's widget to its name
   std::map<std::string, bool> comboEdited_;
   std::map<std::string, QIcon> pictureCache_;
+  QList<QAction*> contextEntries_;
   bool ownChange_ = false;
   bool tipsShown_ = true;
 };
