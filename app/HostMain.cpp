@@ -9,6 +9,7 @@
 
 #include "app/HostQueries.h"
 #include "app/cli/CommandLine.h"
+#include "common/FileLayer.h"
 #include "common/widgets/QtUserPrompts.h"
 #include "kernel/Kernel.h"
 #include "platform/RuntimeDirectory.h"
@@ -37,7 +38,6 @@
 #include <utility>
 #include <vector>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -177,26 +177,26 @@ int main(int argc, char* argv[]) {
 
   std::vector<std::string> files;
   std::vector<int32_t> layers;
-  // A name that is no file is told here, with the reason, and passed over, so that start-up shows
-  // no box for it.
+  std::vector<std::pair<std::string, int>> refused;
+  // A name that is no file to read is told here, with the reason, and passed over, so that
+  // start-up shows no box for it; the window's message line names it too.
   const QStringList named = parser.positionalArguments();
   for (qsizetype n = 0; n < named.size(); ++n) {
     const QString& file = named[n];
-    const QFileInfo info(file);
-    if (!info.isFile()) {
-      struct stat status {};
-      const int error = ::stat(QFile::encodeName(file).constData(), &status) != 0 ? errno : 0;
-      const char* reason = error != 0                ? std::strerror(error)
-                           : S_ISDIR(status.st_mode) ? "is a folder, not a file"
-                                                     : "is not a plain file";
+    const int error = tvx::FileLayer::plainFileError(QFile::encodeName(file).toStdString());
+    if (error != 0) {
+      const char* reason = error == EISDIR                         ? "is a folder, not a file"
+                           : error == tvx::FileLayer::NotPlainFile ? "is not a plain file"
+                                                                   : std::strerror(error);
       std::fprintf(stderr, "tarvex-gbrviewer: %s: %s\n", qPrintable(file), reason);
+      refused.emplace_back(file.toStdString(), error);
       continue;
     }
-    files.push_back(info.absoluteFilePath().toStdString());
+    files.push_back(QFileInfo(file).absoluteFilePath().toStdString());
     layers.push_back(size_t(n) < fileLayers.size() ? fileLayers[size_t(n)] : 0);
   }
   if (tvx::GBRVIEWER_MAIN* window = tvx::clsTVNGBRVIEWER::mainWindow())
-    window->setStartupFiles(std::move(files), std::move(layers));
+    window->setStartupFiles(std::move(files), std::move(layers), std::move(refused));
 
   int16_t mode = 0;
   component.Load(mode);

@@ -6,19 +6,10 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 
 namespace tvx {
-
-namespace {
-
-std::string errorText(int error) {
-  if (error == 0)
-    error = EIO;
-  return std::generic_category().message(error);
-}
-
-}  // namespace
 
 FileLayer::FileLayer(SystemServices& services, UserPrompts* prompts)
     : services_(services), prompts_(prompts) {}
@@ -41,6 +32,51 @@ int16_t FileLayer::freeNumber() const {
 FileLayer::OpenFile* FileLayer::find(int16_t handle) {
   auto it = files_.find(handle);
   return it == files_.end() ? nullptr : &it->second;
+}
+
+int FileLayer::plainFileError(const std::string& name) {
+  std::error_code error;
+  const std::filesystem::file_type type = std::filesystem::status(name, error).type();
+  switch (type) {
+  case std::filesystem::file_type::regular:
+    return 0;
+  case std::filesystem::file_type::directory:
+    return EISDIR;
+  case std::filesystem::file_type::not_found:
+    return ENOENT;
+  case std::filesystem::file_type::none:
+    return error ? error.value() : ENOENT;
+  default:
+    return NotPlainFile;
+  }
+}
+
+bool FileLayer::refuseUnlessPlainFile(const std::string& name) {
+  const int error = plainFileError(name);
+  if (error != EISDIR && error != NotPlainFile)
+    return false;
+  ReportReadError(name, error);
+  return true;
+}
+
+std::string FileLayer::errorText(int error) const {
+  switch (error) {
+  case EISDIR:
+    return services_.LocalMessage("Is a folder, not a file", "900120");
+  case ENAMETOOLONG:
+    return services_.LocalMessage("The name is too long", "900121");
+  case NotPlainFile:
+    return services_.LocalMessage("Is not a plain file", "900122");
+  case 0:
+    return std::generic_category().message(EIO);
+  default:
+    return std::generic_category().message(error);
+  }
+}
+
+std::string FileLayer::readErrorLine(const std::string& name, int error) const {
+  return services_.LocalMessage("Can't read file: ", "62451") + name + " (" + errorText(error) +
+         ")";
 }
 
 void FileLayer::ReportReadError(const std::string& name, int error) {

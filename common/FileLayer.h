@@ -44,7 +44,24 @@ public:
   // Closes the number and, with deleteFile, deletes the named file; errors are passed over.
   void CloseFile(bool deleteFile, int16_t handle, const std::string& name);
 
-  // Message 62451 / 62452 with the name, titled with the system's text for error.
+  // Stands for "not a plain file" (a device, a pipe, a socket) where an error number is taken.
+  static constexpr int NotPlainFile = -1;
+  // Why name cannot be read as a plain file, asked before it is opened: 0 for a plain file,
+  // EISDIR for a folder, NotPlainFile for a device, a pipe or a socket, else the system's error
+  // (ENOENT, ENAMETOOLONG, ...).
+  static int plainFileError(const std::string& name);
+  // A folder or a file that is not plain is refused before it is opened (reading a folder gives
+  // nothing, reading a pipe may never end): its read message is shown, and true.
+  bool refuseUnlessPlainFile(const std::string& name);
+
+  // The reason of a failed read or write: the catalogue's text for a folder, a name too long and
+  // a file that is not plain, the system's text for the rest.
+  std::string errorText(int error) const;
+  // Message 62451 with the name and the reason in brackets, on one line (a message line, a
+  // command line tool's error).
+  std::string readErrorLine(const std::string& name, int error) const;
+
+  // Message 62451 / 62452 with the name, titled with errorText(error).
   void ReportReadError(const std::string& name, int error);
   void ReportWriteError(const std::string& name, int error);
   // A save of the settings file that failed with error: said the first time in a run only, not

@@ -33,6 +33,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class QAction;
@@ -108,10 +109,13 @@ public:
   // The per-user store of window places; the desktop's by default.
   void setUserStore(UserStore* store);
   // Files that start-up imports one after another in place of the file request, each into the
-  // layer given for it (0 or none: where the import puts it).
-  void setStartupFiles(std::vector<std::string> files, std::vector<int32_t> layers = {}) {
+  // layer given for it (0 or none: where the import puts it). Names refused before start-up, each
+  // with its FileLayer error, are named in the message line once start-up is over (the first).
+  void setStartupFiles(std::vector<std::string> files, std::vector<int32_t> layers = {},
+                       std::vector<std::pair<std::string, int>> refused = {}) {
     startupFiles_ = std::move(files);
     startupLayers_ = std::move(layers);
+    refusedStartupNames_ = std::move(refused);
   }
 
   // Loads the window when it is not loaded yet (Form_Load) and shows it without a modal loop.
@@ -417,6 +421,7 @@ private:
   FunctionTable functions_{};
   std::vector<std::string> startupFiles_;
   std::vector<int32_t> startupLayers_;
+  std::vector<std::pair<std::string, int>> refusedStartupNames_;
   // Set when the import window rejected its file: the file is offered as plain text once the
   // window has gone. The value tells whether status 93 has been shown already.
   std::optional<bool> displayFileReported_;

@@ -176,6 +176,12 @@ void GBRVIEWER_MAIN::Form_Load() {
     importFiles(std::exchange(startupFiles_, {}), std::exchange(startupLayers_, {}));
   else
     M_FSIimport_Click();
+  // A name of the command line that is no file to read is said after the imports' outcome.
+  if (!refusedStartupNames_.empty() && import_) {
+    const auto& [name, error] = refusedStartupNames_.front();
+    EditMsgLine(import_->files.readErrorLine(name, error));
+    refusedStartupNames_.clear();
+  }
 }
 
 void GBRVIEWER_MAIN::positionWindow() {

@@ -33,8 +33,13 @@ std::vector<int32_t> CliImport::importFiles(const std::vector<std::string>& file
   batch.noCenter = true;
   batch.afterEach = [&](const std::string& path, const ImportResult& result) {
     const bool ok = result.status == 0 && result.layer != 0;
-    for (size_t i = before; i < prompts.shown.size(); ++i)
-      messages.push_back("gbrview: " + path + ": " + OneLine(prompts.shown[i].prompt));
+    // A box titled otherwise than the program's boxes (the file layer's, by the reason) says why.
+    for (size_t i = before; i < prompts.shown.size(); ++i) {
+      const ScriptedPrompts::Shown& box = prompts.shown[i];
+      const bool reason = !box.title.empty() && box.title != run.session->titles.boxTitle();
+      messages.push_back("gbrview: " + path + ": " + OneLine(box.prompt) +
+                         (reason ? " (" + box.title + ")" : std::string()));
+    }
     // What was dropped or cut is said, the exit code stays.
     for (const std::string& note : result.notes)
       messages.push_back("gbrview: " + path + ": " + note);

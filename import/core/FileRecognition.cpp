@@ -484,17 +484,9 @@ bool FileRecogniser::load(const std::string& path, std::string& text, bool mayRe
 
   // Only a plain file has a length to read: a folder, a device or a pipe is refused before it is
   // opened, since opening or reading some of them never ends.
+  if (files_.refuseUnlessPlainFile(path))
+    return false;
   std::error_code error;
-  const auto type = std::filesystem::status(path, error).type();
-  if (type == std::filesystem::file_type::directory) {
-    files_.ReportReadError(path, EISDIR);
-    return false;
-  }
-  if (type != std::filesystem::file_type::regular &&
-      type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none) {
-    files_.ReportReadError(path, EINVAL);
-    return false;
-  }
 
   int32_t status = 0;
   int16_t handle = 0;

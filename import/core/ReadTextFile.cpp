@@ -3,8 +3,7 @@
 #include "common/FileLayer.h"
 #include "platform/SystemServices.h"
 
-#include <cerrno>
-#include <filesystem>
+#include <fstream>
 
 namespace tvx {
 
@@ -14,17 +13,8 @@ bool readTextFileLines(FileLayer& files, const SystemServices& services,
                        const std::function<void(const std::string&)>& onLine) {
   if (editMsgLine)
     editMsgLine(fileName + " " + services.LocalMessage("Processing", "62441"));
-  std::error_code error;
-  const auto type = std::filesystem::status(fileName, error).type();
-  if (type == std::filesystem::file_type::directory) {
-    files.ReportReadError(fileName, EISDIR);
+  if (files.refuseUnlessPlainFile(fileName))
     return false;
-  }
-  if (type != std::filesystem::file_type::regular &&
-      type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none) {
-    files.ReportReadError(fileName, EINVAL);
-    return false;
-  }
   int32_t status = 0;
   int16_t handle = 0;
   files.OpenForInput(status, handle, fileName);

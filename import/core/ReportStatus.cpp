@@ -85,7 +85,7 @@ constexpr std::array<StatusEntry, 24> StatusTable = {{
     entry(StatusNoRotationPoints, exclamation, cat("62401", "Set Point(s) to define rotation.")),
     entry(StatusOutOfRange, exclamation, cat("62402", "Out of Range"), name),
     entry(StatusNothingToImport, exclamation, cat("151219", "Nothing to import"), name),
-    entry(StatusEmptyFile, exclamation, name, lit(" - "), cat("loc", "the file is empty")),
+    entry(StatusEmptyFile, exclamation, name, lit(" - "), cat("900123", "the file is empty")),
 }};
 
 constexpr StatusEntry UnknownStatus = entry(0, critical, cat("62403", "Unknown Error"));

@@ -80,11 +80,24 @@ TEST_F(FileLayerTest, FailedOpensReportOnceWithTheSystemsReason) {
   EXPECT_EQ(std::tuple(prompts_.shown[0].title, files_.openCount()),
             std::tuple(std::generic_category().message(ENOENT), 0));
 
-  // The messages come from the catalogue of the language in use.
-  writeFile(path("GBRVIEWER.MSG"), "62451\tDatei kann nicht gelesen werden: \n");
+  // The messages come from the catalogue of the language in use, and so do the reasons the
+  // system's texts leave vague: a folder, a name too long, a file that is not plain.
+  writeFile(path("GBRVIEWER.MSG"), "62451\tDatei kann nicht gelesen werden: \n"
+                                   "900120\tOrdner\n900121\tzu lang\n900122\tkeine Datei\n");
   services_.loadCatalogue(dir_.path().toStdString());
   files_.OpenForInput(status, handle, missing);
   EXPECT_EQ(prompts_.shown.back().prompt, "Datei kann nicht gelesen werden: " + missing);
+  const std::string tooLong = path(std::string(300, 'a').c_str());
+  for (const auto& [name, reason] : {std::pair(dir_.path().toStdString(), "Ordner"),
+                                     std::pair(tooLong, "zu lang"), std::pair(missing, "")}) {
+    SCOPED_TRACE(name);
+    const int error = FileLayer::plainFileError(name);
+    EXPECT_EQ(files_.readErrorLine(name, error),
+              "Datei kann nicht gelesen werden: " + name + " (" +
+                  (*reason ? reason : std::generic_category().message(ENOENT)) + ")");
+  }
+  EXPECT_EQ(FileLayer::plainFileError("/dev/null"), FileLayer::NotPlainFile);
+  EXPECT_EQ(files_.errorText(FileLayer::NotPlainFile), "keine Datei");
 
   // Without prompts nothing is shown, and the status still says it failed.
   FileLayer quiet(services_, nullptr);
