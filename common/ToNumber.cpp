@@ -59,4 +59,23 @@ double ToNumber(std::string_view text) {
   return negative ? -value : value;
 }
 
+bool isPlainDecimal(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos)
+    return false;
+  text = text.substr(first, text.find_last_not_of(' ') + 1 - first);
+  if (text.front() == '+' || text.front() == '-')
+    text.remove_prefix(1);
+  bool digit = false, point = false;
+  for (const char c : text) {
+    if (c >= '0' && c <= '9')
+      digit = true;
+    else if (c == '.' && !point)
+      point = true;
+    else
+      return false;
+  }
+  return digit;
+}
+
 }  // namespace tvx

@@ -12,4 +12,8 @@ namespace tvx {
 // large for a double, give 0. Independent of the process locale.
 double ToNumber(std::string_view text);
 
+// Whether text, blanks at its ends aside, is a plain decimal: an optional sign and digits with at
+// most one decimal point ("-.5", "12."), no exponent and nothing else.
+bool isPlainDecimal(std::string_view text);
+
 }  // namespace tvx

@@ -49,6 +49,7 @@ ImportResult importWhereItStands(FileInfo& info, WindowlessLayers& run, Scripted
   const size_t before = prompts.shown.size();
   const ImportResult result = run.session->importFile(run.layers(), info.path, options);
   takeMessages(prompts, before, false, info.messages);
+  info.notes = result.notes;
   info.kind = result.kind;
   info.importStatus = result.status;
   return result;
@@ -126,6 +127,7 @@ void gatherGerber(FileInfo& info, WindowlessLayers& run, ScriptedPrompts& prompt
   const ScanResult result = session.applyFile(run.layers(), true);
   takeMessages(prompts, before, false, info.messages);
   info.gerber = true;
+  info.notes = session.notes();
   info.importStatus = result == ScanResult::Scanned ? 0 : 1;
   info.scanned = result == ScanResult::Scanned;
   if (!info.scanned)
@@ -251,13 +253,16 @@ int runInfoCommand(const std::string& path, bool json, std::string& out, std::st
     return 1;
   }
   out = json ? fileInfoJson(info) : fileInfoText(info);
+  // What was dropped or cut is said, the exit code stays.
+  for (const std::string& note : info.notes)
+    err += "gbrview: " + path + ": " + note + "\n";
   if (info.failed()) {
     std::string reason = info.bytes == 0                    ? "the file is empty"
                          : info.kind == ImportKind::Unknown ? "not a file that gbrview reads"
                                                             : "import failed";
     for (const std::string& message : info.messages)
       reason += ": " + message;
-    err = "gbrview: " + path + ": " + reason + "\n";
+    err += "gbrview: " + path + ": " + reason + "\n";
     return 1;
   }
   return 0;

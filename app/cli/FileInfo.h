@@ -96,6 +96,8 @@ struct FileInfo {
 
   // The messages shown while reading (file errors, status messages), in order.
   std::vector<std::string> messages;
+  // What the reader dropped or cut, each "line 12: ...".
+  std::vector<std::string> notes;
 
   // True when the file could not be read or its import failed.
   // A file that gbrview does not read (unreadable, empty or of no kind) fails, as in render.

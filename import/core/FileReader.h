@@ -8,6 +8,8 @@
 #include "store/LayerRecord.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -35,6 +37,10 @@ public:
   // after a failure, which is reported where it is found.
   virtual void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                           LayerFileRecord& file) = 0;
+
+  // What the last scan dropped or cut, each "line 12: ..." by the line of the file, in the order
+  // of the file; said once, after the import, by whoever shows its outcome. None by default.
+  virtual std::vector<std::string> notes() const { return {}; }
 };
 
 }  // namespace tvx

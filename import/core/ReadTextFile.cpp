@@ -33,4 +33,13 @@ bool readTextFileLines(FileLayer& files, const SystemServices& services,
   return true;
 }
 
+bool lastLineIsOpen(const std::string& fileName) {
+  std::ifstream in(fileName, std::ios::binary | std::ios::ate);
+  if (!in || in.tellg() <= 0)
+    return false;
+  in.seekg(-1, std::ios::end);
+  const int last = in.get();
+  return last != '\n' && last != '\r' && last != std::char_traits<char>::eof();
+}
+
 }  // namespace tvx

@@ -17,4 +17,8 @@ bool readTextFileLines(FileLayer& files, const SystemServices& services,
                        const std::function<void(const std::string&)>& editMsgLine,
                        const std::function<void(const std::string&)>& onLine);
 
+// Whether the file's last line has no line end: the file was cut inside its last line. False for
+// an empty file and for one that cannot be read.
+bool lastLineIsOpen(const std::string& fileName);
+
 }  // namespace tvx

@@ -72,4 +72,6 @@ void GerberFileReader::importFile(int32_t& status, const ImportJob& job, LayerRe
                            ": " + (job.SourcePath.empty() ? file.FileName : job.SourcePath));
 }
 
+std::vector<std::string> GerberFileReader::notes() const { return noteTexts(pass_.scan); }
+
 }  // namespace tvx

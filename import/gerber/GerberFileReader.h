@@ -34,6 +34,8 @@ public:
   void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                   LayerFileRecord& file) override;
 
+  std::vector<std::string> notes() const override;
+
   // Palette code in which clear elements are drawn.
   int32_t clearColour = slotCode(colourslot::ClearColour);
 

@@ -437,6 +437,9 @@ void RunGerberTextPass(int32_t& status, const std::string& source, const std::st
                        GerberPassContext& context) {
   TextPass pass(context, source, intermediate);
   status = 0;
+  // The notes are those of this file alone, also when the pass fails.
+  context.scan.Notes.clear();
+  context.scan.MoreNotes = 0;
   if (!pass.createIntermediate(status)) {
     pass.cancelUnread();
     return;

@@ -156,6 +156,20 @@ double reduce(std::vector<Operand>& operands, char headOp, int32_t& faults) {
   return value;
 }
 
+// A number written in a field or an assignment; one that is no plain decimal ("nan", "1e999")
+// reads as the lenient reader takes it and is counted.
+double literalValue(const std::string& text, const MacroVariables& variables) {
+  const double value = ToNumber(text);
+  if (!text.empty() && !isPlainDecimal(text)) {
+    MacroFaults& faults = variables.Faults;
+    if (faults.BadNumbers++ == 0) {
+      faults.FirstBadNumber = text;
+      faults.FirstBadValue = value;
+    }
+  }
+  return value;
+}
+
 struct Range {
   char headOp = '=';
   int depth = 0;
@@ -163,6 +177,16 @@ struct Range {
 };
 
 }  // namespace
+
+MacroFaults& MacroFaults::operator+=(const MacroFaults& o) {
+  Arithmetic += o.Arithmetic;
+  if (BadNumbers == 0) {
+    FirstBadNumber = o.FirstBadNumber;
+    FirstBadValue = o.FirstBadValue;
+  }
+  BadNumbers += o.BadNumbers;
+  return *this;
+}
 
 MacroVariables::MacroVariables(std::string_view modifiers) {
   const ParsedList fields = SplitAt(modifiers, "X");
@@ -208,7 +232,7 @@ double evaluateMacroField(std::string_view field, const MacroVariables& variable
     case TokenKind::Close:
       if (token.depth >= 1 && ranges.size() > 1 && ranges.back().depth == token.depth) {
         const double result = roundTo15Digits(
-            reduce(ranges.back().operands, ranges.back().headOp, variables.ArithmeticFaults));
+            reduce(ranges.back().operands, ranges.back().headOp, variables.Faults.Arithmetic));
         ranges.pop_back();
         ranges.back().operands.push_back({result, false, token.op});
         continue;
@@ -221,7 +245,7 @@ double evaluateMacroField(std::string_view field, const MacroVariables& variable
       continue;
     }
     case TokenKind::Plain:
-      ranges.back().operands.push_back({ToNumber(token.text), false, token.op});
+      ranges.back().operands.push_back({literalValue(token.text, variables), false, token.op});
       continue;
     }
     ranges.back().operands.push_back({0.0, false, token.op});
@@ -229,11 +253,11 @@ double evaluateMacroField(std::string_view field, const MacroVariables& variable
   // A range left open runs to the end of the field.
   while (ranges.size() > 1) {
     const double result = roundTo15Digits(
-        reduce(ranges.back().operands, ranges.back().headOp, variables.ArithmeticFaults));
+        reduce(ranges.back().operands, ranges.back().headOp, variables.Faults.Arithmetic));
     ranges.pop_back();
     ranges.back().operands.push_back({result, false, 0});
   }
-  return reduce(ranges.front().operands, ranges.front().headOp, variables.ArithmeticFaults);
+  return reduce(ranges.front().operands, ranges.front().headOp, variables.Faults.Arithmetic);
 }
 
 bool runMacroAssignment(std::string_view line, MacroVariables& variables) {
@@ -247,8 +271,8 @@ bool runMacroAssignment(std::string_view line, MacroVariables& variables) {
   for (size_t i = 1; i < tokens.size(); ++i) {
     const Token& token = tokens[i];
     const double operand = token.kind == TokenKind::Variable ? variables.value(ToNumber(token.text))
-                                                             : ToNumber(token.text);
-    value = apply(tokens[i - 1].op, value, operand, variables.ArithmeticFaults);
+                                                             : literalValue(token.text, variables);
+    value = apply(tokens[i - 1].op, value, operand, variables.Faults.Arithmetic);
   }
   variables.set(toInt32(target), value);
   return true;
@@ -283,7 +307,7 @@ void MacroStore::define(const std::string& name, std::span<const std::string> li
 
 std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t macroIndex,
                                              std::string_view modifiers, int32_t dCode,
-                                             int32_t* arithmeticFaults) {
+                                             MacroFaults* faults) {
   std::vector<PrimitiveRow> rows;
   if (macroIndex < 0 || macroIndex >= static_cast<int32_t>(macros.MacroList.size()))
     return rows;
@@ -317,8 +341,8 @@ std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t m
     if (rows.size() > firstRow)
       rows.back().Number = -static_cast<int32_t>(rows.size() - firstRow);
   }
-  if (arithmeticFaults)
-    *arithmeticFaults += variables.ArithmeticFaults;
+  if (faults)
+    *faults += variables.Faults;
   return rows;
 }
 
@@ -413,9 +437,9 @@ int32_t convertMacroRows(const std::vector<PrimitiveRow>& rows, const LengthScal
 
 bool ExpandMacro(const MacroStore& macros, int32_t macroIndex, std::string_view modifiers,
                  int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives,
-                 int32_t* arithmeticFaults) {
+                 MacroFaults* faults) {
   const std::vector<PrimitiveRow> rows =
-      evaluateMacroLines(macros, macroIndex, modifiers, dCode, arithmeticFaults);
+      evaluateMacroLines(macros, macroIndex, modifiers, dCode, faults);
   return convertMacroRows(rows, scale, primitives) > 0;
 }
 

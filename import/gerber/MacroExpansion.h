@@ -52,6 +52,19 @@ struct MacroStore {
 // fields when it has two or more, else 0.
 int32_t primitiveCodeOf(std::string_view line);
 
+// What a macro's arithmetic could not take, counted over its evaluations.
+struct MacroFaults {
+  // Steps that gave no finite number (a division by zero, an overflow), passed over.
+  int32_t Arithmetic = 0;
+  // Values written as no plain decimal ("nan", "1e999", "1e5"), read as the lenient number
+  // reader takes them; the first of them and what it was read as.
+  int32_t BadNumbers = 0;
+  std::string FirstBadNumber;
+  double FirstBadValue = 0;
+
+  MacroFaults& operator+=(const MacroFaults& o);
+};
+
 // The macro's variables: $1 to $N, numbered from 1 (index 0 is not used).
 class MacroVariables {
 public:
@@ -67,9 +80,8 @@ public:
   // Sets $n, growing the list with zeros; n from 1 to 15999.
   void set(int32_t n, double value);
 
-  // Steps of the arithmetic that gave no finite number (a division by zero, an overflow) and
-  // were passed over, counted by the evaluations that use these variables.
-  mutable int32_t ArithmeticFaults = 0;
+  // What the evaluations that use these variables could not take.
+  mutable MacroFaults Faults;
 
 private:
   std::vector<double> values_{0.0};
@@ -87,16 +99,16 @@ bool runMacroAssignment(std::string_view line, MacroVariables& variables);
 
 // Expands the macro of MacroList row macroIndex with the AD block's modifiers into rows of Kind 10
 // appended to primitives. Lengths are converted with scale. True when at least one row was added.
-// arithmeticFaults, when given, grows by the steps of the arithmetic that gave no number.
+// faults, when given, grows by what the arithmetic could not take.
 bool ExpandMacro(const MacroStore& macros, int32_t macroIndex, std::string_view modifiers,
                  int32_t dCode, const LengthScale& scale, std::vector<PrimitiveRow>& primitives,
-                 int32_t* arithmeticFaults = nullptr);
+                 MacroFaults* faults = nullptr);
 
 // The evaluated rows of a macro before they are checked and converted: Kind 10, one per field of
 // each primitive line. Exposed for tests of the arithmetic.
 std::vector<PrimitiveRow> evaluateMacroLines(const MacroStore& macros, int32_t macroIndex,
                                              std::string_view modifiers, int32_t dCode,
-                                             int32_t* arithmeticFaults = nullptr);
+                                             MacroFaults* faults = nullptr);
 
 // Checks every primitive of the rows by its row count and converts its lengths and angles; rows of
 // broken primitives are left out. Appends to primitives and returns the number of rows added.

@@ -13,27 +13,12 @@ namespace tvx {
 
 namespace {
 
-// A number as Gerber writes one: a sign, digits and at most one point, at least one digit.
-bool isPlainNumber(std::string_view text) {
-  text = TrimBlanks(text);
-  if (!text.empty() && (text.front() == '+' || text.front() == '-'))
-    text.remove_prefix(1);
-  bool digit = false, point = false;
-  for (char c : text) {
-    if (c >= '0' && c <= '9')
-      digit = true;
-    else if (c == '.' && !point)
-      point = true;
-    else
-      return false;
-  }
-  return digit;
-}
-
-std::string numberText(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g", value);
-  return text;
+// A value written as no plain decimal, and what it is read as, for a note.
+std::string badNumberText(std::string_view written, double value) {
+  char read[32];
+  std::snprintf(read, sizeof read, "%g", value);
+  return "\"" + std::string(written) + "\" is " + (value == 0 ? "no number" : "no plain decimal") +
+         ", read as " + read;
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -230,12 +215,20 @@ void ParameterInterpreter::defineAperture(std::string_view argument) {
     if (lists_.PrimitiveList.size() >= MostPrimitiveRows)
       return;
     const size_t first = lists_.PrimitiveList.size();
-    int32_t faults = 0;
+    noteModifiers(dCode, SplitAt(modifiers, "X"));
+    MacroFaults faults;
     const bool expanded =
         ExpandMacro(Macros, macro, modifiers, dCode, scale(), lists_.PrimitiveList, &faults);
-    if (faults > 0)
-      note("aperture D" + std::to_string(dCode) + " (macro " + std::string(name) +
-           "): " + std::to_string(faults) + (faults == 1 ? " step" : " steps") +
+    const std::string aperture =
+        "aperture D" + std::to_string(dCode) + " (macro " + std::string(name) + "): ";
+    if (const int32_t more = faults.BadNumbers - 1; more >= 0)
+      note(aperture + badNumberText(faults.FirstBadNumber, faults.FirstBadValue) +
+           (more == 0 ? std::string()
+                      : " (and " + std::to_string(more) +
+                            (more == 1 ? " more value)" : " more values)")));
+    if (faults.Arithmetic > 0)
+      note(aperture + std::to_string(faults.Arithmetic) +
+           (faults.Arithmetic == 1 ? " step" : " steps") +
            " of its arithmetic gave no number (a division by zero or an overflow), passed over");
     if (!expanded)
       return;
@@ -252,16 +245,22 @@ void ParameterInterpreter::defineAperture(std::string_view argument) {
   standardAperture(dCode, name, modifiers);
 }
 
+void ParameterInterpreter::noteModifiers(int32_t dCode, const ParsedList& modifiers) {
+  for (int i = 1; i <= modifiers.count(); ++i) {
+    if (isPlainDecimal(modifiers.token(i)))
+      continue;
+    note("aperture D" + std::to_string(dCode) + ": " +
+         badNumberText(modifiers.token(i), modifiers.value(i)));
+  }
+}
+
 void ParameterInterpreter::standardAperture(int32_t dCode, std::string_view name,
                                             std::string_view modifiers) {
   const ParsedList p = SplitAt(modifiers, "X");
   const int n = p.count();
   if (n == 0)
     return;
-  for (int i = 1; i <= n; ++i)
-    if (!isPlainNumber(p.token(i)))
-      note("aperture D" + std::to_string(dCode) + ": \"" + p.token(i) +
-           "\" is no number, read as " + numberText(p.value(i)));
+  noteModifiers(dCode, p);
   // The file's own apertures stand alone: the table's rows go at its first standard aperture.
   if (!standardApertureSeen_) {
     standardApertureSeen_ = true;

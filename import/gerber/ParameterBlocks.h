@@ -3,6 +3,7 @@
 // broken items leave things as they were.
 #pragma once
 
+#include "common/ParseList.h"
 #include "import/gerber/ApertureLists.h"
 #include "import/gerber/GerberFormat.h"
 #include "import/gerber/GerberScan.h"
@@ -82,6 +83,8 @@ private:
   void formatStatement(std::string_view argument);
   void defineAperture(std::string_view argument);
   void standardAperture(int32_t dCode, std::string_view name, std::string_view modifiers);
+  // Notes each modifier of an AD block that is no plain decimal, with the value it is read as.
+  void noteModifiers(int32_t dCode, const ParsedList& modifiers);
   void stepAndRepeat(std::string_view argument);
   void keepAttribute(const std::string& item);
   LengthScale scale() const { return {format_.Unit, unitsPerMm_}; }

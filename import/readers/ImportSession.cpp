@@ -191,8 +191,8 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
   result.kind = job.Kind;
   result.layer = state.DialogLayer;
   result.status = importBoundLayer(layers, options.editMsgLine);
+  result.notes = notes();
   if (isGerberKind(job.Kind)) {
-    result.notes = noteTexts(gerberScan);
     // The layer lists its apertures as the import window would have.
     LayerRecord& layer = layers[size_t(result.layer - 1)];
     if (result.status == StatusOk)
@@ -200,6 +200,11 @@ ImportResult ImportSession::importFile(std::span<LayerRecord> layers, const std:
                                            layer.Files.empty() ? " " : layer.Files.front().Tag);
   }
   return result;
+}
+
+std::vector<std::string> ImportSession::notes() {
+  const FileReader* reader = readers.forKind(state.Job.Kind);
+  return reader ? reader->notes() : std::vector<std::string>();
 }
 
 std::string outcomeWithNotes(const std::string& outcome, const std::vector<std::string>& notes) {

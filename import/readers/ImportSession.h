@@ -99,6 +99,9 @@ public:
   // status: 0 when imported.
   int32_t importBoundLayer(std::span<LayerRecord> layers, const MessageLine& editMsgLine = {});
 
+  // What the reader of the job's kind dropped or cut of the job's file (FileReader::notes).
+  std::vector<std::string> notes();
+
   // One file from its path to its layer. Every failure is reported where it is found: an
   // unreadable file by the file layer, an unrecognised one or one whose reader is missing with
   // status 93, a kind-3 file that scans as Format One with 94 (the import goes on), no layer to

@@ -169,21 +169,44 @@ TEST_F(UserRoad, FilesOnTheCommandLineEndWithTheOutcomeInTheMessageLine) {
 }
 
 TEST_F(UserRoad, WhatAFileLosesIsSaidWithTheOutcome) {
-  // A board cut short in its last block: what it holds is drawn, and the loss is named by line.
-  const QString cut = home.filePath("cut.gbr");
-  QFile file(cut);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write("%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.05*%\nD10*\nX0Y0D03*\nX1000Y1000D03*\nX20");
-  file.close();
-  host.start(test::binary("tarvex-gbrviewer"), {cut});
+  // Files cut short in their last block: what they hold is drawn, and the loss is named by line.
+  const struct {
+    const char* name;
+    const char* text;
+    QString outcome;
+  } cuts[] = {
+      {"cut.gbr", "%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.05*%\nD10*\nX0Y0D03*\nX1000Y1000D03*\nX20",
+       "Artwork Top Layer Import successful - line 7: the file ends inside a block, which is "
+       "dropped"},
+      {"cut.drl", "M48\nINCH\nT1C0.02\n%\nT1\nX1000Y1000\nX2000Y2000\nX30",
+       "Drill Template Import successful - line 8: the file ends inside a block, which is dropped"},
+  };
+  for (const auto& cut : cuts) {
+    SCOPED_TRACE(cut.name);
+    host.start(test::binary("tarvex-gbrviewer"), {writeHomeFile(cut.name, cut.text)});
+    ASSERT_TRUE(host.waitForStarted(10000));
+    QString line;
+    waitUntil([&] {
+      line = messageLine();
+      return line.contains("Import successful") || line.contains("Import failed");
+    });
+    EXPECT_EQ(line, cut.outcome);
+    stop();
+    output.clear();
+  }
+}
+
+TEST_F(UserRoad, AFolderNamedOnTheCommandLineIsSaidToBeOne) {
+  // The folder is passed over without a box, the file beside it imported, and the message line
+  // says what the folder is.
+  const QString drill = QDir(TVX_SOURCE_DIR).filePath("samples/demo.drl");
+  host.start(test::binary("tarvex-gbrviewer"), {home.path(), drill});
   ASSERT_TRUE(host.waitForStarted(10000));
+  const QString said = "Can't read file: " + home.path() + " (Is a folder, not a file)";
   QString line;
-  waitUntil([&] {
-    line = messageLine();
-    return line.contains("Import successful") || line.contains("Import failed");
-  });
-  EXPECT_EQ(line, "Artwork Top Layer Import successful - line 7: the file ends inside a block, "
-                  "which is dropped");
+  waitUntil([&] { return (line = messageLine()) == said; });
+  EXPECT_EQ(line, said);
+  EXPECT_TRUE(xdo({"search", "--onlyvisible", "--name", "^Tarvex$"}).isEmpty()) << "a box";
 }
 
 }  // namespace

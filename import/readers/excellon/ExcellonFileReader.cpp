@@ -11,7 +11,7 @@ namespace tvx {
 
 ScanResult ExcellonFileReader::scan(ImportJob& job) {
   if (!ReadExcellonText(files_, reader_.services(), job.SourcePath, job.ExcellonText,
-                        reader_.editMsgLine, &job.ExcellonComments))
+                        reader_.editMsgLine, &job.ExcellonComments, &notes_))
     return ScanResult::Failed;
   // The tool table is filled for real by the binding, into the drill layer's file record.
   // At the first scan the header is read whatever kind was recognised: a file with a header unit

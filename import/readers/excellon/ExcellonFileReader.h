@@ -7,6 +7,8 @@
 #include "import/readers/excellon/ExcellonReader.h"
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -21,6 +23,7 @@ public:
   void prepareBoundFile(ImportJob& job, LayerFileRecord& file) override;
   void importFile(int32_t& status, const ImportJob& job, LayerRecord& layer,
                   LayerFileRecord& file) override;
+  std::vector<std::string> notes() const override { return notes_; }
 
   // Loads the stored format into the reader's format state (the settings belong to the session).
   std::function<void()> restoreStoredFormat;
@@ -28,6 +31,7 @@ public:
 private:
   ExcellonReader& reader_;
   FileLayer& files_;
+  std::vector<std::string> notes_;
 };
 
 }  // namespace tvx

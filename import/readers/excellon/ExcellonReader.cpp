@@ -51,19 +51,45 @@ void appendBlock(std::string& text, std::string* comments, const std::string& li
 
 bool ReadExcellonText(FileLayer& files, const SystemServices& services, const std::string& fileName,
                       std::string& text, const std::function<void(const std::string&)>& editMsgLine,
-                      std::string* comments) {
+                      std::string* comments, std::vector<std::string>* notes) {
   text.clear();
   if (comments)
     comments->clear();
+  if (notes)
+    notes->clear();
+  int64_t lines = 0;
+  int64_t lastBlockLine = 0;
+  size_t lastBlockStart = 0;
   const bool read =
-      readTextFileLines(files, services, fileName, editMsgLine,
-                        [&](const std::string& line) { appendBlock(text, comments, line); });
+      readTextFileLines(files, services, fileName, editMsgLine, [&](const std::string& line) {
+        ++lines;
+        const size_t before = text.size();
+        appendBlock(text, comments, line);
+        if (text.size() != before) {
+          lastBlockLine = lines;
+          lastBlockStart = before;
+        }
+      });
   if (!read) {
     text.clear();
     if (comments)
       comments->clear();
+    return false;
   }
-  return read;
+  ExcellonBlock last;
+  ExcellonBlockWalker(std::string_view(text).substr(lastBlockStart)).next(last);
+  if (text.empty() || isEndOfProgram(last[ExcellonBlock::M]))
+    return true;
+  // The end of the program is missing: the file was cut, inside its last block when that block's
+  // line has no line end.
+  const bool cutInBlock = lastBlockLine == lines && lastLineIsOpen(fileName);
+  if (cutInBlock)
+    text.resize(lastBlockStart);
+  if (notes)
+    notes->push_back("line " + std::to_string(lines) + ": " +
+                     (cutInBlock ? "the file ends inside a block, which is dropped"
+                                 : "the file ends without M30"));
+  return true;
 }
 
 ExcellonReader::ExcellonReader(Store& store, const SystemServices& services,

@@ -27,10 +27,12 @@ class SystemServices;
 // block. What a line holds from its ";" on goes to comments, when given, upper-cased and closed by
 // "|" the same way. Tells editMsgLine the file's name and "Processing" first. False, with the file
 // layer's message, when the file cannot be opened or read.
+// A file whose last block is no "M30" was cut: its last block is dropped when its line has no line
+// end, and notes, when given, say so by line ("line 9: ...").
 bool ReadExcellonText(FileLayer& files, const SystemServices& services, const std::string& fileName,
                       std::string& text,
                       const std::function<void(const std::string&)>& editMsgLine = {},
-                      std::string* comments = nullptr);
+                      std::string* comments = nullptr, std::vector<std::string>* notes = nullptr);
 
 // How the holes of the last import went.
 struct HoleTally {

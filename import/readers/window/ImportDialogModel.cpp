@@ -113,11 +113,11 @@ void ImportDialogModel::ImportFile() {
   // The outcome goes to both message lines: the main window's still shows the progress of the
   // reading otherwise.
   // What the reader dropped or cut is said with it, once.
-  const std::string outcome = outcomeWithNotes(
-      layer.DisplayName + " " +
-          (status == StatusOk ? text("Import successful", "62320")
-                              : text("Import failed", "62319")),
-      isGerberKind(state.Job.Kind) ? noteTexts(session_.gerberScan) : std::vector<std::string>());
+  const std::string outcome =
+      outcomeWithNotes(layer.DisplayName + " " +
+                           (status == StatusOk ? text("Import successful", "62320")
+                                               : text("Import failed", "62319")),
+                       session_.notes());
   EditMsgLine(outcome);
   if (mainWindow_.editMsgLine)
     mainWindow_.editMsgLine(outcome);

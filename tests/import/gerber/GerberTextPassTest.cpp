@@ -367,6 +367,12 @@ TEST(GerberTextPassNotes, BadNumbersAndCutFilesAreNotedByLine) {
        {{0, 3, "aperture D10: \"nan\" is no number, read as 0"},
         {0, 4, "aperture D11: \"inf\" is no number, read as 0"},
         {0, 5, "aperture D12: \"1e999\" is no number, read as 0"}}},
+      {head + "%AMBOX*21,1,nan,inf,0,0,0*%\n%ADD10BOX,0.1*%\n%ADD11BOX,1e999*%\n"
+              "%ADD12C,1e-3*%\nD10*\nX0Y0D03*\nM02*\n",
+       {{0, 4, "aperture D10 (macro BOX): \"nan\" is no number, read as 0 (and 1 more value)"},
+        {0, 5, "aperture D11: \"1e999\" is no number, read as 0"},
+        {0, 5, "aperture D11 (macro BOX): \"nan\" is no number, read as 0 (and 1 more value)"},
+        {0, 6, "aperture D12: \"1e-3\" is no plain decimal, read as 0.001"}}},
       {head + "%AMBOX*21,1,$1/0,$1,0,0,0*%\n%ADD10BOX,0.1*%\nD10*\nX0Y0D03*\nM02*\n",
        {{0, 4,
          "aperture D10 (macro BOX): 1 step of its arithmetic gave no number (a division "

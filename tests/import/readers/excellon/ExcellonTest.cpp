@@ -506,9 +506,36 @@ TEST_F(ReadExcellonTextTest, LinesBecomeUpperCaseBlocksWithoutComments) {
   EXPECT_TRUE(ReadExcellonText(files, reporting.services, folder.write("drill.txt", ""), text));
   EXPECT_EQ(text, "");
   const std::string longLine(3'000'000, '7');
-  EXPECT_TRUE(
-      ReadExcellonText(files, reporting.services, folder.write("drill.txt", "x" + longLine), text));
+  EXPECT_TRUE(ReadExcellonText(files, reporting.services,
+                               folder.write("drill.txt", "x" + longLine + "\n"), text));
   EXPECT_EQ(text, "X" + longLine + "|");
+}
+
+// A file whose last block is no end of program was cut: said by line, and a last block whose
+// line has no line end is dropped.
+TEST_F(ReadExcellonTextTest, CutFilesAreNotedByLine) {
+  const std::string head = "M48\nINCH\nT1C0.02\n%\nT1\nX1000Y1000\n";
+  struct Case {
+    std::string file;
+    std::string lastBlocks;  // of the text
+    std::vector<std::string> notes;
+  } cases[] = {
+      {head + "M30\n", "X1000Y1000|M30|", {}},
+      {head + "M30", "X1000Y1000|M30|", {}},
+      {head, "T1|X1000Y1000|", {"line 6: the file ends without M30"}},
+      {head + "X20", "T1|X1000Y1000|", {"line 7: the file ends inside a block, which is dropped"}},
+      {head + "X20\n\n;cut", "X1000Y1000|X20|", {"line 9: the file ends without M30"}},
+      {head + "M30\nT1\nX1Y1\n", "M30|T1|X1Y1|", {"line 9: the file ends without M30"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    std::string text;
+    std::vector<std::string> notes = {"stale"};
+    ASSERT_TRUE(ReadExcellonText(files, reporting.services, folder.write("cut.drl", c.file), text,
+                                 {}, nullptr, &notes));
+    EXPECT_TRUE(text.ends_with(c.lastBlocks)) << text;
+    EXPECT_EQ(notes, c.notes);
+  }
 }
 
 TEST_F(ReadExcellonTextTest, AFileThatCannotBeReadGivesFalseAndAMessage) {
