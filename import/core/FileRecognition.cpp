@@ -13,6 +13,7 @@
 
 namespace tvx {
 
+using recognition::PrefixBytes;
 using recognition::SearchChunk;
 using recognition::WalkChunk;
 
@@ -448,26 +449,25 @@ ImportKind recogniseText(std::string_view text, YieldClock& clock) {
 
 namespace {
 
-// How much of a large file is looked at before the rest is read.
-constexpr std::uintmax_t PrefixBytes = 1 << 20;
 // A large file is read in pieces of this size.
 constexpr std::uintmax_t ReadPieceBytes = std::uintmax_t(8) << 20;
 
-// A prefix of binary content that no test can take: more than one byte in a hundred is a control
-// character (the Gerber and drill tests refuse any), it is no binary drawing file, and the plotter
-// test, the one test that reads past such bytes, finds no plotter commands in it.
-bool refusedByPrefix(std::string_view prefix) {
-  size_t control = 0;
-  for (const char c : prefix) {
-    const auto b = static_cast<unsigned char>(c);
-    if (b < 32 && b != '\t' && b != '\n' && b != '\r' && b != 12 && b != 26 && b != 27)
-      ++control;
-  }
-  if (control * 100 <= prefix.size())
-    return false;
-  if (prefix.substr(0, 18) == "AutoCAD Binary DXF")
-    return false;
-  return IsHpgl(prefix) == ImportKind::Unknown;
+// Whether a file that starts with prefix may be of a kind, so that the rest is worth reading.
+// Each kind must show its marks in the prefix: a Gerber sign, and no character the Gerber walk
+// rejects; a tool letter, and no character the drill walk rejects; a drawing's
+// section or the binary drawing's signature; plotter commands that pass the plotter tests. The
+// walks reject a text whose prefix they reject, so binary content is refused on its prefix.
+bool mayBeOfAKind(std::string_view prefix) {
+  YieldClock clock;
+  const auto has = [&](std::string_view s) { return find(prefix, s, clock) != NotFound; };
+  if (hasGerberSign(prefix, clock) && !gerberWalkRejectsOutsideComments(prefix, clock))
+    return true;
+  if (has("T") && !walkRejects(prefix, ExcellonWalk, clock))
+    return true;
+  if (prefix.starts_with("AutoCAD Binary DXF") || has("SECTION") || has("ENTITIES"))
+    return true;
+  return IsHpgl(prefix, clock) != ImportKind::Unknown ||
+         SecondChanceHpgl(prefix, clock) != ImportKind::Unknown;
 }
 
 }  // namespace
@@ -500,9 +500,10 @@ bool FileRecogniser::load(const std::string& path, std::string& text, bool mayRe
     return false;
   }
   if (mayRefuseEarly && length > PrefixBytes) {
-    // A large file of binary content is refused on its first megabyte: the rest is never read.
+    // A large file that no test could take is refused on its first megabytes: the rest is never
+    // read.
     files_.ReadCharacters(status, handle, text, static_cast<int32_t>(PrefixBytes));
-    if (status == 0 && refusedByPrefix(text)) {
+    if (status == 0 && !mayBeOfAKind(text)) {
       files_.CloseFile(false, handle, path);
       text.clear();
       refusedEarly_ = true;

@@ -1,6 +1,7 @@
 // Tells a chosen file's kind from its text alone: Gerber RS-274-X or RS-274-D, Excellon Format Two
 // or One, AutoCAD DXF or HPGL. The whole file is read once into memory and each test looks at it
-// in place, so even files of hundreds of megabytes are classified at memory speed.
+// in place, so even files of hundreds of megabytes are classified at memory speed; a large file
+// whose first megabytes show the marks of no kind is refused on them alone.
 #pragma once
 
 #include "import/core/ImportJob.h"
@@ -33,6 +34,8 @@ namespace recognition {
 inline constexpr std::size_t WalkChunk = 16 * 1024;
 // Characters a search covers between two looks at the clock.
 inline constexpr std::size_t SearchChunk = 1024 * 1024;
+// How much of a large file is looked at before the rest is read.
+inline constexpr std::size_t PrefixBytes = std::size_t(4) << 20;
 }  // namespace recognition
 
 // Keeps the event loop served while a test walks a long text: the callback runs whenever the
@@ -123,8 +126,8 @@ public:
   Refusal refusal = Refusal::None;
 
 private:
-  // Reads the file; with mayRefuseEarly a file of more than a megabyte whose first megabyte no
-  // test can take is not read further (refusedEarly_, an empty text and true).
+  // Reads the file; with mayRefuseEarly a file of more than four megabytes whose first four show
+  // the marks of no kind is not read further (refusedEarly_, an empty text and true).
   bool load(const std::string& path, std::string& text, bool mayRefuseEarly);
 
   FileLayer& files_;

@@ -315,17 +315,22 @@ TEST_F(FileRecogniserTest, KindsOfFilesWithEmptyAndBinaryContents) {
   EXPECT_TRUE(prompts_.shown.empty());
 }
 
-// Files over a megabyte whose first megabyte is binary: refused on it unless a test could still
-// take them (a binary drawing file, plotter commands among device codes), and the refusal never
-// takes a file that the whole text would give a kind.
-TEST_F(FileRecogniserTest, LargeBinaryFilesAreJudgedByTheirFirstMegabyte) {
-  std::string noise(1 << 21, '\0');
+// Files larger than the prefix that recognition looks at first: refused on it when it shows the
+// marks of no kind (binary noise, text without a Gerber, drill, drawing or plotter mark), read
+// whole when a test could still take them.
+TEST_F(FileRecogniserTest, LargeFilesAreJudgedByTheirPrefix) {
+  const size_t large = recognition::PrefixBytes + 4096;
+  std::string noise(large, '\0');
   uint32_t state = 7;
   for (char& c : noise) {
     state = state * 1664525u + 1013904223u;
     c = static_cast<char>(state >> 24);
   }
-  std::string devices(1 << 21, '\x01');  // control bytes of a plotter's device sequences
+  const std::string devices(large, '\x01');  // control bytes of a plotter's device sequences
+  std::string prose;
+  while (prose.size() < large)
+    prose += "the copper of the board, a trace; a hole\n";
+  const std::string codes = "X1Y1D02*X2D01*M02*\n";
   struct LargeCase {
     const char* name;
     std::string bytes;
@@ -333,14 +338,18 @@ TEST_F(FileRecogniserTest, LargeBinaryFilesAreJudgedByTheirFirstMegabyte) {
     Refusal refusal;
   } cases[] = {
       {"noise", noise, ImportKind::Unknown, Refusal::Unrecognised},
-      {"noise with drawing codes beyond the first megabyte", noise + "X1Y1D02*X2D01*M02*\n",
-       ImportKind::Unknown, Refusal::Unrecognised},
+      {"noise with drawing codes beyond the prefix", noise + codes, ImportKind::Unknown,
+       Refusal::Unrecognised},
+      {"text with drawing codes beyond the prefix", prose + codes, ImportKind::Unknown,
+       Refusal::Unrecognised},
       {"binary drawing file", "AutoCAD Binary DXF\r\n\x1a" + devices + "\nENTITIES\n",
        ImportKind::Dxf, Refusal::None},
       {"plotter commands among device codes", "IN;SP1;PU0,0;PD100,0;" + devices, ImportKind::Hpgl,
        Refusal::None},
-      {"large text", std::string(1 << 21, '\n') + "X1Y1D02*X2D01*M02*\n", ImportKind::ArtworkRS274D,
-       Refusal::None},
+      {"drawing codes, then blank lines", codes + std::string(large, '\n'),
+       ImportKind::ArtworkRS274D, Refusal::None},
+      {"a drill file", "M48\nINCH\nT1C0.02\n%\nT1\n" + std::string(large, '\n') + "X1Y1\nM30\n",
+       ImportKind::ExcellonFormatTwo, Refusal::None},
   };
   for (const LargeCase& c : cases) {
     SCOPED_TRACE(c.name);
