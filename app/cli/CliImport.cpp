@@ -33,11 +33,13 @@ std::vector<int32_t> CliImport::importFiles(const std::vector<std::string>& file
   batch.noCenter = true;
   batch.afterEach = [&](const std::string& path, const ImportResult& result) {
     const bool ok = result.status == 0 && result.layer != 0;
-    // A box titled otherwise than the program's boxes (the file layer's, by the reason) says why.
+    // A box titled otherwise than the program's boxes (the file layer's, by the reason) says why;
+    // a message that starts with the file's name does not name it twice.
     for (size_t i = before; i < prompts.shown.size(); ++i) {
       const ScriptedPrompts::Shown& box = prompts.shown[i];
+      const std::string text = OneLine(box.prompt);
       const bool reason = !box.title.empty() && box.title != run.session->titles.boxTitle();
-      messages.push_back("gbrview: " + path + ": " + OneLine(box.prompt) +
+      messages.push_back("gbrview: " + (text.starts_with(path) ? text : path + ": " + text) +
                          (reason ? " (" + box.title + ")" : std::string()));
     }
     // What was dropped or cut is said, the exit code stays.
