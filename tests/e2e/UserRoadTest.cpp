@@ -196,17 +196,29 @@ TEST_F(UserRoad, WhatAFileLosesIsSaidWithTheOutcome) {
   }
 }
 
-TEST_F(UserRoad, AFolderNamedOnTheCommandLineIsSaidToBeOne) {
-  // The folder is passed over without a box, the file beside it imported, and the message line
-  // says what the folder is.
+TEST_F(UserRoad, NamesOnTheCommandLineThatAreNoFilesAreSaidForWhatTheyAre) {
+  // Each is passed over without a box, a file beside it imported, and the message line says
+  // what the name is.
   const QString drill = QDir(TVX_SOURCE_DIR).filePath("samples/demo.drl");
-  host.start(test::binary("tarvex-gbrviewer"), {home.path(), drill});
-  ASSERT_TRUE(host.waitForStarted(10000));
-  const QString said = "Can't read file: " + home.path() + " (Is a folder, not a file)";
-  QString line;
-  waitUntil([&] { return (line = messageLine()) == said; });
-  EXPECT_EQ(line, said);
-  EXPECT_TRUE(xdo({"search", "--onlyvisible", "--name", "^Tarvex$"}).isEmpty()) << "a box";
+  const QString tooLong = home.filePath(QString(300, 'a'));
+  const struct {
+    QStringList names;
+    QString said;
+  } runs[] = {
+      {{home.path(), drill}, "Can't read file: " + home.path() + " (Is a folder, not a file)"},
+      {{tooLong}, "Can't read file: " + tooLong + " (The name is too long)"},
+  };
+  for (const auto& run : runs) {
+    SCOPED_TRACE(run.said.toStdString());
+    host.start(test::binary("tarvex-gbrviewer"), run.names);
+    ASSERT_TRUE(host.waitForStarted(10000));
+    waitUntil([&] { return messageLine() == run.said; });
+    QThread::msleep(1000);  // start-up has settled (the file request of the second run is up)
+    EXPECT_EQ(messageLine(), run.said);
+    EXPECT_TRUE(xdo({"search", "--onlyvisible", "--name", "^Tarvex$"}).isEmpty()) << "a box";
+    stop();
+    output.clear();
+  }
 }
 
 }  // namespace
