@@ -139,8 +139,9 @@ TEST_F(RenderCommandTest, AFailingFileIsNamedAndTheOthersStillRender) {
     EXPECT_EQ(one.err.find("usage"), std::string::npos) << one.err;
     const test::ProcessRun info = test::runGbrview({"info", fault.file});
     EXPECT_EQ(info.exitCode, fault.infoExit);
-    if (fault.infoExit == fault.renderExit)
+    if (fault.infoExit == fault.renderExit) {
       EXPECT_NE(info.err.find(fault.message), std::string::npos) << info.err;
+    }
   }
 
   // With nothing that renders there is no picture at all.
