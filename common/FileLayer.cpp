@@ -91,11 +91,6 @@ void FileLayer::ReportWriteError(const std::string& name, int error) {
                 msgbox::Exclamation, errorText(error));
 }
 
-void FileLayer::ReportSettingsWriteError(int error) {
-  if (error != 0 && services_.firstSettingsFailure())
-    ReportWriteError(services_.iniFile(), error);
-}
-
 void FileLayer::open(int32_t& status, int16_t& handle, const std::string& name, Mode mode,
                      const char* fopenMode, bool readError) {
   status = 0;

@@ -64,9 +64,6 @@ public:
   // Message 62451 / 62452 with the name, titled with errorText(error).
   void ReportReadError(const std::string& name, int error);
   void ReportWriteError(const std::string& name, int error);
-  // A save of the settings file that failed with error: said the first time in a run only, not
-  // at every save.
-  void ReportSettingsWriteError(int error);
 
   int openCount() const { return static_cast<int>(files_.size()); }
 

@@ -321,10 +321,6 @@ int replaceFileAtomically(const std::string& path, const std::string& text) {
   return 0;
 }
 
-bool writeFileAtomically(const std::string& path, const std::string& text) {
-  return replaceFileAtomically(path, text) == 0;
-}
-
 void removeStaleTemporaries(const std::string& path, const std::function<bool(long)>& running) {
   namespace fs = std::filesystem;
   std::string target = path;

@@ -66,7 +66,6 @@ bool readWholeFile(const std::string& path, std::string& text);
 // old file is left untouched, the temporary is removed, and the result is the error number; 0 on
 // success.
 int replaceFileAtomically(const std::string& path, const std::string& text);
-bool writeFileAtomically(const std::string& path, const std::string& text);
 
 // Removes the temporaries that writers of this file left when their process died: those of
 // processes for which running gives false.

@@ -85,9 +85,15 @@ int SystemServices::commitSettingsBatch() {
   if (error == 0)
     settings_->written(iniFile_, std::move(*pending_));
   else
-    settings_->forget();
+    settingsFailed(error);
   pending_.reset();
   return error;
+}
+
+void SystemServices::settingsFailed(int error) {
+  settings_->forget();
+  if (failureReport_ && !std::exchange(settingsFailureSaid_, true))
+    failureReport_(iniFile_, error);
 }
 
 std::string SystemServices::GetIniString(const std::string& section, const std::string& key,
@@ -119,8 +125,12 @@ void SystemServices::WriteIniString(const std::string& section, const std::strin
   // Start from the file as it is now, so that keys written by others in between are kept.
   settings_->forget();
   IniDocument document = settings_->document(iniFile_);
-  if (!document.setValue(section, key, value) || !writeFileAtomically(iniFile_, document.text())) {
-    settings_->forget();
+  if (!document.setValue(section, key, value)) {
+    status = 1;
+    return;
+  }
+  if (const int error = replaceFileAtomically(iniFile_, document.text()); error != 0) {
+    settingsFailed(error);
     status = 1;
     return;
   }

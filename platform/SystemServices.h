@@ -4,6 +4,7 @@
 #include "platform/IniFile.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,7 +35,8 @@ public:
   std::string GetIniString(const std::string& section, const std::string& key,
                            const std::string& defaultValue) const;
   // Writes one setting; status 0 on success, 1 when the file could not be written. Inside a batch
-  // the setting only changes in memory (reads see it) until the batch is committed.
+  // the setting only changes in memory (reads see it) until the batch is committed. A file that
+  // cannot be replaced is told to the failure report.
   void WriteIniString(const std::string& section, const std::string& key, const std::string& value,
                       int32_t& status);
 
@@ -45,9 +47,13 @@ public:
   // removes the temporaries of writers that died.
   void beginSettingsBatch();
   int commitSettingsBatch();
-  // True the first time only: a settings file that cannot be written is said once per run, not at
-  // every save.
-  bool firstSettingsFailure() { return !std::exchange(settingsFailureSaid_, true); }
+  // Who tells the user that the settings file (named) could not be replaced, with the error
+  // number. It is called for the first failure of a run only, not at every save; an empty one
+  // leaves the failures unsaid.
+  using SettingsFailureReport = std::function<void(const std::string& file, int error)>;
+  void setSettingsFailureReport(SettingsFailureReport report) {
+    failureReport_ = std::move(report);
+  }
 
   // The catalogue's text for id, or defaultText when the catalogue has none.
   std::string LocalMessage(const std::string& defaultText, const std::string& id) const;
@@ -83,6 +89,9 @@ private:
   class Settings;
   UserPrompts* prompts_ = nullptr;
   Graphics* graphics_ = nullptr;
+  void settingsFailed(int error);
+
+  SettingsFailureReport failureReport_;
   bool settingsFailureSaid_ = false;
   int batchDepth_ = 0;
   std::optional<IniDocument> pending_;  // the settings of the open batch

@@ -22,7 +22,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <cerrno>
 #include <optional>
 #include <utility>
 
@@ -99,8 +98,6 @@ void GBRVIEWER_MAIN::importChosenFile(const std::string& path) {
   const std::string folder = QFileInfo(QString::fromStdString(path)).absolutePath().toStdString();
   int32_t status = 0;
   writeImpDir(status, context_.services, folder);
-  if (status != 0)
-    import_->files.ReportSettingsWriteError(EACCES);
   settings_.ImpDir = folder;
 
   setImportControlsEnabled(false);
@@ -196,8 +193,6 @@ GBRVIEWER_IMPORT* GBRVIEWER_MAIN::importWindow() const { return importWindow_; }
 void GBRVIEWER_MAIN::setCurrentApertureTable(const std::string& name) {
   int32_t status = 0;
   writeAper(status, context_.services, name);
-  if (status != 0)
-    import_->files.ReportSettingsWriteError(EACCES);
   settings_.Aper = name;
 }
 

@@ -2,6 +2,7 @@
 #include "shell/GBRVIEWER_MAIN.h"
 #include "viewer/DisplayUnits.h"
 
+#include "common/FileLayer.h"
 #include "common/TextHelpers.h"
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
@@ -78,6 +79,11 @@ void GBRVIEWER_MAIN::Form_Load() {
     appPath_ = QCoreApplication::applicationDirPath().toStdString();
   sysDir_ = appPath_ + "/SYS";
   services.SetIniFile(SystemServices::StringFromPointer(kernel.strings.E_GetString(IniFileString)));
+  // A settings file that cannot be replaced is said by the file layer's message, once a run.
+  services.setSettingsFailureReport(
+      [&services, &prompts = context_.prompts](const std::string& file, int error) {
+        FileLayer(services, &prompts).ReportWriteError(file, error);
+      });
   readFolders(services,
               SystemServices::StringFromPointer(kernel.strings.E_GetString(ProductNameString)),
               settings_);

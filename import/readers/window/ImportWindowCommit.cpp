@@ -86,7 +86,7 @@ void ImportWindowModel::commit(const std::string& key, const std::string& cellTe
   }
   buildRows();
   if (saved != 0) {
-    // One commit, one replacement of the settings file; a file that cannot take it says so.
+    // One commit, one replacement of the settings file.
     SettingsBatch batch(session_.services);
     if (saved & 1)
       SaveExcellonSettings(session_.services, session_.excellonFormat);
@@ -94,7 +94,7 @@ void ImportWindowModel::commit(const std::string& key, const std::string& cellTe
       SaveGerberSettings(session_.services, session_.gerberFormat);
     if (saved & 4)
       SaveDxfSettings(session_.services, session_.dxfFormat);
-    session_.files.ReportSettingsWriteError(batch.commit());
+    batch.commit();
   }
   notify();
 }
