@@ -47,6 +47,10 @@ void IniUserStore::SaveSetting(const std::string& application, const std::string
   services_.WriteIniString(application + "." + section, key, value, status);
 }
 
+void IniUserStore::beginSave() { services_.beginSettingsBatch(); }
+
+void IniUserStore::endSave() { services_.commitSettingsBatch(); }
+
 std::string MemoryUserStore::GetSetting(const std::string& application, const std::string& section,
                                         const std::string& key,
                                         const std::string& defaultValue) const {

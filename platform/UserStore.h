@@ -20,6 +20,22 @@ public:
                                  const std::string& key, const std::string& defaultValue) const = 0;
   virtual void SaveSetting(const std::string& application, const std::string& section,
                            const std::string& key, const std::string& value) = 0;
+  // The settings saved between the two go out together, where the store keeps a file: one
+  // replacement of it. Saves nest; the outermost end writes.
+  virtual void beginSave() {}
+  virtual void endSave() {}
+};
+
+// One save of a window's values for the length of a scope.
+class UserStoreSave {
+public:
+  explicit UserStoreSave(UserStore& store) : store_(store) { store_.beginSave(); }
+  ~UserStoreSave() { store_.endSave(); }
+  UserStoreSave(const UserStoreSave&) = delete;
+  UserStoreSave& operator=(const UserStoreSave&) = delete;
+
+private:
+  UserStore& store_;
 };
 
 // The desktop's store through QSettings: organisation and application both the application
@@ -52,6 +68,8 @@ public:
                          const std::string& key, const std::string& defaultValue) const override;
   void SaveSetting(const std::string& application, const std::string& section,
                    const std::string& key, const std::string& value) override;
+  void beginSave() override;
+  void endSave() override;
 
 private:
   SystemServices& services_;

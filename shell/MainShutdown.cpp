@@ -1,8 +1,6 @@
 // The close request, the unload, and the window's sizing.
 #include "shell/GBRVIEWER_MAIN.h"
 
-#include "common/FileLayer.h"
-
 #include "import/readers/ImportSession.h"
 #include "kernel/Kernel.h"
 #include "platform/SystemServices.h"
@@ -46,22 +44,20 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
   qApp->removeEventFilter(this);
   if (!exitAnyWay_) {
     kernel.strings.E_SetString(ComponentName, "");
-    {
-      // The settings of the unload, window place included, replace the file once: a viewer
-      // killed on the way leaves the old file or the new one, never a mix.
-      SettingsBatch batch(context_.services);
-      if (userStore_)
-        SaveWindowPlace(*userStore_, *this);
-      saveBands();
-      takeFromView(*view_, settings_);
-      takeMeasureSettings();
-      settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;
-      settings_.GRID = kernel.graphics.G_GetGridMode(cpDcId_);
-      settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;
-      int32_t status = 0;
-      writeViewerSettings(status, context_.services, settings_);
-      FileLayer(context_.services, &context_.prompts).ReportSettingsWriteError(batch.commit());
-    }
+    // The settings of the unload, the places of this window and of the windows it closes
+    // included, replace the file once: a viewer killed on the way leaves the old file or the new
+    // one, never a mix.
+    SettingsBatch batch(context_.services);
+    if (userStore_)
+      SaveWindowPlace(*userStore_, *this);
+    saveBands();
+    takeFromView(*view_, settings_);
+    takeMeasureSettings();
+    settings_.VIEW.Monochrome = (redraw_->RememberedMonoFlags & MonoFlag) != 0;
+    settings_.GRID = kernel.graphics.G_GetGridMode(cpDcId_);
+    settings_.TOOLBARS = toolbarsLocked_ ? 1 : 0;
+    int32_t status = 0;
+    writeViewerSettings(status, context_.services, settings_);
 
     if (const QCursor* first = kernel.graphics.cursor(cursors_[0]))
       viewPicture_->setCursor(*first);
@@ -79,6 +75,7 @@ void GBRVIEWER_MAIN::Form_Unload(bool& /*Cancel*/) {
     for (QWidget* child : findChildren<QWidget*>())
       if (child->isWindow() && child->isVisible())
         child->close();
+    batch.commit();
 
     kernel.graphics.G_DeleteDC(cpDcId_);
     cpDcId_ = 0;

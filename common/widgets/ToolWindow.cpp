@@ -6,6 +6,8 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 
+#include <optional>
+
 namespace tvx {
 
 ToolWindow::ToolWindow(UserStore* places, QWidget* parent) : QMainWindow(parent), places_(places) {}
@@ -30,8 +32,12 @@ void ToolWindow::keyPressEvent(QKeyEvent* event) {
 void ToolWindow::closeEvent(QCloseEvent* event) {
   if (!unloaded_) {
     unloaded_ = true;
-    if (places_)
+    // The place and what the window keeps at its unload go out as one save.
+    std::optional<UserStoreSave> save;
+    if (places_) {
+      save.emplace(*places_);
       SaveWindowPlace(*places_, *this);
+    }
     unload();
   }
   event->accept();

@@ -43,6 +43,7 @@ std::string windowName(const QWidget& window) {
 
 void SaveWindowPlace(UserStore& store, const std::string& name, const WindowPlace& place) {
   const int32_t values[] = {place.Top, place.Left, place.Height, place.Width};
+  const UserStoreSave save(store);
   for (int i = 0; i < 4; ++i)
     store.SaveSetting(UserStoreApplication, UserStoreSection, name + Keys[i],
                       std::to_string(values[i]));

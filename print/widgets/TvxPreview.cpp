@@ -601,6 +601,7 @@ void TvxPreview::saveAndRelease() {
     thumb.device = 0;
   }
   if (host_.store) {
+    const UserStoreSave save(*host_.store);
     output_.SaveSettings(*host_.store);
     SaveWindowPlace(*host_.store, *this);
   }
