@@ -8,6 +8,7 @@
 #include "platform/MessageCatalogue.h"
 #include "platform/TokenList.h"
 #include "platform/UserPrompts.h"
+#include "platform/UserStore.h"
 #include "support/GuiTestApplication.h"
 
 #include <QImage>
@@ -348,7 +349,10 @@ TEST_F(IniSettings, ASaveKilledAtAnyStepLeavesTheOldOrTheNewFileWhole) {
   }
 }
 
-TEST_F(IniSettings, ABatchThatCannotBeWrittenSaysWhyAndChangesNothing) {
+TEST_F(IniSettings, ABatchThatCannotBeWrittenSaysWhyOnceAndChangesNothing) {
+  std::vector<std::pair<std::string, int>> said;
+  services_.setSettingsFailureReport(
+      [&said](const std::string& file, int error) { said.emplace_back(file, error); });
   writeFile(path_, "[A]\nx=1\n");
   fs::permissions(path_, fs::perms::owner_read | fs::perms::group_read);
   SettingsBatch batch(services_);
@@ -358,7 +362,38 @@ TEST_F(IniSettings, ABatchThatCannotBeWrittenSaysWhyAndChangesNothing) {
   EXPECT_EQ(batch.commit(), EACCES);
   EXPECT_EQ(readFile(path_), "[A]\nx=1\n");
   EXPECT_EQ(services_.GetIniString("A", "x", ""), "1");
+  // A later save that fails too is not said again.
+  EXPECT_EQ(write("A", "x", "3"), 1);
+  EXPECT_EQ(said, (std::vector<std::pair<std::string, int>>{{path_, EACCES}}));
   fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write);
+}
+
+// A window's values saved through the user store in the settings file are one replacement, in
+// the section "<application>.<section>"; within a save of the services they wait for its commit.
+TEST_F(IniSettings, TheUserStoreSavesAWindowsValuesAsOneReplacement) {
+  IniUserStore store(services_);
+  int replacements = 0;
+  setAtomicWriteStepHook(
+      [&](AtomicWriteStep step) { replacements += step == AtomicWriteStep::Rename; });
+  {
+    const UserStoreSave save(store);
+    for (const char* key : {"W_TOP", "W_LEFT", "W_WIDTH"})
+      store.SaveSetting("App", "Sec", key, "7");
+    EXPECT_EQ(replacements, 0);
+  }
+  EXPECT_EQ(replacements, 1);
+  {
+    SettingsBatch unload(services_);
+    {
+      const UserStoreSave save(store);
+      store.SaveSetting("App", "Sec", "W_TOP", "8");
+    }
+    EXPECT_EQ(replacements, 1);
+    unload.commit();
+  }
+  setAtomicWriteStepHook({});
+  EXPECT_EQ(replacements, 2);
+  EXPECT_EQ(readFile(path_), "[App.Sec]\nW_TOP=8\nW_LEFT=7\nW_WIDTH=7\n");
 }
 
 // Each glyph marks its point and stays within its size; drawn twice in exclusive-or it is gone.

@@ -5,6 +5,7 @@
 #include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_GISIMP.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
+#include "platform/IniFile.h"
 #include "platform/UserStore.h"
 #include "shell/HostCommands.h"
 #include "store/LayerCatalogue.h"
@@ -19,6 +20,7 @@
 #include <QTextBrowser>
 #include <QToolButton>
 
+#include <filesystem>
 #include <fstream>
 #include <tuple>
 
@@ -254,6 +256,47 @@ TEST_F(MainWindowTest, LayerPropertiesFollowTheCurrentLayer) {
   EXPECT_FALSE(w.PropertiesOpen);
   EXPECT_EQ(w.pointerTools().ToolCode, toolcode::None);
   EXPECT_EQ(w.redraw().HLPadstack, 0);
+}
+
+// The unload with the layer properties open replaces the settings file once, the places of both
+// windows in it. A settings file made read-only stays as it was, and of the two saves that fail
+// (the properties closed, then the unload) only the first is said.
+TEST_F(MainWindowTest, AnUnloadIsOneReplacementOfTheSettingsFileAndAFailureIsSaidOnce) {
+  namespace fs = std::filesystem;
+  const std::string before = "[GBRVIEWER]\nUNIT=1\n";
+  for (bool readOnly : {false, true}) {
+    SCOPED_TRACE(readOnly);
+    write("tarvex.ini", before);
+    fs::permissions(ini, readOnly ? fs::perms::owner_read : fs::perms::owner_all);
+    prompts.shown.clear();
+    window()->setUserStore(nullptr);  // the places go to the settings file
+    window()->setStartupFiles({write("board.drl", Drill)});
+    load();
+    window()->functionKeys().RunFunctionCommand(0, 0, true);
+    ASSERT_NE(window()->layerPropertiesWindow(), nullptr);
+    if (readOnly)
+      window()->layerPropertiesWindow()->close();
+    int replacements = 0;
+    setAtomicWriteStepHook(
+        [&](AtomicWriteStep step) { replacements += step == AtomicWriteStep::Rename; });
+    component->NotifyMe("TARVEX", "All,EX");
+    setAtomicWriteStepHook({});
+    SystemServices reader;
+    reader.SetIniFile(ini);
+    const auto saved = [&](const char* key) {
+      return !reader.GetIniString("Tarvex.TVNGBRVIEWER", key, "").empty();
+    };
+    if (!readOnly) {
+      EXPECT_EQ(std::tuple(replacements, saved("GBRVIEWER_MAIN_WIDTH"),
+                           saved("GBRVIEWER_GISIMP_WIDTH"), prompts.shown.size()),
+                std::tuple(1, true, true, size_t(0)));
+      continue;
+    }
+    std::ifstream file(ini);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), before);
+    ASSERT_EQ(prompts.shown.size(), 1u);
+    EXPECT_EQ(prompts.shown[0].prompt, "Can't create/write to file: " + ini);
+  }
 }
 
 }  // namespace
