@@ -258,13 +258,14 @@ protected:
 
   // Sends a host query and gathers the answer lines up to the one that holds last.
   QStringList ask(const QString& query, const QString& last) {
-    const qsizetype from = output.size();
-    host.write((query + "\n").toUtf8());
+    QString& heard = *heard_;
+    const qsizetype from = heard.size();
+    talking_->write((query + "\n").toUtf8());
     QStringList lines;
     waitUntil([&] {
-      host.waitForReadyRead(50);
-      output += QString::fromUtf8(host.readAllStandardOutput());
-      lines = output.mid(from).split('\n', Qt::SkipEmptyParts);
+      talking_->waitForReadyRead(50);
+      heard += QString::fromUtf8(talking_->readAllStandardOutput());
+      lines = heard.mid(from).split('\n', Qt::SkipEmptyParts);
       for (const QString& line : lines)
         if (line.contains(last))
           return true;
@@ -436,11 +437,22 @@ protected:
             int(view.y + view.height / 2 + (-v.value(3).toDouble() - worldY) / precision)};
   }
 
+  // The queries go to another host of the test (with what it said so far) until talkTo() is
+  // called again with no arguments.
+  void talkTo(QProcess* process = nullptr, QString* heard = nullptr) {
+    talking_ = process ? process : &host;
+    heard_ = heard ? heard : &output;
+  }
+
   QTemporaryDir home;
   XServer x;
   QProcessEnvironment environment;
   QProcess host;
   QString output;
+
+private:
+  QProcess* talking_ = &host;
+  QString* heard_ = &output;
 };
 
 }  // namespace test
