@@ -87,10 +87,11 @@ public:
 private:
   class Catalogue;
   class Settings;
-  UserPrompts* prompts_ = nullptr;
-  Graphics* graphics_ = nullptr;
+  // Forgets the kept file and tells the report of the run's first failure.
   void settingsFailed(int error);
 
+  UserPrompts* prompts_ = nullptr;
+  Graphics* graphics_ = nullptr;
   SettingsFailureReport failureReport_;
   bool settingsFailureSaid_ = false;
   int batchDepth_ = 0;
