@@ -8,6 +8,7 @@
 // answer what the user sees, for the scripts and tests that drive the viewer.
 
 #include "app/HostQueries.h"
+#include "app/PauseMeter.h"
 #include "app/cli/CommandLine.h"
 #include "common/FileLayer.h"
 #include "common/widgets/QtUserPrompts.h"
@@ -118,6 +119,10 @@ int main(int argc, char* argv[]) {
   QApplication::setApplicationDisplayName("Tarvex");
   // Only the component's SHUTDOWN ends the host, not the last window closing.
   app.setQuitOnLastWindowClosed(false);
+  // The timing scripts ask how long the window went without answering (the query PAUSE).
+  std::unique_ptr<tvx::PauseMeter> pauses;
+  if (qEnvironmentVariableIsSet("TVX_MEASURE_PAUSES"))
+    pauses = std::make_unique<tvx::PauseMeter>();
   // The application object has taken its own options (-platform, ...) out of the arguments.
   if (!parser.parse(QCoreApplication::arguments())) {
     std::fprintf(stderr, "tarvex-gbrviewer: %s\n", qPrintable(parser.errorText()));

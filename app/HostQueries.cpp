@@ -1,5 +1,7 @@
 #include "app/HostQueries.h"
 
+#include "app/PauseMeter.h"
+
 #include "common/widgets/PropertyGrid.h"
 #include "import/readers/window/widgets/GBRVIEWER_IMPORT.h"
 #include "kernel/Kernel.h"
@@ -302,6 +304,10 @@ bool answerHostQuery(const std::string& command, GBRVIEWER_MAIN* window, std::st
     answer = tableCell(argumentOf("TABLECELL,"));
   } else if (query.rfind("PLACE,", 0) == 0) {
     answer = widgetPlace(argumentOf("PLACE,"));
+  } else if (query == "PAUSE") {
+    PauseMeter* meter = PauseMeter::running();
+    answer =
+        line(meter ? "PAUSE," + std::to_string(meter->takeLongest()) : std::string("PAUSE,NONE"));
   } else {
     return false;
   }

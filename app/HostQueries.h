@@ -38,6 +38,9 @@
 //   PREVIEW          the print preview: "PREVIEW,<sheets>,<across>,<down>,<scale>,<thumbnails
 //                    shown>,<selected sheet><TAB><status panel 1><TAB><status panel 2>", or
 //                    "PREVIEW,NONE".
+//   PAUSE            the longest time the window did not answer since the last PAUSE (or the
+//                    start): "PAUSE,<milliseconds>"; "PAUSE,NONE" unless the host was started with
+//                    TVX_MEASURE_PAUSES set (app/PauseMeter.h).
 //   LAYER,<number>   what the layer holds: "LAYER,<number>,<items>,<min X>,<min Y>,<max X>,
 //                    <max Y>,<widest line>" in store units, or "LAYER,<number>,NONE".
 #pragma once
