@@ -412,6 +412,7 @@ private:
   int32_t OptionBandWidth = 0;  // the option band's size as the user left it, in pixels
   int32_t OptionBandHeight = 0;
   bool rebuildingKeyBands_ = false;
+  bool batchImporting_ = false;                    // files of the command line are being read
   std::string viewBand_ = "B_ViewLayout";          // the view band in the bar's place
   std::map<std::string, BandPlace> loadedPlaces_;  // the bands' places as read at start
   QLineEdit* xPosPanel_ = nullptr;

@@ -171,7 +171,9 @@ int GBRVIEWER_MAIN::importFiles(const std::vector<std::string>& files,
     layerCommands_->M_ActiveCategories_Click(result.layer);
     ++imported;
   };
+  batchImporting_ = true;
   import_->importFiles(tables_->Layers, files, options);
+  batchImporting_ = false;
   EditMsgLine(outcome);
   import_->running = false;
   setImportControlsEnabled(true);

@@ -40,7 +40,13 @@ void GBRVIEWER_MAIN::buildLayerCommands() {
       redraw_->RedrawBusy = *before;
   };
   h.endTool = [this] { Form_KeyDown(keycode::Escape, 0); };
-  h.redraw = [this] { RedrawScreen(); };
+  // Within a batch of files the view is drawn once, fitted, when the last one is in: a layer
+  // drawn at the view of before would cost the large ones their spatial index and a picture
+  // nobody sees.
+  h.redraw = [this] {
+    if (!batchImporting_)
+      RedrawScreen();
+  };
   h.applySystemSettings = [this] {
     // Every layer afresh and empty, and no reference point on them.
     layersBuilt_ = false;

@@ -235,6 +235,13 @@ TEST_F(MainWindowTest, HostFilesAreImportedInPlaceOfTheRequest) {
   const FrameRect seen = window()->view().ViewRect;
   EXPECT_TRUE(seen.MinX <= 254000 && seen.MaxX >= 1270000 && seen.MinY <= 254000 &&
               seen.MaxY >= 1016000);
+
+  // A batch that changes the current layer draws the view once, fitted, at its end.
+  const std::string plot = write("board.plt", "IN;SP1;PU0,0;PD4000,0,4000,4000;");
+  const int32_t before = window()->redraw().rebuilds();
+  ASSERT_EQ(window()->importFiles({plot}), 1);
+  EXPECT_NE(window()->layerTables().CurrentLayer, 31);
+  EXPECT_EQ(window()->redraw().rebuilds(), before + 1);
 }
 
 // Key 0 of function 1 opens the current layer's properties with their tool; another layer
