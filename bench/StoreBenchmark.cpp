@@ -6,6 +6,7 @@
 #include "MixedLayer.h"
 
 #include <random>
+#include <vector>
 
 namespace tvx {
 namespace {
@@ -24,6 +25,21 @@ void BM_Build(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_Build)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// The spatial index of a layer made at once, as the first partial view or pick after an import
+// makes it.
+void BM_IndexBuild(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    Store s;
+    fill(s, int(state.range(0)));
+    std::vector<int32_t> found;
+    state.ResumeTiming();
+    s.membersInBox(s.S_SymbolItemArray(Layer), FrameRect{0, 0, 1, 1}, found);
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_IndexBuild)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(2);
 
 struct Board1M {
   Store store;

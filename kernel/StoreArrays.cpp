@@ -106,6 +106,21 @@ void Store::Impl::reindexMember(ArrayData& a, int32_t member) {
   indexMember(a, member);
 }
 
+namespace {
+// The bits of x and y interleaved, x in the even places.
+uint64_t zOrder(uint32_t x, uint32_t y) {
+  const auto spread = [](uint64_t v) {
+    v = (v | (v << 16)) & 0x0000FFFF0000FFFFull;
+    v = (v | (v << 8)) & 0x00FF00FF00FF00FFull;
+    v = (v | (v << 4)) & 0x0F0F0F0F0F0F0F0Full;
+    v = (v | (v << 2)) & 0x3333333333333333ull;
+    v = (v | (v << 1)) & 0x5555555555555555ull;
+    return v;
+  };
+  return spread(x) | (spread(y) << 1);
+}
+}  // namespace
+
 void Store::Impl::buildIndex(ArrayData& a) {
   if (a.element == ObjectKind::Entry)
     a.index = std::make_unique<SpatialIndex>(
@@ -121,8 +136,28 @@ void Store::Impl::buildIndex(ArrayData& a) {
           a.indexedReach[key] = padReach(*padStack(handle));
     a.boxesEpoch = padEpoch;
   }
-  for (int32_t member : a.objects)
-    indexMember(a, member);
+  // The members go in by the Z-order of their centres: each descent then follows the one before
+  // through nodes already in the cache, where an order by position sends every one of them
+  // across the whole tree. What a query finds does not depend on the order.
+  struct Placed {
+    uint64_t key;
+    uint32_t id;
+    Box box;
+  };
+  std::vector<Placed> placed;
+  placed.reserve(a.objects.size());
+  for (int32_t member : a.objects) {
+    const Box box = memberBox(a, member);
+    const auto centre = [](int32_t low, int32_t high) {
+      return uint32_t(int32_t((int64_t(low) + high) >> 1)) ^ 0x80000000u;
+    };
+    placed.push_back({zOrder(centre(box.minX, box.maxX), centre(box.minY, box.maxY)),
+                      table.find(member, a.element), box});
+  }
+  std::sort(placed.begin(), placed.end(),
+            [](const Placed& l, const Placed& r) { return l.key < r.key; });
+  for (const Placed& p : placed)
+    a.index->insert(p.id, p.box);
 }
 
 namespace {
