@@ -24,6 +24,19 @@ export DISPLAY=:$(head -1 "$work/display")
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
+ask() { # query, answer prefix: prints the value of the answer to this query
+  local from
+  from=$(wc -l <"$work/out")
+  echo "TARVEX,$1" >"$work/in"
+  for _ in $(seq 600); do
+    if tail -n +"$((from + 1))" "$work/out" | grep -q "$2"; then
+      tail -n +"$((from + 1))" "$work/out" | grep "$2" | tail -1 | sed "s/.*$2//"
+      return
+    fi
+    sleep 0.1
+  done
+}
+
 : >"$work/import" ; : >"$work/home" ; : >"$work/wheel"
 for _ in $(seq "$runs"); do
   rm -f "$work/in" "$work/out"
@@ -33,18 +46,6 @@ for _ in $(seq "$runs"); do
   XDG_CONFIG_HOME=$work/config XDG_CACHE_HOME=$work/cache TVX_MEASURE_PAUSES=1 \
     "$host" --layer 3 "$boards/large.gbr" <"$work/in" >"$work/out" 2>/dev/null &
   viewer=$!
-  ask() { # query, answer prefix: prints the value of the answer to this query
-    local from
-    from=$(wc -l <"$work/out")
-    echo "TARVEX,$1" >"$work/in"
-    for _ in $(seq 600); do
-      if tail -n +"$((from + 1))" "$work/out" | grep -q "$2"; then
-        tail -n +"$((from + 1))" "$work/out" | grep "$2" | tail -1 | sed "s/.*$2//"
-        return
-      fi
-      sleep 0.1
-    done
-  }
   # The import is over when the message line tells its outcome.
   for _ in $(seq 600); do
     line=$(ask MSGLINE "MSGLINE	")

@@ -215,23 +215,17 @@ void ViewRedraw::toggleRaster() {
 }
 
 void ViewRedraw::chooseGridMode(int32_t mode) {
-  const int32_t was = gridMode();
-  if (GridOn && was == mode)
+  const bool shown = GridOn;
+  if (shown && gridMode() == mode)
     return;
-  if (mode == 1) {
-    // A line or cross raster goes with a rebuild; the dots are then added on the picture.
-    if (GridOn) {
-      GridOn = false;
-      RedrawScreen();
-    }
-    GridOn = true;
-    kernel_.graphics.G_SetGridMode(view_.device(), 1);
-    xorRaster();
-    return;
-  }
   GridOn = true;
   kernel_.graphics.G_SetGridMode(view_.device(), mode);
-  RedrawScreen();
+  // Dots come onto the picture as it stands; any other change takes a rebuild, which draws the
+  // new raster (dots too) in place of the old one.
+  if (mode == 1 && !shown)
+    xorRaster();
+  else
+    RedrawScreen();
 }
 
 void ViewRedraw::changeRasterStep(int32_t step) {
